@@ -1,0 +1,155 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/output_file.h"
+#include "base/paths.h"
+#include "base/text.h"
+
+namespace base {
+namespace {
+
+[[noreturn]] void throwSystemError(std::wstring_view fileName, int number) {
+    throw FileError(std::wstring(fileName), fromUtf8(std::strerror(number)));
+}
+
+// An open file, closed when it goes.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0) ::close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int number() const { return number_; }
+
+  private:
+    int number_;
+};
+
+// Makes the folder's entries durable. Some file systems refuse this for folders; the data itself is safe by then.
+void syncFolder(const std::filesystem::path& folder) {
+    const Descriptor opened(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.number() >= 0) {
+        ::fsync(opened.number());
+    }
+}
+
+}  // namespace
+
+FileBuffer readFile(std::wstring_view path) {
+    const Descriptor file(::open(toUtf8(path).c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status;
+    if (file.number() < 0 || ::fstat(file.number(), &status) != 0) {
+        throwSystemError(path, errno);
+    }
+    // One byte more than the size shows the end without growing the buffer; pipes and the like tell no size.
+    FileBuffer buffer(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+    std::size_t filled = 0;
+    for (;;) {
+        const ssize_t count = ::read(file.number(), buffer.data() + filled, buffer.size() - filled);
+        if (count < 0) {
+            if (errno == EINTR) continue;
+            throwSystemError(path, errno);
+        }
+        if (count == 0) {
+            break;
+        }
+        filled += static_cast<std::size_t>(count);
+        if (filled == buffer.size()) {
+            FileBuffer larger(buffer.size() * 2 + 65536);
+            std::memcpy(larger.data(), buffer.data(), filled);
+            buffer = std::move(larger);
+        }
+    }
+    buffer.truncate(filled);
+    return buffer;
+}
+
+AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced_(toPath(target)) {
+    struct stat status;
+    const bool exists = ::stat(replaced_.c_str(), &status) == 0;
+    if (exists && !S_ISREG(status.st_mode)) {
+        const int file = ::open(replaced_.c_str(), O_WRONLY | O_CLOEXEC);
+        if (file < 0) {
+            fail();
+        }
+        handle_ = file;
+        return;
+    }
+    // A link stays: what it leads to is replaced, also where that does not exist yet.
+    std::error_code error;
+    for (int links = 0; std::filesystem::is_symlink(replaced_, error) && links < 40; ++links) {
+        replaced_ = replaced_.parent_path() / std::filesystem::read_symlink(replaced_, error);
+    }
+    if (exists && ::access(replaced_.c_str(), W_OK) != 0) {
+        fail();
+    }
+    std::string pattern = (replaced_.parent_path() / ("." + replaced_.filename().native() + ".XXXXXX")).native();
+    const int file = ::mkostemp(pattern.data(), O_CLOEXEC);
+    if (file < 0) {
+        fail();
+    }
+    handle_ = file;
+    beside_ = pattern;
+    mode_t mode;
+    if (exists) {
+        mode = status.st_mode & 07777;
+        // Only the superuser may give files away; where that fails the file belongs to who wrote it.
+        if (::fchown(file, status.st_uid, status.st_gid) != 0) {
+            mode &= 0777;
+        }
+    } else {
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        mode = 0666 & ~mask;
+    }
+    ::fchmod(file, mode);
+}
+
+AtomicFile::Output::~Output() {
+    if (handle_ != kClosed) {
+        ::close(static_cast<int>(handle_));
+    }
+    if (!beside_.empty()) {
+        ::unlink(beside_.c_str());
+    }
+}
+
+void AtomicFile::Output::write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(static_cast<int>(handle_), bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            fail();
+        }
+    }
+}
+
+void AtomicFile::Output::commit() {
+    const int file = static_cast<int>(handle_);
+    const bool isBeside = !beside_.empty();
+    if (isBeside && ::fsync(file) != 0) {
+        fail();
+    }
+    handle_ = kClosed;
+    if (::close(file) != 0) {
+        fail();
+    }
+    if (isBeside) {
+        if (::rename(beside_.c_str(), replaced_.c_str()) != 0) {
+            fail();
+        }
+        beside_.clear();
+        syncFolder(replaced_.parent_path());
+    }
+}
+
+void AtomicFile::Output::fail() const { throwSystemError(target_, errno); }
+
+}  // namespace base

@@ -1,0 +1,28 @@
+#include <cstdlib>
+
+#include "base/paths.h"
+#include "base/text.h"
+
+namespace base {
+
+wchar_t pathSeparator() { return L'/'; }
+
+bool isPathSeparator(wchar_t character) { return character == L'/'; }
+
+std::filesystem::path toPath(std::wstring_view path) { return toUtf8(path); }
+
+std::wstring fromPath(const std::filesystem::path& path) { return fromUtf8(path.native()); }
+
+std::wstring userSettingsFolder() {
+    if (const auto folder = environmentVariable(L"XDG_CONFIG_HOME"); folder && isAbsolutePath(*folder)) {
+        return *folder;
+    }
+    return joinPath(environmentVariable(L"HOME").value_or(L"/"), L".config");
+}
+
+std::optional<std::wstring> environmentVariable(std::wstring_view name) {
+    const char* value = std::getenv(toUtf8(name).c_str());
+    return value == nullptr ? std::nullopt : std::optional(fromUtf8(value));
+}
+
+}  // namespace base

@@ -1,0 +1,42 @@
+# For ./torvel and ./test: what is missing of the tools and libraries, and its installation. Sourced, not run.
+#
+#   need PACKAGE COMMAND_OR_FILE    notes the package when there is neither such a command nor such a file
+#   install_needed LOG              installs what was noted; names what cannot be installed and goes on
+
+needed_packages=()
+
+need() {
+    case $2 in
+        /*) compgen -G "$2" >/dev/null && return ;;
+        *) command -v "$2" >/dev/null && return ;;
+    esac
+    needed_packages+=("$1")
+}
+
+install_needed() {
+    [ ${#needed_packages[@]} -gt 0 ] || return 0
+    if [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; then
+        echo "Installing ${needed_packages[*]}" >&2
+        mkdir -p "$(dirname "$1")"
+        if {
+            apt-get update &&
+                DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 install -y \
+                    --no-install-recommends "${needed_packages[@]}"
+        } >"$1" 2>&1 </dev/null; then
+            needed_packages=()
+            return 0
+        fi
+    fi
+    echo "Missing packages, please install: ${needed_packages[*]}" >&2
+    return 1
+}
+
+# What the program itself is built with.
+need_for_program() {
+    need cmake cmake
+    need ninja-build ninja
+    need g++ g++
+    need ccache ccache
+    need llvm llvm-rc
+    need libboost-dev /usr/include/boost/format.hpp
+}

@@ -1,0 +1,60 @@
+# Settings that hold for the whole tree: options, output folders, run paths, sanitizers, third-party headers.
+
+option(TORVEL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(TORVEL_FUZZ "Build the fuzzers (clang only)" OFF)
+option(TORVEL_TESTS "Build the tests where GoogleTest's sources are installed" ON)
+option(TORVEL_CHECK_SOURCES "Register the tests that read the sources themselves (layout, format)" OFF)
+set(TORVEL_PRESET "" CACHE STRING "Name put before the names of this build's tests")
+
+find_program(TORVEL_CCACHE ccache)
+if(TORVEL_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${TORVEL_CCACHE}")
+endif()
+
+# Programs and shared libraries lie side by side, so that each finds the others by its own folder.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_BUILD_RPATH "$ORIGIN")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_DEBUG "-O1 -g")
+
+if(TORVEL_SANITIZE)
+  set(sanitizers address,undefined)
+  if(TORVEL_FUZZ)
+    string(APPEND sanitizers ",fuzzer-no-link")
+  endif()
+  add_compile_options(-fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  # Host and module each have their own description of the interfaces' types, which these two checks take for an error.
+  add_compile_options(-fno-sanitize=vptr $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+  add_link_options(-fsanitize=${sanitizers})
+endif()
+
+# The header-only part of Boost. The cross compiler must not see the other headers of the native include folder,
+# so it gets a folder that holds a link to Boost alone.
+add_library(torvel_boost INTERFACE)
+if(CMAKE_CROSSCOMPILING)
+  find_path(TORVEL_BOOST_HEADERS boost/format.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
+  file(CREATE_LINK "${TORVEL_BOOST_HEADERS}/boost" "${CMAKE_BINARY_DIR}/include/boost" SYMBOLIC)
+  target_include_directories(torvel_boost SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+endif()
+
+if(WIN32)
+  # Library files carry no "lib" in front there.
+  set(CMAKE_SHARED_LIBRARY_PREFIX "")
+  set(CMAKE_SHARED_MODULE_PREFIX "")
+  # The compiler's runtime is shared by all modules of the program and lies beside it.
+  foreach(runtime libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${runtime}"
+                    OUTPUT_VARIABLE runtime_path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT IS_ABSOLUTE "${runtime_path}")
+      message(FATAL_ERROR "The compiler does not name its runtime library ${runtime}.")
+    endif()
+    file(COPY "${runtime_path}" DESTINATION "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  endforeach()
+endif()

@@ -1,0 +1,57 @@
+# torvel_resources(TARGET FILE.rc...)
+#
+# Compiles resource scripts (UTF-8) into TARGET: on Windows into its resource section, elsewhere embedded as they are
+# and found through a note in the module (see base/resources.h). Both platforms get the same compiled bytes.
+# The scripts include <winres.h>, which is the project's own short one in base/rc.
+
+find_program(TORVEL_LLVM_RC NAMES llvm-rc llvm-rc-14 llvm-rc-15 llvm-rc-16 llvm-rc-17 llvm-rc-18 llvm-rc-19)
+
+function(torvel_resources target)
+  if(NOT TORVEL_LLVM_RC)
+    message(FATAL_ERROR "llvm-rc is needed to compile the resources (Debian's package llvm).")
+  endif()
+  set(compiled)
+  foreach(script IN LISTS ARGN)
+    cmake_path(ABSOLUTE_PATH script BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
+    cmake_path(GET script STEM name)
+    cmake_path(GET script PARENT_PATH folder)
+    set(stem "${CMAKE_CURRENT_BINARY_DIR}/${target}_${name}")
+    # A failed llvm-rc leaves a truncated file behind, so the result takes its name only after success.
+    add_custom_command(
+      OUTPUT "${stem}.res"
+      COMMAND "${CMAKE_CXX_COMPILER}" -E -x c -DRC_INVOKED -MD -MF "${stem}.d" -MT "${stem}.res"
+              -I "${folder}" -I "${PROJECT_SOURCE_DIR}/base/rc" -I "${PROJECT_SOURCE_DIR}"
+              -o "${stem}.preprocessed.rc" "${script}"
+      COMMAND "${TORVEL_LLVM_RC}" /no-preprocess /C 65001 /I "${folder}" /FO "${stem}.unchecked"
+              "${stem}.preprocessed.rc"
+      COMMAND "${CMAKE_COMMAND}" -E rename "${stem}.unchecked" "${stem}.res"
+      DEPFILE "${stem}.d"
+      DEPENDS "${script}"
+      COMMENT "Compiling resources ${name}.rc of ${target}"
+      VERBATIM)
+    list(APPEND compiled "${stem}.res")
+  endforeach()
+
+  if(WIN32)
+    foreach(res IN LISTS compiled)
+      set(object "${res}.o")
+      add_custom_command(
+        OUTPUT "${object}"
+        COMMAND "${CMAKE_RC_COMPILER}" -J res -O coff -i "${res}" -o "${object}"
+        DEPENDS "${res}"
+        VERBATIM)
+      set_source_files_properties("${object}" PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
+      target_sources(${target} PRIVATE "${object}")
+    endforeach()
+  else()
+    set(incbins "")
+    foreach(res IN LISTS compiled)
+      string(APPEND incbins "    .incbin \\\"${res}\\\"\\n\"\n    \"")
+    endforeach()
+    set(TORVEL_RESOURCE_INCBINS "${incbins}")
+    set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}_embedded_resources.cpp")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/embedded_resources.cpp.in" "${source}" @ONLY)
+    set_source_files_properties("${source}" PROPERTIES OBJECT_DEPENDS "${compiled}")
+    target_sources(${target} PRIVATE "${source}")
+  endif()
+endfunction()

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# wine.sh PREFIX PROGRAM [ARGUMENT...]
+#
+# Runs a Windows program under Wine without a screen, in a Wine folder of the build's own that is made at first use.
+set -eu
+prefix=$(realpath -m "$1")
+shift
+
+export WINEPREFIX=$prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
+# Without winedbg a crash ends the program (status 5) instead of waiting for a debugger's window.
+export WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
+unset DISPLAY WAYLAND_DISPLAY
+
+# The 64-bit loader itself: the wrapper named `wine` complains about missing 32-bit parts.
+wine=
+for candidate in /usr/lib/wine/wine64 /usr/lib/x86_64-linux-gnu/wine/wine64 "$(command -v wine64 || true)"; do
+    if [ -n "$candidate" ] && [ -x "$candidate" ]; then
+        wine=$candidate
+        break
+    fi
+done
+if [ -z "$wine" ]; then
+    echo "wine.sh: wine64 is not installed" >&2
+    exit 127
+fi
+server=$(dirname "$wine")/wineserver64
+[ -x "$server" ] || server=$(dirname "$wine")/wineserver
+[ -x "$server" ] && export WINESERVER=$server
+
+make_prefix() {
+    "$wine" wineboot -i >/dev/null 2>&1
+    # Dialogs are drawn without an X server; with one, windows are not handed to a window manager.
+    "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d x11,null /f >/dev/null
+    "$wine" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+    # These give texts the widths they have on Windows.
+    for font in tahoma.ttf tahomabd.ttf marlett.ttf; do
+        [ -f "/usr/share/wine/fonts/$font" ] && cp "/usr/share/wine/fonts/$font" "$prefix/drive_c/windows/Fonts/"
+    done
+    [ -n "${WINESERVER:-}" ] && "$WINESERVER" -w
+    touch "$prefix/ready"
+}
+
+if [ ! -e "$prefix/ready" ]; then
+    mkdir -p "$prefix"
+    (
+        flock 9
+        [ -e "$prefix/ready" ] || make_prefix
+    ) 9>"$prefix.lock"
+fi
+exec "$wine" "$@"

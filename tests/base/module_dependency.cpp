@@ -1,0 +1,1 @@
+extern "C" int exportedByDependency() { return 2; }
