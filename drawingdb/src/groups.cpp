@@ -1,0 +1,472 @@
+#include "groups.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "base/number.h"
+#include "base/text.h"
+
+namespace drawingdb {
+
+ValueKind valueKind(int code) {
+    using enum ValueKind;
+    if (code < 0) return text;
+    if (code == 5 || code == 105) return handle;
+    if (code < 10) return text;
+    if (code < 60) return real;
+    if (code < 80) return int16;
+    if (code < 90) return text;
+    if (code < 100) return int32;
+    if (code < 110) return text;
+    if (code < 150) return real;
+    if (code < 160) return text;
+    if (code < 170) return int64;
+    if (code < 180) return int16;
+    if (code < 210) return text;
+    if (code < 240) return real;
+    if (code < 270) return text;
+    if (code < 290) return int16;
+    if (code < 300) return int8;
+    if (code < 310) return text;
+    if (code < 320) return chunk;
+    if (code < 370) return handle;
+    if (code < 390) return int16;
+    if (code < 400) return handle;
+    if (code < 410) return int16;
+    if (code < 420) return text;
+    if (code < 430) return int32;
+    if (code < 440) return text;
+    if (code < 460) return int32;
+    if (code < 470) return real;
+    if (code < 480) return text;
+    if (code <= 481) return handle;
+    if (code == 1004) return chunk;
+    if (code == 1005) return handle;
+    if (code >= 1010 && code < 1060) return real;
+    if (code >= 1060 && code < 1071) return int16;
+    if (code == 1071) return int32;
+    return text;
+}
+
+bool GroupCursor::nextAscii(Group& group) {
+    if (at_ >= end_) return false;
+    group.begin = at_;
+    const char* p = at_;
+    while (p < end_ && (*p == ' ' || *p == '\t')) ++p;
+    bool negative = false;
+    if (p < end_ && *p == '-') negative = true, ++p;
+    if (p >= end_ || *p < '0' || *p > '9') return false;
+    int code = 0;
+    for (; p < end_ && *p >= '0' && *p <= '9'; ++p)
+        if (code < 100000) code = code * 10 + (*p - '0');
+    while (p < end_ && *p != '\n') ++p;
+    if (p >= end_) return false;
+    group.code = negative ? -code : code;
+    const char* value = ++p;
+    const char* lineEnd = static_cast<const char*>(std::memchr(value, '\n', static_cast<std::size_t>(end_ - value)));
+    const char* stop = lineEnd ? lineEnd : end_;
+    at_ = lineEnd ? lineEnd + 1 : end_;
+    if (stop > value && stop[-1] == '\r') --stop;
+    group.value = {value, static_cast<std::size_t>(stop - value)};
+    group.end = at_;
+    return true;
+}
+
+bool GroupCursor::nextBinary(Group& group) {
+    const char* p = at_;
+    const auto left = [&] { return static_cast<std::size_t>(end_ - p); };
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(p[i]); };
+    if (left() < 2) return false;
+    group.begin = p;
+    if (wide_) {
+        group.code = static_cast<std::int16_t>(byteAt(0) | (byteAt(1) << 8));
+        p += 2;
+    } else if (byteAt(0) == 255) {
+        if (left() < 3) return false;
+        group.code = byteAt(1) | (byteAt(2) << 8);
+        p += 3;
+    } else {
+        group.code = byteAt(0);
+        p += 1;
+    }
+    std::size_t size = 0;
+    switch (valueKind(group.code)) {
+        case ValueKind::text:
+        case ValueKind::handle: {
+            const void* zero = left() ? std::memchr(p, 0, left()) : nullptr;
+            if (!zero) return false;
+            size = static_cast<std::size_t>(static_cast<const char*>(zero) - p);
+            group.value = {p, size};
+            at_ = group.end = p + size + 1;
+            return true;
+        }
+        case ValueKind::chunk:
+            if (left() < 1) return false;
+            size = byteAt(0);
+            ++p;
+            break;
+        case ValueKind::real:
+        case ValueKind::int64:
+            size = 8;
+            break;
+        case ValueKind::int32:
+            size = 4;
+            break;
+        case ValueKind::int16:
+            size = 2;
+            break;
+        case ValueKind::int8:
+            size = 1;
+            break;
+    }
+    if (left() < size) return false;
+    group.value = {p, size};
+    at_ = group.end = p + size;
+    return true;
+}
+
+std::optional<double> groupReal(const Group& group, bool binary) {
+    if (binary) {
+        switch (valueKind(group.code)) {
+            case ValueKind::real: {
+                double value;
+                if (group.value.size() != 8) return {};
+                std::memcpy(&value, group.value.data(), 8);
+                if (!std::isfinite(value)) return {};
+                return value;
+            }
+            case ValueKind::text:
+                break;
+            default:
+                if (auto whole = groupInteger(group, true)) return static_cast<double>(*whole);
+                return {};
+        }
+    }
+    const char* p = group.value.data();
+    const char* end = p + group.value.size();
+    while (p < end && (*p == ' ' || *p == '\t')) ++p;
+    while (end > p && (end[-1] == ' ' || end[-1] == '\t' || end[-1] == '\r')) --end;
+    if (p < end && *p == '+') ++p;
+    double value = 0;
+    const auto [stop, error] = std::from_chars(p, end, value);
+    if (error == std::errc::result_out_of_range && stop == end) return base::parseReal(group.value);
+    if (error != std::errc() || stop != end || !std::isfinite(value)) return {};
+    return value;
+}
+
+std::optional<std::int64_t> groupInteger(const Group& group, bool binary) {
+    if (binary) {
+        const char* p = group.value.data();
+        switch (valueKind(group.code)) {
+            case ValueKind::int8:
+                return static_cast<unsigned char>(*p);
+            case ValueKind::int16: {
+                std::int16_t v;
+                std::memcpy(&v, p, 2);
+                return v;
+            }
+            case ValueKind::int32: {
+                std::int32_t v;
+                std::memcpy(&v, p, 4);
+                return v;
+            }
+            case ValueKind::int64: {
+                std::int64_t v;
+                std::memcpy(&v, p, 8);
+                return v;
+            }
+            case ValueKind::real: {
+                const auto real = groupReal(group, true);
+                if (!real || std::fabs(*real) > 9e15) return {};
+                return static_cast<std::int64_t>(*real);
+            }
+            default:
+                break;
+        }
+    }
+    const char* p = group.value.data();
+    const char* end = p + group.value.size();
+    while (p < end && (*p == ' ' || *p == '\t')) ++p;
+    while (end > p && (end[-1] == ' ' || end[-1] == '\t' || end[-1] == '\r')) --end;
+    if (p < end && *p == '+') ++p;
+    std::int64_t value = 0;
+    const auto [stop, error] = std::from_chars(p, end, value);
+    if (error == std::errc() && stop == end) return value;
+    // Some writers put whole numbers down as reals ("70 / 1.0").
+    if (const auto real = groupReal(group, false); real && std::fabs(*real) < 9e15 && *real == std::floor(*real))
+        return static_cast<std::int64_t>(*real);
+    return {};
+}
+
+std::uint64_t parseHandle(std::string_view text) {
+    std::uint64_t value = 0;
+    std::size_t i = 0;
+    while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        unsigned digit;
+        if (c >= '0' && c <= '9')
+            digit = static_cast<unsigned>(c - '0');
+        else if (c >= 'A' && c <= 'F')
+            digit = static_cast<unsigned>(c - 'A' + 10);
+        else if (c >= 'a' && c <= 'f')
+            digit = static_cast<unsigned>(c - 'a' + 10);
+        else
+            break;
+        if (value >> 60) return 0;
+        value = value << 4 | digit;
+    }
+    while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\r')) ++i;
+    return i == text.size() ? value : 0;
+}
+
+namespace {
+
+int hexDigit(wchar_t c) {
+    if (c >= L'0' && c <= L'9') return c - L'0';
+    if (c >= L'A' && c <= L'F') return c - L'A' + 10;
+    if (c >= L'a' && c <= L'f') return c - L'a' + 10;
+    return -1;
+}
+
+/// The character of four hexadecimal digits at `at`, or -1.
+int fourHex(const std::wstring& text, std::size_t at) {
+    if (at + 4 > text.size()) return -1;
+    int value = 0;
+    for (std::size_t i = at; i < at + 4; ++i) {
+        const int digit = hexDigit(text[i]);
+        if (digit < 0) return -1;
+        value = value * 16 + digit;
+    }
+    return value;
+}
+
+/// "\M+nXXXX": a double-byte character of one of five code pages.
+bool appendMultiByte(wchar_t page, int bytes, std::wstring& out) {
+    static constexpr const char* kPages[] = {"ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};
+    if (page < L'1' || page > L'5') return false;
+    const base::CodePage* codePage = base::CodePage::byName(kPages[page - L'1']);
+    if (!codePage) return false;
+    std::string pair;
+    if (bytes > 255) pair.push_back(static_cast<char>(bytes >> 8));
+    pair.push_back(static_cast<char>(bytes & 255));
+    const std::wstring character = codePage->decode(pair);
+    if (character.empty() || character.find(L'\xFFFD') != std::wstring::npos) return false;
+    out += character;
+    return true;
+}
+
+/// Joins the two halves of a surrogate pair that were written as two "\U+" sequences, where wide characters hold one
+/// whole.
+void appendUnit(int unit, std::wstring& out) {
+    if constexpr (sizeof(wchar_t) > 2) {
+        if (unit >= 0xDC00 && unit < 0xE000 && !out.empty()) {
+            const auto high = static_cast<unsigned>(out.back());
+            if (high >= 0xD800 && high < 0xDC00) {
+                out.back() =
+                    static_cast<wchar_t>(0x10000 + ((high - 0xD800) << 10) + (static_cast<unsigned>(unit) - 0xDC00));
+                return;
+            }
+        }
+    }
+    out.push_back(static_cast<wchar_t>(unit));
+}
+
+}  // namespace
+
+std::wstring decodeText(std::string_view raw, const FileFormat& format) {
+    bool plain = true;
+    for (const char c : raw)
+        if (c == '\\' || c == '^' || static_cast<unsigned char>(c) >= 0x80) {
+            plain = false;
+            break;
+        }
+    if (plain) return std::wstring(raw.begin(), raw.end());
+    const std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
+    if (wide.find_first_of(L"\\^") == std::wstring::npos) return wide;
+    std::wstring out;
+    out.reserve(wide.size());
+    for (std::size_t i = 0; i < wide.size(); ++i) {
+        const wchar_t c = wide[i];
+        if (c == L'^' && i + 1 < wide.size()) {
+            const wchar_t next = wide[i + 1];
+            if (next == L' ') {
+                out.push_back(L'^');
+                ++i;
+                continue;
+            }
+            if (next >= L'@' && next <= L'_') {
+                out.push_back(static_cast<wchar_t>(next - L'@'));
+                ++i;
+                continue;
+            }
+        }
+        if (c == L'\\' && i + 2 < wide.size() && wide[i + 2] == L'+') {
+            if (wide[i + 1] == L'U' || wide[i + 1] == L'u') {
+                if (const int unit = fourHex(wide, i + 3); unit > 0) {
+                    appendUnit(unit, out);
+                    i += 6;
+                    continue;
+                }
+            }
+            if ((wide[i + 1] == L'M' || wide[i + 1] == L'm') && i + 3 < wide.size()) {
+                if (const int bytes = fourHex(wide, i + 4); bytes > 0 && appendMultiByte(wide[i + 3], bytes, out)) {
+                    i += 7;
+                    continue;
+                }
+            }
+        }
+        out.push_back(c);
+    }
+    return out;
+}
+
+std::string encodeText(std::wstring_view text, const FileFormat& format) {
+    std::wstring escaped;
+    bool special = false;
+    bool ascii = true;
+    for (const wchar_t c : text) {
+        if (static_cast<char32_t>(c) < 32 || c == L'^') special = true;
+        if (c >= 0x80) ascii = false;
+    }
+    if (special) {
+        for (const wchar_t c : text) {
+            if (c == L'^') {
+                escaped += L"^ ";
+            } else if (static_cast<char32_t>(c) < 32) {
+                escaped.push_back(L'^');
+                escaped.push_back(static_cast<wchar_t>(c + L'@'));
+            } else {
+                escaped.push_back(c);
+            }
+        }
+        text = escaped;
+    }
+    if (ascii) {
+        std::string out;
+        out.reserve(text.size());
+        for (const wchar_t c : text) out.push_back(static_cast<char>(c));
+        return out;
+    }
+    if (format.utf8()) return base::toUtf8(text);
+    return format.codePage->encode(text, [](char32_t character, std::string& bytes) {
+        const auto unit = [&bytes](unsigned value) {
+            static constexpr char kDigits[] = "0123456789ABCDEF";
+            bytes += "\\U+";
+            for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
+        };
+        if (character < 0x10000) {
+            unit(character);
+        } else {
+            unit(0xD800 + ((character - 0x10000) >> 10));
+            unit(0xDC00 + ((character - 0x10000) & 0x3FF));
+        }
+    });
+}
+
+void GroupWriter::code(int value) {
+    if (!format_.binary) {
+        char digits[12];
+        const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+        (void)error;
+        for (auto length = end - digits; length < 3; ++length) out_.push_back(' ');
+        out_.append(digits, end);
+        lineEnd();
+    } else if (format_.wideCodes) {
+        out_.push_back(static_cast<char>(value & 255));
+        out_.push_back(static_cast<char>((value >> 8) & 255));
+    } else if (value >= 0 && value < 255) {
+        out_.push_back(static_cast<char>(value));
+    } else {
+        out_.push_back(static_cast<char>(255));
+        out_.push_back(static_cast<char>(value & 255));
+        out_.push_back(static_cast<char>((value >> 8) & 255));
+    }
+}
+
+void GroupWriter::text(int groupCode, std::string_view encoded) {
+    code(groupCode);
+    if (format_.binary) {
+        for (const char c : encoded)
+            if (c) out_.push_back(c);
+        out_.push_back('\0');
+    } else {
+        out_.append(encoded);
+        lineEnd();
+    }
+}
+
+void GroupWriter::real(int groupCode, double value) {
+    code(groupCode);
+    if (format_.binary) {
+        out_.append(reinterpret_cast<const char*>(&value), 8);
+        return;
+    }
+    char digits[40];
+    auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    (void)error;
+    std::string_view text(digits, static_cast<std::size_t>(end - digits));
+    if (text.find_first_of(".e") == std::string_view::npos) {
+        out_.append(text);
+        out_.append(".0");
+    } else if (text.find('e') != std::string_view::npos) {
+        out_.append(base::realToText(value));
+    } else {
+        out_.append(text);
+    }
+    lineEnd();
+}
+
+void GroupWriter::integer(int groupCode, std::int64_t value) {
+    code(groupCode);
+    if (format_.binary) {
+        std::size_t size = 0;
+        switch (valueKind(groupCode)) {
+            case ValueKind::int8:
+                size = 1;
+                break;
+            case ValueKind::int16:
+                size = 2;
+                break;
+            case ValueKind::int32:
+                size = 4;
+                break;
+            case ValueKind::int64:
+                size = 8;
+                break;
+            case ValueKind::real: {
+                const double real = static_cast<double>(value);
+                out_.append(reinterpret_cast<const char*>(&real), 8);
+                return;
+            }
+            default:
+                break;
+        }
+        if (size) {
+            out_.append(reinterpret_cast<const char*>(&value), size);
+            return;
+        }
+    }
+    char digits[24];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    (void)error;
+    out_.append(digits, end);
+    format_.binary ? out_.push_back('\0') : lineEnd();
+}
+
+void GroupWriter::handle(int groupCode, std::uint64_t value) {
+    char digits[20];
+    char* end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
+    for (char* p = digits; p < end; ++p)
+        if (*p >= 'a') *p = static_cast<char>(*p - 'a' + 'A');
+    text(groupCode, {digits, static_cast<std::size_t>(end - digits)});
+}
+
+void GroupWriter::point(int groupCode, double x, double y, double z) {
+    real(groupCode, x);
+    real(groupCode + 10, y);
+    real(groupCode + 20, z);
+}
+
+}  // namespace drawingdb

@@ -1,0 +1,73 @@
+#pragma once
+// The kinds of record: their names in files, and the classes that understand them.
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drawingdb/rx_object.h"
+
+namespace drawingdb {
+
+/// The kinds that the structure of a file depends on, or that have a class.
+enum RecordType : std::uint16_t {
+    rtNone,  // bytes that are no record: before the first one, after the last
+    rtSection,
+    rtEndsec,
+    rtTable,
+    rtEndtab,
+    rtBlock,
+    rtEndblk,
+    rtSeqend,
+    rtEof,
+    rtClass,
+    rtInsert,
+    rtAttrib,
+    rtPolyline,
+    rtVertex,
+    rtAttdef,
+    rtBlockRecord,
+    rtLayer,
+    rtStyle,
+    rtLtype,
+    rtAppid,
+    rtDimstyle,
+    rtUcs,
+    rtView,
+    rtVport,
+    rtDictionary,
+    rtDictionaryWithDefault,
+    rtField,
+    rtFieldList,
+    rtLayout,
+    rtViewport,
+    rtGroup,
+    rtSortents,
+    rtLine,
+    rtRay,
+    rtXline,
+    rtPoint,
+    rtCircle,
+    rtArc,
+    rtLwpolyline,
+    rtText,
+    rtMtext,
+    rtFirstCarried,
+};
+
+/// Names and numbers of record types; names that a file brings along are added behind the known ones.
+class TypeTable {
+  public:
+    TypeTable();
+    std::uint16_t find(std::string_view name);
+    const std::string& name(std::uint16_t type) const { return names_[type]; }
+    /// The class of a known kind; null for a carried one.
+    static const OdRxClass* knownClass(std::uint16_t type);
+
+  private:
+    std::uint16_t add(std::string_view name);
+    std::vector<std::string> names_;
+    std::vector<std::uint16_t> slots_;  // open addressing by hash; 0xFFFF free
+};
+
+}  // namespace drawingdb

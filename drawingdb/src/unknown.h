@@ -1,0 +1,18 @@
+#pragma once
+// Objects of kinds that the database carries without understanding them. Their owner, reactors, extension dictionary
+// and extended data can be worked with, of entities also the common properties; the rest stays as it is.
+#include "drawingdb/entity.h"
+
+class OdDbUnknownObject : public OdDbObject {
+    OD_DECLARE_CONCRETE_CLASS(OdDbUnknownObject)
+  protected:
+    const drawingdb::ClassDescription* description() const override;
+    static void describe(drawingdb::Describer& d);
+};
+
+class OdDbUnknownEntity : public OdDbEntity {
+    OD_DECLARE_CONCRETE_CLASS(OdDbUnknownEntity)
+  protected:
+    const drawingdb::ClassDescription* description() const override;
+    static void describe(drawingdb::Describer& d);
+};

@@ -1,0 +1,260 @@
+// Attributes and their definitions, single- and multi-line.
+#include "drawingdb/attribute.h"
+
+#include "entity_fixture.h"
+
+namespace {
+
+class Attributes : public RandomTransforms {
+  protected:
+    OdSmartPtr<OdDbAttributeDefinition> definition() {
+        auto made = OdDbAttributeDefinition::createObject();
+        made->setTag(L"A_LONG_TAG_NAME");
+        made->setPrompt(L"prompt");
+        made->setTextString(L"value");
+        if (chance()) made->setNormal(direction());
+        made->setPosition(point());
+        made->setHeight(number(0.5, 5));
+        made->setWidthFactor(number(0.5, 2));
+        made->setRotation(number(0, 6.28));
+        made->mirrorInX(number(0, 1) < 0.3);
+        return made;
+    }
+};
+
+// The attribute looks as the definition would in its place: with its value drawn, and carried there by the block's
+// transform.
+TEST_F(Attributes, StandWhereTheBlockPutsThem) {
+    for (int round = 0; round < 10; ++round)
+        for (int horizontal = 0; horizontal <= OdDb::kTextFit; ++horizontal)
+            for (int vertical = 0; vertical <= OdDb::kTextTop; ++vertical) {
+                const auto source = definition();
+                source->setHorizontalMode(horizontal);
+                source->setVerticalMode(vertical);
+                if (source->isJustified())
+                    source->setAlignmentPoint(source->position() + OdGeMatrix3d::planeToWorld(source->normal()) *
+                                                                       OdGeVector3d(number(1, 9), 2, 0));
+                const OdGeMatrix3d matrix = source->isJustified() ? similarity() : affine();
+                // A definition hangs by its tag; a text in its place hangs by the value.
+                const auto shown = OdDbAttribute::createObject();
+                shown->setAttributeFromBlock(*source, OdGeMatrix3d::kIdentity);
+                const auto attribute = OdDbAttribute::createObject();
+                attribute->setAttributeFromBlock(*source, matrix);
+                expectSameDrawing(strokesOf(*attribute), transformed(strokesOf(*shown), matrix),
+                                  "modes " + std::to_string(horizontal) + " " + std::to_string(vertical));
+                if (source->isJustified() && horizontal != OdDb::kTextAlign && horizontal != OdDb::kTextFit) {
+                    expectNear(attribute->alignmentPoint(), matrix * source->alignmentPoint(), 1e-8, "alignment point");
+                    OdGeExtents3d box;
+                    ASSERT_TRUE(attribute->geomExtents(box));
+                }
+            }
+}
+
+TEST_F(Attributes, MultiLineOnesToo) {
+    for (int i = 0; i < 60; ++i) {
+        const auto source = definition();
+        source->mirrorInX(false);
+        source->convertIntoMTextAttributeDefinition(true);
+        const auto lines = source->getMTextAttributeDefinition();
+        lines->setContents(L"first\\Psecond {\\H0.7x;line} that wraps");
+        lines->setWidth(number(8, 30));
+        lines->setAttachment(static_cast<int>(number(1, 9.99)));
+        source->setMTextAttributeDefinition(*lines);
+        const OdGeMatrix3d matrix = similarity();
+        const auto attribute = OdDbAttribute::createObject();
+        attribute->setAttributeFromBlock(*source, matrix);
+        ASSERT_TRUE(attribute->isMTextAttribute());
+        expectSameDrawing(strokesOf(*attribute->getMTextAttribute()), transformed(strokesOf(*lines), matrix), "lines");
+        const OdGePoint3d place = matrix * lines->location();
+        expectNear(attribute->position(), place, 1e-8, "position");
+        expectNear(attribute->alignmentPoint(), place, 1e-8, "alignment point");
+        OdGeExtents3d box;
+        ASSERT_TRUE(attribute->geomExtents(box));
+    }
+}
+
+TEST_F(Attributes, ATransformWithoutASizeStillPlacesThem) {
+    const auto source = definition();
+    source->setNormal(OdGeVector3d::kZAxis);
+    source->setPosition(OdGePoint3d(1, 2, 0));
+    const auto attribute = OdDbAttribute::createObject();
+    attribute->setAttributeFromBlock(
+        *source, OdGeMatrix3d::translation({5, 0, 0}) * OdGeMatrix3d::scaling(OdGeScale3d(0, 1, 1)));
+    expectNear(attribute->position(), OdGePoint3d(5, 2, 0), 1e-12, "position");
+    EXPECT_EQ(attribute->height(), source->height());
+}
+
+const char* const kPlan =
+    "0|ATTDEF|5|D|100|AcDbEntity|8|DOORS|62|3|100|AcDbText|10|1|20|2|30|0|40|2.5|1|default|50|30|41|0.8|51|10|7|NOTES|"
+    "100|AcDbAttributeDefinition|280|0|3|What is it?|2|KIND|70|9|73|12|280|1|71|1|72|0|"
+    "0|ATTRIB|5|A|100|AcDbEntity|8|0|100|AcDbText|10|6|20|8|30|0|40|2.5|1|single|100|AcDbAttribute|280|3|2|U|70|0|"
+    "0|ATTRIB|5|B|100|AcDbEntity|8|0|100|AcDbText|10|6|20|8|30|0|40|2.5|1|single|100|AcDbAttribute|2|U|70|4|280|1|"
+    "0|ATTRIB|5|C|100|AcDbEntity|8|0|100|AcDbText|10|6.0|20|7.0|30|0.0|40|1.5|1|value 1|11|6.0|21|7.0|31|0.0|"
+    "100|AcDbAttribute|280|0|2|T|70|0|74|3|71|2|72|0|11|6.0|21|7.0|31|0.0|"
+    "101|Embedded Object|10|6.0|20|7.0|30|0.0|40|1.5|41|20.0|46|0.0|71|1|72|5|1|value 1\\Pvalue 2";
+
+TEST(AttributeFiles, EverythingComesFromTheDefinition) {
+    const auto database = drawing("AC1032", kPlan);
+    const auto source = opened<OdDbAttributeDefinition>(database, 0xD);
+    EXPECT_EQ(source->prompt(), L"What is it?");
+    {
+        const auto attribute = opened<OdDbAttribute>(database, 0xA, OdDb::forWrite);
+        attribute->setAttributeFromBlock(*source, OdGeMatrix3d::translation({10, 0, 0}));
+    }
+    const auto again = reread(database);
+    const auto attribute = opened<OdDbAttribute>(again, 0xA);
+    EXPECT_EQ(attribute->layer(), L"DOORS");
+    EXPECT_EQ(attribute->color(), OdCmColor::fromIndex(3));
+    EXPECT_EQ(attribute->textString(), L"default");
+    EXPECT_EQ(attribute->tag(), L"KIND");
+    EXPECT_EQ(attribute->position(), OdGePoint3d(11, 2, 0));
+    EXPECT_EQ(attribute->rotation(), source->rotation()) << "a move keeps the digits of everything else";
+    EXPECT_EQ(attribute->oblique(), source->oblique());
+    EXPECT_EQ(attribute->widthFactor(), 0.8);
+    EXPECT_EQ(attribute->textStyleName(), L"NOTES");
+    EXPECT_TRUE(attribute->isInvisible());
+    EXPECT_TRUE(attribute->isPreset());
+    EXPECT_FALSE(attribute->isVerifiable());
+    EXPECT_EQ(attribute->fieldLength(), 12);
+    EXPECT_TRUE(attribute->lockPositionInBlock());
+    const auto groups = savedGroups(database, "A");
+    EXPECT_EQ(
+        std::count_if(groups.begin(), groups.end(), [](const auto& g) { return g.find("What is it?") != g.npos; }), 0)
+        << "attributes have no prompt";
+}
+
+// Two groups 280: the version before the tag, the lock behind it; either may stand alone.
+TEST(AttributeFiles, VersionAndLockShareACode) {
+    const auto database = drawing("AC1032", kPlan);
+    EXPECT_FALSE(opened<OdDbAttribute>(database, 0xA)->lockPositionInBlock());
+    EXPECT_TRUE(opened<OdDbAttribute>(database, 0xB)->lockPositionInBlock());
+    opened<OdDbAttribute>(database, 0xA, OdDb::forWrite)->setLockPositionInBlock(true);
+    opened<OdDbAttribute>(database, 0xB, OdDb::forWrite)->setLockPositionInBlock(false);
+    const auto again = reread(database);
+    EXPECT_TRUE(opened<OdDbAttribute>(again, 0xA)->lockPositionInBlock());
+    EXPECT_FALSE(opened<OdDbAttribute>(again, 0xB)->lockPositionInBlock());
+    EXPECT_TRUE(opened<OdDbAttribute>(again, 0xB)->isVerifiable());
+}
+
+// Before 2000 there are no markers, and in any order of the groups 71 and 72 are those of the text.
+TEST(AttributeFiles, OldFilesHaveTheCodesInOneRow) {
+    for (const char* order : {"3|Prompt|2|TAG|70|1|73|5|50|90|41|0.5|7|S|71|2|72|1|11|4|21|2|31|0|74|3",
+                              "3|Prompt|2|TAG|70|1|73|5|74|3|72|1|71|2|11|4|21|2|31|0",
+                              "71|2|72|1|11|4|21|2|31|0|74|3|73|5|3|Prompt|2|TAG|70|1"}) {
+        SCOPED_TRACE(order);
+        const auto database = drawing("AC1009", std::string("0|ATTDEF|5|D|8|0|10|1|20|2|30|0|40|2|1|value|") + order);
+        const std::string before = database->writeBytes();
+        {
+            const auto definition = opened<OdDbAttributeDefinition>(database, 0xD, OdDb::forWrite);
+            EXPECT_TRUE(definition->isMirroredInX());
+            EXPECT_EQ(definition->horizontalMode(), OdDb::kTextCenter);
+            EXPECT_EQ(definition->verticalMode(), OdDb::kTextTop);
+            EXPECT_EQ(definition->fieldLength(), 5);
+            EXPECT_EQ(definition->alignmentPoint(), OdGePoint3d(4, 2, 0));
+            EXPECT_TRUE(definition->isInvisible());
+            // What is set to the value it has is no change.
+            definition->mirrorInX(true);
+            definition->setTextString(L"value");
+            definition->setHorizontalMode(OdDb::kTextCenter);
+        }
+        EXPECT_EQ(database->writeBytes(), before);
+        opened<OdDbAttributeDefinition>(database, 0xD, OdDb::forWrite)->mirrorInX(false);
+        EXPECT_FALSE(opened<OdDbAttributeDefinition>(reread(database), 0xD)->isMirroredInX());
+    }
+}
+
+TEST(AttributeFiles, BothSidesOfAMultiLineValueChangeTogether) {
+    const auto database = drawing("AC1032", kPlan);
+    const std::string before = database->writeBytes();
+    {
+        const auto attribute = opened<OdDbAttribute>(database, 0xC, OdDb::forWrite);
+        ASSERT_TRUE(attribute->isMTextAttribute());
+        EXPECT_EQ(attribute->textString(), L"value 1\\Pvalue 2");
+        EXPECT_EQ(attribute->getMTextAttribute()->plainText(), L"value 1\nvalue 2");
+        attribute->setTextString(L"{\\C1;other}\\Plines\\Pthree");
+    }
+    std::string expected = before;
+    const auto replace = [&](const std::string& old, const std::string& now, std::size_t from) {
+        expected.replace(expected.find(old, from), old.size(), now);
+    };
+    replace("\n1\nvalue 1\n", "\n  1\nother\n", 0);
+    replace("\n1\nvalue 1\\Pvalue 2\n", "\n  1\n{\\C1;other}\\Plines\\Pthree\n", 0);
+    EXPECT_EQ(database->writeBytes(), expected) << "and nothing else";
+
+    const auto attribute = opened<OdDbAttribute>(database, 0xC, OdDb::forWrite);
+    attribute->setAlignmentPoint(OdGePoint3d(1, 1, 0));
+    EXPECT_EQ(attribute->position(), OdGePoint3d(1, 1, 0));
+    attribute->setHeight(4);
+    attribute->setRotation(1);
+    attribute->setHorizontalMode(OdDb::kTextRight);
+    const auto lines = attribute->getMTextAttribute();
+    EXPECT_EQ(lines->location(), OdGePoint3d(1, 1, 0));
+    EXPECT_EQ(lines->textHeight(), 4);
+    EXPECT_NEAR(lines->rotation(), 1, 1e-12);
+    EXPECT_EQ(lines->attachment(), 3);
+    EXPECT_EQ(attribute->position(), OdGePoint3d(1, 1, 0)) << "not hung by the metrics of a single line";
+
+    lines->setLocation(OdGePoint3d(8, 9, 0));
+    lines->setContents(L"new\\Pvalue");
+    attribute->setMTextAttribute(*lines);
+    attribute->downgradeOpen();
+    const auto again = reread(database);
+    const auto read = opened<OdDbAttribute>(again, 0xC);
+    EXPECT_EQ(read->position(), OdGePoint3d(8, 9, 0));
+    EXPECT_EQ(read->getMTextAttribute()->location(), OdGePoint3d(8, 9, 0));
+    EXPECT_EQ(read->textString(), L"new\\Pvalue");
+}
+
+// What is derived (the place of justified text, the embedded text) goes back with what it was derived from.
+TEST(AttributeFiles, UndoReachesOpenAttributes) {
+    const auto database = drawing("AC1032", kPlan);
+    const std::string before = database->writeBytes();
+    const auto single = opened<OdDbAttribute>(database, 0xA, OdDb::forWrite);
+    const auto lines = opened<OdDbAttribute>(database, 0xC, OdDb::forWrite);
+    database->setUndoMark();
+    single->setHorizontalMode(OdDb::kTextRight);
+    single->setTextString(L"longer than it was");
+    EXPECT_LT(single->position().x, 6);
+    single->convertIntoMTextAttribute(true);
+    lines->convertIntoMTextAttribute(false);
+    lines->transformBy(OdGeMatrix3d::translation({1, 1, 1}));
+    database->undoBack();
+    EXPECT_EQ(single->position(), OdGePoint3d(6, 8, 0));
+    EXPECT_FALSE(single->isMTextAttribute());
+    ASSERT_TRUE(lines->isMTextAttribute());
+    EXPECT_EQ(lines->getMTextAttribute()->contents(), L"value 1\\Pvalue 2");
+    EXPECT_EQ(database->writeBytes(), before);
+}
+
+TEST(AttributeFiles, SingleAndMultiLineTurnIntoEachOther) {
+    const auto database = drawing("AC1032", kPlan);
+    {
+        const auto attribute = opened<OdDbAttribute>(database, 0xA, OdDb::forWrite);
+        attribute->setTextString(L"C:\\{x}");
+        attribute->convertIntoMTextAttribute(true);
+        opened<OdDbAttribute>(database, 0xC, OdDb::forWrite)->convertIntoMTextAttribute(false);
+    }
+    const auto again = reread(database);
+    const auto lines = opened<OdDbAttribute>(again, 0xA);
+    ASSERT_TRUE(lines->isMTextAttribute());
+    EXPECT_EQ(lines->getMTextAttribute()->plainText(), L"C:\\{x}");
+    EXPECT_EQ(lines->getMTextAttribute()->location(), OdGePoint3d(6, 8, 0));
+    const auto groups = savedGroups(database, "A");
+    EXPECT_NE(std::find(groups.begin(), groups.end(), "71|2"), groups.end());
+    const auto line = opened<OdDbAttribute>(again, 0xC);
+    EXPECT_FALSE(line->isMTextAttribute());
+    EXPECT_EQ(line->textString(), L"value 1 value 2");
+
+    const auto old = drawing(
+        "AC1015", "0|ATTRIB|5|A|100|AcDbEntity|8|0|100|AcDbText|10|6|20|8|30|0|40|2.5|1|x|100|AcDbAttribute|2|U|70|0");
+    const auto attribute = opened<OdDbAttribute>(old, 0xA, OdDb::forWrite);
+    try {
+        attribute->convertIntoMTextAttribute(true);
+        FAIL() << "a file of 2000 has no place for multi-line attributes";
+    } catch (const OdError& error) {
+        EXPECT_EQ(error.code(), OdResult::notHeldByVersion);
+    }
+    EXPECT_FALSE(attribute->isMTextAttribute());
+}
+
+}  // namespace
