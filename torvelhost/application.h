@@ -1,0 +1,90 @@
+// The running host: everything that a module can reach through the exported functions.
+#pragma once
+
+#include <memory>
+
+#include "hostapi/application.h"
+#include "hostapi/settings.h"
+#include "torvelhost/document.h"
+#include "torvelhost/input.h"
+#include "torvelhost/options.h"
+#include "torvelhost/profile.h"
+#include "torvelhost/selection.h"
+#include "torvelhost/variables.h"
+
+namespace host {
+
+class Application final : public HostApplication {
+  public:
+    Application(const Options& options, Terminal& terminal);
+    ~Application();
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    // The one that runs; null before and after.
+    static Application* current();
+
+    HostDocument* activeDocument() override { return session_ ? &session_->document : nullptr; }
+    HostEdInput* applicationInput() override { return &messages_; }
+
+    // An open drawing with what belongs to it.
+    struct Session {
+        Session(OdDbDatabasePtr database, ReplySource& replies, Terminal& terminal, const Options& options);
+
+        Document document;
+        Input input;
+        Selection selection;
+        Variables variables;
+        bool commandActive = false;
+    };
+    void open(OdDbDatabasePtr database, ReplySource& replies);
+    Session* session() { return session_.get(); }
+
+    Terminal& terminal() { return terminal_; }
+    Profile& profile() { return profile_; }
+    IHelpServiceEx& help() { return help_; }
+    IStdDirs& folders() { return folders_; }
+
+    // Evaluates the drawing's fields and shows it anew.
+    void regenerate(OdDbDatabase& database);
+    // Host function 12: the picture is drawn again as it stands.
+    void refresh();
+    // Host function 17: the view that slides are drawn into.
+    void* slideView() { return session_ ? &slideView_ : nullptr; }
+
+  private:
+    class Help final : public IHelpServiceEx {
+      public:
+        explicit Help(Terminal& terminal) : terminal_(terminal) {}
+        void showTopic(const wchar_t* topic, void* owner) override;
+
+      private:
+        Terminal& terminal_;
+    };
+    class Folders final : public IStdDirs {
+      public:
+        explicit Folders(Application& application) : application_(application) {}
+        void supportPath(CXStringW& folders) override;
+        void documentsFolder(CXStringW& folder) override;
+        void temporaryFolder(CXStringW& folder) override;
+
+      private:
+        Application& application_;
+    };
+
+    // What a slide is drawn into and shown from until the next regeneration.
+    struct SlideView {
+        bool showsSlide = false;
+    };
+
+    const Options& options_;
+    Terminal& terminal_;
+    Profile profile_;
+    MessageInput messages_;
+    Help help_;
+    Folders folders_;
+    SlideView slideView_;
+    std::unique_ptr<Session> session_;
+};
+
+}  // namespace host

@@ -1,0 +1,142 @@
+#include "torvelhost/document.h"
+
+#include <algorithm>
+
+#include "drawingdb/block.h"
+#include "drawingdb/dictionary.h"
+
+namespace host {
+namespace {
+
+constexpr double kEmptyViewHeight = 9.0;
+
+std::optional<OdGeExtents3d> extentsOfSpace(OdDbObjectId space) {
+    OdGeExtents3d all;
+    const auto record = space.openAs<OdDbBlockTableRecord>();
+    for (OdDbObjectId id : record->entities()) {
+        // The viewports of a layout frame the paper, they are not on it.
+        if (id.isKindOf(OdDbViewport::desc())) continue;
+        OdGeExtents3d one;
+        if (const auto entity = id.openIf<OdDbEntity>(); entity && entity->geomExtents(one)) all.addExtents(one);
+    }
+    if (!all.isValid()) return std::nullopt;
+    return all;
+}
+
+}  // namespace
+
+Document::Document(OdDbDatabasePtr database, int width, int height)
+    : database_(std::move(database)), width_(width), height_(height) {}
+
+OdDbObjectId Document::floatingViewportId() const {
+    if (database_->currentSpaceId() == database_->modelSpaceId()) return {};
+    const OdDbObjectId viewport = database_->activeViewportId();
+    const auto opened = viewport.openIf<OdDbViewport>();
+    return opened && opened->number() > 1 ? viewport : OdDbObjectId();
+}
+
+OdDbObjectId Document::activeSpaceId() const {
+    return floatingViewportId() ? database_->modelSpaceId() : database_->currentSpaceId();
+}
+
+bool Document::isModelSpaceActive() const { return activeSpaceId() == database_->modelSpaceId(); }
+
+std::vector<OdDbObjectId> Document::floatingViewports() const {
+    std::vector<std::pair<int, OdDbObjectId>> found;
+    if (database_->currentSpaceId() != database_->modelSpaceId()) {
+        const auto space = database_->currentSpaceId().openAs<OdDbBlockTableRecord>();
+        for (OdDbObjectId id : space->entities()) {
+            const auto viewport = id.openIf<OdDbViewport>();
+            if (viewport && viewport->number() > 1) found.emplace_back(viewport->number(), id);
+        }
+    }
+    std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<OdDbObjectId> viewports;
+    for (const auto& [number, id] : found) viewports.push_back(id);
+    return viewports;
+}
+
+OdGeMatrix3d Document::ucs() const {
+    const bool model = isModelSpaceActive();
+    const OdGePoint3d origin = database_->headerPoint(model ? "$UCSORG" : "$PUCSORG", OdGePoint3d());
+    const OdGeVector3d x =
+        database_->headerPoint(model ? "$UCSXDIR" : "$PUCSXDIR", OdGePoint3d(1, 0, 0)).asVector().normal();
+    const OdGeVector3d y =
+        database_->headerPoint(model ? "$UCSYDIR" : "$PUCSYDIR", OdGePoint3d(0, 1, 0)).asVector().normal();
+    const OdGeVector3d z = x.crossProduct(y);
+    // Directions that span no plane count as the world's.
+    if (z.length() < 1e-6) return OdGeMatrix3d::coordSystem(origin, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
+    return OdGeMatrix3d::coordSystem(origin, x, y, z.normal());
+}
+
+OdGePoint3d Document::toWorld(const TypedPoint& point) const {
+    const OdGeMatrix3d toWorld = ucs();
+    if (point.relative) return lastPoint_ + toWorld * point.value;
+    return toWorld * OdGePoint3d(point.value.x, point.value.y, point.value.z);
+}
+
+OdDbObjectId Document::viewedSpaceId() const { return database_->currentSpaceId(); }
+
+View Document::view() {
+    std::vector<View>& views = views_[viewedSpaceId()];
+    if (views.empty()) {
+        // What the drawing was seen with is not asked: it need not fit this view's shape. The header knows how far the
+        // drawing reached when it was saved, which spares a walk over it.
+        const bool model = database_->currentSpaceId() == database_->modelSpaceId();
+        const OdGePoint3d low = database_->headerPoint(model ? "$EXTMIN" : "$PEXTMIN", OdGePoint3d(1, 1, 1));
+        const OdGePoint3d high = database_->headerPoint(model ? "$EXTMAX" : "$PEXTMAX", OdGePoint3d());
+        std::optional<OdGeExtents3d> box;
+        if (low.x < high.x && low.y < high.y && high.x < 1e15 && high.y < 1e15 && low.x > -1e15 && low.y > -1e15)
+            box = OdGeExtents3d(low, high);
+        else
+            box = extentsOfSpace(viewedSpaceId());
+        views.push_back(
+            box ? viewOf(*box)
+                : View{OdGePoint2d(kEmptyViewHeight * viewAspect() / 2, kEmptyViewHeight / 2), kEmptyViewHeight});
+    }
+    return views.back();
+}
+
+void Document::setView(const View& view) {
+    this->view();
+    std::vector<View>& views = views_[viewedSpaceId()];
+    constexpr std::size_t kKept = 10;
+    if (views.size() == kKept) views.erase(views.begin());
+    views.push_back(view);
+}
+
+bool Document::setPreviousView() {
+    std::vector<View>& views = views_[viewedSpaceId()];
+    if (views.size() < 2) return false;
+    views.pop_back();
+    return true;
+}
+
+std::optional<OdGeExtents3d> Document::extents() const { return extentsOfSpace(activeSpaceId()); }
+
+View Document::viewOf(const OdGeExtents3d& box) const {
+    const OdGeVector3d size = box.diagonal();
+    const double height = std::max(size.y, size.x / viewAspect());
+    return {box.center().xy(), height > 0 ? height * 1.02 : kEmptyViewHeight};
+}
+
+double Document::pixelSize() {
+    const double paperPixel = view().height / height_;
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    if (!viewport || viewport->customScale() <= 0) return paperPixel;
+    return paperPixel / viewport->customScale();
+}
+
+void Document::keepForUndo(const std::wstring& command, std::size_t position) {
+    if (database_->undoPosition() != position) done_.push_back({command, position});
+}
+
+std::optional<std::wstring> Document::undoCommand() {
+    if (done_.empty()) return std::nullopt;
+    const Done last = std::move(done_.back());
+    done_.pop_back();
+    database_->undoTo(last.position);
+    return last.command;
+}
+
+}  // namespace host

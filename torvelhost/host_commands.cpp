@@ -1,0 +1,395 @@
+#include "torvelhost/host_commands.h"
+
+#include <cmath>
+#include <limits>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "drawingdb/dictionary.h"
+#include "torvelhost/progress.h"
+#include "torvelhost/units.h"
+
+namespace host {
+namespace {
+
+using hostapi::kCancel;
+using hostapi::kEmpty;
+using hostapi::kFirstKeyword;
+using hostapi::kValue;
+
+const HostCommand kHostCommands[] = {
+    {kUndoCommand, &HostCommands::undo},       {L"ZOOM", &HostCommands::zoom},
+    {L"REGEN", &HostCommands::regen},          {L"LAYER", &HostCommands::layer},
+    {L"INSERT", &HostCommands::insert},        {L"SETVAR", &HostCommands::setVariable},
+    {L"LAYOUT", &HostCommands::layout},        {L"MSPACE", &HostCommands::enterViewport},
+    {L"PSPACE", &HostCommands::leaveViewport}, {L"SAVE", &HostCommands::save},
+};
+
+CMD_RUNSTATUS statusOf(int result) { return result == kCancel ? kCommandCancelled : kCommandFinished; }
+
+bool isInteger(const Reply& reply) { return base::parseInteger(std::wstring_view(reply.text)).has_value(); }
+
+}  // namespace
+
+const HostCommand* findHostCommand(std::wstring_view name) {
+    for (const HostCommand& command : kHostCommands)
+        if (base::equalsNoCase(name, command.name)) return &command;
+    return nullptr;
+}
+
+CMD_RUNSTATUS HostCommands::refused(const std::wstring& why) {
+    session.input.terminal().error(why);
+    return kCommandCancelled;
+}
+
+int HostCommands::askNumber(const wchar_t* prompt, double& number) {
+    return session.input.ask(prompt, nullptr, L"a number", [&](const Reply& reply, std::wstring&) {
+        const auto typed = textToLength(reply.text);
+        if (typed) number = *typed;
+        return typed.has_value();
+    });
+}
+
+// ---- UNDO
+
+CMD_RUNSTATUS HostCommands::undo() {
+    std::int64_t count = 1;
+    const int result = session.input.askIfNext(
+        L"Number of commands to undo <1>", L"an integer above 0",
+        [&](const Reply& reply, std::wstring&) {
+            const auto number = base::parseInteger(std::wstring_view(reply.text));
+            if (!number || *number < 1) return false;
+            count = *number;
+            return true;
+        },
+        isInteger);
+    if (result == kCancel) return kCommandCancelled;
+    for (std::int64_t i = 0; i < count; ++i) {
+        const auto command = session.document.undoCommand();
+        if (!command) {
+            session.input.terminal().notice(i == 0 ? L"There is nothing to undo." : L"Everything has been undone.");
+            break;
+        }
+        session.input.terminal().notice(*command);
+    }
+    return kCommandFinished;
+}
+
+// ---- ZOOM and REGEN
+
+CMD_RUNSTATUS HostCommands::zoom() {
+    Document& document = session.document;
+    enum { kAll, kCenter, kExtents, kPrevious, kWindow };
+    std::optional<OdGePoint3d> corner;
+    double factor = 0;
+    const int result = session.input.ask(L"Specify corner of window, enter a scale factor (nX), or [%s]",
+                                         L"All Center Extents Previous Window", L"a point or a scale factor",
+                                         [&](const Reply& reply, std::wstring&) {
+                                             if (const auto typed = parsePoint(reply.text)) {
+                                                 corner = document.toWorld(*typed);
+                                                 return true;
+                                             }
+                                             std::wstring_view number = reply.text;
+                                             if (number.ends_with(L'x') || number.ends_with(L'X'))
+                                                 number.remove_suffix(1);
+                                             const auto typed = base::parseReal(number);
+                                             if (typed && *typed > 0) factor = *typed;
+                                             return factor > 0;
+                                         });
+    if (result == kCancel) return kCommandCancelled;
+    if (result == kEmpty) return kCommandFinished;
+    if (result == kValue && !corner) {
+        View view = document.view();
+        view.height /= factor;
+        document.setView(view);
+        return kCommandFinished;
+    }
+    switch (result) {
+        case kFirstKeyword + kAll:
+        case kFirstKeyword + kExtents: {
+            const auto extents = document.extents();
+            if (extents) document.setView(document.viewOf(*extents));
+            return kCommandFinished;
+        }
+        case kFirstKeyword + kPrevious:
+            return document.setPreviousView() ? kCommandFinished : refused(L"There is no view before this one");
+        case kFirstKeyword + kCenter: {
+            OdGePoint3d center;
+            double height = document.view().height;
+            if (session.input.askPoint(L"Specify center point", nullptr, center) != kValue) return kCommandCancelled;
+            if (askNumber(L"Enter height", height) == kCancel) return kCommandCancelled;
+            if (!(height > 0)) return refused(L"a height is more than 0");
+            document.setView({center.xy(), height});
+            return kCommandFinished;
+        }
+        case kFirstKeyword + kWindow: {
+            OdGePoint3d first;
+            if (session.input.askPoint(L"Specify first corner", nullptr, first) != kValue) return kCommandCancelled;
+            corner = first;
+            break;
+        }
+    }
+    document.setLastPoint(*corner);
+    OdGePoint3d opposite;
+    if (session.input.askPoint(L"Specify opposite corner", nullptr, opposite) != kValue) return kCommandCancelled;
+    const OdGeExtents3d window(*corner, opposite);
+    if (window.diagonal().xy().isZeroLength()) return refused(L"the window has no size");
+    document.setView(document.viewOf(window));
+    return kCommandFinished;
+}
+
+CMD_RUNSTATUS HostCommands::regen() {
+    application.regenerate(*session.document.database());
+    return kCommandFinished;
+}
+
+// ---- LAYER
+
+namespace {
+enum LayerOption { kListLayers, kSetLayer, kOn, kOff, kFreeze, kThaw, kLock, kUnlock, kColor };
+}
+
+CMD_RUNSTATUS HostCommands::layer() {
+    for (;;) {
+        const int result =
+            session.input.getKeyword(L"Enter an option [%s]", L"? Set ON OFF Freeze Thaw LOck Unlock Color", 0, 0, 0);
+        if (result == kCancel) return kCommandCancelled;
+        if (result == kEmpty) return kCommandFinished;
+        changeLayers(result - kFirstKeyword);
+    }
+}
+
+void HostCommands::changeLayers(int option) {
+    OdDbDatabase* database = session.document.database();
+    const auto table = database->layerTableId().openAs<OdDbSymbolTable>();
+    if (option == kListLayers) {
+        for (OdDbObjectId id : table->records())
+            session.input.printMessage(L"%s", id.openAs<OdDbLayerTableRecord>()->name().c_str());
+        return;
+    }
+    int color = 0;
+    if (option == kColor && session.input.getInteger(color, L"New color number (1-255)", nullptr, 0, 0) != kValue)
+        return;
+    if (option == kColor && (color < 1 || color > 255)) {
+        refused(L"a color number is between 1 and 255");
+        return;
+    }
+    OdString name;
+    if (session.input.askText(option == kSetLayer ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr,
+                              name) != kValue)
+        return;
+    std::wstring reason;
+    if (option == kSetLayer) {
+        if (!session.variables.set(L"CLAYER", name, reason)) refused(reason);
+        return;
+    }
+    bool found = false;
+    for (OdDbObjectId id : table->records()) {
+        const auto record = id.openAs<OdDbLayerTableRecord>();
+        if (name != L"*" && !base::equalsNoCase(record->name(), name)) continue;
+        found = true;
+        record->upgradeOpen();
+        switch (option) {
+            case kOn:
+            case kOff:
+                record->setIsOff(option == kOff);
+                break;
+            case kFreeze:
+            case kThaw:
+                // The current layer is never frozen.
+                if (option == kThaw || !base::equalsNoCase(record->name(), database->headerText("$CLAYER", L"0")))
+                    record->setIsFrozen(option == kFreeze);
+                break;
+            case kLock:
+            case kUnlock:
+                record->setIsLocked(option == kLock);
+                break;
+            case kColor:
+                record->setColor(OdCmColor::fromIndex(color));
+                break;
+        }
+    }
+    if (!found) refused(L"the drawing has no layer \"" + name + L"\"");
+}
+
+// ---- INSERT
+
+CMD_RUNSTATUS HostCommands::insert() {
+    OdDbDatabase* database = session.document.database();
+    OdString name;
+    OdDbObjectId block;
+    const int named = session.input.ask(
+        L"Enter block name", nullptr, L"a block name",
+        [&](const Reply& reply, std::wstring& reason) {
+            block = database->findBlock(reply.text);
+            if (!block) reason = L"the drawing has no block \"" + reply.text + L"\"";
+            return !block.isNull();
+        },
+        Input::Asked::kText);
+    if (named != kValue) return kCommandCancelled;
+
+    OdGePoint3d point;
+    if (session.input.askPoint(L"Specify insertion point", nullptr, point) != kValue) return kCommandCancelled;
+    double x = 1, angle = 0;
+    if (askNumber(L"Enter X scale factor <1>", x) == kCancel) return kCommandCancelled;
+    double y = x;
+    if (askNumber(L"Enter Y scale factor <use X scale factor>", y) == kCancel) return kCommandCancelled;
+    if (session.input.getAngle(angle, L"Specify rotation angle <0>", nullptr, 0, 0) == kCancel)
+        return kCommandCancelled;
+    if (x == 0 || y == 0) return refused(L"a scale factor is not 0");
+
+    const OdGeMatrix3d ucs = session.document.ucs();
+    OdDbObjectId inserted;
+    {
+        const auto reference = OdDbBlockReference::createObject();
+        reference->setDatabaseDefaults(database);
+        reference->setBlockTableRecord(block);
+        reference->setNormal(ucs.zAxis());
+        reference->setPosition(point);
+        reference->setScaleFactors(OdGeScale3d(x, y, std::fabs(x)));
+        // The angle is typed in the user's plane and stored in the plane of the normal.
+        const OdGeVector3d direction =
+            OdGeMatrix3d::worldToPlane(ucs.zAxis()) * (ucs * OdGeVector3d(std::cos(angle), std::sin(angle), 0));
+        reference->setRotation(ucs == OdGeMatrix3d::kIdentity ? angle : direction.xy().angle());
+        const auto space = session.document.activeSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+        inserted = space->appendOdDbEntity(reference.get());
+    }
+    return fillAttributes(inserted, block) ? kCommandFinished : kCommandCancelled;
+}
+
+// Asks for the value of each attribute that has one to ask for. A cancel leaves the reference with what was answered so
+// far.
+bool HostCommands::fillAttributes(OdDbObjectId referenceId, OdDbObjectId block) {
+    const auto reference = referenceId.openAs<OdDbBlockReference>(OdDb::forWrite);
+    const auto record = block.openAs<OdDbBlockTableRecord>();
+    for (OdDbObjectId id : record->entities()) {
+        const auto definition = id.openIf<OdDbAttributeDefinition>();
+        if (!definition || definition->isConstant()) continue;
+        OdString value;
+        int result = kEmpty;
+        if (!definition->isPreset()) {
+            const OdString prompt = definition->prompt().empty() ? definition->tag() : definition->prompt();
+            const OdString standard = definition->textString();
+            result = session.input.askText((standard.empty() ? prompt : prompt + L" <" + standard + L">").c_str(),
+                                           nullptr, value);
+            if (result == kCancel) return false;
+        }
+        const auto attribute = OdDbAttribute::createObject();
+        reference->appendAttribute(attribute.get());
+        attribute->setAttributeFromBlock(*definition, reference->blockTransform());
+        if (result == kValue) attribute->setTextString(value);
+    }
+    return true;
+}
+
+// ---- SETVAR
+
+CMD_RUNSTATUS HostCommands::setVariable() {
+    OdString name;
+    const int named = session.input.ask(
+        L"Enter variable name or [%s]", L"?", L"a variable name",
+        [&](const Reply& reply, std::wstring& reason) {
+            if (!session.variables.get(reply.text)) {
+                reason = L"there is no variable \"" + reply.text + L"\"";
+                return false;
+            }
+            name = base::toUpper(reply.text);
+            return true;
+        },
+        Input::Asked::kText);
+    if (named == kCancel || named == kEmpty) return statusOf(named);
+    if (named == kFirstKeyword) {
+        for (const std::wstring& each : session.variables.names())
+            session.input.printMessage(L"%s = %s", each.c_str(), variableText(*session.variables.get(each)).c_str());
+        return kCommandFinished;
+    }
+    const std::wstring current = variableText(*session.variables.get(name));
+    if (session.variables.isReadOnly(name)) {
+        session.input.printMessage(L"%s = %s (read only)", name.c_str(), current.c_str());
+        return kCommandFinished;
+    }
+    const std::wstring prompt = L"Enter new value for " + name + L" <" + current + L">";
+    const int result = session.input.ask(
+        prompt.c_str(), nullptr, L"a value",
+        [&](const Reply& reply, std::wstring& reason) { return session.variables.set(name, reply.text, reason); },
+        Input::Asked::kText);
+    return statusOf(result);
+}
+
+// ---- layouts and viewports
+
+CMD_RUNSTATUS HostCommands::layout() {
+    OdDbDatabase* database = session.document.database();
+    const auto makeCurrent = [&](const Reply& reply, std::wstring& reason) {
+        if (database->setCurrentLayout(reply.text)) return true;
+        reason = L"the drawing has no layout \"" + reply.text + L"\"";
+        return false;
+    };
+    const std::wstring current = L" <" + database->currentLayoutName() + L">";
+    for (;;) {
+        const int result = session.input.ask((L"Enter layout to make current or [%s]" + current).c_str(), L"? Set",
+                                             L"a layout", makeCurrent);
+        if (result == kFirstKeyword) {
+            for (const OdString& name : database->layoutNames()) session.input.printMessage(L"%s", name.c_str());
+            continue;
+        }
+        if (result != kFirstKeyword + 1) return statusOf(result);
+        return statusOf(session.input.ask((L"Enter layout to make current" + current).c_str(), nullptr, L"a layout",
+                                          makeCurrent, Input::Asked::kText));
+    }
+}
+
+CMD_RUNSTATUS HostCommands::enterViewport() {
+    const std::vector<OdDbObjectId> viewports = session.document.floatingViewports();
+    if (viewports.empty()) {
+        const bool model = session.document.database()->currentSpaceId() == session.document.database()->modelSpaceId();
+        return refused(model ? L"MSPACE: a layout must be current" : L"MSPACE: the layout has no floating viewport");
+    }
+    const auto find = [&](const Reply& reply) {
+        const auto handles = parseHandles(reply.text);
+        const auto number = base::parseInteger(std::wstring_view(reply.text));
+        for (OdDbObjectId id : viewports) {
+            if (handles && handles->size() == 1 && id.handle() == handles->front()) return id;
+            if (number && id.openAs<OdDbViewport>()->number() == *number) return id;
+        }
+        return OdDbObjectId();
+    };
+    OdDbObjectId chosen = viewports.front();
+    const std::wstring prompt =
+        L"Enter viewport number or handle <" + std::to_wstring(chosen.openAs<OdDbViewport>()->number()) + L">";
+    const int result = session.input.askIfNext(
+        prompt.c_str(), L"a floating viewport of this layout",
+        [&](const Reply& reply, std::wstring&) {
+            const OdDbObjectId id = find(reply);
+            if (id) chosen = id;
+            return !id.isNull();
+        },
+        [&](const Reply& reply) { return isInteger(reply) || !find(reply).isNull(); });
+    if (result == kCancel) return kCommandCancelled;
+    session.document.database()->setActiveViewport(chosen);
+    return kCommandFinished;
+}
+
+CMD_RUNSTATUS HostCommands::leaveViewport() {
+    OdDbDatabase* database = session.document.database();
+    if (database->currentSpaceId() == database->modelSpaceId()) return refused(L"PSPACE: a layout must be current");
+    database->setActiveViewport(OdDbObjectId());
+    return kCommandFinished;
+}
+
+// ---- SAVE
+
+CMD_RUNSTATUS HostCommands::save() {
+    OdDbDatabase* database = session.document.database();
+    OdString name = database->fileName();
+    const std::wstring prompt = name.empty() ? L"Enter file name" : L"Enter file name <" + name + L">";
+    const int result = session.input.askText(prompt.c_str(), nullptr, name);
+    if (result == kCancel || name.empty()) return kCommandCancelled;
+    const Progress progress(session.input.terminal(), L"Saving " + name);
+    database->writeFile(name);
+    return kCommandFinished;
+}
+
+}  // namespace host

@@ -1,0 +1,45 @@
+// The command line of torvelhost.
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+// Exit statuses of the program.
+enum ExitStatus { kAllFinished = 0, kSomeFailed = 1, kWrongUsage = 2, kFileFailed = 3 };
+
+struct Options {
+    struct Script {
+        bool isFile = false;  // else `text` is the script, its lines separated by "|"
+        std::wstring text;
+    };
+    std::optional<std::wstring> drawing;
+    std::vector<Script> scripts;  // in the order given
+    std::optional<std::wstring> output;
+    std::optional<std::wstring> plot;
+    int width = 1600, height = 1200;
+    std::vector<std::pair<std::wstring, std::wstring>> variables;
+    std::optional<std::wstring> profile;
+    bool windows = false;
+    bool quiet = false;
+    bool help = false;
+    bool version = false;
+
+    // A command prompt is shown: nothing else was asked for.
+    bool isInteractive() const { return scripts.empty() && !output && !plot; }
+};
+
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// The arguments are UTF-8, the program's name first. Throws UsageError.
+Options parseOptions(const std::vector<std::string>& arguments);
+extern const char kUsage[];
+
+}  // namespace host

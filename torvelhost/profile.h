@@ -1,0 +1,49 @@
+// The settings store: one file a user.
+//
+//     [Dialogs\EAttEdit]
+//     Placement=10,20,300,400
+//
+// UTF-8. Sections and keys are compared without case and keep the spelling of their first writing. In values "\n", "\r"
+// and
+// "\\" stand for a line feed, a carriage return and a backslash; blanks count.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/text.h"
+#include "hostapi/settings.h"
+
+namespace host {
+
+class Profile final : public IProfile {
+  public:
+    // Nothing is read before a setting is asked for.
+    explicit Profile(std::wstring fileName) : fileName_(std::move(fileName)) {}
+    // The user's own file.
+    static std::wstring defaultFileName();
+
+    bool readText(const wchar_t* section, const wchar_t* key, CXStringW& value) override;
+    void writeText(const wchar_t* section, const wchar_t* key, const wchar_t* value) override;
+    bool readInteger(const wchar_t* section, const wchar_t* key, std::int32_t& value) override;
+    void writeInteger(const wchar_t* section, const wchar_t* key, std::int32_t value) override;
+    void removeKey(const wchar_t* section, const wchar_t* key) override;
+    void removeSection(const wchar_t* section) override;
+
+    // Writes the file if something was changed; makes its folder. Throws base::FileError.
+    void save();
+
+  private:
+    using Section = std::map<std::wstring, std::wstring, base::LessNoCase>;
+    using Sections = std::map<std::wstring, Section, base::LessNoCase>;
+    // The settings, read at the first call. A file that cannot be read counts as an empty one.
+    Sections& sections();
+
+    std::wstring fileName_;
+    std::optional<Sections> sections_;
+    bool changed_ = false;
+};
+
+}  // namespace host

@@ -1,0 +1,79 @@
+// What a line typed at a prompt can be. Nothing here asks a drawing or the user; it is all about the text.
+//
+//   Enter             an empty line
+//   ^C                cancel
+//   3,4  3,4,5        a point; @ in front makes it relative to the last one; 2<45 is polar, in degrees
+//   #1F               an object by its handle; #1F/#2A an object inside it; #1F 3,4 picked at that point
+//   W 0,0 9,9         a window of a selection set; C a crossing one
+//   "text"            the text between the quotes, whatever it is
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drawingdb/ge.h"
+#include "drawingdb/object_id.h"
+
+namespace host {
+
+struct Reply {
+    enum Kind { kEnter, kCancel, kText };
+    Kind kind = kEnter;
+    std::wstring text;    // without the quotes
+    bool quoted = false;  // a quoted text is nothing but text: no keyword, no handle
+};
+// Blanks around the line do not count; quotes keep them.
+Reply parseReply(std::wstring_view line);
+bool isComment(std::wstring_view line);
+
+// The keywords of a prompt: "Yes No", or "Ja Nein _ Yes No" with the names that hold in every language behind the "_".
+class Keywords {
+  public:
+    Keywords() = default;
+    explicit Keywords(const wchar_t* list);
+
+    bool empty() const { return local_.empty(); }
+    // "Yes/No"
+    std::wstring joined() const;
+    struct Match {
+        enum Kind { kNone, kAmbiguous, kAbbreviated, kExact };
+        Kind kind = kNone;
+        int index = 0;
+    };
+    // By any unique abbreviation, in either language; an exact one wins. A "_" in front means the second names alone.
+    Match find(std::wstring_view text) const;
+
+  private:
+    std::vector<std::wstring> local_;
+    std::vector<std::wstring> global_;
+};
+
+// The prompt as it is shown: its last "[%s]" filled with the keywords, a colon at the end.
+std::wstring promptText(const wchar_t* prompt, const Keywords& keywords);
+
+// A point as typed, in the user coordinate system.
+struct TypedPoint {
+    bool relative = false;
+    OdGeVector3d value;
+};
+std::optional<TypedPoint> parsePoint(std::wstring_view text);
+// The unit direction at an angle in degrees, exact at the multiples of 90.
+OdGeVector3d directionAt(double degrees);
+
+struct TypedPick {
+    std::vector<OdDbHandle> path;  // outermost first; empty when only a point was given
+    std::optional<TypedPoint> point;
+};
+std::optional<TypedPick> parsePick(std::wstring_view text);
+// "#1F #20 #33"
+std::optional<std::vector<OdDbHandle>> parseHandles(std::wstring_view text);
+
+struct TypedWindow {
+    bool crossing = false;
+    std::optional<TypedPoint> corners[2];  // none when the letter stands alone
+};
+std::optional<TypedWindow> parseWindow(std::wstring_view text);
+
+}  // namespace host

@@ -1,0 +1,50 @@
+// The lines and areas that an entity shows, for picking: seen from above, in world coordinates.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <vector>
+
+#include "drawingdb/block.h"
+#include "drawingdb/entity.h"
+
+namespace host {
+
+struct Rectangle {
+    OdGePoint2d low, high;
+
+    static Rectangle between(const OdGePoint3d& a, const OdGePoint3d& b);
+    static Rectangle around(const OdGePoint3d& center, double half);
+    OdGeExtents3d box() const;
+    bool contains(const OdGePoint2d& point) const;
+    bool meets(const OdGePoint2d& from, const OdGePoint2d& to) const;
+    // The filled polygon shares a point with the rectangle.
+    bool meetsArea(const std::vector<OdGePoint2d>& corners) const;
+};
+
+// Whether any part of the entity lies in the rectangle; `toWorld` maps the coordinates that the entity lives in. A
+// block reference is met through its geometry, not through its attributes. Texts are met inside the box around them.
+bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle);
+
+// Whether layers hide an entity; remembers what it has looked up.
+class LayerStates {
+  public:
+    bool isVisible(const OdDbEntity& entity) { return !(flagsOf(entity) & (kOff | kFrozen)); }
+    bool isFrozen(const OdDbEntity& entity) { return (flagsOf(entity) & kFrozen) != 0; }
+
+  private:
+    enum { kOff = 1, kFrozen = 2 };
+    int flagsOf(const OdDbEntity& entity);
+    std::map<OdDbObjectId, int> flags_;
+};
+
+// An object under the cursor, with the references that hold it, outermost first.
+struct NestedHit {
+    OdDbObjectId entity;
+    std::vector<OdDbObjectId> containers;
+};
+// The objects inside a reference that lie in the rectangle: its attributes, then what its block shows, each kind from
+// top to bottom. Inner references are gone into; they do not appear themselves.
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle);
+
+}  // namespace host
