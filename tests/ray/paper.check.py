@@ -1,0 +1,3 @@
+def check(case):
+    (ray,) = case.after.entities("RAY")
+    assert ray.owner == "1B" and ray.integer(67) == 1

@@ -1,0 +1,176 @@
+#include "torvelcmd2/attributes/att_sync.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "torvelcmd2/attributes/sync_reference.h"
+#include "torvelcmd2/resources/resource.h"
+
+namespace torvel {
+namespace {
+
+constexpr int kKeywordFlags = 4;
+
+/// A block that a user may choose. A null id: none was chosen.
+struct AttributedBlock {
+    OdDbObjectId id;
+    OdString name;
+};
+using AttributedBlocks = std::vector<AttributedBlock>;
+
+bool hasVariableAttributes(const OdDbBlockTableRecord& block) {
+    for (OdDbObjectId id : block.entities()) {
+        const auto definition = id.openIf<OdDbAttributeDefinition>();
+        if (definition && !definition->isConstant()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// In the order of the block table; spaces and anonymous blocks, whose names begin with "*", never count.
+AttributedBlocks findAttributedBlocks(const OdDbDatabase& database) {
+    AttributedBlocks blocks;
+    const auto table = database.blockTableId().openIf<OdDbSymbolTable>();
+    if (!table) return blocks;  // an old drawing of bare entities
+    for (OdDbObjectId id : table->records()) {
+        const auto block = id.openAs<OdDbBlockTableRecord>();
+        OdString name = block->name();
+        if (!name.starts_with(L'*') && hasVariableAttributes(*block)) {
+            blocks.push_back({id, std::move(name)});
+        }
+    }
+    return blocks;
+}
+
+void printListing(const AttributedBlocks& blocks) {
+    OdString line = loadText(IDS_ATTSYNC_LIST_HEAD);
+    const wchar_t* separator = L" ";
+    for (const AttributedBlock& block : blocks) {
+        line += separator + block.name;
+        separator = L", ";
+    }
+    printLine(line);
+}
+
+AttributedBlock askName(HostEdInput& input, const AttributedBlocks& blocks) {
+    constexpr int kListing = hostapi::kFirstKeyword;
+    const OdString prompt = loadText(IDS_ATTSYNC_ENTER_NAME);
+    const OdString keyword = loadText(IDS_ATTSYNC_NAME_KEYWORD);
+    for (;;) {
+        OdString name;
+        const int result = input.getKeyword(prompt.c_str(), keyword.c_str(), kKeywordFlags,
+                                            reinterpret_cast<std::uintptr_t>(&name), 0);
+        if (result == kListing) {
+            printListing(blocks);
+            continue;
+        }
+        // A cancel and an empty answer end the command without a message.
+        if (result != hostapi::kValue || name.empty()) {
+            return {};
+        }
+        const auto found = std::ranges::find_if(
+            blocks, [&](const AttributedBlock& block) { return base::equalsNoCase(block.name, name); });
+        if (found != blocks.end()) {
+            return *found;
+        }
+        printLine(base::formatPositional(loadText(IDS_ATTSYNC_NO_SUCH_BLOCK), name));
+    }
+}
+
+bool confirms(HostEdInput& input, const AttributedBlock& block) {
+    constexpr int kYes = hostapi::kFirstKeyword;
+    const OdString prompt = base::formatPositional(loadText(IDS_ATTSYNC_CONFIRM), block.name);
+    const int result =
+        input.getKeyword(prompt.c_str(), loadText(IDS_ATTSYNC_YES_NO_KEYWORDS).c_str(), kKeywordFlags, 0, 0);
+    return result == hostapi::kEmpty || result == kYes;
+}
+
+AttributedBlock selectBlock(HostEdInput& input, const AttributedBlocks& blocks) {
+    const OdString prompt = loadText(IDS_ATTSYNC_SELECT_BLOCK);
+    for (;;) {
+        auto* const selectEntity = hostService(hostapi::selectEntity);
+        hostapi::Pick pick;
+        if (selectEntity == nullptr ||
+            selectEntity(prompt.c_str(), nullptr, hostapi::kSingleEntity, pick) == hostapi::kCancel) {
+            return {};
+        }
+        if (pick.entity.isNull()) {
+            printLine(loadText(IDS_ATTSYNC_SELECTION_ERROR));
+            continue;
+        }
+        const auto reference = pick.entity.openIf<OdDbBlockReference>();
+        if (!reference) {
+            printLine(loadText(IDS_ATTSYNC_NOT_A_BLOCK));
+            continue;
+        }
+        const auto found = std::ranges::find(blocks, reference->blockTableRecord(), &AttributedBlock::id);
+        if (found == blocks.end()) {
+            printLine(loadText(IDS_ATTSYNC_NO_ATTRIBUTES));
+            continue;
+        }
+        // Everything but a yes, a cancel too, goes back to the selection.
+        if (confirms(input, *found)) {
+            return *found;
+        }
+    }
+}
+
+AttributedBlock chooseBlock(HostEdInput& input, const AttributedBlocks& blocks) {
+    constexpr int kListing = hostapi::kFirstKeyword;
+    constexpr int kName = hostapi::kFirstKeyword + 1;
+    constexpr int kSelect = hostapi::kFirstKeyword + 2;
+    const OdString prompt = loadText(IDS_ATTSYNC_ENTER_OPTION);
+    const OdString keywords = loadText(IDS_ATTSYNC_KEYWORDS);
+    for (;;) {
+        switch (input.getKeyword(prompt.c_str(), keywords.c_str(), kKeywordFlags, 0, 0)) {
+            case kListing:
+                printListing(blocks);
+                break;
+            case kName:
+                return askName(input, blocks);
+            case kSelect:
+            case hostapi::kEmpty:
+                return selectBlock(input, blocks);
+            default:
+                return {};
+        }
+    }
+}
+
+// References nested in other blocks or lying in other layouts are left alone deliberately.
+void synchronizeBlock(OdDbObjectId block, OdDbDatabase& database) {
+    ReferenceSynchronizer synchronizer(block);
+    auto* const activeSpace = hostService(hostapi::getActiveBTRId);
+    if (activeSpace == nullptr) {
+        return;
+    }
+    OdDbObjectId space;
+    activeSpace(space, &database);
+    synchronizer.synchronizeReferencesIn(space);
+}
+
+}  // namespace
+
+CMD_RUNSTATUS CAttSyncCmd::run() {
+    setRunStatus(kCommandRunning);
+    const RunFrame frame = reachDocument();
+    const AttributedBlocks blocks = findAttributedBlocks(*frame.database);
+    if (blocks.empty()) {
+        printLine(loadText(IDS_ATTSYNC_NO_ATTRIBUTED_BLOCKS));
+        return setRunStatus(kCommandCancelled);
+    }
+    const AttributedBlock chosen = chooseBlock(*frame.input, blocks);
+    if (chosen.id.isNull()) {
+        return setRunStatus(kCommandCancelled);
+    }
+    synchronizeBlock(chosen.id, *frame.database);
+    printLine(loadText(IDS_ATTSYNC_COMPLETE));
+    return setRunStatus(kCommandFinished);
+}
+
+}  // namespace torvel

@@ -1,0 +1,86 @@
+#include "torvelcmd2/attributes/sync_reference.h"
+
+#include "base/text.h"
+#include "torvelcmd2/attributes/text_transfer.h"
+
+namespace torvel {
+
+ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block) : block_(block) {
+    const auto record = block.openAs<OdDbBlockTableRecord>();
+    for (OdDbObjectId id : record->entities()) {
+        auto definition = id.openIf<OdDbAttributeDefinition>();
+        if (definition && !definition->isConstant()) {
+            byTag_[base::toUpper(definition->tag())].positions.push_back(definitions_.size());
+            definitions_.push_back(std::move(definition));
+        }
+    }
+}
+
+void ReferenceSynchronizer::synchronizeReferencesIn(OdDbObjectId space) {
+    const auto record = space.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+    for (OdDbObjectId id : record->entities()) {
+        const auto reference = id.openIf<OdDbBlockReference>();
+        if (reference && reference->blockTableRecord() == block_) {
+            synchronize(*reference);
+        }
+    }
+}
+
+void ReferenceSynchronizer::synchronize(OdDbBlockReference& reference) {
+    const OdGeMatrix3d blockTransform = reference.blockTransform();
+    reference.upgradeOpen();
+    matchOldAttributes(reference);
+    for (std::size_t i = 0; i < definitions_.size(); ++i) {
+        appendNewAttribute(reference, i, blockTransform);
+    }
+    eraseOldAttributes();
+    reference.downgradeOpen();
+}
+
+// Pairs each definition with the old attribute whose value it takes over. Only attributes that stand on the reference
+// before anything is appended count; the definition's tag is upper-cased, the stored one is compared as it is, so that
+// an old attribute with a tag in lower case matches nothing.
+void ReferenceSynchronizer::matchOldAttributes(const OdDbBlockReference& reference) {
+    oldAttributes_.clear();
+    matches_.assign(definitions_.size(), nullptr);
+    for (auto& [tag, occurrences] : byTag_) {
+        occurrences.met = 0;
+    }
+    for (OdDbObjectId id : reference.attributes()) {
+        oldAttributes_.push_back(id.openAs<OdDbAttribute>());
+        const auto found = byTag_.find(oldAttributes_.back()->tag());
+        if (found == byTag_.end()) {
+            continue;
+        }
+        Occurrences& occurrences = found->second;
+        if (occurrences.met < occurrences.positions.size()) {
+            matches_[occurrences.positions[occurrences.met++]] = oldAttributes_.back().get();
+        }
+    }
+}
+
+void ReferenceSynchronizer::appendNewAttribute(OdDbBlockReference& reference, std::size_t position,
+                                               const OdGeMatrix3d& blockTransform) {
+    const OdSmartPtr<OdDbAttribute> attribute = OdDbAttribute::createObject();
+    reference.appendAttribute(attribute.get());
+    const OdDbAttribute* const old = matches_[position];
+    if (old == nullptr) {
+        attribute->setAttributeFromBlock(*definitions_[position], blockTransform);
+        return;
+    }
+    const CapturedText value = captureText(*old);
+    attribute->setAttributeFromBlock(*definitions_[position], blockTransform);
+    applyText(value, *attribute);
+}
+
+// All old attributes go: those whose value was taken over, those without a definition, those beyond the number of
+// definitions with their tag.
+void ReferenceSynchronizer::eraseOldAttributes() {
+    for (const auto& attribute : oldAttributes_) {
+        attribute->upgradeOpen();
+        attribute->erase();
+    }
+    oldAttributes_.clear();
+}
+
+}  // namespace torvel

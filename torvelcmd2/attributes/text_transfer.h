@@ -1,0 +1,37 @@
+// Carries a text with its fields from one text object to another.
+#pragma once
+
+#include <vector>
+
+#include "drawingdb/entity.h"
+#include "drawingdb/field.h"
+
+namespace torvel {
+
+/// The key under which a text keeps its field.
+inline const OdString kTextFieldKey = L"TEXT";
+
+/// The value of a text object, taken off the object.
+struct CapturedText {
+    bool hasField = false;
+    /// With fields: the code, where "%<\_FldIdx 0>%" stands for the first of `fields`, and so on. Otherwise the plain
+    /// value; that of a multi-line text has its formatting codes.
+    OdString text;
+    /// New fields, in no database.
+    std::vector<OdDbFieldPtr> fields;
+};
+
+/// The index marker "%<\_FldIdx N>%".
+OdString fieldIndexMarker(std::size_t index);
+
+/// Takes the value of a single-line or multi-line text, an attribute or an attribute definition. The source must be in
+/// a database, in which its fields are evaluated anew; it stays as it is. Anything else throws
+/// OdError_NotThatKindOfClass.
+CapturedText captureText(const OdDbEntity& source);
+
+/// Makes the captured value the value of `target`, of the kinds that captureText takes. The target must be in a
+/// database; it is upgraded to write and stays so. The captured fields become the target's: capture again for another
+/// target.
+void applyText(const CapturedText& captured, OdDbEntity& target);
+
+}  // namespace torvel

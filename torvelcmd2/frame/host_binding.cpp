@@ -1,0 +1,72 @@
+#include "torvelcmd2/frame/host_binding.h"
+
+#include "hostapi/input.h"
+
+namespace torvel {
+namespace {
+
+base::ModuleHandle viewModule() { return base::findLoadedModule(base::libraryFileName(hostapi::kViewModule)); }
+
+// What the bridge names as the main module; null when the bridge is not loaded or names none.
+base::ModuleHandle mainModuleOfBridge() {
+    auto* const mainInstance = hostService(hostapi::GetMainDllInstanceEx);
+    return mainInstance != nullptr ? mainInstance() : nullptr;
+}
+
+// The lookup of the factory goes by the main module's name where GetHostMainModule goes by its handle: a host may offer
+// its commands elsewhere than its functions.
+base::ModuleHandle factoryModule() {
+    using NameFunction = const wchar_t*();
+    if (auto* const mainName = base::findFunction<NameFunction>(base::processImage(), hostapi::GetMainDllNameW.name)) {
+        // When the module so named is not loaded there is no other way: the program has said where its commands are.
+        const wchar_t* const name = mainName();
+        return name != nullptr ? base::findLoadedModule(name) : nullptr;
+    }
+    if (base::ModuleHandle const view = viewModule()) {
+        return view;
+    }
+    return mainModuleOfBridge();
+}
+
+}  // namespace
+
+base::ModuleHandle GetHostMainModule() {
+    using InstanceFunction = void*();
+    if (auto* const mainInstance =
+            base::findFunction<InstanceFunction>(base::processImage(), hostapi::GetMainDllInstance.name)) {
+        return mainInstance();
+    }
+    if (base::ModuleHandle const view = viewModule()) {
+        return view;
+    }
+    return mainModuleOfBridge();
+}
+
+hostapi::HostFunction GetHostFunction(int id) {
+    auto* const hostFunctions =
+        base::findFunction<hostapi::HostFunction(int)>(GetHostMainModule(), hostapi::get_host_funcptr.name);
+    return hostFunctions != nullptr ? hostFunctions(id) : nullptr;
+}
+
+bool GetCommandFactory(ICmdFactory*& factory) {
+    auto* const newFactory = base::findFunction<void(ICmdFactory**)>(factoryModule(), hostapi::new_ICmdFactory.name);
+    if (newFactory == nullptr) {
+        return false;
+    }
+    newFactory(&factory);
+    return true;
+}
+
+HostApplication* hostApplication() {
+    auto* const application =
+        reinterpret_cast<hostapi::ApplicationFunction*>(GetHostFunction(hostapi::kApplicationFunction));
+    return application != nullptr ? application() : nullptr;
+}
+
+HostEdInput* GetCurrentInput() {
+    HostApplication* const application = hostApplication();
+    HostDocument* const document = application->activeDocument();
+    return document != nullptr ? document->input() : application->applicationInput();
+}
+
+}  // namespace torvel
