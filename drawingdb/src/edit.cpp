@@ -19,6 +19,11 @@ constexpr bool isPointerCode(int code) {
 }
 constexpr bool isReferenceCode(int code) { return isOwnerCode(code) || isPointerCode(code) || code == 1005; }
 
+/// Kinds that have no owner groups of their own, so that an open one need not be searched for them.
+constexpr bool ownsOnlyItsDictionary(std::uint16_t type) {
+    return type == rtAttrib || type == rtAttdef || type == rtInsert || type == rtText || type == rtLine;
+}
+
 /// The owner that a record names: its first group 330 outside of control strings.
 std::uint64_t ownerHandle(std::string_view bytes, const FileFormat& format) {
     GroupCursor cursor(bytes, format);
@@ -68,6 +73,7 @@ void Core::requireHeld(const OdDbObject& object) const {
         int since;
     } kSince[] = {{"RAY", 1012},     {"XLINE", 1012}, {"MTEXT", 1012},     {"LWPOLYLINE", 1014}, {"SPLINE", 1012},
                   {"ELLIPSE", 1012}, {"FIELD", 1015}, {"FIELDLIST", 1015}, {"WIPEOUT", 1015},    {"DICTIONARY", 1012}};
+    if (format.version >= 1015) return;
     const std::string kind = object.dxfName();
     for (const auto& row : kSince) {
         if (kind == row.name && format.version < row.since)
@@ -128,15 +134,19 @@ void Core::eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more) {
     }
     if (!erasing) return;
     // What it owns: objects that it names as its own and that name it as their owner.
-    const std::string_view bytes = bytesOf(stub);
-    GroupCursor cursor(bytes, format);
-    Group group;
-    while (cursor.next(group)) {
-        if (!isOwnerCode(group.code)) continue;
-        Stub* owned = byHandle(parseHandle(group.value));
+    const auto own = [&](std::uint64_t handle) {
+        Stub* owned = byHandle(handle);
         if (owned && owned != &stub && !owned->gone() && !isEntity(*owned) &&
             ownerHandle(bytesOf(*owned), format) == stub.handle)
             more.push_back(owned);
+    };
+    if (const OdDbObject* object = stub.object(); object && ownsOnlyItsDictionary(stub.type)) {
+        own(ObjectAccess::extensionDictionary(*object).handle);
+    } else {
+        GroupCursor cursor(bytesOf(stub), format);
+        Group group;
+        while (cursor.next(group))
+            if (isOwnerCode(group.code)) own(parseHandle(group.value));
     }
     if (stub.type == rtLayer || stub.type == rtStyle || stub.type == rtBlockRecord) forgetNames();
 }

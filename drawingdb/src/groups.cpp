@@ -64,7 +64,11 @@ bool GroupCursor::nextAscii(Group& group) {
     if (p >= end_) return false;
     group.code = negative ? -code : code;
     const char* value = ++p;
-    const char* lineEnd = static_cast<const char*>(std::memchr(value, '\n', static_cast<std::size_t>(end_ - value)));
+    // Most values are shorter than a call is long.
+    const char* lineEnd = value;
+    for (const char* const near = end_ - value > 16 ? value + 16 : end_; lineEnd < near && *lineEnd != '\n';) ++lineEnd;
+    if (lineEnd == end_ || *lineEnd != '\n')
+        lineEnd = static_cast<const char*>(std::memchr(lineEnd, '\n', static_cast<std::size_t>(end_ - lineEnd)));
     const char* stop = lineEnd ? lineEnd : end_;
     at_ = lineEnd ? lineEnd + 1 : end_;
     if (stop > value && stop[-1] == '\r') --stop;
@@ -367,12 +371,19 @@ std::string encodeText(std::wstring_view text, const FileFormat& format) {
 
 void GroupWriter::code(int value) {
     if (!format_.binary) {
-        char digits[12];
-        const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-        (void)error;
-        for (auto length = end - digits; length < 3; ++length) out_.push_back(' ');
-        out_.append(digits, end);
-        lineEnd();
+        // "  0\n": at least three places.
+        char line[20];
+        char* const end = line + sizeof line;
+        char* p = end;
+        *--p = '\n';
+        if (format_.crlf) *--p = '\r';
+        const char* const digitsEnd = p;
+        unsigned rest = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+        do *--p = static_cast<char>('0' + rest % 10);
+        while (rest /= 10);
+        if (value < 0) *--p = '-';
+        while (digitsEnd - p < 3) *--p = ' ';
+        out_.append(p, static_cast<std::size_t>(end - p));
     } else if (format_.wideCodes) {
         out_.push_back(static_cast<char>(value & 255));
         out_.push_back(static_cast<char>((value >> 8) & 255));

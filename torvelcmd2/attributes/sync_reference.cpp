@@ -16,12 +16,13 @@ ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block) : block_(block)
     }
 }
 
+// Only what lies directly in the space counts. The database knows a block's references, so that the others need not be
+// opened to see what they are.
 void ReferenceSynchronizer::synchronizeReferencesIn(OdDbObjectId space) {
     const auto record = space.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
-    for (OdDbObjectId id : record->entities()) {
-        const auto reference = id.openIf<OdDbBlockReference>();
-        if (reference && reference->blockTableRecord() == block_) {
-            synchronize(*reference);
+    for (OdDbObjectId id : block_.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false)) {
+        if (id.containerId() == space) {
+            synchronize(*id.openAs<OdDbBlockReference>());
         }
     }
 }
