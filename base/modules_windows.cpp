@@ -40,9 +40,8 @@ void* findSymbol(ModuleHandle module, const char* name) {
     if (module == nullptr) {
         return nullptr;
     }
-    // A forwarded export lies in another module.
-    void* symbol = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
-    return symbol != nullptr && moduleOf(symbol) == module ? symbol : nullptr;
+    // Only the module's own exports are searched; what it forwards to another one counts as its own.
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
 }
 
 void ModuleUnloader::operator()(ModuleHandle module) const { FreeLibrary(static_cast<HMODULE>(module)); }

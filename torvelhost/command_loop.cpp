@@ -1,5 +1,6 @@
 #include "torvelhost/command_loop.h"
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -94,19 +95,23 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body) {
         session_.selection.endCommand();
         session_.commandActive = false;
     };
-    const auto fail = [&](const std::wstring& what) {
+    const auto fail = [&](const std::wstring& what, ExitStatus status = kSomeFailed) {
         takeBack();
         terminal_.error(name + L": " + what);
-        status_ = kSomeFailed;
+        status_ = std::max(status_, status);
     };
     session_.selection.beginCommand();
     session_.commandActive = true;
     try {
         const Progress progress(terminal_, name);
-        if (body() != kCommandFinished) status_ = kSomeFailed;
+        if (body() != kCommandFinished) status_ = std::max(status_, kSomeFailed);
     } catch (const ScriptError&) {
         takeBack();
         throw;
+    } catch (const base::FileError& error) {
+        return fail(base::fromUtf8(error.what()), kFileFailed);
+    } catch (const OdError& error) {
+        return fail(base::fromUtf8(error.what()), error.code() == OdResult::fileError ? kFileFailed : kSomeFailed);
     } catch (const std::exception& error) {
         return fail(base::fromUtf8(error.what()));
     } catch (...) {

@@ -14,7 +14,7 @@ class CommandLoop {
     explicit CommandLoop(Application& application)
         : application_(application), session_(*application.session()), terminal_(application.terminal()) {}
 
-    // Until QUIT or the end of the replies. Returns kAllFinished or kSomeFailed; throws ScriptError.
+    // Until QUIT or the end of the replies. Returns kAllFinished, kSomeFailed or kFileFailed; throws ScriptError.
     ExitStatus run();
 
   private:

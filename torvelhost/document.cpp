@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/files.h"
 #include "drawingdb/block.h"
 #include "drawingdb/dictionary.h"
 
@@ -137,6 +138,12 @@ std::optional<std::wstring> Document::undoCommand() {
     done_.pop_back();
     database_->undoTo(last.position);
     return last.command;
+}
+
+void Document::save(const std::wstring& path) {
+    if (database_->isReadOnly())
+        throw base::FileError(path, L"not saved: the drawing is damaged and was opened for reading alone");
+    database_->writeFile(path);
 }
 
 }  // namespace host

@@ -60,6 +60,9 @@ class Document final : public HostDocument {
     // The length in the active space that a pixel covers.
     double pixelSize();
 
+    // Throws base::FileError when the file cannot be written, or when the drawing was opened for reading alone.
+    void save(const std::wstring& path);
+
     // ---- undo, a whole command at a time
     std::size_t undoPosition() { return database_->undoPosition(); }
     // After a command that began at this position.

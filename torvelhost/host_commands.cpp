@@ -388,7 +388,7 @@ CMD_RUNSTATUS HostCommands::save() {
     const int result = session.input.askText(prompt.c_str(), nullptr, name);
     if (result == kCancel || name.empty()) return kCommandCancelled;
     const Progress progress(session.input.terminal(), L"Saving " + name);
-    database->writeFile(name);
+    session.document.save(name);
     return kCommandFinished;
 }
 

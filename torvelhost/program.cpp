@@ -55,11 +55,8 @@ void setVariables(const Options& options, Variables& variables) {
 void saveDrawing(const Options& options, Application::Session& session, Terminal& terminal) {
     OdDbDatabase* database = session.document.database();
     if (options.output) {
-        if (database->isReadOnly())
-            throw base::FileError(*options.output,
-                                  L"not saved: the drawing is damaged and was opened for reading alone");
         const Progress progress(terminal, L"Saving " + *options.output);
-        database->writeFile(*options.output);
+        session.document.save(*options.output);
     } else if (options.isInteractive() && database->isModified()) {
         terminal.notice(L"The changes were not saved (the command SAVE does).");
     }

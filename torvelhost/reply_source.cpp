@@ -36,7 +36,11 @@ std::optional<std::wstring> ScriptReplies::nextRaw() {
         Part& part = parts_[part_];
         std::optional<std::wstring> line;
         if (part.standardInput) {
-            if (const auto bytes = base::readLine()) line = base::fromUtf8(*bytes);
+            if (auto bytes = base::readLine()) {
+                constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+                if (part.taken == 0 && bytes->starts_with(kByteOrderMark)) bytes->erase(0, kByteOrderMark.size());
+                line = base::fromUtf8(*bytes);
+            }
         } else if (part.taken < part.lines.size()) {
             line = part.lines[part.taken];
         }

@@ -187,7 +187,7 @@ OdDbObjectIdArray OdDbBlockTableRecord::blockReferenceIds(bool directOnly) const
     Core& core = coreOf(stub_);
     for (const std::uint32_t index : core.referencesTo(*stub_)) {
         Stub& reference = core.at(index);
-        if (reference.gone() || (!ids.empty() && ids.back().stub() == &reference)) continue;
+        if (reference.gone()) continue;
         if (core.blockByRawName(core.groupText(reference, 2)) != stub_) continue;  // it was given another block since
         if (directOnly) {
             const auto block = OdDbObjectId(core.blockOf(reference)).openIf<OdDbBlockTableRecord>();

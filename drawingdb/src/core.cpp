@@ -321,7 +321,13 @@ const std::vector<std::uint32_t>& Core::referencesTo(Stub& record) {
 }
 
 void Core::referenceAdded(Stub& insert, Stub* block) {
-    if (referencesKnown_ && block) references_[indexOf(block)].push_back(indexOf(&insert));
+    if (!referencesKnown_ || !block) return;
+    std::vector<std::uint32_t>& known = references_[indexOf(block)];
+    const std::uint32_t index = indexOf(&insert);
+    // In the order of the records, each once; nearly always it is the last.
+    const auto place =
+        known.empty() || known.back() < index ? known.end() : std::lower_bound(known.begin(), known.end(), index);
+    if (place == known.end() || *place != index) known.insert(place, index);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -262,7 +262,7 @@ StoredValue readValue(const std::vector<Group>& groups, std::size_t& at, const F
 }  // namespace
 
 struct OdDbField::Stored {
-    enum Section { head, code, children, objects, options, state, items, cache, shown, sections };
+    enum Section { head, code, children, objects, options, evaluationState, items, cache, shown, sections };
     struct Item {
         OdString key;
         StoredValue value;
@@ -379,7 +379,7 @@ void OdDbField::afterDecode() {
                 break;
             case 94:
                 state_ = whole(group);
-                section = Stored::state;
+                section = Stored::evaluationState;
                 break;
             case 95:
                 evaluationStatus_ = whole(group);
@@ -440,7 +440,7 @@ void OdDbField::writeRun(GroupWriter& writer, int) const {
     writer.integer(95, evaluationStatus_);
     writer.integer(96, stored_->errorCode);
     writer.wide(300, stored_->errorText);
-    endSection(Stored::state);
+    endSection(Stored::evaluationState);
     writer.integer(93, count(stored_->data));
     for (const Stored::Item& item : stored_->data) {
         writer.wide(6, item.key);

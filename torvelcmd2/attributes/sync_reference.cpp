@@ -17,7 +17,7 @@ ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block) : block_(block)
 }
 
 // Only what lies directly in the space counts. The database knows a block's references, so that the others need not be
-// opened to see what they are.
+// opened to see what they are; they come in the order of their records.
 void ReferenceSynchronizer::synchronizeReferencesIn(OdDbObjectId space) {
     const auto record = space.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
     for (OdDbObjectId id : block_.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false)) {

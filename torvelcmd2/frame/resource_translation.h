@@ -14,7 +14,7 @@ int DeInitResourceTranslation(base::ModuleHandle instance);
 
 /// The string as it stands in the module's resources, in UTF-8, cut to fit into `size` bytes with a zero at the end.
 /// Returns its length; 0 when there is no such string. Without a host that offers it the string is read from the
-/// resources directly.
+/// resources directly, and is UTF-8 then on every platform.
 int LoadStringNotTranslated(base::ModuleHandle instance, unsigned id, char* buffer, int size);
 
 }  // namespace torvel
