@@ -138,16 +138,6 @@ bool goesOn(const FieldSpec& field, const Group& group) {
     return group.code == field.code || group.code == field.chunkCode || group.code == 999;
 }
 
-/// The zone that a record begins in: 0, or all of them when the record has no markers, as in old and in sloppy files.
-int firstZone(std::string_view bytes, const FileFormat& format) {
-    if (!format.hasMarkers()) return kNoMarkers;
-    GroupCursor cursor(bytes, format);
-    Group group;
-    while (cursor.next(group))
-        if (group.code == 100) return 0;
-    return kNoMarkers;
-}
-
 /// The object that holds a zone's fields: the object itself, or the embedded one (null when there is none).
 char* holder(const OdDbObject& object, const Zone& zone) {
     char* base = reinterpret_cast<char*>(const_cast<OdDbObject*>(&object));
@@ -386,16 +376,19 @@ void walkControlString(GroupCursor& cursor, Each each) {
 // ---------------------------------------------------------------------------------------------------------------------
 // Reading
 
-void decodeObject(OdDbObject& object, const ClassDescription& description, std::string_view bytes,
-                  const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
+namespace {
+
+/// Reads the fields, beginning in `zone`. False when the record has no markers.
+bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& description, std::string_view bytes,
+                const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
     GroupCursor cursor(bytes, format);
     Group group;
     std::bitset<kMaxFields> seen;
-    int zone = firstZone(bytes, format);
+    bool markers = false;
     int after = -1;
     int chunkField = -1;
     std::string chunks;
-    if (!cursor.next(group)) return;
+    if (!cursor.next(group)) return true;
     const std::string_view recordType = group.value;
     bool handleSeen = false;
     const auto endChunks = [&] {
@@ -412,6 +405,7 @@ void decodeObject(OdDbObject& object, const ClassDescription& description, std::
     while (cursor.next(group)) {
         if (chunkField >= 0 && !goesOn(description.fields[static_cast<std::size_t>(chunkField)], group)) endChunks();
         if (group.code == 100 || group.code == 101) {
+            markers = true;
             const int found = description.findZone(group.value, std::max(zone, 0) + 1, group.code == 101);
             if (found < 0) {
                 zone = kUnknownZone;
@@ -502,6 +496,20 @@ void decodeObject(OdDbObject& object, const ClassDescription& description, std::
         }
     }
     endChunks();
+    return markers;
+}
+
+}  // namespace
+
+void decodeObject(OdDbObject& object, const ClassDescription& description, std::string_view bytes,
+                  const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
+    // Nearly every record of a file with markers has some; one that has none is read again as one of an old file.
+    bool& without = ObjectAccess::withoutMarkers(object);
+    without = !format.hasMarkers() || !decodeFrom(0, object, description, bytes, format, fault);
+    if (without) {
+        resetObject(object, description);
+        decodeFrom(kNoMarkers, object, description, bytes, format, fault);
+    }
     ObjectAccess::afterDecode(object);
 }
 
@@ -594,7 +602,7 @@ class Patch {
         GroupCursor cursor(old_, format_);
         Group group;
         items_.reserve(64);
-        int zone = firstZone(old_, format_);
+        int zone = format_.hasMarkers() && !ObjectAccess::withoutMarkers(object_) ? 0 : kNoMarkers;
         int after = -1;
         bool handleSeen = false;
         int control = 0;  // 1 in reactors, 2 in the extension dictionary, 3 in another control string

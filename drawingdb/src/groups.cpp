@@ -414,6 +414,19 @@ void GroupWriter::real(int groupCode, double value) {
         out_.append(reinterpret_cast<const char*>(&value), 8);
         return;
     }
+    // Whole numbers are common (heights, elevations) and quick to write.
+    constexpr double kQuick = 1e9;
+    if (value > -kQuick && value < kQuick && value == static_cast<double>(static_cast<std::int32_t>(value)) &&
+        !(value == 0 && std::signbit(value))) {
+        char whole[20];
+        char* place = std::to_chars(whole, whole + sizeof whole, static_cast<std::int32_t>(value)).ptr;
+        *place++ = '.';
+        *place++ = '0';
+        if (format_.crlf) *place++ = '\r';
+        *place++ = '\n';
+        out_.append(whole, static_cast<std::size_t>(place - whole));
+        return;
+    }
     char digits[40];
     auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
     (void)error;

@@ -28,6 +28,8 @@ struct ObjectAccess {
     static std::string_view& source(OdDbObject& o) { return o.source_; }
     static std::uintptr_t& closedContent(OdDbObject& o) { return o.closedContent_; }
     static bool& writable(OdDbObject& o) { return o.writable_; }
+    static bool& withoutMarkers(OdDbObject& o) { return o.withoutMarkers_; }
+    static bool withoutMarkers(const OdDbObject& o) { return o.withoutMarkers_; }
     static bool& dirty(OdDbObject& o) { return o.dirty_; }
     static bool& runsChanged(OdDbObject& o) { return o.runsChanged_; }
     static bool runsChanged(const OdDbObject& o) { return o.runsChanged_; }
