@@ -185,6 +185,7 @@ OdDbObjectIdArray OdDbBlockTableRecord::blockReferenceIds(bool directOnly) const
     OdDbObjectIdArray ids;
     if (!stub_) return ids;
     Core& core = coreOf(stub_);
+    core.flushAll();  // the index follows what is part of the drawing
     for (const std::uint32_t index : core.referencesTo(*stub_)) {
         Stub& reference = core.at(index);
         if (reference.gone()) continue;

@@ -393,6 +393,7 @@ void Core::flush(OdDbObject& object) {
     bytes.swap(scratch_);
     bytes.clear();
     const std::string_view old = ObjectAccess::source(object);
+    bool moved = false;  // a reference that may name another block now
     encodeObject(object, *ObjectAccess::description(object), old, format, bytes);
     if (bytes != old) {
         const bool fresh = old.empty() && stub.has(Stub::appended) && ObjectAccess::closedContent(object) == 0;
@@ -402,8 +403,7 @@ void Core::flush(OdDbObject& object) {
         ObjectAccess::closedContent(object) = Arena::contentOf(body);
         ObjectAccess::source(object) = body->view();
         if (stub.owner && stubs[stub.owner].type == rtTable) forgetNames();
-        if (stub.type == rtInsert && referencesKnown_ && !fresh)
-            referenceAdded(stub, blockByRawName(groupText(stub, 2)));
+        moved = stub.type == rtInsert && !fresh;
     }
     bytes.swap(scratch_);
     ObjectAccess::dirty(object) = false;
@@ -416,6 +416,8 @@ void Core::flush(OdDbObject& object) {
         dirty_.pop_back();
         break;
     }
+    // Only now, for asking for the block's name wants the object's bytes.
+    if (moved && referencesKnown_) referenceAdded(stub, blockByRawName(groupText(stub, 2)));
 }
 
 void Core::flushAll() {

@@ -76,6 +76,13 @@ TEST(Open, SpacesAndBlocks) {
     const auto references = objectOf(database, 0x30).openAs<OdDbBlockTableRecord>();
     EXPECT_EQ(references->blockReferenceIds(false).size(), 3u);
     EXPECT_EQ(references->blockReferenceIds(true).size(), 2u);
+
+    // The index follows references that change, and that change blocks.
+    const auto moved = objectOf(database, 0x5A).openAs<OdDbBlockReference>(OdDb::forWrite);
+    moved->setRotation(1);
+    moved->setBlockTableRecord(objectOf(database, 0x31));
+    EXPECT_EQ(references->blockReferenceIds(false).size(), 2u);
+    EXPECT_EQ(objectOf(database, 0x31).openAs<OdDbBlockTableRecord>()->blockReferenceIds(true).size(), 1u);
 }
 
 TEST(Open, LayoutsAndViewports) {

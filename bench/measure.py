@@ -1,0 +1,192 @@
+"""measure.py PROGRAMS [--references N] [--rounds N] [--scale [--largest N]]
+
+Runs the programs in the folder PROGRAMS beside their peers and prints tables; bench/peers builds and calls it.
+
+Each job is a process of its own, timed from start to end with what it costs to start. Jobs take turns, round after
+round, so that whatever else the machine does meets them all; of each the best time counts, and its largest memory.
+Processor time stands beside it for machines that are busy with other things.
+"""
+
+import argparse
+import collections
+import os
+import pathlib
+import sys
+import tempfile
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+BLOCKS = ["DOOR", "WINDOW", "DESK", "VALVE"]
+
+
+class Job:
+    def __init__(self, name, *command, rounds=None):
+        self.name = name
+        self.command = [str(part) for part in command]
+        self.rounds = rounds
+        self.seconds = float("inf")
+        self.processor_seconds = float("inf")
+        self.peak = 0
+
+    def run(self):
+        with tempfile.TemporaryFile() as messages:
+            start = time.perf_counter()
+            process = os.posix_spawn(self.command[0], self.command, os.environ, file_actions=[
+                (os.POSIX_SPAWN_OPEN, 0, "/dev/null", os.O_RDONLY, 0),
+                (os.POSIX_SPAWN_OPEN, 1, "/dev/null", os.O_WRONLY, 0),
+                (os.POSIX_SPAWN_DUP2, messages.fileno(), 2)])
+            _, status, usage = os.wait4(process, 0)
+            seconds = time.perf_counter() - start
+            if status != 0:
+                messages.seek(0)
+                print(messages.read().decode(errors="replace"), file=sys.stderr)
+                sys.exit(f"{' '.join(self.command)} ended with {os.waitstatus_to_exitcode(status)}")
+        self.seconds = min(self.seconds, seconds)
+        self.processor_seconds = min(self.processor_seconds, usage.ru_utime + usage.ru_stime)
+        self.peak = max(self.peak, usage.ru_maxrss * 1024)
+
+
+def show_progress(text):
+    if sys.stderr.isatty():
+        print(f"\r\x1b[K{text}", end="", file=sys.stderr, flush=True)
+
+
+def run_jobs(jobs, rounds):
+    for number in range(rounds):
+        for job in jobs:
+            if job.rounds is None or number < job.rounds:
+                show_progress(f"  round {number + 1} of {rounds}: {job.name} ...")
+                job.run()
+    show_progress("")
+
+
+def table(head, rows):
+    rows = [head] + rows
+    widths = [max(len(row[i]) for row in rows) for i in range(len(head))]
+    lines = ["| " + " | ".join(cell.ljust(width) if i == 0 else cell.rjust(width)
+                               for i, (cell, width) in enumerate(zip(row, widths))) + " |" for row in rows]
+    rule = "|" + "|".join("-" * (width + 2) if i == 0 else "-" * (width + 1) + ":" for i, width in enumerate(widths)) + "|"
+    print("\n".join([lines[0], rule] + lines[1:]))
+
+
+def mega(size):
+    return f"{size / 1e6:.1f} MB"
+
+
+def attribute_values(path):
+    """For each reference of the drawing its block and its attributes' tags and values, in order."""
+    references = []
+    with open(path, encoding="utf-8", newline=None) as file:
+        kind, record = "", {}
+        while True:
+            code, value = file.readline(), file.readline()
+            if not value or int(code) == 0:
+                if kind == "INSERT":
+                    references.append([record.get(2)])
+                elif kind == "ATTRIB":
+                    references[-1].append((record.get(2), record.get(1)))
+                if not value:
+                    return references
+                kind, record = value.rstrip("\n"), {}
+            else:
+                record.setdefault(int(code), value.rstrip("\n"))
+
+
+def host(programs, drawing, *arguments):
+    return programs / "torvelhost", "-q", drawing, *arguments
+
+
+def sync_arguments(output):
+    commands = [part for block in BLOCKS for part in ("-c", f"AttSync|Name|{block}")]
+    return *commands, "-o", output
+
+
+def make_drawing(programs, references, path):
+    Job("make_drawing", programs / "make_drawing", references, path).run()
+    return path.stat().st_size
+
+
+def compare_peers(programs, references, rounds, folder):
+    drawing, ours, theirs = folder / "drawing.dxf", folder / "ours.dxf", folder / "theirs.dxf"
+    size = make_drawing(programs, references, drawing)
+
+    jobs = collections.OrderedDict()
+    jobs["floor"] = Job("floor: every group passed over", programs / "group_floor", drawing)
+    jobs["load"] = Job("torvelhost: load", *host(programs, drawing, "-c", ""))
+    jobs["save"] = Job("torvelhost: load, save", *host(programs, drawing, "-o", ours))
+    jobs["sync"] = Job("torvelhost: load, AttSync, save", *host(programs, drawing, *sync_arguments(ours)))
+    reader = programs / "dxflib_read"
+    if reader.exists():
+        jobs["dxflib"] = Job("dxflib: read, keep nothing", reader, drawing)
+    # Slow enough that few rounds tell all.
+    jobs["ezdxf"] = Job("ezdxf: load, the same sync, save", "/usr/bin/python3", HERE / "ezdxf_sync.py", drawing, theirs,
+                        *BLOCKS, rounds=2)
+    run_jobs(jobs.values(), rounds)
+
+    print(f"{references:,} references with five attributes each, {mega(size)}; best of {rounds} rounds\n")
+    table(["", "seconds", "processor", "peak memory", "peak / file"],
+          [[job.name, f"{job.seconds:.3f}", f"{job.processor_seconds:.3f}", mega(job.peak), f"{job.peak / size:.2f}"]
+           for job in jobs.values()])
+
+    def ratios(slow, fast):
+        if slow not in jobs:
+            return ["not measured", ""]
+        return [f"{jobs[slow].seconds / jobs[fast].seconds:.1f}",
+                f"{jobs[slow].processor_seconds / jobs[fast].processor_seconds:.1f}"]
+
+    print()
+    table(["ratio", "seconds", "processor", "wanted"], [
+        ["load: times the floor", *ratios("load", "floor"), "at most 3"],
+        ["load: times faster than dxflib reads", *ratios("dxflib", "load"), "at least 15"],
+        ["load, AttSync, save: times faster than ezdxf", *ratios("ezdxf", "sync"), "at least 80"]])
+    print()
+    table(["peak memory / file", "measured", "wanted"], [
+        ["load", f"{jobs['load'].peak / size:.2f}", "below 1.5"],
+        ["load, AttSync, save", f"{jobs['sync'].peak / size:.2f}", "below 6"]])
+
+    # The times mean little unless both have done the same.
+    our_values, their_values = attribute_values(ours), attribute_values(theirs)
+    different = sum(a != b for a, b in zip(our_values, their_values)) + abs(len(our_values) - len(their_values))
+    if different:
+        sys.exit(f"\n{different} of {len(our_values)} references differ between the two results")
+    print("\nBoth results have the same attributes with the same values, in the same order.")
+
+
+def show_scale(programs, largest, rounds, folder):
+    sizes = [n for n in (10_000, 30_000, 100_000, 300_000, 1_000_000) if n <= largest]
+    rows = []
+    for references in sizes:
+        drawing, output = folder / "drawing.dxf", folder / "synced.dxf"
+        size = make_drawing(programs, references, drawing)
+        jobs = [Job("load", *host(programs, drawing, "-c", "")),
+                Job("load, save", *host(programs, drawing, "-o", output)),
+                Job("load, AttSync, save", *host(programs, drawing, *sync_arguments(output)))]
+        run_jobs(jobs, rounds)
+        for job in jobs:
+            rows.append([job.name, f"{references:,}", mega(size), f"{job.seconds:.3f}",
+                         f"{job.seconds / references * 1e6:.2f}", f"{job.processor_seconds / references * 1e6:.2f}",
+                         f"{job.peak / references:,.0f}"])
+    rows.sort(key=lambda row: [job.name for job in jobs].index(row[0]))
+    print(f"best of {rounds} rounds\n")
+    table(["", "references", "file", "seconds", "µs / reference", "processor µs / reference",
+           "peak bytes / reference"], rows)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("programs", type=pathlib.Path)
+    parser.add_argument("--references", type=int, default=50_000)
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--scale", action="store_true")
+    parser.add_argument("--largest", type=int, default=1_000_000)
+    arguments = parser.parse_args()
+    programs = arguments.programs.resolve()
+    # Beside the programs: a million references take more room than a temporary folder may have.
+    with tempfile.TemporaryDirectory(dir=programs.parent) as folder:
+        if arguments.scale:
+            show_scale(programs, arguments.largest, arguments.rounds, pathlib.Path(folder))
+        else:
+            compare_peers(programs, arguments.references, arguments.rounds, pathlib.Path(folder))
+
+
+main()

@@ -1,0 +1,66 @@
+// The input is the contents of a text. It is read as single-line and as multi-line text, laid out and drawn; whatever
+// it is, nothing comes out that is no number, and lines hold what the runs hold.
+#include <cmath>
+
+#include "base/text.h"
+#include "drawingdb/text_metrics.h"
+#include "fuzz/fuzz.h"
+
+namespace {
+
+using fuzz::require;
+
+void checkPoint(const OdGePoint2d& point) {
+    require(std::isfinite(point.x) && std::isfinite(point.y), "points are finite");
+}
+
+void checkStrokes(const std::vector<torvel::Polyline2d>& strokes) {
+    for (const torvel::Polyline2d& stroke : strokes)
+        for (const OdGePoint2d& point : stroke) checkPoint(point);
+}
+
+void checkSingleLine(const std::wstring& text, int mode) {
+    require(torvel::decodeControlCodes(text).size() <= text.size(), "codes never become more than they were");
+    torvel::TextGeometry geometry;
+    geometry.height = 2.5;
+    geometry.oblique = 0.2;
+    geometry.alignmentPoint = {10, 5};
+    geometry.horizontal = static_cast<torvel::TextHorizontal>(mode % 6);
+    geometry.vertical = static_cast<torvel::TextVertical>(mode / 6 % 4);
+    geometry = torvel::alignText(text, geometry);
+    checkPoint(geometry.position);
+    checkStrokes(torvel::textStrokes(text, geometry));
+    for (const OdGePoint2d& corner : torvel::textBoundingPoints(text, geometry)) checkPoint(corner);
+}
+
+void checkMultiLine(const std::wstring& contents, int mode) {
+    require(!torvel::parseMText(contents).empty(), "there is always a paragraph");
+    // Codes may spell out what they leave out elsewhere, but text does not grow.
+    require(torvel::mtextPlainText(contents).size() <= 2 * contents.size(), "plain text is no longer than its codes");
+
+    static constexpr double kWidths[] = {0, 1e-6, 4, 100, 1e9};
+    const double width = kWidths[static_cast<std::size_t>(mode) % std::size(kWidths)];
+    const torvel::MTextLayout layout = torvel::mtextLayout(contents, 2.5, width, 1 + mode % 9);
+    require(!layout.lines.empty(), "there is always a line");
+    require(std::isfinite(layout.width) && std::isfinite(layout.height), "sizes are finite");
+    for (const OdGePoint2d& corner : layout.boundingPoints) checkPoint(corner);
+    for (const torvel::MTextLine& line : layout.lines) {
+        checkPoint(line.position);
+        for (const torvel::MTextPlacedRun& run : line.runs) {
+            checkPoint(run.position);
+            checkStrokes(torvel::mtextRunStrokes(run));
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    // The last byte chooses justification and width, so that seeds begin as plain text.
+    const int mode = data[size - 1];
+    const std::wstring text = base::fromUtf8(fuzz::bytesOf(data, size - 1));
+    checkSingleLine(text, mode);
+    checkMultiLine(text, mode);
+    return 0;
+}

@@ -1,0 +1,120 @@
+// The input is a script. Its lines are read as every kind of reply, then the host runs it on a small drawing;
+// afterwards everything is undone and the drawing must be as it was.
+#include <cmath>
+#include <cstdio>
+
+#include "base/text.h"
+#include "drawingdb/database.h"
+#include "fuzz/fuzz.h"
+#include "torvelhost/application.h"
+#include "torvelhost/command_loop.h"
+#include "torvelhost/reply.h"
+#include "torvelhost/reply_source.h"
+#include "torvelhost/units.h"
+
+namespace {
+
+using fuzz::require;
+
+/// The lines of the input, without the echo of a script's.
+class Lines final : public host::ReplySource {
+  public:
+    explicit Lines(const std::vector<std::wstring>& lines) : lines_(lines) {}
+    std::optional<std::wstring> next(const std::wstring&) override {
+        return taken_ < lines_.size() ? std::optional(lines_[taken_++]) : std::nullopt;
+    }
+    std::optional<std::wstring> peek() override {
+        return taken_ < lines_.size() ? std::optional(lines_[taken_]) : std::nullopt;
+    }
+    bool isScript() const override { return true; }
+
+  private:
+    const std::vector<std::wstring>& lines_;
+    std::size_t taken_ = 0;
+};
+
+void checkReply(const std::wstring& line) {
+    (void)host::isComment(line);
+    const host::Reply reply = host::parseReply(line);
+    const host::Keywords own(line.c_str());
+    (void)host::promptText(line.c_str(), own);
+    (void)host::Keywords(L"Horizontal Vertical Ang Bisect _ Hor Ver Ang Bisect").find(reply.text);
+    const auto checkPoint = [](const std::optional<host::TypedPoint>& point) {
+        if (point)
+            require(std::isfinite(point->value.x) && std::isfinite(point->value.y) && std::isfinite(point->value.z),
+                    "typed points are finite");
+    };
+    checkPoint(host::parsePoint(reply.text));
+    if (const auto pick = host::parsePick(reply.text)) {
+        require(!pick->path.empty() || pick->point, "a pick names an object or a point");
+        checkPoint(pick->point);
+    }
+    (void)host::parseHandles(reply.text);
+    if (const auto window = host::parseWindow(reply.text))
+        for (const auto& corner : window->corners) checkPoint(corner);
+    for (int units = host::kScientific; units <= host::kFractional; ++units)
+        if (const auto length = host::textToLength(reply.text)) {
+            require(std::isfinite(*length), "typed lengths are finite");
+            (void)host::lengthToText(*length, units, 4);
+        }
+    for (int units = host::kDegrees; units <= host::kSurveyor; ++units)
+        if (const auto angle = host::textToAngle(reply.text, units)) {
+            require(std::isfinite(*angle), "typed angles are finite");
+            (void)host::angleToText(*angle, units, 4);
+        }
+}
+
+OdDbDatabasePtr drawing() {
+    static const std::string bytes = [] {
+        std::string empty = OdDbDatabase::createNew()->writeBytes();
+        const std::string_view entities =
+            "  0\r\nLINE\r\n  5\r\nF1\r\n330\r\n1F\r\n100\r\nAcDbEntity\r\n  8\r\n0\r\n100\r\nAcDbLine\r\n "
+            "10\r\n0.0\r\n"
+            " 20\r\n0.0\r\n 11\r\n5.0\r\n 21\r\n5.0\r\n"
+            "  0\r\nVIEWPORT\r\n  5\r\nF2\r\n330\r\n1B\r\n100\r\nAcDbEntity\r\n 67\r\n1\r\n  8\r\n0\r\n"
+            "100\r\nAcDbViewport\r\n 10\r\n50.0\r\n 20\r\n50.0\r\n 40\r\n100.0\r\n 41\r\n80.0\r\n 68\r\n2\r\n "
+            "69\r\n2\r\n"
+            " 12\r\n5.0\r\n 22\r\n5.0\r\n 45\r\n40.0\r\n";
+        const std::string_view place = "  2\r\nENTITIES\r\n";
+        empty.insert(empty.find(place) + place.size(), entities);
+        return empty;
+    }();
+    return OdDbDatabase::readBytes(bytes, L"script.dxf");
+}
+
+void runScript(const std::vector<std::wstring>& lines) {
+    const host::Options options;
+    host::Terminal terminal(true);
+    Lines replies(lines);
+    host::Application application(options, terminal);
+    const OdDbDatabasePtr database = drawing();
+    const std::string before = database->writeBytes();
+    const std::size_t start = database->undoPosition();
+    application.open(database, replies);
+    try {
+        host::CommandLoop(application).run();
+    } catch (const host::ScriptError&) {
+        // The usual end of a script that makes no sense.
+    }
+    (void)OdDbDatabase::readBytes(database->writeBytes(), L"again.dxf");
+    database->undoTo(start);
+    require(database->writeBytes() == before, "undoing a script gives the drawing back");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    // What commands print is of no interest here; the fuzzer itself writes to standard error.
+    return std::freopen("/dev/null", "w", stdout) == nullptr;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::wstring script = base::fromUtf8(fuzz::bytesOf(data, size));
+    const std::vector<std::wstring> lines = base::split(script, L'\n');
+    // SAVE would leave files behind.
+    if (base::findNoCase(script, L"save") != std::wstring::npos) return 0;
+    for (const std::wstring& line : lines) checkReply(line);
+    runScript(lines);
+    return 0;
+}
