@@ -47,6 +47,4 @@ if [ ! -e "$prefix/ready" ]; then
         [ -e "$prefix/ready" ] || make_prefix
     ) 9>"$prefix.lock"
 fi
-# The server stays for a while between programs: one that is just ending cannot be reached by a program that starts.
-[ -n "${WINESERVER:-}" ] && "$WINESERVER" -p60 2>/dev/null
 exec "$wine" "$@"
