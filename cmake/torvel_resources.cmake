@@ -16,17 +16,19 @@ function(torvel_resources target)
     cmake_path(GET script STEM name)
     cmake_path(GET script PARENT_PATH folder)
     set(stem "${CMAKE_CURRENT_BINARY_DIR}/${target}_${name}")
-    # A failed llvm-rc leaves a truncated file behind, so the result takes its name only after success.
+    # A failed llvm-rc leaves a truncated file behind, so the result takes its name only after success. Its input is
+    # named without a folder: it would read the first letter of an absolute path as an option (/c... as /C).
     add_custom_command(
       OUTPUT "${stem}.res"
       COMMAND "${CMAKE_CXX_COMPILER}" -E -x c -DRC_INVOKED -MD -MF "${stem}.d" -MT "${stem}.res"
               -I "${folder}" -I "${PROJECT_SOURCE_DIR}/base/rc" -I "${PROJECT_SOURCE_DIR}"
               -o "${stem}.preprocessed.rc" "${script}"
       COMMAND "${TORVEL_LLVM_RC}" /no-preprocess /C 65001 /I "${folder}" /FO "${stem}.unchecked"
-              "${stem}.preprocessed.rc"
+              "${target}_${name}.preprocessed.rc"
       COMMAND "${CMAKE_COMMAND}" -E rename "${stem}.unchecked" "${stem}.res"
       DEPFILE "${stem}.d"
       DEPENDS "${script}"
+      WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
       COMMENT "Compiling resources ${name}.rc of ${target}"
       VERBATIM)
     list(APPEND compiled "${stem}.res")
