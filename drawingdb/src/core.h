@@ -79,6 +79,7 @@ class Core {
     OdDbObjectIdRange entitiesOf(Stub& record, bool skipErased);
     bool isEntity(const Stub& stub) const;
     const OdRxClass* classOf(const Stub& stub);
+    const OdRxClass* classOfPolyline(const Stub& stub);
 
     /// The box around what a block holds, in the block's own coordinates; not valid when there is nothing. It is kept
     /// until something changes, so that a block is measured once for all its references.
