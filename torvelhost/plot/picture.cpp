@@ -6,6 +6,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "torvelhost/plot/cut.h"
 
 namespace host {
 namespace {
@@ -20,25 +21,6 @@ constexpr double kSame = 0.02;
 
 bool isSame(const Picture::Point& a, const OdGePoint2d& b) {
     return std::fabs(a.x - b.x) < kSame && std::fabs(a.y - b.y) < kSame;
-}
-
-// The part of a segment that lies in a box, as fractions of it; false when there is none.
-bool cutSegment(const OdGePoint2d& from, const OdGePoint2d& to, const OdGePoint2d& low, const OdGePoint2d& high,
-                double& first, double& last) {
-    first = 0.0;
-    last = 1.0;
-    const auto cut = [&](double direction, double room) {  // direction * t <= room
-        if (direction == 0.0) return room >= 0.0;
-        const double t = room / direction;
-        if (direction > 0.0)
-            last = std::min(last, t);
-        else
-            first = std::max(first, t);
-        return first <= last;
-    };
-    const OdGeVector2d along = to - from;
-    return cut(-along.x, from.x - low.x) && cut(along.x, high.x - from.x) && cut(-along.y, from.y - low.y) &&
-           cut(along.y, high.y - from.y);
 }
 
 // Keeps of a polygon what lies on the inner side of a line: `side` is not negative there.
@@ -123,7 +105,7 @@ void Picture::beginShape(std::uint32_t color, float width) {
     const auto contours = static_cast<std::uint32_t>(contourEnds_.size());
     // Lines in one pen look the same as one shape or several; overlapping areas do not.
     if (width > 0 && !shapes_.empty() && shapes_.back().color == color && shapes_.back().width == width) return;
-    shapes_.push_back({color, width, contours, 0});
+    shapes_.push_back({color, width, FillRule::kEvenOdd, contours, 0});
 }
 
 void Picture::addPoint(const OdGePoint2d& point) {
@@ -179,12 +161,12 @@ void Picture::addCutAtBox(std::span<const OdGePoint2d> points, const Pen& pen) {
         addPoint(points[0]);
     bool drawing = false;
     for (std::size_t i = 1; i < points.size(); ++i) {
-        double first, last;
-        if (!cutSegment(points[i - 1], points[i], low, high, first, last)) {
+        const OdGeVector2d along = points[i] - points[i - 1];
+        double first = 0.0, last = 1.0;
+        if (!cutLine(points[i - 1], along, low, high, first, last)) {
             drawing = false;
             continue;
         }
-        const OdGeVector2d along = points[i] - points[i - 1];
         if (!drawing || first > 0.0) {
             endPolyline(pen, begin);
             beginShape(pen.color, static_cast<float>(pen.width));
@@ -231,8 +213,9 @@ void Picture::addCutAtPolygon(std::span<const OdGePoint2d> points, const Pen& pe
     finish();
 }
 
-void Picture::addArea(std::span<const Contour> contours, std::uint32_t color) {
+void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule) {
     beginShape(color, 0);
+    shapes_.back().rule = rule;
     for (const Contour& contour : contours) {
         if (contour.size() < 3 || !std::all_of(contour.begin(), contour.end(), canBeCut)) continue;
         scratch_ = contour;

@@ -14,6 +14,10 @@
 
 namespace host {
 
+// What is inside an area of several contours: what an odd number of them surround, or what any does (contours that
+// turn opposite ways cancel out).
+enum class FillRule : std::uint8_t { kEvenOdd, kNonZero };
+
 struct Pen {
     std::uint32_t color = 0;
     double width = 1.0;  // pixels, above 0
@@ -31,6 +35,7 @@ class Picture {
     struct Shape {
         std::uint32_t color;
         float width;
+        FillRule rule;
         std::uint32_t firstContour, contourCount;
     };
     using Contour = std::vector<OdGePoint2d>;
@@ -45,8 +50,8 @@ class Picture {
 
     // Dashes are polylines of their own. Ends and corners are round; points that are all in one place give a dot.
     void addPolyline(std::span<const OdGePoint2d> points, const Pen& pen);
-    // Inside is what an odd number of contours surround; each is closed by itself.
-    void addArea(std::span<const Contour> contours, std::uint32_t color);
+    // Each contour is closed by itself.
+    void addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule = FillRule::kEvenOdd);
 
     // Cuts off what is drawn from now on at a simple polygon; an area is cut at the box around one that is not convex.
     void setClip(const Contour& polygon);

@@ -30,7 +30,8 @@ class Painter {
 
     const std::vector<unsigned char>& paint() {
         for (const Picture::Shape& shape : picture_.shapes()) {
-            rasterizer_.filling_rule(shape.width > 0 ? agg::fill_non_zero : agg::fill_even_odd);
+            rasterizer_.filling_rule(shape.width > 0 || shape.rule == FillRule::kNonZero ? agg::fill_non_zero
+                                                                                         : agg::fill_even_odd);
             for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
                 const auto contour = picture_.contour(shape.firstContour + i);
                 if (shape.width > 0)

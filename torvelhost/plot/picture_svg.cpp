@@ -35,7 +35,7 @@ class SvgWriter {
         out_ += isArea ? "<path fill=\"" : "<path stroke=\"";
         color(shape.color);
         if (isArea) {
-            out_ += "\" d=\"";
+            out_ += shape.rule == FillRule::kNonZero ? "\" fill-rule=\"nonzero\" d=\"" : "\" d=\"";
         } else {
             out_ += "\" stroke-width=\"";
             number(shape.width);
