@@ -4,6 +4,7 @@
 #include "torvelcmd2/attributes/att_sync.h"
 #include "torvelcmd2/construction/elx_test.h"
 #include "torvelcmd2/construction/ray.h"
+#include "torvelcmd2/extract/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
 
@@ -21,11 +22,23 @@ class CommandRegistration {
             factory->addCommand(name, creator);
         }
     }
+    CommandRegistration(const char* name, CommandCreator creator, const wchar_t* group, int flags) {
+        ICmdFactory* found = nullptr;
+        GetCommandFactory(found);
+        const CountedReference<ICmdFactory> factory(found);
+        if (factory != nullptr) {
+            factory->addCommandInGroup(name, creator, group, flags, 0, 0);
+        }
+    }
 };
+
+constexpr const wchar_t* kGroup = L"HOST";
+constexpr int kUsesPickFirst = 2;
 
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
+const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
 
 // The attach step comes after the registrations.
 const ModuleEntry moduleEntry;
