@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "description.h"
 #include "drawingdb/attribute.h"
+#include "drawingdb/old_polyline.h"
 #include "object_access.h"
 #include "unknown.h"
 
@@ -212,6 +213,20 @@ bool Core::isEntity(const Stub& stub) const {
     }
 }
 
+// Meshes go by the same name in files; they are carried.
+const OdRxClass* Core::classOfPolyline(const Stub& stub) {
+    constexpr std::int64_t kSpatial = 8, kMeshes = 16 | 64;
+    std::int64_t flags = 0;
+    GroupCursor cursor(bytesOf(const_cast<Stub&>(stub)), format);
+    for (Group group; cursor.next(group);)
+        if (group.code == 70) {
+            flags = groupInteger(group, format.binary).value_or(0);
+            break;
+        }
+    if (flags & kMeshes) return nullptr;
+    return flags & kSpatial ? OdDb3dPolyline::desc() : OdDb2dPolyline::desc();
+}
+
 const OdRxClass* Core::classOf(const Stub& stub) {
     if (stub.type == rtBlock || stub.type == rtSection) {
         linkBlocks();
@@ -223,8 +238,10 @@ const OdRxClass* Core::classOf(const Stub& stub) {
         if (it != recordOfBlock_.end() && it->second == index) return OdDbBlockTableRecord::desc();
         return OdDbUnknownObject::desc();
     }
+    if (const OdDbObject* object = stub.object()) return object->isA();
     const bool entity = isEntity(stub);
-    if (const OdRxClass* known = TypeTable::knownClass(stub.type)) {
+    const OdRxClass* known = stub.type == rtPolyline ? classOfPolyline(stub) : TypeTable::knownClass(stub.type);
+    if (known) {
         // A known name in the wrong place (a LINE among the objects) is carried.
         if (known->isDerivedFrom(OdDbEntity::desc()) == entity) return known;
     }

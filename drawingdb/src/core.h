@@ -79,6 +79,7 @@ class Core {
     OdDbObjectIdRange entitiesOf(Stub& record, bool skipErased);
     bool isEntity(const Stub& stub) const;
     const OdRxClass* classOf(const Stub& stub);
+    const OdRxClass* classOfPolyline(const Stub& stub);
 
     // ---- finding ----
     Stub* byHandle(std::uint64_t handle);

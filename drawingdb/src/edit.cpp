@@ -71,8 +71,9 @@ void Core::requireHeld(const OdDbObject& object) const {
     static constexpr struct {
         const char* name;
         int since;
-    } kSince[] = {{"RAY", 1012},     {"XLINE", 1012}, {"MTEXT", 1012},     {"LWPOLYLINE", 1014}, {"SPLINE", 1012},
-                  {"ELLIPSE", 1012}, {"FIELD", 1015}, {"FIELDLIST", 1015}, {"WIPEOUT", 1015},    {"DICTIONARY", 1012}};
+    } kSince[] = {{"RAY", 1012},     {"XLINE", 1012},      {"MTEXT", 1012},           {"LWPOLYLINE", 1014},
+                  {"SPLINE", 1012},  {"ELLIPSE", 1012},    {"FIELD", 1015},           {"FIELDLIST", 1015},
+                  {"WIPEOUT", 1015}, {"DICTIONARY", 1012}, {"WIPEOUTVARIABLES", 1015}};
     if (format.version >= 1015) return;
     const std::string kind = object.dxfName();
     for (const auto& row : kSince) {
