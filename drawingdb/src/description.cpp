@@ -561,9 +561,10 @@ namespace {
 void encodeAnew(const OdDbObject& object, const ClassDescription& description, const FileFormat& format,
                 std::string& out) {
     GroupWriter writer(out, format);
-    writer.text(0, object.dxfName());
+    const std::string name = object.dxfName();
+    writer.text(0, name);
     if (const auto handle = object.handle(); !handle.isNull())
-        writer.handle(object.dxfName() == "DIMSTYLE" ? 105 : 5, handle.value());
+        writer.handle(name == "DIMSTYLE" ? 105 : 5, handle.value());
     if (format.hasMarkers()) {
         writeExtensionDictionary(object, writer);
         writeReactors(object, writer);
