@@ -184,6 +184,10 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     OdGePoint3d pointAt(std::size_t index) const;
     bool isClosed() const override { return (flags_ & 1) != 0; }
     void setClosed(bool closed);
+    /// Of vertices whose own widths are unset.
+    double constantWidth() const { return constantWidth_; }
+    /// The linetype runs on round the vertices instead of beginning anew at each.
+    bool isLinetypeGenerated() const { return (flags_ & 128) != 0; }
     double elevation() const { return elevation_; }
     void setElevation(double elevation);
     OdGeVector3d normal() const { return normal_; }

@@ -24,6 +24,8 @@ class DRAWINGDB_API OdDbOldPolyline : public OdDbCurve {
     };
     const std::vector<Vertex>& vertices() const { return vertices_; }
     bool isClosed() const override { return (flags_ & 1) != 0; }
+    /// The linetype runs on round the vertices instead of beginning anew at each.
+    bool isLinetypeGenerated() const { return (flags_ & 128) != 0; }
     double endParam() const override;
     double distAtParam(double parameter) const override;
     double paramAtDist(double distance) const override;
