@@ -19,6 +19,7 @@
 #pragma once
 
 #include "drawingdb/field.h"
+#include "drawingdb/ge.h"
 #include "hostapi/command.h"
 #include "hostapi/host_names.h"
 #include "hostapi/selection.h"
@@ -78,6 +79,9 @@ inline constexpr Service<int(OdDbObjectId& block, OdDbDatabase* database)> getAc
 /// The normal of new text in the user coordinate system; returns the rotation to store for `rotation` (both radians).
 inline constexpr Service<double(OdGeVector3d& normal, double rotation, OdDbDatabase* database)> getTextOrientation{
     kUtilityLibrary, "getTextOrientation"};
+/// The user coordinate system of the active space, in which points are typed: maps its coordinates to the world's. The
+/// drawing plane is its XY plane.
+inline constexpr Service<void(OdGeMatrix3d& toWorld)> getDrawingPlane{kUtilityLibrary, "hostGetDrawingPlane"};
 /// A length as text. Units: 1 scientific, 2 decimal, 3 engineering, 4 architectural, 5 fractional; -1 the drawing's.
 /// Precision: decimal places, or the power of two of the denominator; -1 the drawing's. False for a value that is not
 /// finite.

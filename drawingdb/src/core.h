@@ -81,6 +81,10 @@ class Core {
     const OdRxClass* classOf(const Stub& stub);
     const OdRxClass* classOfPolyline(const Stub& stub);
 
+    /// The box around what a block holds, in the block's own coordinates; not valid when there is nothing. It is kept
+    /// until something changes, so that a block is measured once for all its references.
+    const OdGeExtents3d& extentsOf(Stub& record);
+
     // ---- finding ----
     Stub* byHandle(std::uint64_t handle);
     std::uint64_t newHandle();
@@ -205,6 +209,10 @@ class Core {
     std::vector<Step> log_;
     std::vector<std::size_t> groups_;
     std::size_t changes_ = 0;
+    std::uint64_t state_ = 0;  // another number after every step, forward or back
+    std::unordered_map<std::uint32_t, OdGeExtents3d> extents_;
+    std::uint64_t extentsState_ = 0;
+    int extentsDepth_ = 0;
     bool undoing_ = false;
     Arena arena_;
     std::string scratch_;

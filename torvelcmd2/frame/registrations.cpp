@@ -2,8 +2,11 @@
 //
 // They stand in one file because their order is the order of the host's list.
 #include "torvelcmd2/attributes/att_sync.h"
+#include "torvelcmd2/construction/divide.h"
 #include "torvelcmd2/construction/elx_test.h"
 #include "torvelcmd2/construction/ray.h"
+#include "torvelcmd2/construction/wipeout.h"
+#include "torvelcmd2/construction/xline.h"
 #include "torvelcmd2/extract/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
@@ -36,8 +39,11 @@ constexpr const wchar_t* kGroup = L"HOST";
 constexpr int kUsesPickFirst = 2;
 
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
+const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
+const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
+const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
 const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
 
 // The attach step comes after the registrations.
