@@ -18,8 +18,8 @@
 // result of type int is an input result (see input.h) unless the row says otherwise.
 #pragma once
 
+#include "drawingdb/field.h"
 #include "drawingdb/ge.h"
-#include "drawingdb/object.h"
 #include "hostapi/command.h"
 #include "hostapi/host_names.h"
 #include "hostapi/selection.h"
@@ -146,6 +146,14 @@ inline constexpr Service<void(const wchar_t* text)> notify{kEventLibrary, "hostN
 inline constexpr Service<IProfile*()> getProfile{kCoreLibrary, "hostGetProfile"};
 inline constexpr Service<IHelpServiceEx*()> getHelpService{kCoreLibrary, "hostGetHelpService"};
 inline constexpr Service<IStdDirs*()> getStdDirs{kCoreLibrary, "hostGetStdDirs"};
+
+// ---- modules that are loaded by file name for one use and unloaded at once
+
+/// Asks for a new field; true when the user made one. It is in no database and evaluated for the active document.
+inline constexpr Service<bool(OdDbFieldPtr& field)> insertField{kFieldModule, "insertField"};
+/// Asks what a field shall be from now on; true when it was changed. The field given stays as it is: a new one takes
+/// its place.
+inline constexpr Service<bool(OdDbFieldPtr& field)> changeField{kFieldModule, "changeField"};
 
 // ---- the view
 

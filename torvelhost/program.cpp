@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "torvelhost/application.h"
 #include "torvelhost/command_loop.h"
+#include "torvelhost/plot/plot.h"
 #include "torvelhost/progress.h"
 
 namespace host {
@@ -62,9 +63,19 @@ void saveDrawing(const Options& options, Application::Session& session, Terminal
     }
 }
 
+void plotDrawing(const Options& options, Application::Session& session, Terminal& terminal) {
+    if (!options.plot) return;
+    const Progress progress(terminal, L"Plotting " + *options.plot);
+    const Plot plot = plotView(session.document);
+    if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
+    writePicture(plot.picture, *options.plot);
+}
+
 // Refuses what cannot be done before anything is.
 void checkOptions(const Options& options) {
-    if (options.plot) throw UsageError("--plot: this build cannot plot");
+    if (options.plot && !isPictureFileName(*options.plot))
+        throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
+                         "\" is no picture; give a name that ends in .svg or .png");
     if (options.windows && base::pathSeparator() != L'\\')
         throw UsageError("--windows: there are windows on Windows only");
 }
@@ -80,6 +91,7 @@ ExitStatus run(const Options& options, Terminal& terminal) {
 
     ExitStatus status = CommandLoop(application).run();
     saveDrawing(options, session, terminal);
+    plotDrawing(options, session, terminal);
     application.profile().save();
     if (terminal.outputFailed()) {
         terminal.error(L"standard output could not be written");

@@ -7,6 +7,7 @@
 #include "torvelcmd2/construction/ray.h"
 #include "torvelcmd2/construction/wipeout.h"
 #include "torvelcmd2/construction/xline.h"
+#include "torvelcmd2/extract/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
 
@@ -24,7 +25,18 @@ class CommandRegistration {
             factory->addCommand(name, creator);
         }
     }
+    CommandRegistration(const char* name, CommandCreator creator, const wchar_t* group, int flags) {
+        ICmdFactory* found = nullptr;
+        GetCommandFactory(found);
+        const CountedReference<ICmdFactory> factory(found);
+        if (factory != nullptr) {
+            factory->addCommandInGroup(name, creator, group, flags, 0, 0);
+        }
+    }
 };
+
+constexpr const wchar_t* kGroup = L"HOST";
+constexpr int kUsesPickFirst = 2;
 
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
 const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
@@ -32,6 +44,7 @@ const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
 const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
+const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
 
 // The attach step comes after the registrations.
 const ModuleEntry moduleEntry;
