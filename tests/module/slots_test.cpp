@@ -78,7 +78,7 @@ TEST_F(ModuleInHost, RegistersItsCommandsInOrderAndGivesTheFactoryBack) {
     for (const fake::Registration& registration : host().registrations) {
         names.push_back(registration.name);
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"Ray", "ElxTest", "AttSync"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"Ray", "ElxTest", "AttSync", "VSlide"}));
     EXPECT_EQ(host().factoryReferences, 0);
 }
 

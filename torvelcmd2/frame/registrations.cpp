@@ -6,6 +6,7 @@
 #include "torvelcmd2/construction/ray.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
+#include "torvelcmd2/slides/vslide.h"
 
 namespace torvel {
 namespace {
@@ -26,6 +27,7 @@ class CommandRegistration {
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
+const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);
 
 // The attach step comes after the registrations.
 const ModuleEntry moduleEntry;
