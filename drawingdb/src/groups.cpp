@@ -1,8 +1,12 @@
 #include "groups.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "base/number.h"
 #include "base/text.h"
@@ -49,31 +53,53 @@ ValueKind valueKind(int code) {
     return text;
 }
 
+namespace {
+
+/// The end of the line that begins at `p`: its line feed, or `end`.
+inline const char* lineEnd(const char* p, const char* end) {
+#if defined(__SSE2__)
+    if (end - p >= 16) {
+        const __m128i line = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        if (const int feeds = _mm_movemask_epi8(_mm_cmpeq_epi8(line, _mm_set1_epi8('\n'))))
+            return p + std::countr_zero(static_cast<unsigned>(feeds));
+        p += 16;
+    }
+#endif
+    const void* feed = p < end ? std::memchr(p, '\n', static_cast<std::size_t>(end - p)) : nullptr;
+    return feed ? static_cast<const char*>(feed) : end;
+}
+
+inline unsigned digit(char c) { return static_cast<unsigned>(c) - unsigned{'0'}; }
+
+}  // namespace
+
 bool GroupCursor::nextAscii(Group& group) {
-    if (at_ >= end_) return false;
-    group.begin = at_;
     const char* p = at_;
-    while (p < end_ && (*p == ' ' || *p == '\t')) ++p;
-    bool negative = false;
-    if (p < end_ && *p == '-') negative = true, ++p;
-    if (p >= end_ || *p < '0' || *p > '9') return false;
-    int code = 0;
-    for (; p < end_ && *p >= '0' && *p <= '9'; ++p)
-        if (code < 100000) code = code * 10 + (*p - '0');
-    while (p < end_ && *p != '\n') ++p;
     if (p >= end_) return false;
-    group.code = negative ? -code : code;
-    const char* value = ++p;
-    // Most values are shorter than a call is long.
-    const char* lineEnd = value;
-    for (const char* const near = end_ - value > 16 ? value + 16 : end_; lineEnd < near && *lineEnd != '\n';) ++lineEnd;
-    if (lineEnd == end_ || *lineEnd != '\n')
-        lineEnd = static_cast<const char*>(std::memchr(lineEnd, '\n', static_cast<std::size_t>(end_ - lineEnd)));
-    const char* stop = lineEnd ? lineEnd : end_;
-    at_ = lineEnd ? lineEnd + 1 : end_;
-    if (stop > value && stop[-1] == '\r') --stop;
-    group.value = {value, static_cast<std::size_t>(stop - value)};
-    group.end = at_;
+    group.begin = p;
+    // "  8", " 10", "100": nearly every code.
+    if (end_ - p > 4 && digit(p[2]) < 10 && (p[3] == '\n' || (p[3] == '\r' && p[4] == '\n')) &&
+        (digit(p[1]) < 10 ? digit(p[0]) < 10 || p[0] == ' ' : p[1] == ' ' && p[0] == ' ')) {
+        group.code = static_cast<int>((p[0] == ' ' ? 0 : digit(p[0]) * 100) + (p[1] == ' ' ? 0 : digit(p[1]) * 10) +
+                                      digit(p[2]));
+        p += p[3] == '\n' ? 4 : 5;
+    } else {
+        while (p < end_ && (*p == ' ' || *p == '\t')) ++p;
+        bool negative = false;
+        if (p < end_ && *p == '-') negative = true, ++p;
+        if (p >= end_ || digit(*p) >= 10) return false;
+        int code = 0;
+        for (; p < end_ && digit(*p) < 10; ++p)
+            if (code < 100000) code = code * 10 + static_cast<int>(digit(*p));
+        p = lineEnd(p, end_);
+        if (p == end_) return false;
+        ++p;
+        group.code = negative ? -code : code;
+    }
+    const char* stop = lineEnd(p, end_);
+    at_ = group.end = stop < end_ ? stop + 1 : end_;
+    if (stop > p && stop[-1] == '\r') --stop;
+    group.value = {p, static_cast<std::size_t>(stop - p)};
     return true;
 }
 
@@ -277,16 +303,24 @@ void appendUnit(int unit, std::wstring& out) {
     out.push_back(static_cast<wchar_t>(unit));
 }
 
+/// Whether every byte is the character itself.
+bool isPlain(std::string_view raw) {
+    for (const char c : raw)
+        if (c == '\\' || c == '^' || static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
 }  // namespace
 
+void decodeText(std::string_view raw, const FileFormat& format, std::wstring& out) {
+    if (isPlain(raw))
+        out.assign(raw.begin(), raw.end());
+    else
+        out = decodeText(raw, format);
+}
+
 std::wstring decodeText(std::string_view raw, const FileFormat& format) {
-    bool plain = true;
-    for (const char c : raw)
-        if (c == '\\' || c == '^' || static_cast<unsigned char>(c) >= 0x80) {
-            plain = false;
-            break;
-        }
-    if (plain) return std::wstring(raw.begin(), raw.end());
+    if (isPlain(raw)) return std::wstring(raw.begin(), raw.end());
     const std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
     if (wide.find_first_of(L"\\^") == std::wstring::npos) return wide;
     std::wstring out;
@@ -326,6 +360,22 @@ std::wstring decodeText(std::string_view raw, const FileFormat& format) {
     return out;
 }
 
+std::string encodeNarrow(std::wstring_view text, const base::CodePage& codePage) {
+    return codePage.encode(text, [](char32_t character, std::string& bytes) {
+        const auto unit = [&bytes](unsigned value) {
+            static constexpr char kDigits[] = "0123456789ABCDEF";
+            bytes += "\\U+";
+            for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
+        };
+        if (character < 0x10000) {
+            unit(character);
+        } else {
+            unit(0xD800 + ((character - 0x10000) >> 10));
+            unit(0xDC00 + ((character - 0x10000) & 0x3FF));
+        }
+    });
+}
+
 std::string encodeText(std::wstring_view text, const FileFormat& format) {
     std::wstring escaped;
     bool special = false;
@@ -353,20 +403,7 @@ std::string encodeText(std::wstring_view text, const FileFormat& format) {
         for (const wchar_t c : text) out.push_back(static_cast<char>(c));
         return out;
     }
-    if (format.utf8()) return base::toUtf8(text);
-    return format.codePage->encode(text, [](char32_t character, std::string& bytes) {
-        const auto unit = [&bytes](unsigned value) {
-            static constexpr char kDigits[] = "0123456789ABCDEF";
-            bytes += "\\U+";
-            for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
-        };
-        if (character < 0x10000) {
-            unit(character);
-        } else {
-            unit(0xD800 + ((character - 0x10000) >> 10));
-            unit(0xDC00 + ((character - 0x10000) & 0x3FF));
-        }
-    });
+    return format.utf8() ? base::toUtf8(text) : encodeNarrow(text, *format.codePage);
 }
 
 void GroupWriter::code(int value) {

@@ -130,9 +130,9 @@ class Indexer {
             core_.format.wideCodes = wide;
             GroupCursor probe(core_.file_.substr(kBinaryHead), core_.format);
             Group first;
-            bool found = false;
-            for (int i = 0; i < 100 && !found && probe.next(first); ++i) found = first.code == 0;
-            if (found && first.value == "SECTION") break;
+            while (probe.next(first) && first.code == 999) {
+            }
+            if (first.code == 0 && first.value == "SECTION") break;
         }
         GroupCursor cursor(core_.file_.substr(kBinaryHead), core_.format);
         Group g;
@@ -446,15 +446,14 @@ void Core::readIndex(base::FileBuffer bytes) {
     } else {
         format.version = 1009;  // files without a header are as old as that
     }
-    if (!format.utf8()) {
-        if (const auto page = headerVariable("$DWGCODEPAGE")) {
-            std::string pageName(trimmed(page->first));
-            if (const base::CodePage* known = base::CodePage::byName(pageName)) {
-                format.codePage = known;
-            } else {
-                addWarning(0, where(nullptr) + "unknown code page \"" + pageName.substr(0, 40) +
-                                  "\"; texts are read as ANSI_1252");
-            }
+    // Newer files name the page too, though their texts are UTF-8: it is what their texts are narrowed to.
+    if (const auto page = headerVariable("$DWGCODEPAGE")) {
+        std::string pageName(trimmed(page->first));
+        if (const base::CodePage* known = base::CodePage::byName(pageName)) {
+            format.codePage = known;
+        } else if (!format.utf8()) {
+            addWarning(0, where(nullptr) + "unknown code page \"" + pageName.substr(0, 40) +
+                              "\"; texts are read as ANSI_1252");
         }
     }
 
