@@ -4,6 +4,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/field.h"
 #include "drawingdb/text.h"
+#include "torvelhost/preview.h"
 
 namespace host {
 namespace {
@@ -38,6 +39,21 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
         constexpr std::int64_t kCommand = 1, kScript = 4;
         return replies.isScript() ? kScript : commandActive ? kCommand : 0;
     });
+    const auto dragMode = std::make_shared<std::int64_t>(0);
+    variables.add(
+        L"DRAGMODE", [dragMode] { return *dragMode; },
+        [this, dragMode](const VariableValue& value) -> std::wstring {
+            const std::int64_t mode = std::get<std::int64_t>(value);
+            if (mode != 0 && mode != 1) return L"0 or 1 is wanted";
+            *dragMode = mode;
+            input.watchPreview(nullptr);
+            if (mode == 1)
+                input.watchPreview([this](const std::vector<OdDbEntity*>& shown) {
+                    for (const OdDbEntity* entity : shown)
+                        input.terminal().notice(L"[preview] " + previewText(*entity));
+                });
+            return L"";
+        });
     variables.add(
         L"PICKBOX", [this] { return std::int64_t{selection.pickBox}; },
         [this](const VariableValue& value) -> std::wstring {
