@@ -129,6 +129,11 @@ double getTextOrientation(OdGeVector3d& normal, double rotation, OdDbDatabase*) 
     return torvel::normalizedAngle((OdGeMatrix3d::worldToPlane(normal) * ucs.xAxis()).xy().angle() + rotation);
 }
 
+void hostGetDrawingPlane(OdGeMatrix3d& toWorld) {
+    Application::Session* current = session();
+    toWorld = current ? current->document.ucs() : OdGeMatrix3d::kIdentity;
+}
+
 bool hostdbRToS(double value, int units, int precision, CXStringW& text) {
     if (!std::isfinite(value)) return false;
     text = host::lengthToText(value, units < 0 ? drawingUnits(L"LUNITS", host::kDecimal) : units,
@@ -279,6 +284,7 @@ static_assert(fits(hostapi::loadStringNotTranslated, &_LoadStringNotTrans));
 static_assert(fits(hostapi::translateText, &hostTranslateText));
 static_assert(fits(hostapi::getActiveBTRId, &getActiveBTRId));
 static_assert(fits(hostapi::getTextOrientation, &getTextOrientation));
+static_assert(fits(hostapi::getDrawingPlane, &hostGetDrawingPlane));
 static_assert(fits(hostapi::realToText, &hostdbRToS));
 static_assert(fits(hostapi::angleToText, &hostdbAngToS));
 static_assert(fits(hostapi::textToReal, &hostdbSToR));

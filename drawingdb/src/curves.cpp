@@ -7,6 +7,7 @@
 #include "arc_length.h"
 #include "core.h"
 #include "curve_math.h"
+#include "curve_pieces.h"
 #include "description.h"
 
 using drawingdb::addThickness;
@@ -300,6 +301,11 @@ OdResult OdDbCircle::transformBy(const OdGeMatrix3d& matrix) {
     return OdResult::ok;
 }
 
+OdResult OdDbCircle::explode(std::vector<OdDbEntityPtr>& pieces) const {
+    drawingdb::CurvePieces(*this, normal_, center_.z, pieces).addArc(center_.xy(), radius_, startParam(), endParam());
+    return OdResult::ok;
+}
+
 OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = mapPlane(matrix, normal_);
     if (const OdResult result = OdDbCircle::transformBy(matrix); result != OdResult::ok) return result;
@@ -536,6 +542,20 @@ OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
     thickness_ = mapThickness(matrix, normal_, thickness_, plane->normal);
     normal_ = plane->normal;
     verticesChanged();
+    return OdResult::ok;
+}
+
+OdResult OdDbPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
+    drawingdb::CurvePieces maker(*this, normal_, elevation_, pieces);
+    std::vector<drawingdb::CurvePieces::WideSegment> segments;
+    bool wide = false;
+    for (std::size_t i = 0; i < numSegments(); ++i) {
+        const auto width = [&](double own) { return own >= 0 ? own : constantWidth_; };
+        segments.push_back({segment(i), width(vertices_[i].startWidth), width(vertices_[i].endWidth)});
+        wide = wide || segments.back().startWidth > 0 || segments.back().endWidth > 0;
+    }
+    if (wide && maker.addWide(segments, isClosed())) return OdResult::ok;
+    for (const auto& one : segments) maker.addSegment(one.segment);
     return OdResult::ok;
 }
 

@@ -1,10 +1,12 @@
 #include "drawingdb/old_polyline.h"
 
+#include <algorithm>
 #include <numeric>
 
 #include "arc_length.h"
 #include "core.h"
 #include "curve_math.h"
+#include "curve_pieces.h"
 #include "description.h"
 
 using drawingdb::BulgeSegment;
@@ -69,6 +71,67 @@ void OdDbOldPolyline::afterDecode() {
     }
 }
 
+void OdDbOldPolyline::mapVertices(const OdGeMatrix3d& map, std::optional<double> elevation, double widthScale,
+                                  bool reversed) {
+    if (!stub_) return;
+    drawingdb::Core& core = database()->core();
+    for (drawingdb::Stub* child = core.nextChild(*stub_, nullptr); child; child = core.nextChild(*stub_, child)) {
+        if (child->gone() || child->type != drawingdb::rtVertex) continue;
+        const std::string_view old = core.bytesOf(*child);
+        const auto real = [&](const Group& group) { return groupReal(group, core.format.binary).value_or(0); };
+        OdGePoint3d point;
+        drawingdb::GroupCursor reader(old, core.format);
+        for (Group group; reader.next(group) && group.code < 1000;) {
+            if (group.code == 10) point.x = real(group);
+            if (group.code == 20) point.y = real(group);
+            if (group.code == 30) point.z = real(group);
+        }
+        if (elevation) point.z = *elevation;
+        point.transformBy(map);
+        std::string bytes;
+        drawingdb::GroupWriter writer(bytes, core.format);
+        drawingdb::GroupCursor cursor(old, core.format);
+        for (Group group; cursor.next(group);) {
+            switch (group.code) {
+                case 10:
+                    writer.real(10, point.x);
+                    break;
+                case 20:
+                    writer.real(20, point.y);
+                    break;
+                case 30:
+                    writer.real(30, point.z);
+                    break;
+                case 40:
+                case 41:
+                    writer.real(group.code, real(group) * widthScale);
+                    break;
+                case 42:
+                    reversed&& real(group) != 0 ? writer.real(42, -real(group)) : writer.raw(group.bytes());
+                    break;
+                case 50: {
+                    // The direction of the smoothed line.
+                    const double angle = real(group) * torvel::kPi / 180;
+                    const OdGeVector3d image = map * OdGeVector3d(std::cos(angle), std::sin(angle), 0);
+                    writer.real(50, torvel::normalizedAngle(std::atan2(image.y, image.x)) * 180 / torvel::kPi);
+                    break;
+                }
+                default:
+                    writer.raw(group.bytes());
+            }
+        }
+        core.setBytes(*child, bytes);
+    }
+    for (Vertex& vertex : vertices_) {
+        if (elevation) vertex.point.z = *elevation;
+        vertex.point.transformBy(map);
+        vertex.startWidth *= widthScale;
+        vertex.endWidth *= widthScale;
+        if (reversed && vertex.bulge != 0) vertex.bulge = -vertex.bulge;
+    }
+    lengths_.reset();
+}
+
 std::size_t OdDbOldPolyline::numSegments() const {
     if (vertices_.size() < 2) return 0;
     return isClosed() ? vertices_.size() : vertices_.size() - 1;
@@ -130,6 +193,37 @@ OdGeVector3d OdDb2dPolyline::firstDerivAtParam(double parameter) const {
     const OdGeVector2d direction = segment(index).derivativeAt(fraction);
     return OdGeMatrix3d::planeToWorld(normal_) * OdGeVector3d(direction.x, direction.y, 0);
 }
+OdResult OdDb2dPolyline::transformBy(const OdGeMatrix3d& matrix) {
+    const auto plane = drawingdb::mapPlane(matrix, normal_);
+    if (!plane) return OdResult::transformRefused;
+    const auto uniform = drawingdb::uniformScale(matrix);
+    const bool bulged = std::any_of(vertices_.begin(), vertices_.end(), [](const Vertex& v) { return v.bulge != 0; });
+    if (!uniform && bulged) return OdResult::transformRefused;
+    assertWriteEnabled();
+    // Widths have no direction: unequal scales give them their geometric mean.
+    const double scale = uniform ? *uniform : std::sqrt(plane->map.xAxis().crossProduct(plane->map.yAxis()).length());
+    mapVertices(plane->map, elevation_.z, scale, plane->reversed);
+    elevation_.set(0, 0, (plane->map * OdGePoint3d(0, 0, elevation_.z)).z);
+    startWidth_ *= scale;
+    endWidth_ *= scale;
+    thickness_ = drawingdb::mapThickness(matrix, normal_, thickness_, plane->normal);
+    normal_ = plane->normal;
+    return OdResult::ok;
+}
+
+OdResult OdDb2dPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
+    drawingdb::CurvePieces maker(*this, normal_, elevation_.z, pieces);
+    std::vector<drawingdb::CurvePieces::WideSegment> segments;
+    bool wide = false;
+    for (std::size_t i = 0; i < numSegments(); ++i) {
+        segments.push_back({segment(i), vertices_[i].startWidth, vertices_[i].endWidth});
+        wide = wide || vertices_[i].startWidth > 0 || vertices_[i].endWidth > 0;
+    }
+    if (wide && maker.addWide(segments, isClosed())) return OdResult::ok;
+    for (const auto& one : segments) maker.addSegment(one.segment);
+    return OdResult::ok;
+}
+
 bool OdDb2dPolyline::geomExtents(OdGeExtents3d& extents) const {
     if (vertices_.empty()) return false;
     extents = OdGeExtents3d();
@@ -170,6 +264,12 @@ OdGeVector3d OdDb3dPolyline::firstDerivAtParam(double parameter) const {
     const auto [index, fraction] = segmentAt(parameter);
     return next(index).point - vertices_[index].point;
 }
+OdResult OdDb3dPolyline::transformBy(const OdGeMatrix3d& matrix) {
+    assertWriteEnabled();
+    mapVertices(matrix, std::nullopt, 1, false);
+    return OdResult::ok;
+}
+
 bool OdDb3dPolyline::geomExtents(OdGeExtents3d& extents) const {
     if (vertices_.empty()) return false;
     extents = OdGeExtents3d();

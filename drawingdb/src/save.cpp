@@ -1,8 +1,9 @@
 // Writing: the stubs in file order. Records that were not changed go out as the stretches of the file that they are.
 //
-// Derived here, so that undo need not know of it: group 66 and SEQEND of references, the list of fields, and the
-// removal of erased objects from groups, sort tables, block-reference lists and the list of fields; $HANDSEED; records
-// of the CLASSES section for new objects of kinds that other programs only know by such a record.
+// Derived here, so that undo need not know of it: group 66 and SEQEND of references, the list of fields, new references
+// in the lists of block records, and the removal of erased objects from groups, sort tables, block-reference lists and
+// the list of fields; $HANDSEED; records of the CLASSES section for new objects of kinds that other programs only know
+// by such a record.
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -52,6 +53,11 @@ class Saver {
             if (stub.type == rtSeqend && !emitted(stub)) continue;
             largest_ = std::max(largest_, stub.handle);
             if (stub.type == rtField) newFields_.push_back(i);
+            if (stub.type == rtInsert) {
+                Stub& reference = core_.stubs[i];
+                if (const Stub* block = core_.blockByRawName(core_.groupText(reference, 2)))
+                    newReferences_[core_.indexOf(block)].push_back(stub.handle);
+            }
             for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
                 if (stub.type == kKindRecords[kind].type) ++newObjects_[kind];
         }
@@ -68,10 +74,12 @@ class Saver {
         if (!newFields_.empty()) fieldList_ = core_.fieldList(false);
     }
 
-    /// Whether an anchor goes into the file: an appended SEQEND does when its reference has children.
+    /// Whether an anchor goes into the file: an appended SEQEND does when its reference is written anew and has
+    /// children.
     bool emitted(const Stub& anchor) const {
         Stub& owner = core_.stubs[anchor.owner];
-        return !owner.gone() && hasChildren(owner);
+        const bool anew = owner.has(Stub::appended) || owner.has(Stub::childrenChanged);
+        return anew && !owner.gone() && hasChildren(owner);
     }
 
     bool hasChildren(Stub& reference) const {
@@ -223,8 +231,8 @@ class Saver {
             case rtSortents:
             case rtBlockRecord:
             case rtFieldList:
-                if (!erased_.empty() || &stub == fieldList_) {
-                    emit(withoutErased(stub));
+                if (!erased_.empty() || &stub == fieldList_ || newReferences_.contains(core_.indexOf(&stub))) {
+                    emit(broughtUpToDate(stub));
                     return;
                 }
                 break;
@@ -254,7 +262,8 @@ class Saver {
         return patched_;
     }
 
-    std::string_view withoutErased(Stub& stub) {
+    /// Without the handles of erased objects, and with those of new ones that belong into the list.
+    std::string_view broughtUpToDate(Stub& stub) {
         const std::string_view old = core_.bytesOf(stub);
         patched_.clear();
         GroupWriter writer(patched_, core_.format);
@@ -263,6 +272,7 @@ class Saver {
         bool dropPair = false;
         bool changed = false;
         bool control = false;
+        bool inReferences = false;
         bool inSet = false;
         std::int64_t count = -1;
         std::size_t countAt = 0, countEnd = 0;
@@ -272,8 +282,19 @@ class Saver {
             count += static_cast<std::int64_t>(newFields_.size());
             changed = true;
         };
+        const auto addReferences = [&] {
+            const auto found = newReferences_.find(core_.indexOf(&stub));
+            if (found == newReferences_.end()) return;
+            for (const std::uint64_t handle : found->second) writer.handle(331, handle);
+            changed = true;
+        };
         while (cursor.next(group)) {
-            if (group.code == 102) control = !group.value.empty() && group.value.front() == '{';
+            if (group.code == 102) {
+                control = !group.value.empty() && group.value.front() == '{';
+                if (inReferences) addReferences();
+                // A record without the list is one of a program that keeps none.
+                inReferences = stub.type == rtBlockRecord && group.value == "{BLKREFS";
+            }
             if (stub.type == rtFieldList && group.code == 100) {
                 if (inSet) addFields();
                 inSet = group.value == "AcDbIdSet";
@@ -353,6 +374,8 @@ class Saver {
     std::uint64_t largest_ = 0;
     std::vector<std::uint64_t> erased_;
     std::vector<std::uint32_t> newFields_;
+    std::unordered_map<std::uint32_t, std::vector<std::uint64_t>>
+        newReferences_;  // by the stub of their block's record
     std::array<int, std::size(kKindRecords)> newObjects_{};
     Stub* fieldList_ = nullptr;
 };

@@ -118,6 +118,8 @@ class DRAWINGDB_API OdDbCircle : public OdDbCurve {
     bool isClosed() const override { return true; }
     /// Refuses (transformRefused) anything but a uniform scale, rotation, mirroring and move.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// An ellipse or a part of one, which takes any matrix; in drawings of versions without ellipses, short lines.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     double endParam() const override;  ///< 2 pi; the parameter is the angle
     OdResult getOffsetCurves(double distance, const OdGeVector3d& normal,
@@ -194,6 +196,9 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move. Without: takes any matrix that
     /// leaves the plane a plane.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// Lines and parts of ellipses, which take any matrix; one polyline of short segments where there are widths to
+    /// show.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     double endParam() const override;  ///< number of segments; whole numbers are the vertices
     std::vector<double> breakParams() const override;

@@ -1,6 +1,7 @@
 #pragma once
 // Polylines of the old kind, whose vertices are records of their own behind theirs.
 #include <memory>
+#include <optional>
 
 #include "drawingdb/entity.h"
 
@@ -9,9 +10,9 @@ class SegmentLengths;
 struct BulgeSegment;
 }  // namespace drawingdb
 
-/// What the two kinds have in common. They are read as curves; their vertices cannot be changed here. Of splined ones
-/// the vertices of the smoothed line count, not those of its frame. The parameter counts segments and runs along each
-/// in proportion to its length; parameters outside mean the ends.
+/// What the two kinds have in common. They are read as curves; their vertices change by transformBy alone. Of splined
+/// ones the vertices of the smoothed line count, not those of its frame. The parameter counts segments and runs along
+/// each in proportion to its length; parameters outside mean the ends.
 class DRAWINGDB_API OdDbOldPolyline : public OdDbCurve {
     OD_DECLARE_CLASS(OdDbOldPolyline)
   public:
@@ -32,6 +33,9 @@ class DRAWINGDB_API OdDbOldPolyline : public OdDbCurve {
 
   protected:
     void afterDecode() override;
+    /// Maps the vertices' points, multiplies their widths, and turns their bulges over where the map reverses. An
+    /// elevation stands for the points' own z.
+    void mapVertices(const OdGeMatrix3d& map, std::optional<double> elevation, double widthScale, bool reversed);
     std::size_t numSegments() const;
     const Vertex& next(std::size_t index) const { return vertices_[(index + 1) % vertices_.size()]; }
     /// The segment that a parameter lies in, and the fraction of it. There must be a segment.
@@ -52,6 +56,11 @@ class DRAWINGDB_API OdDb2dPolyline : public OdDbOldPolyline {
   public:
     OdGeVector3d normal() const { return normal_; }
     double elevation() const { return elevation_.z; }
+    /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move. Without: takes any matrix that
+    /// leaves the plane a plane.
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// As OdDbPolyline::explode.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     OdGePoint3d pointAtParam(double parameter) const override;
     OdGeVector3d firstDerivAtParam(double parameter) const override;
@@ -72,6 +81,7 @@ class DRAWINGDB_API OdDb2dPolyline : public OdDbOldPolyline {
 class DRAWINGDB_API OdDb3dPolyline : public OdDbOldPolyline {
     OD_DECLARE_CONCRETE_CLASS(OdDb3dPolyline)
   public:
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     OdGePoint3d pointAtParam(double parameter) const override;
     OdGeVector3d firstDerivAtParam(double parameter) const override;
