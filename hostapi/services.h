@@ -24,6 +24,7 @@
 #include "hostapi/host_names.h"
 #include "hostapi/selection.h"
 #include "hostapi/settings.h"
+#include "hostapi/slides.h"
 #include "hostapi/text.h"
 
 class HostApplication;
@@ -55,7 +56,7 @@ using ApplicationFunction = HostApplication*();
 /// Shows the drawing again as it stands; 1 regenerates it as well.
 using RefreshFunction = void(int regenerate);
 /// The view that slides are drawn into; not null while a document is open.
-using SlideViewFunction = void*();
+using SlideViewFunction = HostSlideView*();
 
 // ---- resource translation, in the core library or else in the resource library
 

@@ -4,6 +4,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/field.h"
 #include "drawingdb/text.h"
+#include "torvelhost/preview.h"
 
 namespace host {
 namespace {
@@ -18,7 +19,8 @@ Application::Application(const Options& options, Terminal& terminal)
       profile_(options.profile ? *options.profile : Profile::defaultFileName()),
       messages_(terminal),
       help_(terminal),
-      folders_(*this) {
+      folders_(*this),
+      slideView_(options.width, options.height, profile_) {
     g_current = this;
 }
 
@@ -37,6 +39,21 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
         constexpr std::int64_t kCommand = 1, kScript = 4;
         return replies.isScript() ? kScript : commandActive ? kCommand : 0;
     });
+    const auto dragMode = std::make_shared<std::int64_t>(0);
+    variables.add(
+        L"DRAGMODE", [dragMode] { return *dragMode; },
+        [this, dragMode](const VariableValue& value) -> std::wstring {
+            const std::int64_t mode = std::get<std::int64_t>(value);
+            if (mode != 0 && mode != 1) return L"0 or 1 is wanted";
+            *dragMode = mode;
+            input.watchPreview(nullptr);
+            if (mode == 1)
+                input.watchPreview([this](const std::vector<OdDbEntity*>& shown) {
+                    for (const OdDbEntity* entity : shown)
+                        input.terminal().notice(L"[preview] " + previewText(*entity));
+                });
+            return L"";
+        });
     variables.add(
         L"PICKBOX", [this] { return std::int64_t{selection.pickBox}; },
         [this](const VariableValue& value) -> std::wstring {
@@ -53,7 +70,7 @@ void Application::open(OdDbDatabasePtr database, ReplySource& replies) {
 
 // Texts of all kinds may have fields; nothing else is opened.
 void Application::regenerate(OdDbDatabase& database) {
-    slideView_.showsSlide = false;
+    slideView_.showDrawing();
     const auto evaluate = [&database](OdDbObjectId id) {
         if (!id.isKindOf(OdDbText::desc()) && !id.isKindOf(OdDbMText::desc())) return;
         const auto text = id.openIf<OdDbEntity>();
@@ -74,7 +91,7 @@ void Application::regenerate(OdDbDatabase& database) {
 }
 
 // Nothing is on a screen here; a slide that was shown makes room for the drawing.
-void Application::refresh() { slideView_.showsSlide = false; }
+void Application::refresh() { slideView_.showDrawing(); }
 
 void Application::Help::showTopic(const wchar_t* topic, void*) {
     terminal_.notice(L"[help] " + std::wstring(topic ? topic : L""));

@@ -63,10 +63,12 @@ void saveDrawing(const Options& options, Application::Session& session, Terminal
     }
 }
 
-void plotDrawing(const Options& options, Application::Session& session, Terminal& terminal) {
+// What the view shows: the slide shown last, else the drawing.
+void plotShown(const Options& options, Application& application, Terminal& terminal) {
     if (!options.plot) return;
     const Progress progress(terminal, L"Plotting " + *options.plot);
-    const Plot plot = plotView(session.document);
+    if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
+    const Plot plot = plotView(application.session()->document);
     if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
     writePicture(plot.picture, *options.plot);
 }
@@ -91,7 +93,7 @@ ExitStatus run(const Options& options, Terminal& terminal) {
 
     ExitStatus status = CommandLoop(application).run();
     saveDrawing(options, session, terminal);
-    plotDrawing(options, session, terminal);
+    plotShown(options, application, terminal);
     application.profile().save();
     if (terminal.outputFailed()) {
         terminal.error(L"standard output could not be written");

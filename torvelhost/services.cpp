@@ -36,7 +36,7 @@ void refreshDisplay(int regenerate) {
     if (regenerate == 1) Application::current()->regenerate(*current->document.database());
 }
 
-void* slideView() { return Application::current() ? Application::current()->slideView() : nullptr; }
+HostSlideView* slideView() { return Application::current() ? Application::current()->slideView() : nullptr; }
 
 // ---- resource translation: the modules whose resources may be translated
 

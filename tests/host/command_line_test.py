@@ -58,7 +58,7 @@ class CommandLine(unittest.TestCase):
 
     def test_wrong_usage_is_2(self):
         for arguments in (["--nothing"], ["-c"], ["a.dxf", "b.dxf"], ["--set", "NOSUCH=1", "-c", ""],
-                          ["--set", "LUPREC=many", "-c", ""], ["--size", "9", "-c", ""], ["-p", "plot.svg"]):
+                          ["--set", "LUPREC=many", "-c", ""], ["--size", "9", "-c", ""], ["-p", "plot.pdf", "-c", ""]):
             with self.subTest(arguments):
                 run = self.run_program(*arguments)
                 self.assertEqual(run.status, 2)
@@ -182,7 +182,7 @@ class CommandLine(unittest.TestCase):
         send("\x03")
         expect("Command: ")
         send("LAYER\r")
-        expect("[?/Set/ON/OFF/Freeze/Thaw/LOck/Unlock/Color]: ")
+        expect("[?/Make/Set/New/ON/OFF/Freeze/Thaw/LOck/Unlock/Color]: ")
         send("O\r")
         expect("more than one of")
         send("\r")

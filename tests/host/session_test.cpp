@@ -270,7 +270,7 @@ TEST(Trackers, MoveLikeACursor) {
     EXPECT_EQ(tracker.log, "+-");
     EXPECT_EQ(ask(), hostapi::kEmpty);
     EXPECT_EQ(tracker.log, "+-");
-    EXPECT_EQ(host.input().drawablesShown(), 0);
+    EXPECT_TRUE(host.input().drawablesShown().empty());
 
     Host failing(L"1,1");
     tracker.throws = true;

@@ -10,6 +10,7 @@
 #include "torvelcmd2/extract/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
+#include "torvelcmd2/slides/vslide.h"
 
 namespace torvel {
 namespace {
@@ -45,6 +46,7 @@ const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
 const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
 const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
+const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);
 
 // The attach step comes after the registrations.
 const ModuleEntry moduleEntry;
