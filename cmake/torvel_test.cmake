@@ -4,8 +4,7 @@
 # torvel_add_test(NAME COMMAND...)
 #     Any other test. Names get this build's preset in front, so that one ctest run can cover several builds.
 # torvel_fuzzer(NAME CORPUS FOLDER SOURCES SOURCE... [LIBRARIES LIBRARY...] [DICTIONARY FILE])
-#     A libFuzzer program and the test that runs it for TORVEL_FUZZ_SECONDS, starting from the seeds in FOLDER. With
-#     RUNS 0 the test only runs the seeds.
+#     A libFuzzer program and the test that runs it for TORVEL_FUZZ_SECONDS, starting from the seeds in FOLDER.
 
 find_path(TORVEL_GOOGLETEST_SOURCES googletest/CMakeLists.txt PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH)
 if(TORVEL_TESTS AND NOT TORVEL_GOOGLETEST_SOURCES)
@@ -20,7 +19,7 @@ endif()
 if(TORVEL_TESTS OR TORVEL_FUZZ)
   enable_testing()
 endif()
-set(TORVEL_FUZZ_SECONDS 8 CACHE STRING "How long each fuzzer runs as a test")
+set(TORVEL_FUZZ_SECONDS 60 CACHE STRING "How long each fuzzer runs as a test")
 
 function(torvel_add_test name)
   set(full_name "${name}")
@@ -41,7 +40,7 @@ function(torvel_test name)
 endfunction()
 
 function(torvel_fuzzer name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "CORPUS;DICTIONARY;RUNS" "SOURCES;LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "CORPUS;DICTIONARY" "SOURCES;LIBRARIES")
   cmake_path(ABSOLUTE_PATH arg_CORPUS BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
   add_executable(${name} ${arg_SOURCES})
   torvel_options(${name})
@@ -55,10 +54,6 @@ function(torvel_fuzzer name)
     cmake_path(ABSOLUTE_PATH arg_DICTIONARY BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
     set(dictionary "-dict=${arg_DICTIONARY}")
   endif()
-  set(length -max_total_time=${TORVEL_FUZZ_SECONDS})
-  if(DEFINED arg_RUNS)
-    set(length -runs=${arg_RUNS})
-  endif()
-  torvel_add_test(${name} ${name} ${length} -timeout=10 -rss_limit_mb=4096
+  torvel_add_test(${name} ${name} -max_total_time=${TORVEL_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=4096
                   "-artifact_prefix=${CMAKE_CURRENT_BINARY_DIR}/${name}_" ${dictionary} "${found}" "${arg_CORPUS}")
 endfunction()

@@ -40,11 +40,20 @@ make_prefix() {
     touch "$prefix/ready"
 }
 
-if [ ! -e "$prefix/ready" ]; then
-    mkdir -p "$prefix"
-    (
-        flock 9
-        [ -e "$prefix/ready" ] || make_prefix
-    ) 9>"$prefix.lock"
-fi
+# A server that stays for a while, so that no program meets one that is just ending. What it starts stays as long and
+# must not hold the caller's pipes open, so the first program of all is one without any.
+start_server() {
+    if "$WINESERVER" -p60; then
+        "$wine" wineboot
+    fi
+}
+
+mkdir -p "$prefix"
+(
+    flock 9
+    [ -e "$prefix/ready" ] || make_prefix 9>&-
+    if [ -n "${WINESERVER:-}" ]; then
+        start_server </dev/null >/dev/null 2>&1 9>&-
+    fi
+) 9>"$prefix.lock"
 exec "$wine" "$@"

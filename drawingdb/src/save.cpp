@@ -43,10 +43,12 @@ class Saver {
         if (!newFields_.empty()) fieldList_ = core_.fieldList(false);
     }
 
-    /// Whether an anchor goes into the file: an appended SEQEND does when its reference has children.
+    /// Whether an anchor goes into the file: an appended SEQEND does when its reference is written anew and has
+    /// children.
     bool emitted(const Stub& anchor) const {
         Stub& owner = core_.stubs[anchor.owner];
-        return !owner.gone() && hasChildren(owner);
+        const bool anew = owner.has(Stub::appended) || owner.has(Stub::childrenChanged);
+        return anew && !owner.gone() && hasChildren(owner);
     }
 
     bool hasChildren(Stub& reference) const {

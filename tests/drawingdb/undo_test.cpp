@@ -161,4 +161,22 @@ TEST(Undo, RandomEditsGiveTheBytesBack) {
     }
 }
 
+TEST(Undo, AnAttributeAddedWhereSeqendIsMissingLeavesNothing) {
+    // An old drawing without handles: the reference's attributes just end at the next entity.
+    const std::string bytes =
+        "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\nD\n70\n2\n0\nENDBLK\n0\nENDSEC\n"
+        "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n"
+        "0\nSECTION\n2\nENTITIES\n0\nINSERT\n8\n0\n66\n1\n2\nD\n0\nATTRIB\n8\n0\n2\nA\n1\nx\n"
+        "0\nLINE\n8\n0\n0\nENDSEC\n0\nEOF\n";
+    const auto database = OdDbDatabase::readBytes(bytes, L"old.dxf");
+    const auto space = database->modelSpaceId().openAs<OdDbBlockTableRecord>();
+    const auto start = database->undoPosition();
+    const auto attribute = OdDbAttribute::createObject();
+    (*space->entities().begin()).openAs<OdDbBlockReference>(OdDb::forWrite)->appendAttribute(attribute.get());
+    attribute->setTag(L"B");
+    EXPECT_NE(database->writeBytes().find("SEQEND"), std::string::npos);
+    database->undoTo(start);
+    EXPECT_EQ(database->writeBytes(), bytes);
+}
+
 }  // namespace
