@@ -4,6 +4,7 @@
 #include "torvelcmd2/attributes/att_sync.h"
 #include "torvelcmd2/construction/elx_test.h"
 #include "torvelcmd2/construction/ray.h"
+#include "torvelcmd2/extract/att_ext.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
 
@@ -26,6 +27,7 @@ class CommandRegistration {
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
+const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);
 
 // The attach step comes after the registrations.
 const ModuleEntry moduleEntry;
