@@ -313,3 +313,56 @@ void OdDbAttribute::setAttributeFromBlock(const OdDbAttributeDefinition& definit
     // The definition is hung up by its tag, the attribute by its value.
     OdDbText::changed(Change::text);
 }
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Reading many
+
+bool OdDbAttributeReader::read(OdDbObjectId attribute) {
+    if (attribute.isNull() || attribute.isErased()) return false;
+    drawingdb::Stub& stub = *attribute.stub();
+    if (stub.type != drawingdb::rtAttrib) return false;
+    if (readRecord(drawingdb::coreOf(&stub), stub)) return true;
+    const auto opened = attribute.openIf<OdDbAttribute>();
+    if (!opened) return false;
+    tag_ = opened->tag();
+    text_ = opened->textString();
+    return true;
+}
+
+// Understands the record as nearly all attributes are written: the three subclasses in their order, no embedded text.
+// False for any other, which the class's description is there for.
+bool OdDbAttributeReader::readRecord(drawingdb::Core& core, drawingdb::Stub& stub) {
+    if (stub.live()) return false;
+    static constexpr std::string_view kMarkers[] = {"AcDbEntity", "AcDbText", "AcDbAttribute"};
+    constexpr std::size_t kInText = 2;
+    constexpr std::size_t kInAttribute = 3;
+    std::size_t markers = 0;
+    std::string_view tag, text;  // the first group counts; an empty one is null no more
+    drawingdb::GroupCursor cursor(core.bytesOf(stub), core.format);
+    drawingdb::Group group;
+    while (cursor.next(group) && group.code < 1000) {
+        switch (group.code) {
+            case 1:
+                if (markers == kInText && !text.data()) text = group.value;
+                break;
+            case 2:
+                if (markers == kInAttribute && !tag.data()) tag = group.value;
+                break;
+            case 100:
+                if (markers == std::size(kMarkers) || group.value != kMarkers[markers]) return false;
+                ++markers;
+                break;
+            case 101:
+                return false;
+            case 102:
+                if (markers >= kInText) return false;
+                break;
+            default:
+                break;
+        }
+    }
+    if (markers != std::size(kMarkers)) return false;
+    drawingdb::decodeText(tag, core.format, tag_);
+    drawingdb::decodeText(text, core.format, text_);
+    return true;
+}

@@ -299,6 +299,18 @@ void OdDbDatabase::deepCloneObjects(const OdDbObjectIdArray& objects, OdDbObject
     core_->deepClone(objects, *owner.stub(), mapping);
 }
 
+void OdDbDatabase::appendNarrow(std::string& bytes, std::wstring_view text) const {
+    const std::size_t start = bytes.size();
+    for (const wchar_t c : text) {
+        if (static_cast<char32_t>(c) >= 0x80) {
+            bytes.resize(start);
+            bytes += encodeNarrow(text, *core_->format.codePage);
+            return;
+        }
+        bytes.push_back(static_cast<char>(c));
+    }
+}
+
 // ---- undo
 
 void OdDbDatabase::startUndoRecord() { core_->startRecord(); }

@@ -277,16 +277,24 @@ void appendUnit(int unit, std::wstring& out) {
     out.push_back(static_cast<wchar_t>(unit));
 }
 
+/// Whether every byte is the character itself.
+bool isPlain(std::string_view raw) {
+    for (const char c : raw)
+        if (c == '\\' || c == '^' || static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
 }  // namespace
 
+void decodeText(std::string_view raw, const FileFormat& format, std::wstring& out) {
+    if (isPlain(raw))
+        out.assign(raw.begin(), raw.end());
+    else
+        out = decodeText(raw, format);
+}
+
 std::wstring decodeText(std::string_view raw, const FileFormat& format) {
-    bool plain = true;
-    for (const char c : raw)
-        if (c == '\\' || c == '^' || static_cast<unsigned char>(c) >= 0x80) {
-            plain = false;
-            break;
-        }
-    if (plain) return std::wstring(raw.begin(), raw.end());
+    if (isPlain(raw)) return std::wstring(raw.begin(), raw.end());
     const std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
     if (wide.find_first_of(L"\\^") == std::wstring::npos) return wide;
     std::wstring out;
@@ -326,6 +334,22 @@ std::wstring decodeText(std::string_view raw, const FileFormat& format) {
     return out;
 }
 
+std::string encodeNarrow(std::wstring_view text, const base::CodePage& codePage) {
+    return codePage.encode(text, [](char32_t character, std::string& bytes) {
+        const auto unit = [&bytes](unsigned value) {
+            static constexpr char kDigits[] = "0123456789ABCDEF";
+            bytes += "\\U+";
+            for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
+        };
+        if (character < 0x10000) {
+            unit(character);
+        } else {
+            unit(0xD800 + ((character - 0x10000) >> 10));
+            unit(0xDC00 + ((character - 0x10000) & 0x3FF));
+        }
+    });
+}
+
 std::string encodeText(std::wstring_view text, const FileFormat& format) {
     std::wstring escaped;
     bool special = false;
@@ -353,20 +377,7 @@ std::string encodeText(std::wstring_view text, const FileFormat& format) {
         for (const wchar_t c : text) out.push_back(static_cast<char>(c));
         return out;
     }
-    if (format.utf8()) return base::toUtf8(text);
-    return format.codePage->encode(text, [](char32_t character, std::string& bytes) {
-        const auto unit = [&bytes](unsigned value) {
-            static constexpr char kDigits[] = "0123456789ABCDEF";
-            bytes += "\\U+";
-            for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
-        };
-        if (character < 0x10000) {
-            unit(character);
-        } else {
-            unit(0xD800 + ((character - 0x10000) >> 10));
-            unit(0xDC00 + ((character - 0x10000) & 0x3FF));
-        }
-    });
+    return format.utf8() ? base::toUtf8(text) : encodeNarrow(text, *format.codePage);
 }
 
 void GroupWriter::code(int value) {

@@ -446,15 +446,14 @@ void Core::readIndex(base::FileBuffer bytes) {
     } else {
         format.version = 1009;  // files without a header are as old as that
     }
-    if (!format.utf8()) {
-        if (const auto page = headerVariable("$DWGCODEPAGE")) {
-            std::string pageName(trimmed(page->first));
-            if (const base::CodePage* known = base::CodePage::byName(pageName)) {
-                format.codePage = known;
-            } else {
-                addWarning(0, where(nullptr) + "unknown code page \"" + pageName.substr(0, 40) +
-                                  "\"; texts are read as ANSI_1252");
-            }
+    // Newer files name the page too, though their texts are UTF-8: it is what their texts are narrowed to.
+    if (const auto page = headerVariable("$DWGCODEPAGE")) {
+        std::string pageName(trimmed(page->first));
+        if (const base::CodePage* known = base::CodePage::byName(pageName)) {
+            format.codePage = known;
+        } else if (!format.utf8()) {
+            addWarning(0, where(nullptr) + "unknown code page \"" + pageName.substr(0, 40) +
+                              "\"; texts are read as ANSI_1252");
         }
     }
 

@@ -109,3 +109,20 @@ class DRAWINGDB_API OdDbAttribute : public OdDbAttributeText {
     static void describeOld(drawingdb::Describer& d);
     std::int16_t multiLineFlag() const override { return 2; }
 };
+
+/// Reads tag and value of many attributes one after the other. An attribute that is not open is not made an object for
+/// that: its record is looked through instead.
+class DRAWINGDB_API OdDbAttributeReader {
+  public:
+    /// False, and both texts of no meaning, when the id names no attribute, or an erased one.
+    bool read(OdDbObjectId attribute);
+    const OdString& tag() const { return tag_; }
+    /// As OdDbAttribute::textString.
+    const OdString& textString() const { return text_; }
+
+  private:
+    bool readRecord(drawingdb::Core& core, drawingdb::Stub& stub);
+
+    OdString tag_;
+    OdString text_;
+};

@@ -129,6 +129,12 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// extension dictionaries, fields. References among the copied objects point to the copies.
     void deepCloneObjects(const OdDbObjectIdArray& objects, OdDbObjectId owner, OdDbIdMapping& mapping);
 
+    // ---- text as bytes ----
+    /// Appends a text as other programs' plain text files have it: in the drawing's code page ($DWGCODEPAGE, ANSI_1252
+    /// where it names none), whatever the file's own encoding. A character that the page does not hold becomes
+    /// "\U+XXXX", one beyond 16 bits two of these, so that nothing is lost.
+    void appendNarrow(std::string& bytes, std::wstring_view text) const;
+
     // ---- undo ----
     /// Begins a record: a step that undoLastRecord takes back at once.
     void startUndoRecord();

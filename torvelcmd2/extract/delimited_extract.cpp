@@ -1,0 +1,229 @@
+// The comma-delimited (CDF) and the space-delimited (SDF) extract.
+#include <charconv>
+#include <optional>
+#include <unordered_map>
+
+#include "base/text.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "torvelcmd2/extract/extract_output.h"
+#include "torvelcmd2/extract/extract_template.h"
+
+namespace torvel {
+namespace {
+
+using Source = ExtractField::Source;
+
+std::optional<std::string> readTemplate(const OdString& path, const OdDbDatabase* drawing) {
+    constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+    try {
+        const base::FileBuffer file = base::readFile(path);
+        const std::string_view text = base::untilEndMark(file.view());
+        if (!text.starts_with(kUtf8Mark)) return std::string(text);
+        // Names are compared with tags, and written, in the drawing's code page.
+        const OdString wide = base::fromUtf8(text.substr(kUtf8Mark.size()));
+        std::string narrow;
+        if (drawing != nullptr) drawing->appendNarrow(narrow, wide);
+        return narrow;
+    } catch (const base::FileError&) {
+        return std::nullopt;
+    }
+}
+
+/// Pads with blanks to the width, which counts bytes of the file, and never cuts. A negative width means its size and
+/// the left side, as in printf's formats.
+void appendColumn(std::string& bytes, std::string_view text, int width, bool toTheLeft) {
+    const auto columns = static_cast<std::size_t>(width < 0 ? -width : width);
+    const std::size_t blanks = columns > text.size() ? columns - text.size() : 0;
+    toTheLeft = toTheLeft || width < 0;
+    if (!toTheLeft) bytes.append(blanks, ' ');
+    appendLines(bytes, text);
+    if (toTheLeft) bytes.append(blanks, ' ');
+}
+
+/// printf's "%*.*f", whole also where it takes more than the 256 characters that are usual for it: cut, it would be
+/// another number.
+void assignNumber(std::string& text, double number, const ExtractField& field) {
+    constexpr int kUsualPrecision = 6;      // what printf takes for a negative one
+    constexpr std::size_t kLongest = 1400;  // sign, 309 digits, point, 999 digits
+    char digits[kLongest];
+    const int precision = field.precision < 0 ? kUsualPrecision : field.precision;
+    const char* const end = std::to_chars(digits, digits + kLongest, number, std::chars_format::fixed, precision).ptr;
+    text.clear();
+    appendColumn(text, {digits, static_cast<std::size_t>(end - digits)}, field.width, false);
+}
+
+/// Fills the values of one reference after the other.
+class Records {
+  public:
+    explicit Records(const std::vector<ExtractField>& fields) : fields_(fields), values_(fields.size()) {
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            if (fields[i].source == Source::attribute) {
+                tags_[fields[i].name].push_back(i);
+            } else {
+                properties_.push_back(i);
+            }
+        }
+    }
+
+    /// The values in the order of the fields, until the next call.
+    const std::vector<std::string>& fill(OdDbObjectId id) {
+        for (std::string& value : values_) value.clear();
+        const auto reference = id.openAs<OdDbBlockReference>();
+        for (const std::size_t i : properties_) fillProperty(values_[i], fields_[i], *reference);
+        if (!tags_.empty()) fillAttributes(*reference);
+        return values_;
+    }
+
+  private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+    };
+
+    void fillAttributes(const OdDbBlockReference& reference) {
+        for (const OdDbObjectId id : reference.attributes()) {
+            if (!attribute_.read(id)) continue;
+            tag_.clear();
+            reference.database()->appendNarrow(tag_, attribute_.tag());
+            const auto found = tags_.find(std::string_view(tag_));
+            if (found == tags_.end()) continue;
+            // Of equal tags the last one counts.
+            for (const std::size_t i : found->second) {
+                values_[i].clear();
+                reference.database()->appendNarrow(values_[i], attribute_.textString());
+            }
+        }
+    }
+
+    void fillProperty(std::string& value, const ExtractField& field, const OdDbBlockReference& reference) {
+        switch (field.source) {
+            case Source::attribute:
+            case Source::unknown:
+                return;
+            case Source::blockName:
+                value = blockName(reference);
+                return;
+            case Source::layer:
+                reference.database()->appendNarrow(value, reference.layer());
+                return;
+            case Source::handle:
+                value = reference.handle().ascii();
+                return;
+            case Source::level:
+                value = "1";  // references inside blocks are not extracted
+                return;
+            case Source::number:
+                value = "$Number$";  // no record number takes its place
+                return;
+            default:
+                assignNumber(value, numberOf(field.source, reference), field);
+        }
+    }
+
+    static double numberOf(Source source, const OdDbBlockReference& reference) {
+        switch (source) {
+            case Source::x:
+                return reference.position().x;
+            case Source::y:
+                return reference.position().y;
+            case Source::z:
+                return reference.position().z;
+            case Source::orient:
+                return reference.rotation();  // radians
+            case Source::xScale:
+                return reference.scaleFactors().sx;
+            case Source::yScale:
+                return reference.scaleFactors().sy;
+            case Source::zScale:
+                return reference.scaleFactors().sz;
+            case Source::xExtrude:
+                return reference.normal().x;
+            case Source::yExtrude:
+                return reference.normal().y;
+            case Source::zExtrude:
+                return reference.normal().z;
+            default:
+                return 0;
+        }
+    }
+
+    // As the definition spells it; all references to one block come together, so that one name is kept.
+    const std::string& blockName(const OdDbBlockReference& reference) {
+        const OdDbObjectId id = reference.blockTableRecord();
+        if (id != namedBlock_ || id.isNull()) {
+            namedBlock_ = id;
+            const auto block = id.openIf<OdDbBlockTableRecord>();
+            blockName_.clear();
+            reference.database()->appendNarrow(blockName_, block ? block->name() : reference.blockName());
+        }
+        return blockName_;
+    }
+
+    const std::vector<ExtractField>& fields_;
+    std::vector<std::string> values_;
+    std::vector<std::size_t> properties_;  // fields that are block properties
+    std::unordered_map<std::string, std::vector<std::size_t>, Hash, std::equal_to<>> tags_;  // the others, by tag
+    OdDbAttributeReader attribute_;
+    std::string tag_;
+    OdDbObjectId namedBlock_;
+    std::string blockName_;
+};
+
+void appendHeader(std::string& bytes, const std::vector<ExtractField>& fields) {
+    // Without delimiters, unlike the records.
+    for (const ExtractField& field : fields) appendColumn(bytes, "(" + field.name + ")", field.width, true);
+    bytes += "\r\n";
+}
+
+void appendRecord(std::string& bytes, const std::vector<ExtractField>& fields, const std::vector<std::string>& values,
+                  const ExtractSettings& settings) {
+    const bool isSpaceDelimited = settings.format == ExtractFormat::spaceDelimited;
+    const std::string_view quote = settings.quote.empty() ? std::string_view("'") : settings.quote;
+    std::string column;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const bool isQuoted = !isSpaceDelimited && !fields[i].isNumeric;
+        column.clear();
+        if (isQuoted) column += quote;
+        column += values[i];
+        if (isQuoted) column += quote;
+        // Inside the column: with a short value it takes the place of a blank, with a long one it widens the column.
+        if (i + 1 < fields.size()) column += settings.delimiter;
+        appendColumn(bytes, column, fields[i].width, isSpaceDelimited);
+    }
+    bytes += "\r\n";
+}
+
+}  // namespace
+
+ExtractSettings& extractSettings() {
+    static ExtractSettings settings;
+    return settings;
+}
+
+int writeDelimitedExtract(const OdString& templatePath, const OdString& outputPath,
+                          const OdDbObjectIdArray& references) {
+    ExtractSettings& settings = extractSettings();
+    const OdDbDatabase* const drawing = references.empty() ? nullptr : references.front().database();
+    const auto text = readTemplate(templatePath, drawing);
+    if (!text) return 0;
+    const std::vector<ExtractField> fields = parseExtractTemplate(*text, settings);
+    if (fields.empty()) return 0;
+
+    std::string bytes;
+    if (settings.format == ExtractFormat::spaceDelimited) appendHeader(bytes, fields);
+    Records records(fields);
+    for (const OdDbObjectId id : references) appendRecord(bytes, fields, records.fill(id), settings);
+
+    const auto output = openExtractOutput(outputPath, drawing);
+    if (output == nullptr) return 0;
+    try {
+        output->write(bytes);
+        output->commit();
+    } catch (const base::FileError&) {
+        return 0;
+    }
+    return static_cast<int>(references.size());
+}
+
+}  // namespace torvel
