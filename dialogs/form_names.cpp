@@ -37,7 +37,9 @@ std::wstring captionBefore(const Control& control) {
     auto at = std::find_if(all.begin(), all.end(), [&](const auto& other) { return other.get() == &control; });
     while (at != all.begin()) {
         const Control& before = **--at;
-        if (!hasOwnCaption(before) || !before.visible) continue;
+        if (!before.visible) continue;
+        if (before.isField() && control.isField()) return {};
+        if (!hasOwnCaption(before)) continue;
         std::wstring caption = ownCaption(before);
         if (!caption.empty() || before.kind() == ControlKind::kLabel) return caption;
     }

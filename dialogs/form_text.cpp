@@ -133,8 +133,7 @@ class Printer {
                 return indent + L"-- " + name + L" --\n";
             case ControlKind::kButton:
             case ControlKind::kPictureButton:
-                return indent + L"[ " + name + (plainName(control.text).empty() && !name.empty() ? L" ..." : L"") +
-                       L" ]" + state + L"\n";
+                return indent + buttonText(control, name) + state + L"\n";
             case ControlKind::kCheck:
                 return indent + (control.checked ? L"[x] " : L"[ ] ") + name + state + L"\n";
             case ControlKind::kRadio:
@@ -151,7 +150,8 @@ class Printer {
             case ControlKind::kListBox:
                 return indent + name + L":" + state + L"\n" + listBoxText(control, indent.substr(1));
             case ControlKind::kListView:
-                return indent + name + L":" + state + L"\n" + rowsText(control, indent.substr(1));
+                return indent + (name.empty() ? L"list" : name) + L":" + state + L"\n" +
+                       rowsText(control, indent.substr(1));
             case ControlKind::kTab:
                 return indent + tabText(control) + L"\n";
             case ControlKind::kPicture:
@@ -163,6 +163,12 @@ class Printer {
 
     static std::wstring plain(std::wstring_view caption) {
         return base::replaceAll(base::replaceAll(base::replaceAll(caption, L"&&", L"\x1"), L"&", L""), L"\x1", L"&");
+    }
+
+    static std::wstring buttonText(const Control& button, const std::wstring& name) {
+        const bool captionOfField = plainName(button.text) != name;
+        const std::wstring tip = button.tooltip == name ? std::wstring() : button.tooltip;
+        return L"[ " + name + (captionOfField ? L" ..." : L"") + L" ]" + (tip.empty() ? L"" : L"  (" + tip + L")");
     }
 
     static std::wstring tabText(const Control& tab) {

@@ -80,7 +80,7 @@ int writeExtract(const CAttExtDlg& dialog, const OdDbObjectIdArray& selection) {
     if (dialog.format() == ExtractFormat::dxf) {
         return writeDxfExtract(selection, dialog.outputPath(), templatePath.c_str());
     }
-    settings.delimiter = dialog.format() == ExtractFormat::commaDelimited ? "," : " ";
+    settings.delimiter.assign(1, dialog.format() == ExtractFormat::commaDelimited ? ',' : ' ');
     const OdDbObjectIdArray references = orderedReferences(selection);
     return references.empty() ? 0 : writeDelimitedExtract(templatePath, dialog.outputPath(), references);
 }
