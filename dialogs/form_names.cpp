@@ -1,6 +1,7 @@
 #include "dialogs/form_names.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 #include "base/number.h"
@@ -31,14 +32,14 @@ std::wstring ownCaption(const Control& control) {
 }
 
 // The nearest caption before the control. An empty label ends the search: it belongs to the control, and says nothing
-// now.
-std::wstring captionBefore(const Control& control) {
+// now. A field does not go by the caption of a field in front of it, unless `overFields`; a button does.
+std::wstring captionBefore(const Control& control, bool overFields) {
     const auto& all = control.dialog->controls();
     auto at = std::find_if(all.begin(), all.end(), [&](const auto& other) { return other.get() == &control; });
     while (at != all.begin()) {
         const Control& before = **--at;
         if (!before.visible) continue;
-        if (before.isField() && control.isField()) return {};
+        if (before.isField() && control.isField() && !overFields) return {};
         if (!hasOwnCaption(before)) continue;
         std::wstring caption = ownCaption(before);
         if (!caption.empty() || before.kind() == ControlKind::kLabel) return caption;
@@ -46,13 +47,14 @@ std::wstring captionBefore(const Control& control) {
     return {};
 }
 
-// Names in their order of precedence.
-std::vector<std::wstring> namesOf(const Control& control) {
-    std::vector<std::wstring> names;
-    names.push_back(ownCaption(control));
-    if (names.back().empty() && control.kind() != ControlKind::kLabel) names.push_back(captionBefore(control));
-    names.push_back(plainName(control.tooltip));
-    return names;
+// In their order of precedence.
+using Names = std::array<std::wstring, 4>;
+Names namesOf(const Control& control) {
+    const std::wstring own = ownCaption(control);
+    const bool named = !own.empty() || control.kind() == ControlKind::kLabel;
+    const bool isList = control.kind() == ControlKind::kListView || control.kind() == ControlKind::kListBox;
+    return {named ? own : captionBefore(control, false), plainName(control.tooltip),
+            named ? std::wstring() : captionBefore(control, true), isList ? L"list" : L""};
 }
 
 bool liesInside(const UnitRect& inner, const UnitRect& outer) {
@@ -77,12 +79,11 @@ bool isCalled(const Control& control, std::wstring_view name, std::wstring_view 
 }
 
 Control* findNth(const std::vector<Control*>& candidates, std::wstring_view wanted, std::size_t n) {
-    constexpr std::size_t kNames = 3;
+    constexpr std::size_t kNames = std::tuple_size_v<Names>;
     for (std::size_t precedence = 0; precedence < kNames; ++precedence) {
         std::vector<Control*> alike;
         for (Control* control : candidates) {
-            const std::vector<std::wstring> names = namesOf(*control);
-            if (precedence < names.size() && isCalled(*control, names[precedence], wanted)) alike.push_back(control);
+            if (isCalled(*control, namesOf(*control)[precedence], wanted)) alike.push_back(control);
         }
         if (alike.size() >= n) return alike[n - 1];
     }
@@ -121,9 +122,8 @@ std::wstring plainName(std::wstring_view caption) {
 }
 
 std::wstring nameOf(const Control& control) {
-    for (std::wstring& name : namesOf(control))
-        if (!name.empty()) return std::move(name);
-    return {};
+    const auto names = namesOf(control);
+    return !names[0].empty() ? names[0] : !names[1].empty() ? names[1] : names[3];
 }
 
 Control* findByName(Run& run, std::wstring_view name, const ControlTest& test) {

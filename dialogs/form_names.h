@@ -1,7 +1,8 @@
 // How the lines of a form name its controls.
 //
 // A control goes by the caption it shows; one without goes by the caption shown right before it in the template, and by
-// its tooltip. "&", a trailing colon, "..." and "<" do not count, nor does case. A group's name may go in front
+// its tooltip; a list without any of these is "list". "&", a trailing colon, "..." and "<" do not count, nor does case.
+// A group's name may go in front
 // ("Insertion Point/X"), and "(2)" behind takes the second of two alike.
 #pragma once
 

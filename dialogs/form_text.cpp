@@ -150,8 +150,7 @@ class Printer {
             case ControlKind::kListBox:
                 return indent + name + L":" + state + L"\n" + listBoxText(control, indent.substr(1));
             case ControlKind::kListView:
-                return indent + (name.empty() ? L"list" : name) + L":" + state + L"\n" +
-                       rowsText(control, indent.substr(1));
+                return indent + name + L":" + state + L"\n" + rowsText(control, indent.substr(1));
             case ControlKind::kTab:
                 return indent + tabText(control) + L"\n";
             case ControlKind::kPicture:

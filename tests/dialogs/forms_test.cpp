@@ -232,6 +232,8 @@ TEST_P(Forms, ActionsCauseTheEventsOfAHand) {
         {{"row NAME", "row 3", "row \"3\"", "double row 2", "press OK"},
          {"init", "leave 101 for 122", "select 122 row 2", "select 122 row 1", "double 122 row 1", "leave 122 for 1",
           "ok"}},
+        {{"menu list: Move Up", "menu Value: Copy", "close"},
+         {"init", "leave 101 for 122", "menu 122 5", "leave 122 for 109", "leave 109 for 2", "cancel"}},
         {{"press Help", "key F1", "key Enter", "close"},
          {"init", "leave 101 for 9", "help", "help", "help", "leave 9 for 2", "cancel"}},
         {{"key Tab", "key Tab", "key Shift+Tab", "close"},
