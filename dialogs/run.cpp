@@ -42,7 +42,7 @@ int Run::execute() {
         if (first) setFocus(*first);
     }
     if (!hasEnded()) view_->work();
-    root_.savePlacement(view_->placement());
+    if (const std::wstring placement = view_->placement(); !placement.empty()) root_.savePlacement(placement);
     view_.reset();
     return result_.value_or(kCancelButton);
 }

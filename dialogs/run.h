@@ -26,6 +26,8 @@ class Run {
     View* view() { return view_.get(); }
     Control* focus() { return focus_; }
     void setFocus(Control& control);
+    /// The focus has gone there already.
+    void noteFocus(Control& control) { focus_ = &control; }
 
     // ---- the controls that are shown, in template order; those of a page behind its tab control
     std::vector<Control*> shownControls();

@@ -1,4 +1,5 @@
 // Dialogs without windows: what the user does comes as lines, and is done to the controls' state.
+#include "base/format.h"
 #include "base/text.h"
 #include "dialogs/form_script.h"
 #include "dialogs/maker.h"
@@ -27,7 +28,11 @@ class FormView final : public View {
     void focusChanged(Control&) override {}
     int listWidth(const Control& list) override { return list.design->place.width * 3 / 2; }
     void restorePlacement(const std::wstring& placement) override { placement_ = placement; }
-    std::wstring placement() override { return placement_; }
+    std::wstring placement() override {
+        if (!placement_.empty()) return placement_;
+        const UnitRect& place = run_.root().design().place;
+        return base::format(L"%d,%d,%d,%d", place.x, place.y, place.width, place.height);
+    }
     void savePicture(const std::wstring&) override {
         Process::instance().lines->refuse(L"a form has no picture; show the dialog as a window");
     }
