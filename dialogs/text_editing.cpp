@@ -61,11 +61,12 @@ void refreshFromRichText(Control& field) {
     snapSelection(field);
 }
 
-void replaceSelection(Control& field, std::wstring_view text) {
+bool replaceSelection(Control& field, std::wstring_view text) {
     snapSelection(field);
     if (!field.isMultiLine()) text = text.substr(0, text.find_first_of(L"\r\n"));
     const std::size_t begin = field.selection.begin();
     const std::size_t end = field.selection.end();
+    if (text.empty() && begin == end) return false;
     if (field.richText) {
         field.richText->replace(begin, end, text);
         field.text = field.richText->text();
@@ -74,6 +75,7 @@ void replaceSelection(Control& field, std::wstring_view text) {
     }
     moveCaret(field, std::min(begin + text.size(), field.text.size()), false);
     snapSelection(field);
+    return true;
 }
 
 bool editByKey(Control& field, TextKey key, bool shift) {
@@ -85,9 +87,7 @@ bool editByKey(Control& field, TextKey key, bool shift) {
             if (selection.isEmpty())
                 selection.anchor =
                     key == kBackspaceKey ? stepBack(field, selection.caret) : stepForward(field, selection.caret);
-            if (selection.isEmpty()) return false;
-            replaceSelection(field, L"");
-            return true;
+            return replaceSelection(field, L"");
         case kLeftKey:
             moveCaret(field, shift || selection.isEmpty() ? stepBack(field, selection.caret) : selection.begin(),
                       shift);

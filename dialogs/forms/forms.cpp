@@ -58,7 +58,7 @@ class FormView final : public View {
 
     void typeText(Control& field, const std::wstring& text) override {
         const bool upper = field.kind() == ControlKind::kEdit && (field.design->style & kUpperCaseStyle) != 0;
-        replaceSelection(field, upper ? base::toUpper(text) : text);
+        if (!replaceSelection(field, upper ? base::toUpper(text) : text)) return;
         if (field.kind() == ControlKind::kEditCombo) field.selected = -1;
         run_.edited(field);
     }

@@ -743,10 +743,7 @@ LRESULT CALLBACK WindowView::controlProcedure(HWND window, UINT message, WPARAM 
 
 bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM word, LPARAM data) {
     const auto insert = [&](std::wstring_view text) {
-        if (!control.readOnly) {
-            replaceSelection(control, text);
-            richChanged(control, true);
-        }
+        if (!control.readOnly && replaceSelection(control, text)) richChanged(control, true);
         return true;
     };
     const auto copy = [&] {

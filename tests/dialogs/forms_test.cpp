@@ -222,7 +222,8 @@ TEST_P(Forms, ActionsCauseTheEventsOfAHand) {
         std::vector<std::string> events;
     } kCases[] = {
         {{"Tag = A", "key Escape"}, {"init", "edited 101", "leave 101 for 2", "cancel"}},
-        {{"Tag =", "close"}, {"init", "edited 101", "leave 101 for 2", "cancel"}},
+        {{"Tag =", "Tag = A", "Tag = A", "Tag =", "close"},
+         {"init", "edited 101", "edited 101", "edited 101", "leave 101 for 2", "cancel"}},
         {{"Tag = A", "key Enter"}, {"init", "edited 101", "leave 101 for 1", "ok"}},
         {{"check Invisible", "check Invisible", "uncheck Invisible", "press OK"},
          {"init", "leave 101 for 103", "pressed 103", "pressed 103", "leave 103 for 1", "ok"}},
