@@ -18,8 +18,7 @@ FileError::FileError(std::wstring fileName, std::wstring reason)
       fileName_(std::move(fileName)),
       reason_(std::move(reason)) {}
 
-FileBuffer::FileBuffer(std::size_t size)
-    : bytes_(std::make_unique_for_overwrite<char[]>(size + kPadding)), size_(size) {
+FileBuffer::FileBuffer(std::size_t size) : bytes_(allocateLarge(size + kPadding)), size_(size) {
     std::memset(bytes_.get() + size, 0, kPadding);
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/memory.h"
+
 namespace base {
 
 // what() reads "NAME: what the system said", in UTF-8.
@@ -40,7 +42,7 @@ class FileBuffer {
     void truncate(std::size_t size);
 
   private:
-    std::unique_ptr<char[]> bytes_;
+    LargeMemory bytes_;
     std::size_t size_;
 };
 

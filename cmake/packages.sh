@@ -39,4 +39,6 @@ need_for_program() {
     need ccache ccache
     need llvm llvm-rc
     need libboost-dev /usr/include/boost/format.hpp
+    need libagg-dev /usr/include/agg2/agg_basics.h
+    need libstb-dev /usr/include/stb/stb_image_write.h
 }

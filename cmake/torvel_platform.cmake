@@ -34,14 +34,19 @@ if(TORVEL_SANITIZE)
   add_link_options(-fsanitize=${sanitizers})
 endif()
 
-# The header-only part of Boost. The cross compiler must not see the other headers of the native include folder,
-# so it gets a folder that holds a link to Boost alone.
+# Header-only libraries: parts of Boost, and what pictures are painted and written with. The cross compiler must not see
+# the other headers of the native include folder, so it gets a folder that holds links to these alone.
 add_library(torvel_boost INTERFACE)
+add_library(torvel_pictures INTERFACE)
 if(CMAKE_CROSSCOMPILING)
-  find_path(TORVEL_BOOST_HEADERS boost/format.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
   file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
-  file(CREATE_LINK "${TORVEL_BOOST_HEADERS}/boost" "${CMAKE_BINARY_DIR}/include/boost" SYMBOLIC)
+  foreach(header boost/format.hpp agg2/agg_basics.h stb/stb_image_write.h)
+    cmake_path(GET header PARENT_PATH folder)
+    find_path(TORVEL_HEADERS_${folder} ${header} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+    file(CREATE_LINK "${TORVEL_HEADERS_${folder}}/${folder}" "${CMAKE_BINARY_DIR}/include/${folder}" SYMBOLIC)
+  endforeach()
   target_include_directories(torvel_boost SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+  target_include_directories(torvel_pictures SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
 endif()
 
 if(WIN32)

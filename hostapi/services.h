@@ -18,11 +18,13 @@
 // result of type int is an input result (see input.h) unless the row says otherwise.
 #pragma once
 
-#include "drawingdb/object.h"
+#include "drawingdb/field.h"
+#include "drawingdb/ge.h"
 #include "hostapi/command.h"
 #include "hostapi/host_names.h"
 #include "hostapi/selection.h"
 #include "hostapi/settings.h"
+#include "hostapi/slides.h"
 #include "hostapi/text.h"
 
 class HostApplication;
@@ -54,7 +56,7 @@ using ApplicationFunction = HostApplication*();
 /// Shows the drawing again as it stands; 1 regenerates it as well.
 using RefreshFunction = void(int regenerate);
 /// The view that slides are drawn into; not null while a document is open.
-using SlideViewFunction = void*();
+using SlideViewFunction = HostSlideView*();
 
 // ---- resource translation, in the core library or else in the resource library
 
@@ -78,6 +80,9 @@ inline constexpr Service<int(OdDbObjectId& block, OdDbDatabase* database)> getAc
 /// The normal of new text in the user coordinate system; returns the rotation to store for `rotation` (both radians).
 inline constexpr Service<double(OdGeVector3d& normal, double rotation, OdDbDatabase* database)> getTextOrientation{
     kUtilityLibrary, "getTextOrientation"};
+/// The user coordinate system of the active space, in which points are typed: maps its coordinates to the world's. The
+/// drawing plane is its XY plane.
+inline constexpr Service<void(OdGeMatrix3d& toWorld)> getDrawingPlane{kUtilityLibrary, "hostGetDrawingPlane"};
 /// A length as text. Units: 1 scientific, 2 decimal, 3 engineering, 4 architectural, 5 fractional; -1 the drawing's.
 /// Precision: decimal places, or the power of two of the denominator; -1 the drawing's. False for a value that is not
 /// finite.
@@ -142,6 +147,14 @@ inline constexpr Service<void(const wchar_t* text)> notify{kEventLibrary, "hostN
 inline constexpr Service<IProfile*()> getProfile{kCoreLibrary, "hostGetProfile"};
 inline constexpr Service<IHelpServiceEx*()> getHelpService{kCoreLibrary, "hostGetHelpService"};
 inline constexpr Service<IStdDirs*()> getStdDirs{kCoreLibrary, "hostGetStdDirs"};
+
+// ---- modules that are loaded by file name for one use and unloaded at once
+
+/// Asks for a new field; true when the user made one. It is in no database and evaluated for the active document.
+inline constexpr Service<bool(OdDbFieldPtr& field)> insertField{kFieldModule, "insertField"};
+/// Asks what a field shall be from now on; true when it was changed. The field given stays as it is: a new one takes
+/// its place.
+inline constexpr Service<bool(OdDbFieldPtr& field)> changeField{kFieldModule, "changeField"};
 
 // ---- the view
 

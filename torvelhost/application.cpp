@@ -18,7 +18,8 @@ Application::Application(const Options& options, Terminal& terminal)
       profile_(options.profile ? *options.profile : Profile::defaultFileName()),
       messages_(terminal),
       help_(terminal),
-      folders_(*this) {
+      folders_(*this),
+      slideView_(options.width, options.height, profile_) {
     g_current = this;
 }
 
@@ -53,7 +54,7 @@ void Application::open(OdDbDatabasePtr database, ReplySource& replies) {
 
 // Texts of all kinds may have fields; nothing else is opened.
 void Application::regenerate(OdDbDatabase& database) {
-    slideView_.showsSlide = false;
+    slideView_.showDrawing();
     const auto evaluate = [&database](OdDbObjectId id) {
         if (!id.isKindOf(OdDbText::desc()) && !id.isKindOf(OdDbMText::desc())) return;
         const auto text = id.openIf<OdDbEntity>();
@@ -74,7 +75,7 @@ void Application::regenerate(OdDbDatabase& database) {
 }
 
 // Nothing is on a screen here; a slide that was shown makes room for the drawing.
-void Application::refresh() { slideView_.showsSlide = false; }
+void Application::refresh() { slideView_.showDrawing(); }
 
 void Application::Help::showTopic(const wchar_t* topic, void*) {
     terminal_.notice(L"[help] " + std::wstring(topic ? topic : L""));

@@ -8,6 +8,7 @@
 #include "torvelhost/document.h"
 #include "torvelhost/input.h"
 #include "torvelhost/options.h"
+#include "torvelhost/plot/slide_view.h"
 #include "torvelhost/profile.h"
 #include "torvelhost/selection.h"
 #include "torvelhost/variables.h"
@@ -50,7 +51,7 @@ class Application final : public HostApplication {
     // Host function 12: the picture is drawn again as it stands.
     void refresh();
     // Host function 17: the view that slides are drawn into.
-    void* slideView() { return session_ ? &slideView_ : nullptr; }
+    SlideView* slideView() { return session_ ? &slideView_ : nullptr; }
 
   private:
     class Help final : public IHelpServiceEx {
@@ -70,11 +71,6 @@ class Application final : public HostApplication {
 
       private:
         Application& application_;
-    };
-
-    // What a slide is drawn into and shown from until the next regeneration.
-    struct SlideView {
-        bool showsSlide = false;
     };
 
     const Options& options_;

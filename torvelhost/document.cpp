@@ -5,24 +5,12 @@
 #include "base/files.h"
 #include "drawingdb/block.h"
 #include "drawingdb/dictionary.h"
+#include "torvelhost/plot/extents.h"
 
 namespace host {
 namespace {
 
 constexpr double kEmptyViewHeight = 9.0;
-
-std::optional<OdGeExtents3d> extentsOfSpace(OdDbObjectId space) {
-    OdGeExtents3d all;
-    const auto record = space.openAs<OdDbBlockTableRecord>();
-    for (OdDbObjectId id : record->entities()) {
-        // The viewports of a layout frame the paper, they are not on it.
-        if (id.isKindOf(OdDbViewport::desc())) continue;
-        OdGeExtents3d one;
-        if (const auto entity = id.openIf<OdDbEntity>(); entity && entity->geomExtents(one)) all.addExtents(one);
-    }
-    if (!all.isValid()) return std::nullopt;
-    return all;
-}
 
 }  // namespace
 
@@ -114,6 +102,12 @@ bool Document::setPreviousView() {
 }
 
 std::optional<OdGeExtents3d> Document::extents() const { return extentsOfSpace(activeSpaceId()); }
+
+View Document::viewToPlot() {
+    if (views_[viewedSpaceId()].size() > 1) return view();
+    const auto box = extentsOfSpace(viewedSpaceId());
+    return box ? viewOf(*box) : view();
+}
 
 View Document::viewOf(const OdGeExtents3d& box) const {
     const OdGeVector3d size = box.diagonal();

@@ -52,10 +52,14 @@ class Document final : public HostDocument {
     void setView(const View& view);
     // False when there was none.
     bool setPreviousView();
-    // The whole of the active space; nothing when it is empty.
+    // The whole of what can be seen of the active space; nothing when it is empty.
     std::optional<OdGeExtents3d> extents() const;
     // The view that shows this box.
     View viewOf(const OdGeExtents3d& box) const;
+    // What a plot shows: the view that was set, or all there is now.
+    View viewToPlot();
+    int width() const { return width_; }
+    int height() const { return height_; }
     double viewAspect() const { return static_cast<double>(width_) / height_; }
     // The length in the active space that a pixel covers.
     double pixelSize();

@@ -83,7 +83,7 @@ const char kUsage[] =
     "  -s, --script FILE       take replies from FILE (\"-\": standard input)\n"
     "  -c, --command TEXT      take replies from TEXT, where \"|\" separates lines; may be repeated\n"
     "  -o, --output FILE       save the drawing there at the end (may be the drawing itself)\n"
-    "  -p, --plot FILE         draw what the view shows there at the end (not in this build)\n"
+    "  -p, --plot FILE         draw what the view shows there at the end (.svg or .png)\n"
     "      --size WxH          of the plot and the view in pixels (1600x1200)\n"
     "      --set NAME=VALUE    set a system variable first; may be repeated\n"
     "      --profile FILE      the settings store (default: the user's own)\n"

@@ -10,6 +10,7 @@
 #include "torvelhost/application.h"
 #include "torvelhost/command_loop.h"
 #include "torvelhost/dialog_lines.h"
+#include "torvelhost/plot/plot.h"
 #include "torvelhost/progress.h"
 
 namespace host {
@@ -63,9 +64,21 @@ void saveDrawing(const Options& options, Application::Session& session, Terminal
     }
 }
 
+// What the view shows: the slide shown last, else the drawing.
+void plotShown(const Options& options, Application& application, Terminal& terminal) {
+    if (!options.plot) return;
+    const Progress progress(terminal, L"Plotting " + *options.plot);
+    if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
+    const Plot plot = plotView(application.session()->document);
+    if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
+    writePicture(plot.picture, *options.plot);
+}
+
 // Refuses what cannot be done before anything is.
 void checkOptions(const Options& options) {
-    if (options.plot) throw UsageError("--plot: this build cannot plot");
+    if (options.plot && !isPictureFileName(*options.plot))
+        throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
+                         "\" is no picture; give a name that ends in .svg or .png");
     if (options.windows && base::pathSeparator() != L'\\')
         throw UsageError("--windows: there are windows on Windows only");
 }
@@ -83,6 +96,7 @@ ExitStatus run(const Options& options, Terminal& terminal) {
 
     ExitStatus status = CommandLoop(application).run();
     saveDrawing(options, session, terminal);
+    plotShown(options, application, terminal);
     application.profile().save();
     if (terminal.outputFailed()) {
         terminal.error(L"standard output could not be written");

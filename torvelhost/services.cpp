@@ -37,7 +37,7 @@ void refreshDisplay(int regenerate) {
     if (regenerate == 1) Application::current()->regenerate(*current->document.database());
 }
 
-void* slideView() { return Application::current() ? Application::current()->slideView() : nullptr; }
+HostSlideView* slideView() { return Application::current() ? Application::current()->slideView() : nullptr; }
 
 // ---- resource translation: the modules whose resources may be translated
 
@@ -128,6 +128,11 @@ double getTextOrientation(OdGeVector3d& normal, double rotation, OdDbDatabase*) 
     if (ucs.xAxis() == OdGeVector3d::kXAxis && ucs.yAxis() == OdGeVector3d::kYAxis) return rotation;
     // The user's X axis, seen in the plane of the normal, is where rotations are counted from.
     return torvel::normalizedAngle((OdGeMatrix3d::worldToPlane(normal) * ucs.xAxis()).xy().angle() + rotation);
+}
+
+void hostGetDrawingPlane(OdGeMatrix3d& toWorld) {
+    Application::Session* current = session();
+    toWorld = current ? current->document.ucs() : OdGeMatrix3d::kIdentity;
 }
 
 bool hostdbRToS(double value, int units, int precision, CXStringW& text) {
@@ -260,6 +265,7 @@ static_assert(fits(hostapi::loadStringNotTranslated, &_LoadStringNotTrans));
 static_assert(fits(hostapi::translateText, &hostTranslateText));
 static_assert(fits(hostapi::getActiveBTRId, &getActiveBTRId));
 static_assert(fits(hostapi::getTextOrientation, &getTextOrientation));
+static_assert(fits(hostapi::getDrawingPlane, &hostGetDrawingPlane));
 static_assert(fits(hostapi::realToText, &hostdbRToS));
 static_assert(fits(hostapi::angleToText, &hostdbAngToS));
 static_assert(fits(hostapi::textToReal, &hostdbSToR));

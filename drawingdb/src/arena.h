@@ -1,12 +1,13 @@
 #pragma once
 // Memory for the bytes of changed records: only grows, freed with the database. Bytes once written never change, so
 // undo keeps pointers to them instead of copies.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "base/memory.h"
 #include "stub.h"
 
 namespace drawingdb {
@@ -39,13 +40,16 @@ class Arena {
 
   private:
     void grow(std::size_t need) {
-        const std::size_t size = need > kBlock ? need : kBlock;
-        blocks_.emplace_back(new char[size]);
+        // Each block is as large as all before it, so that a small change takes little.
+        const std::size_t size = std::max(need, std::clamp(total_, kSmallest, kLargest));
+        total_ += size;
+        blocks_.push_back(base::allocateLarge(size));
         place_ = blocks_.back().get();
         left_ = size;
     }
-    static constexpr std::size_t kBlock = std::size_t{1} << 20;
-    std::vector<std::unique_ptr<char[]>> blocks_;
+    static constexpr std::size_t kSmallest = std::size_t{1} << 18, kLargest = std::size_t{1} << 25;
+    std::vector<base::LargeMemory> blocks_;
+    std::size_t total_ = 0;
     char* place_ = nullptr;
     std::size_t left_ = 0;
 };

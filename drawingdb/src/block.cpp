@@ -360,36 +360,33 @@ OdResult OdDbBlockReference::transformBy(const OdGeMatrix3d& matrix) {
     return OdResult::ok;
 }
 
-namespace {
-/// Blocks may contain each other in a damaged file.
-constexpr int kDeepestNesting = 32;
-
-bool blockExtents(OdDbObjectId block, OdGeExtents3d& extents, int depth, std::size_t& budget) {
-    const auto record = block.openIf<OdDbBlockTableRecord>();
-    if (!record || depth > kDeepestNesting) return false;
-    for (const OdDbObjectId id : record->entities()) {
-        if (budget == 0) break;
-        --budget;
-        const auto entity = id.openIf<OdDbEntity>();
-        if (!entity || entity->isKindOf(OdDbAttributeDefinition::desc())) continue;
-        OdGeExtents3d one;
-        if (entity->isKindOf(OdDbBlockReference::desc())) {
-            const auto& reference = static_cast<const OdDbBlockReference&>(*entity);
-            if (!blockExtents(reference.blockTableRecord(), one, depth + 1, budget)) continue;
-            one.transformBy(reference.blockTransform());
-        } else if (!entity->geomExtents(one)) {
-            continue;
-        }
-        extents.addExtents(one);
+const OdGeExtents3d& Core::extentsOf(Stub& record) {
+    flushAll();
+    if (extentsState_ != state_ && extentsDepth_ == 0) {
+        extents_.clear();
+        extentsState_ = state_;
     }
-    return extents.isValid();
+    const auto [place, isNew] = extents_.try_emplace(indexOf(&record));
+    // Blocks that contain each other find the box still empty. So do blocks that are nested as no sane drawing has
+    // them.
+    constexpr int kDeepestNesting = 64;
+    if (!isNew || extentsDepth_ >= kDeepestNesting) return place->second;
+    ++extentsDepth_;
+    OdGeExtents3d& extents = place->second;
+    for (const OdDbObjectId id : entitiesOf(record, true)) {
+        OdGeExtents3d one;
+        if (const auto entity = id.openIf<OdDbEntity>();
+            entity && !entity->isKindOf(OdDbAttributeDefinition::desc()) && entity->geomExtents(one))
+            extents.addExtents(one);
+    }
+    --extentsDepth_;
+    return extents;
 }
-}  // namespace
 
 bool OdDbBlockReference::geomExtents(OdGeExtents3d& extents) const {
-    OdGeExtents3d local;
-    std::size_t budget = 100000;
-    if (blockExtents(blockTableRecord(), local, 0, budget)) {
+    const OdDbObjectId block = blockTableRecord();
+    const OdGeExtents3d local = block ? coreOf(block.stub()).extentsOf(*block.stub()) : OdGeExtents3d();
+    if (local.isValid()) {
         OdGeExtents3d cells = local;
         if (columns() > 1 || rows() > 1) {
             // Rows and columns are counted in the reference's own directions, unscaled.

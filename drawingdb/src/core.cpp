@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "description.h"
 #include "drawingdb/attribute.h"
+#include "drawingdb/old_polyline.h"
 #include "object_access.h"
 #include "unknown.h"
 
@@ -114,12 +115,12 @@ Stub* Core::nextChild(Stub& container, Stub* stub) {
 }
 
 Stub* Core::sectionNamed(std::string_view sectionName) const {
-    const auto it = sections_.find(std::string(sectionName));
+    const auto it = sections_.find(sectionName);
     return it == sections_.end() ? nullptr : it->second;
 }
 
 Stub* Core::tableNamed(std::string_view tableName) const {
-    const auto it = tables_.find(std::string(tableName));
+    const auto it = tables_.find(tableName);
     return it == tables_.end() ? nullptr : it->second;
 }
 
@@ -212,6 +213,20 @@ bool Core::isEntity(const Stub& stub) const {
     }
 }
 
+// Meshes go by the same name in files; they are carried.
+const OdRxClass* Core::classOfPolyline(const Stub& stub) {
+    constexpr std::int64_t kSpatial = 8, kMeshes = 16 | 64;
+    std::int64_t flags = 0;
+    GroupCursor cursor(bytesOf(const_cast<Stub&>(stub)), format);
+    for (Group group; cursor.next(group);)
+        if (group.code == 70) {
+            flags = groupInteger(group, format.binary).value_or(0);
+            break;
+        }
+    if (flags & kMeshes) return nullptr;
+    return flags & kSpatial ? OdDb3dPolyline::desc() : OdDb2dPolyline::desc();
+}
+
 const OdRxClass* Core::classOf(const Stub& stub) {
     if (stub.type == rtBlock || stub.type == rtSection) {
         linkBlocks();
@@ -223,8 +238,10 @@ const OdRxClass* Core::classOf(const Stub& stub) {
         if (it != recordOfBlock_.end() && it->second == index) return OdDbBlockTableRecord::desc();
         return OdDbUnknownObject::desc();
     }
+    if (const OdDbObject* object = stub.object()) return object->isA();
     const bool entity = isEntity(stub);
-    if (const OdRxClass* known = TypeTable::knownClass(stub.type)) {
+    const OdRxClass* known = stub.type == rtPolyline ? classOfPolyline(stub) : TypeTable::knownClass(stub.type);
+    if (known) {
         // A known name in the wrong place (a LINE among the objects) is carried.
         if (known->isDerivedFrom(OdDbEntity::desc()) == entity) return known;
     }
@@ -265,8 +282,9 @@ void Core::forgetNames() {
 }
 
 Stub* Core::findRecord(std::string_view table, const std::wstring& recordName) {
-    auto [it, fresh] = names_.try_emplace(std::string(table));
-    if (fresh) {
+    auto it = names_.find(table);
+    if (it == names_.end()) {
+        it = names_.try_emplace(std::string(table)).first;
         auto& map = it->second;
         Stub* container = tableNamed(table);
         int wanted = -1;
@@ -447,24 +465,37 @@ void Core::refresh(OdDbObject& object) {
 std::optional<Core::HeaderVariable> Core::headerVariable(std::string_view variable) {
     Stub* header = sectionNamed("HEADER");
     if (!header) return {};
-    GroupCursor cursor(bytesOf(*header), format);
+    // Bytes never change, so the table holds for as long as the header has the same ones.
+    if (const std::string_view bytes = bytesOf(*header); bytes.data() != headerBytes_) indexHeader(bytes);
+    const auto found = headerVariables_.find(variable);
+    return found == headerVariables_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void Core::indexHeader(std::string_view bytes) {
+    headerBytes_ = bytes.data();
+    headerVariables_.clear();
+    GroupCursor cursor(bytes, format);
     Group group;
-    while (cursor.next(group)) {
-        if (group.code != 9 || group.value != variable) continue;
-        HeaderVariable result;
+    bool more = cursor.next(group);
+    while (more) {
+        if (group.code != 9) {
+            more = cursor.next(group);
+            continue;
+        }
+        const std::string_view variableName = group.value;
+        HeaderVariable variable;
         const char* begin = group.end;
         const char* end = begin;
-        while (cursor.next(group) && group.code != 9 && group.code != 0) {
+        while ((more = cursor.next(group)) && group.code != 9 && group.code != 0) {
             if (end == begin) {
-                result.first = group.value;
-                result.code = group.code;
+                variable.first = group.value;
+                variable.code = group.code;
             }
             end = group.end;
         }
-        result.groups = {begin, static_cast<std::size_t>(end - begin)};
-        return result;
+        variable.groups = {begin, static_cast<std::size_t>(end - begin)};
+        headerVariables_.emplace(variableName, variable);  // the first of a name counts
     }
-    return {};
 }
 
 void Core::setHeaderVariable(std::string_view variable, const std::function<void(GroupWriter&)>& write) {

@@ -79,6 +79,11 @@ class Core {
     OdDbObjectIdRange entitiesOf(Stub& record, bool skipErased);
     bool isEntity(const Stub& stub) const;
     const OdRxClass* classOf(const Stub& stub);
+    const OdRxClass* classOfPolyline(const Stub& stub);
+
+    /// The box around what a block holds, in the block's own coordinates; not valid when there is nothing. It is kept
+    /// until something changes, so that a block is measured once for all its references.
+    const OdGeExtents3d& extentsOf(Stub& record);
 
     // ---- finding ----
     Stub* byHandle(std::uint64_t handle);
@@ -160,16 +165,23 @@ class Core {
     void linkChild(Stub& container, Stub& child);
     void eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more);
     void decode(OdDbObject& object, std::string_view bytes);
-    /// The bytes of a record with another handle, owner and references: `map` gives the new handle for an old one.
+    /// The bytes of a record with another handle, owner and references: `map` gives the new handle for an old one, and
+    /// is told whether it stands in the list of reactors, from where 0 removes it.
     std::string rewritten(std::string_view bytes, std::uint64_t handle, std::uint64_t owner, bool paperSpace,
-                          const std::function<std::uint64_t(std::uint64_t)>& map, bool keepOthers);
+                          const std::function<std::uint64_t(std::uint64_t, bool)>& map);
     friend class Indexer;
     friend class Saver;
 
     base::FileBuffer buffer_;
     std::string_view file_;
-    std::unordered_map<std::string, Stub*> sections_;
-    std::unordered_map<std::string, Stub*> tables_;
+    struct StringHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>()(s); }
+    };
+    template <class Value>
+    using ByName = std::unordered_map<std::string, Value, StringHash, std::equal_to<>>;
+    ByName<Stub*> sections_;
+    ByName<Stub*> tables_;
     std::uint64_t largestHandle_ = 0;
     std::uint64_t firstNewHandle_ = 0;
     std::uint64_t nextHandle_ = 0;
@@ -177,18 +189,16 @@ class Core {
     std::vector<std::pair<std::uint64_t, std::uint32_t>> handleList_;  // sparse: sorted
     std::vector<std::uint32_t> newHandles_;                            // from firstNewHandle_ on
 
-    struct StringHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>()(s); }
-    };
-    std::unordered_map<std::string, std::unordered_map<std::wstring, std::uint32_t>>
-        names_;  // table -> folded name -> stub
-    std::unordered_map<std::string, std::uint32_t, StringHash, std::equal_to<>> rawBlockNames_;
+    ByName<std::unordered_map<std::wstring, std::uint32_t>> names_;  // table -> folded name -> stub
+    ByName<std::uint32_t> rawBlockNames_;
     std::unordered_map<std::uint32_t, OdGePoint3d> origins_;
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> references_;
     bool referencesKnown_ = false;
     bool blocksLinked_ = false;
     std::unordered_map<std::uint32_t, std::uint32_t> blockOfRecord_, recordOfBlock_;
+    void indexHeader(std::string_view bytes);
+    const char* headerBytes_ = nullptr;
+    std::unordered_map<std::string_view, HeaderVariable> headerVariables_;
     std::unordered_set<const char*> toldFaults_;
     std::size_t liveObjects_ = 0;
     bool erasedEver_ = false;
@@ -199,6 +209,10 @@ class Core {
     std::vector<Step> log_;
     std::vector<std::size_t> groups_;
     std::size_t changes_ = 0;
+    std::uint64_t state_ = 0;  // another number after every step, forward or back
+    std::unordered_map<std::uint32_t, OdGeExtents3d> extents_;
+    std::uint64_t extentsState_ = 0;
+    int extentsDepth_ = 0;
     bool undoing_ = false;
     Arena arena_;
     std::string scratch_;

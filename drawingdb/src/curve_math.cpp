@@ -86,4 +86,10 @@ std::optional<double> BulgeSegment::fractionTowards(double direction) const {
     return fraction < 1 ? std::optional(fraction) : std::nullopt;
 }
 
+std::pair<std::size_t, double> segmentAt(double parameter, std::size_t count) {
+    const double inside = parameter > 0 ? std::min(parameter, static_cast<double>(count)) : 0;
+    const std::size_t index = std::min(static_cast<std::size_t>(inside), count - 1);
+    return {index, inside - static_cast<double>(index)};
+}
+
 }  // namespace drawingdb

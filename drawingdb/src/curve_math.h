@@ -3,6 +3,7 @@
 // points.
 #include <initializer_list>
 #include <optional>
+#include <utility>
 
 #include "drawingdb/ge.h"
 
@@ -64,5 +65,9 @@ struct BulgeSegment {
     /// The length of the arc over that of its chord.
     double lengthOverChord() const;
 };
+
+/// The segment of a row of `count` segments (one at least) that a parameter lies in, and the fraction of it; a
+/// parameter outside means the end next to it.
+std::pair<std::size_t, double> segmentAt(double parameter, std::size_t count);
 
 }  // namespace drawingdb

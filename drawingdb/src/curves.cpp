@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
+#include "arc_length.h"
 #include "core.h"
 #include "curve_math.h"
+#include "curve_pieces.h"
 #include "description.h"
 
 using drawingdb::addThickness;
@@ -13,6 +16,7 @@ using drawingdb::ClassDescription;
 using drawingdb::Describer;
 using drawingdb::mapPlane;
 using drawingdb::mapThickness;
+using drawingdb::SegmentLengths;
 
 namespace {
 
@@ -29,11 +33,22 @@ void transformExtrusion(const OdGeMatrix3d& matrix, OdGeVector3d& normal, double
     if (!image.normal().isEqualTo(normal, {1e-12, 1e-12})) normal = image.normal();
 }
 
+/// The way to the left of a direction, as long as the distance; none along the normal, where no side is the left one.
+std::optional<OdGeVector3d> leftOf(const OdGeVector3d& direction, const OdGeVector3d& normal, double distance) {
+    const OdGeVector3d left = normal.normal().crossProduct(direction.normal());
+    if (left.isZeroLength() || !std::isfinite(distance)) return std::nullopt;
+    return left.normal() * distance;
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------------------------------
 
 OD_DEFINE_ABSTRACT_CLASS(OdDbCurve, OdDbEntity)
+
+OdResult OdDbCurve::getOffsetCurves(double, const OdGeVector3d&, std::vector<OdDbCurvePtr>&) const {
+    return OdResult::invalidInput;
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Lines
@@ -87,6 +102,20 @@ OdGePoint3d OdDbLine::pointAtParam(double parameter) const {
 OdGeVector3d OdDbLine::firstDerivAtParam(double) const { return (end_ - start_).normal(); }
 double OdDbLine::distAtParam(double parameter) const { return parameter; }
 double OdDbLine::paramAtDist(double distance) const { return distance; }
+
+OdResult OdDbLine::getOffsetCurves(double distance, const OdGeVector3d& normal,
+                                   std::vector<OdDbCurvePtr>& curves) const {
+    const auto aside = leftOf(end_ - start_, normal, distance);
+    if (!aside) return OdResult::invalidInput;
+    const auto line = createObject();
+    line->setPropertiesFrom(*this);
+    line->thickness_ = thickness_;
+    line->normal_ = normal_;
+    line->start_ = start_ + *aside;
+    line->end_ = end_ + *aside;
+    curves.emplace_back(line);
+    return OdResult::ok;
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Rays and infinite lines
@@ -149,6 +178,18 @@ OdGePoint3d OdDbConstructionLine::pointAtParam(double parameter) const {
 OdGeVector3d OdDbConstructionLine::firstDerivAtParam(double) const { return direction_.normal(); }
 double OdDbConstructionLine::distAtParam(double parameter) const { return parameter; }
 double OdDbConstructionLine::paramAtDist(double distance) const { return distance; }
+
+OdResult OdDbConstructionLine::getOffsetCurves(double distance, const OdGeVector3d& normal,
+                                               std::vector<OdDbCurvePtr>& curves) const {
+    const auto aside = leftOf(direction_, normal, distance);
+    if (!aside) return OdResult::invalidInput;
+    const auto line = OdSmartPtr<OdDbConstructionLine>(static_cast<OdDbConstructionLine*>(isA()->create().get()));
+    line->setPropertiesFrom(*this);
+    line->base_ = base_ + *aside;
+    line->direction_ = direction_;
+    curves.emplace_back(line);
+    return OdResult::ok;
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Points
@@ -260,6 +301,11 @@ OdResult OdDbCircle::transformBy(const OdGeMatrix3d& matrix) {
     return OdResult::ok;
 }
 
+OdResult OdDbCircle::explode(std::vector<OdDbEntityPtr>& pieces) const {
+    drawingdb::CurvePieces(*this, normal_, center_.z, pieces).addArc(center_.xy(), radius_, startParam(), endParam());
+    return OdResult::ok;
+}
+
 OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = mapPlane(matrix, normal_);
     if (const OdResult result = OdDbCircle::transformBy(matrix); result != OdResult::ok) return result;
@@ -327,6 +373,24 @@ double OdDbCircle::paramAtDist(double distance) const {
     return radius_ > 0 ? startParam() + distance / radius_ : startParam();
 }
 
+// They run counter-clockwise: the left is the inside.
+OdResult OdDbCircle::getOffsetCurves(double distance, const OdGeVector3d&, std::vector<OdDbCurvePtr>& curves) const {
+    const double radius = radius_ - distance;
+    if (!(radius > 0) || !std::isfinite(radius)) return OdResult::invalidInput;
+    const auto round = OdSmartPtr<OdDbCircle>(static_cast<OdDbCircle*>(isA()->create().get()));
+    round->setPropertiesFrom(*this);
+    round->center_ = center_;
+    round->normal_ = normal_;
+    round->radius_ = radius;
+    round->thickness_ = thickness_;
+    if (isKindOf(OdDbArc::desc())) {
+        const auto& arc = static_cast<const OdDbArc&>(*this);
+        static_cast<OdDbArc&>(*round).setAngles(arc.startAngle(), arc.endAngle());
+    }
+    curves.emplace_back(round);
+    return OdResult::ok;
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Light polylines
 
@@ -392,7 +456,15 @@ void OdDbPolyline::writeRun(drawingdb::GroupWriter& writer, int) const {
     }
 }
 
-void OdDbPolyline::clearRuns() { vertices_.clear(); }
+void OdDbPolyline::clearRuns() {
+    vertices_.clear();
+    lengths_.reset();
+}
+
+void OdDbPolyline::verticesChanged() {
+    lengths_.reset();
+    runsChanged();
+}
 
 void OdDbPolyline::beforeEncode() {
     // A wrong count in a file stays as it is until the vertices change.
@@ -403,19 +475,19 @@ void OdDbPolyline::setVertexAt(std::size_t index, const Vertex& vertex) {
     if (index >= vertices_.size()) throw OdError(OdResult::invalidInput, "the polyline has no such vertex");
     assertWriteEnabled();
     vertices_[index] = vertex;
-    runsChanged();
+    verticesChanged();
 }
 void OdDbPolyline::addVertexAt(std::size_t index, const Vertex& vertex) {
     if (index > vertices_.size()) throw OdError(OdResult::invalidInput, "the polyline has no such vertex");
     assertWriteEnabled();
     vertices_.insert(vertices_.begin() + static_cast<std::ptrdiff_t>(index), vertex);
-    runsChanged();
+    verticesChanged();
 }
 void OdDbPolyline::removeVertexAt(std::size_t index) {
     if (index >= vertices_.size()) throw OdError(OdResult::invalidInput, "the polyline has no such vertex");
     assertWriteEnabled();
     vertices_.erase(vertices_.begin() + static_cast<std::ptrdiff_t>(index));
-    runsChanged();
+    verticesChanged();
 }
 void OdDbPolyline::setClosed(bool closed) {
     assertWriteEnabled();
@@ -469,7 +541,21 @@ OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
     constantWidth_ *= scale;
     thickness_ = mapThickness(matrix, normal_, thickness_, plane->normal);
     normal_ = plane->normal;
-    runsChanged();
+    verticesChanged();
+    return OdResult::ok;
+}
+
+OdResult OdDbPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
+    drawingdb::CurvePieces maker(*this, normal_, elevation_, pieces);
+    std::vector<drawingdb::CurvePieces::WideSegment> segments;
+    bool wide = false;
+    for (std::size_t i = 0; i < numSegments(); ++i) {
+        const auto width = [&](double own) { return own >= 0 ? own : constantWidth_; };
+        segments.push_back({segment(i), width(vertices_[i].startWidth), width(vertices_[i].endWidth)});
+        wide = wide || segments.back().startWidth > 0 || segments.back().endWidth > 0;
+    }
+    if (wide && maker.addWide(segments, isClosed())) return OdResult::ok;
+    for (const auto& one : segments) maker.addSegment(one.segment);
     return OdResult::ok;
 }
 
@@ -489,11 +575,14 @@ bool OdDbPolyline::geomExtents(OdGeExtents3d& extents) const {
 
 double OdDbPolyline::endParam() const { return static_cast<double>(numSegments()); }
 
+std::vector<double> OdDbPolyline::breakParams() const {
+    std::vector<double> breaks(numSegments() + 1);
+    std::iota(breaks.begin(), breaks.end(), 0.0);
+    return breaks;
+}
+
 std::pair<std::size_t, double> OdDbPolyline::segmentAt(double parameter) const {
-    const std::size_t count = numSegments();
-    const double inside = parameter > 0 ? std::min(parameter, static_cast<double>(count)) : 0;
-    const std::size_t index = std::min(static_cast<std::size_t>(inside), count - 1);
-    return {index, inside - static_cast<double>(index)};
+    return drawingdb::segmentAt(parameter, numSegments());
 }
 
 OdGePoint3d OdDbPolyline::pointAtParam(double parameter) const {
@@ -509,21 +598,13 @@ OdGeVector3d OdDbPolyline::firstDerivAtParam(double parameter) const {
     return OdGeMatrix3d::planeToWorld(normal_) * OdGeVector3d(direction.x, direction.y, 0);
 }
 
-double OdDbPolyline::distAtParam(double parameter) const {
-    if (numSegments() == 0) return 0;
-    const auto [index, fraction] = segmentAt(parameter);
-    double distance = segment(index).length() * fraction;
-    for (std::size_t i = 0; i < index; ++i) distance += segment(i).length();
-    return distance;
-}
-
-double OdDbPolyline::paramAtDist(double distance) const {
-    const std::size_t count = numSegments();
-    if (!(distance > 0)) return 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double length = segment(i).length();
-        if (distance < length) return static_cast<double>(i) + distance / length;
-        distance -= length;
+const SegmentLengths& OdDbPolyline::lengths() const {
+    if (!lengths_) {
+        const auto measured = std::make_shared<SegmentLengths>();
+        for (std::size_t i = 0; i < numSegments(); ++i) measured->add(segment(i).length());
+        lengths_ = measured;
     }
-    return static_cast<double>(count);
+    return *lengths_;
 }
+double OdDbPolyline::distAtParam(double parameter) const { return lengths().lengthAt(parameter); }
+double OdDbPolyline::paramAtDist(double distance) const { return lengths().parameterAt(distance); }

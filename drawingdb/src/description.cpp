@@ -289,20 +289,20 @@ bool wanted(char* base, const FieldSpec& field, const ClassDescription& descript
     return false;
 }
 
-void writeZoneAnew(const OdDbObject& object, const ClassDescription& description, const Zone& zone,
-                   GroupWriter& writer) {
+void writeZoneAnew(const OdDbObject& object, const ClassDescription& description, const Zone& zone, GroupWriter& writer,
+                   bool markers) {
     char* base = holder(object, zone);
     if (!base || writer.format().version < zone.since) return;
     if (zone.optional) {
         bool any = false;
         for (int i = zone.first; i < zone.last; ++i)
             any = any || !isDefault(base, description.fields[static_cast<std::size_t>(i)]);
-        if (!any && writer.format().hasMarkers()) return;
+        if (!any && markers) return;
     }
     if (zone.embedded)
         writer.text(101, zone.marker);
-    else if (*zone.marker)
-        writer.marker(zone.marker);
+    else if (*zone.marker && markers)
+        writer.text(100, zone.marker);
     for (int i = zone.first; i < zone.last; ++i) {
         const FieldSpec& field = description.fields[static_cast<std::size_t>(i)];
         if (wanted(base, field, description, writer.format())) writeField(object, base, field, writer);
@@ -378,7 +378,7 @@ void walkControlString(GroupCursor& cursor, Each each) {
 
 namespace {
 
-/// Reads the fields, beginning in `zone`. False when the record has no markers.
+/// Reads the fields, beginning in `zone`. True when the record has markers; the reading without zones stops there.
 bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& description, std::string_view bytes,
                 const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
     GroupCursor cursor(bytes, format);
@@ -406,6 +406,7 @@ bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& descriptio
         if (chunkField >= 0 && !goesOn(description.fields[static_cast<std::size_t>(chunkField)], group)) endChunks();
         if (group.code == 100 || group.code == 101) {
             markers = true;
+            if (zone == kNoMarkers) return true;
             const int found = description.findZone(group.value, std::max(zone, 0) + 1, group.code == 101);
             if (found < 0) {
                 zone = kUnknownZone;
@@ -503,12 +504,14 @@ bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& descriptio
 
 void decodeObject(OdDbObject& object, const ClassDescription& description, std::string_view bytes,
                   const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
-    // Nearly every record of a file with markers has some; one that has none is read again as one of an old file.
+    // Nearly every record of a file with markers has some, and one of an old file has none. What turns out otherwise
+    // (drawings without a header have markers too) is read again.
     bool& without = ObjectAccess::withoutMarkers(object);
-    without = !format.hasMarkers() || !decodeFrom(0, object, description, bytes, format, fault);
-    if (without) {
+    const int likely = format.hasMarkers() ? 0 : kNoMarkers;
+    without = !decodeFrom(likely, object, description, bytes, format, fault);
+    if (without != (likely == kNoMarkers)) {
         resetObject(object, description);
-        decodeFrom(kNoMarkers, object, description, bytes, format, fault);
+        decodeFrom(without ? kNoMarkers : 0, object, description, bytes, format, fault);
     }
     ObjectAccess::afterDecode(object);
 }
@@ -558,14 +561,15 @@ namespace {
 void encodeAnew(const OdDbObject& object, const ClassDescription& description, const FileFormat& format,
                 std::string& out) {
     GroupWriter writer(out, format);
-    writer.text(0, object.dxfName());
+    const std::string name = object.dxfName();
+    writer.text(0, name);
     if (const auto handle = object.handle(); !handle.isNull())
-        writer.handle(object.dxfName() == "DIMSTYLE" ? 105 : 5, handle.value());
+        writer.handle(name == "DIMSTYLE" ? 105 : 5, handle.value());
     if (format.hasMarkers()) {
         writeExtensionDictionary(object, writer);
         writeReactors(object, writer);
     }
-    for (const Zone& zone : description.zones) writeZoneAnew(object, description, zone, writer);
+    for (const Zone& zone : description.zones) writeZoneAnew(object, description, zone, writer, format.hasMarkers());
     writeXData(object, writer);
 }
 
@@ -602,7 +606,7 @@ class Patch {
         GroupCursor cursor(old_, format_);
         Group group;
         items_.reserve(64);
-        int zone = format_.hasMarkers() && !ObjectAccess::withoutMarkers(object_) ? 0 : kNoMarkers;
+        int zone = ObjectAccess::withoutMarkers(object_) ? kNoMarkers : 0;
         int after = -1;
         bool handleSeen = false;
         int control = 0;  // 1 in reactors, 2 in the extension dictionary, 3 in another control string
@@ -765,9 +769,9 @@ class Patch {
     }
 
     void findMissing() {
-        if (reactorsAt_ < 0 && ObjectAccess::reactorsChanged(object_) && format_.hasMarkers())
+        if (reactorsAt_ < 0 && ObjectAccess::reactorsChanged(object_) && hasMarkers())
             inserts_.push_back({headPlace(), kReactors});
-        if (dictionaryAt_ < 0 && ObjectAccess::extensionDictionary(object_).handle && format_.hasMarkers())
+        if (dictionaryAt_ < 0 && ObjectAccess::extensionDictionary(object_).handle && hasMarkers())
             inserts_.push_back({std::max(handleAt_, 0), kDictionary});
         for (std::size_t z = 0; z < description_.zones.size(); ++z) {
             const Zone& zone = description_.zones[z];
@@ -815,6 +819,7 @@ class Patch {
 
     static std::size_t zoneIndex(int zone) { return static_cast<std::size_t>(zone); }
     int headPlace() const { return dictionaryAt_ >= 0 ? dictionaryAt_ + 2 : std::max(handleAt_, 0); }
+    bool hasMarkers() const { return markers_ || format_.hasMarkers(); }
     int headPlaceForFields() const { return markers_ ? lastHead_ : -1; }
     int markerPlace(std::size_t z) const {
         for (std::size_t i = 0; i < items_.size(); ++i) {
@@ -894,7 +899,7 @@ class Patch {
             writeExtensionDictionary(object_, writer_);
         } else if (insert.field < 0) {
             writeZoneAnew(object_, description_, description_.zones[static_cast<std::size_t>(-1 - insert.field)],
-                          writer_);
+                          writer_, markers_);
         } else {
             const FieldSpec& field = description_.fields[static_cast<std::size_t>(insert.field)];
             writeField(object_, holder(object_, description_.zones[field.zone]), field, writer_);

@@ -71,8 +71,9 @@ void Core::requireHeld(const OdDbObject& object) const {
     static constexpr struct {
         const char* name;
         int since;
-    } kSince[] = {{"RAY", 1012},     {"XLINE", 1012}, {"MTEXT", 1012},     {"LWPOLYLINE", 1014}, {"SPLINE", 1012},
-                  {"ELLIPSE", 1012}, {"FIELD", 1015}, {"FIELDLIST", 1015}, {"WIPEOUT", 1015},    {"DICTIONARY", 1012}};
+    } kSince[] = {{"RAY", 1012},     {"XLINE", 1012},      {"MTEXT", 1012},           {"LWPOLYLINE", 1014},
+                  {"SPLINE", 1012},  {"ELLIPSE", 1012},    {"FIELD", 1015},           {"FIELDLIST", 1015},
+                  {"WIPEOUT", 1015}, {"DICTIONARY", 1012}, {"WIPEOUTVARIABLES", 1015}};
     if (format.version >= 1015) return;
     const std::string kind = object.dxfName();
     for (const auto& row : kSince) {
@@ -140,8 +141,8 @@ void Core::eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more) {
             ownerHandle(bytesOf(*owned), format) == stub.handle)
             more.push_back(owned);
     };
-    if (const OdDbObject* object = stub.object(); object && ownsOnlyItsDictionary(stub.type)) {
-        own(ObjectAccess::extensionDictionary(*object).handle);
+    if (ownsOnlyItsDictionary(stub.type) && bytesOf(stub).find("{ACAD_XDICTIONARY") == std::string_view::npos) {
+        // Nearly all of them have none, and looking for one word is quicker than reading the groups.
     } else {
         GroupCursor cursor(bytesOf(stub), format);
         Group group;
@@ -193,7 +194,7 @@ void Core::erase(Stub& stub, bool erasing) {
 // ---------------------------------------------------------------------------------------------------------------------
 
 std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::uint64_t owner, bool paperSpace,
-                            const std::function<std::uint64_t(std::uint64_t)>& map, bool keepOthers) {
+                            const std::function<std::uint64_t(std::uint64_t, bool)>& map) {
     std::string out;
     out.reserve(bytes.size() + 32);
     GroupWriter writer(out, format);
@@ -252,7 +253,7 @@ std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::u
             continue;
         }
         if (isReferenceCode(group.code)) {
-            const std::uint64_t now = map(parseHandle(group.value));
+            const std::uint64_t now = map(parseHandle(group.value), reactors);
             if (reactors) {
                 if (now == 0) continue;
                 GroupWriter entry(list, format);
@@ -263,7 +264,6 @@ std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::u
                 writer.handle(group.code, now);
                 continue;
             }
-            if (now == 0 && !keepOthers) continue;
         }
         out.append(group.bytes());
         if (group.code == 100 && group.value == "AcDbEntity" && paperSpace && !spaceDone) {
@@ -346,9 +346,9 @@ void Core::swapIdentity(Stub& a, Stub& b, bool extendedData, bool extensionDicti
         ofA = withDictionary(ofA, dictionaryB, format);
         ofB = withDictionary(ofB, dictionaryA, format);
     }
-    const auto same = [](std::uint64_t handle) { return handle; };
-    const std::string newA = rewritten(ofB, a.handle, ownerA, a.has(Stub::paperSpace), same, true);
-    const std::string newB = rewritten(ofA, b.handle, ownerB, b.has(Stub::paperSpace), same, true);
+    const auto same = [](std::uint64_t handle, bool) { return handle; };
+    const std::string newA = rewritten(ofB, a.handle, ownerA, a.has(Stub::paperSpace), same);
+    const std::string newB = rewritten(ofA, b.handle, ownerB, b.has(Stub::paperSpace), same);
     const std::uint16_t typeA = a.type, typeB = b.type;
     OdDbObject* objectA = a.object();
     OdDbObject* objectB = b.object();
@@ -376,7 +376,7 @@ void Core::swapIdentity(Stub& a, Stub& b, bool extendedData, bool extensionDicti
             if (Stub* dictionary = byHandle(ObjectAccess::extensionDictionary(*object).handle);
                 dictionary && !dictionary->gone()) {
                 const std::string_view bytes = bytesOf(*dictionary);
-                const std::string moved = rewritten(bytes, dictionary->handle, stub->handle, false, same, true);
+                const std::string moved = rewritten(bytes, dictionary->handle, stub->handle, false, same);
                 if (moved != bytes) setBytes(*dictionary, moved);
             }
         }
@@ -435,13 +435,13 @@ void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMappin
         }
     }
     for (const Job& job : jobs) {
-        const auto map = [&](std::uint64_t handle) {
+        // Whoever listens to the original does not listen to the copy, unless it was copied too.
+        const auto map = [&](std::uint64_t handle, bool reactor) {
             Stub* target = byHandle(handle);
             const OdDbObjectId copy = target ? mapping.find(OdDbObjectId(target)) : OdDbObjectId();
-            return copy.isNull() ? handle : copy.stub()->handle;
+            return !copy.isNull() ? copy.stub()->handle : reactor ? 0 : handle;
         };
-        // Whoever listens to the original does not listen to the copy, unless it was copied too.
-        const std::string bytes = rewritten(bytesOf(*job.source), job.copy->handle, job.owner, job.paper, map, true);
+        const std::string bytes = rewritten(bytesOf(*job.source), job.copy->handle, job.owner, job.paper, map);
         job.copy->content = Arena::contentOf(arena_.add(bytes, job.copy->type));
         if (job.copy->type == rtInsert) referenceAdded(*job.copy, blockByRawName(groupText(*job.copy, 2)));
     }

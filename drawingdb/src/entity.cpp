@@ -43,9 +43,19 @@ const ClassDescription* OdDbUnknownEntity::description() const {
 void OdDbEntity::setDatabaseDefaults(OdDbDatabase* database) {
     assertWriteEnabled();
     if (!database) return;
-    setLayer(database->headerText("$CLAYER", L"0"));
-    const OdString linetype = database->headerText("$CELTYPE");
-    if (!linetype.empty()) setLinetype(linetype);
+    if (!isDatabaseResident() && !database_) database_ = database;
+    const auto name = [&](std::string_view variable, FileText& to) {
+        const auto found = database->core().headerVariable(variable);
+        if (!found || found->first.empty()) return;
+        if (database == database_) {
+            to.raw = found->first;  // bytes of the same file
+            to.text.reset();
+        } else {
+            assign(to, database->headerText(variable));
+        }
+    };
+    name("$CLAYER", layer_);
+    name("$CELTYPE", linetype_);
     colorIndex_ = static_cast<std::int32_t>(database->headerInteger("$CECOLOR", 256));
     linetypeScale_ = database->headerReal("$CELTSCALE", 1.0);
     lineweight_ = static_cast<std::int32_t>(database->headerInteger("$CELWEIGHT", -1));

@@ -1,8 +1,12 @@
 #include "groups.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "base/number.h"
 #include "base/text.h"
@@ -49,31 +53,53 @@ ValueKind valueKind(int code) {
     return text;
 }
 
+namespace {
+
+/// The end of the line that begins at `p`: its line feed, or `end`.
+inline const char* lineEnd(const char* p, const char* end) {
+#if defined(__SSE2__)
+    if (end - p >= 16) {
+        const __m128i line = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        if (const int feeds = _mm_movemask_epi8(_mm_cmpeq_epi8(line, _mm_set1_epi8('\n'))))
+            return p + std::countr_zero(static_cast<unsigned>(feeds));
+        p += 16;
+    }
+#endif
+    const void* feed = p < end ? std::memchr(p, '\n', static_cast<std::size_t>(end - p)) : nullptr;
+    return feed ? static_cast<const char*>(feed) : end;
+}
+
+inline unsigned digit(char c) { return static_cast<unsigned>(c) - unsigned{'0'}; }
+
+}  // namespace
+
 bool GroupCursor::nextAscii(Group& group) {
-    if (at_ >= end_) return false;
-    group.begin = at_;
     const char* p = at_;
-    while (p < end_ && (*p == ' ' || *p == '\t')) ++p;
-    bool negative = false;
-    if (p < end_ && *p == '-') negative = true, ++p;
-    if (p >= end_ || *p < '0' || *p > '9') return false;
-    int code = 0;
-    for (; p < end_ && *p >= '0' && *p <= '9'; ++p)
-        if (code < 100000) code = code * 10 + (*p - '0');
-    while (p < end_ && *p != '\n') ++p;
     if (p >= end_) return false;
-    group.code = negative ? -code : code;
-    const char* value = ++p;
-    // Most values are shorter than a call is long.
-    const char* lineEnd = value;
-    for (const char* const near = end_ - value > 16 ? value + 16 : end_; lineEnd < near && *lineEnd != '\n';) ++lineEnd;
-    if (lineEnd == end_ || *lineEnd != '\n')
-        lineEnd = static_cast<const char*>(std::memchr(lineEnd, '\n', static_cast<std::size_t>(end_ - lineEnd)));
-    const char* stop = lineEnd ? lineEnd : end_;
-    at_ = lineEnd ? lineEnd + 1 : end_;
-    if (stop > value && stop[-1] == '\r') --stop;
-    group.value = {value, static_cast<std::size_t>(stop - value)};
-    group.end = at_;
+    group.begin = p;
+    // "  8", " 10", "100": nearly every code.
+    if (end_ - p > 4 && digit(p[2]) < 10 && (p[3] == '\n' || (p[3] == '\r' && p[4] == '\n')) &&
+        (digit(p[1]) < 10 ? digit(p[0]) < 10 || p[0] == ' ' : p[1] == ' ' && p[0] == ' ')) {
+        group.code = static_cast<int>((p[0] == ' ' ? 0 : digit(p[0]) * 100) + (p[1] == ' ' ? 0 : digit(p[1]) * 10) +
+                                      digit(p[2]));
+        p += p[3] == '\n' ? 4 : 5;
+    } else {
+        while (p < end_ && (*p == ' ' || *p == '\t')) ++p;
+        bool negative = false;
+        if (p < end_ && *p == '-') negative = true, ++p;
+        if (p >= end_ || digit(*p) >= 10) return false;
+        int code = 0;
+        for (; p < end_ && digit(*p) < 10; ++p)
+            if (code < 100000) code = code * 10 + static_cast<int>(digit(*p));
+        p = lineEnd(p, end_);
+        if (p == end_) return false;
+        ++p;
+        group.code = negative ? -code : code;
+    }
+    const char* stop = lineEnd(p, end_);
+    at_ = group.end = stop < end_ ? stop + 1 : end_;
+    if (stop > p && stop[-1] == '\r') --stop;
+    group.value = {p, static_cast<std::size_t>(stop - p)};
     return true;
 }
 

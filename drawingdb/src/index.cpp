@@ -130,9 +130,9 @@ class Indexer {
             core_.format.wideCodes = wide;
             GroupCursor probe(core_.file_.substr(kBinaryHead), core_.format);
             Group first;
-            bool found = false;
-            for (int i = 0; i < 100 && !found && probe.next(first); ++i) found = first.code == 0;
-            if (found && first.value == "SECTION") break;
+            while (probe.next(first) && first.code == 999) {
+            }
+            if (first.code == 0 && first.value == "SECTION") break;
         }
         GroupCursor cursor(core_.file_.substr(kBinaryHead), core_.format);
         Group g;

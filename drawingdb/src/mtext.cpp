@@ -271,6 +271,11 @@ void OdDbMText::setDatabaseDefaults(OdDbDatabase* database) {
     height_ = style.height;
 }
 
+void OdDbMText::setTextFrom(const OdDbMText& source) {
+    assertWriteEnabled();
+    copyMTextFrom(source);
+}
+
 void OdDbMText::copyMTextFrom(const OdDbMText& other) {
     const bool sameFile = database_ && other.database_ == database_;
     const auto take = [&](drawingdb::FileText& to, const drawingdb::FileText& from) {

@@ -6,34 +6,61 @@
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/dictionary.h"
+#include "drawingdb/ellipse.h"
 #include "drawingdb/error.h"
 #include "drawingdb/field.h"
+#include "drawingdb/spline.h"
 #include "drawingdb/text.h"
+#include "drawingdb/wipeout.h"
 
 namespace drawingdb {
 
 namespace {
 
-constexpr const char* kNames[] = {"",           "SECTION",
-                                  "ENDSEC",     "TABLE",
-                                  "ENDTAB",     "BLOCK",
-                                  "ENDBLK",     "SEQEND",
-                                  "EOF",        "CLASS",
-                                  "INSERT",     "ATTRIB",
-                                  "POLYLINE",   "VERTEX",
-                                  "ATTDEF",     "BLOCK_RECORD",
-                                  "LAYER",      "STYLE",
-                                  "LTYPE",      "APPID",
-                                  "DIMSTYLE",   "UCS",
-                                  "VIEW",       "VPORT",
-                                  "DICTIONARY", "ACDBDICTIONARYWDFLT",
-                                  "FIELD",      "FIELDLIST",
-                                  "LAYOUT",     "VIEWPORT",
-                                  "GROUP",      "SORTENTSTABLE",
-                                  "LINE",       "RAY",
-                                  "XLINE",      "POINT",
-                                  "CIRCLE",     "ARC",
-                                  "LWPOLYLINE", "TEXT",
+constexpr const char* kNames[] = {"",
+                                  "SECTION",
+                                  "ENDSEC",
+                                  "TABLE",
+                                  "ENDTAB",
+                                  "BLOCK",
+                                  "ENDBLK",
+                                  "SEQEND",
+                                  "EOF",
+                                  "CLASS",
+                                  "INSERT",
+                                  "ATTRIB",
+                                  "POLYLINE",
+                                  "VERTEX",
+                                  "ATTDEF",
+                                  "BLOCK_RECORD",
+                                  "LAYER",
+                                  "STYLE",
+                                  "LTYPE",
+                                  "APPID",
+                                  "DIMSTYLE",
+                                  "UCS",
+                                  "VIEW",
+                                  "VPORT",
+                                  "DICTIONARY",
+                                  "ACDBDICTIONARYWDFLT",
+                                  "FIELD",
+                                  "FIELDLIST",
+                                  "LAYOUT",
+                                  "VIEWPORT",
+                                  "GROUP",
+                                  "SORTENTSTABLE",
+                                  "LINE",
+                                  "RAY",
+                                  "XLINE",
+                                  "POINT",
+                                  "CIRCLE",
+                                  "ARC",
+                                  "LWPOLYLINE",
+                                  "ELLIPSE",
+                                  "SPLINE",
+                                  "WIPEOUT",
+                                  "WIPEOUTVARIABLES",
+                                  "TEXT",
                                   "MTEXT"};
 static_assert(std::size(kNames) == rtFirstCarried);
 
@@ -132,6 +159,14 @@ const OdRxClass* TypeTable::knownClass(std::uint16_t type) {
             return OdDbArc::desc();
         case rtLwpolyline:
             return OdDbPolyline::desc();
+        case rtEllipse:
+            return OdDbEllipse::desc();
+        case rtSpline:
+            return OdDbSpline::desc();
+        case rtWipeout:
+            return OdDbWipeout::desc();
+        case rtWipeoutVariables:
+            return OdDbWipeoutVariables::desc();
         case rtText:
             return OdDbText::desc();
         case rtMtext:

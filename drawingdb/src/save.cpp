@@ -1,14 +1,38 @@
 // Writing: the stubs in file order. Records that were not changed go out as the stretches of the file that they are.
 //
-// Derived here, so that undo need not know of it: group 66 and SEQEND of references, the list of fields, and the
-// removal of erased objects from groups, sort tables, block-reference lists and the list of fields; $HANDSEED.
+// Derived here, so that undo need not know of it: group 66 and SEQEND of references, the list of fields, new references
+// in the lists of block records, and the removal of erased objects from groups, sort tables, block-reference lists and
+// the list of fields; $HANDSEED; records of the CLASSES section for new objects of kinds that other programs only know
+// by such a record.
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 #include "core.h"
 #include "description.h"
 #include "object_access.h"
 
 namespace drawingdb {
+
+namespace {
+
+/// What a CLASS record says of a kind.
+struct KindRecord {
+    RecordType type;
+    const char* className;
+    const char* application;
+    int proxyFlags;
+    bool entity;
+};
+constexpr KindRecord kKindRecords[] = {
+    {rtField, "AcDbField", "ObjectDBX Classes", 1152, false},
+    {rtFieldList, "AcDbFieldList", "ObjectDBX Classes", 1152, false},
+    {rtWipeout, "AcDbWipeout", "WipeOut", 127, true},
+    {rtWipeoutVariables, "AcDbWipeoutVariables", "WipeOut", 0, false},
+};
+constexpr int kFirstVersionThatCounts = 1018;
+
+}  // namespace
 
 class Saver {
   public:
@@ -29,6 +53,13 @@ class Saver {
             if (stub.type == rtSeqend && !emitted(stub)) continue;
             largest_ = std::max(largest_, stub.handle);
             if (stub.type == rtField) newFields_.push_back(i);
+            if (stub.type == rtInsert) {
+                Stub& reference = core_.stubs[i];
+                if (const Stub* block = core_.blockByRawName(core_.groupText(reference, 2)))
+                    newReferences_[core_.indexOf(block)].push_back(stub.handle);
+            }
+            for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
+                if (stub.type == kKindRecords[kind].type) ++newObjects_[kind];
         }
         if (core_.erasedEver_) {
             for (std::uint32_t i = 1; i < core_.stubs.size(); ++i)
@@ -64,6 +95,8 @@ class Saver {
         Stub& stub = core_.stubs[i];
         switch (stub.type) {
             case rtEndsec:
+                chain(stub);
+                return endOfSection(i);
             case rtEndtab:
             case rtEndblk:
                 chain(stub);
@@ -78,6 +111,52 @@ class Saver {
         }
         if (!stub.gone()) bytes(stub);
         return i + 1;
+    }
+
+    std::uint32_t endOfSection(std::uint32_t i) {
+        const auto closes = [&](const Stub* section) { return section && section->close == i; };
+        const Stub* classes = core_.sectionNamed("CLASSES");
+        if (closes(classes)) emitKindRecords();
+        if (!core_.stubs[i].gone()) bytes(core_.stubs[i]);
+        if (!classes && closes(core_.sectionNamed("HEADER")) && lacksKindRecords()) {
+            patched_.clear();
+            GroupWriter writer(patched_, core_.format);
+            writer.text(0, "SECTION");
+            writer.text(2, "CLASSES");
+            emit(patched_);
+            emitKindRecords();
+            patched_.clear();
+            writer.text(0, "ENDSEC");
+            emit(patched_);
+        }
+        return i + 1;
+    }
+
+    bool lacksKindRecords() const {
+        return std::any_of(newObjects_.begin(), newObjects_.end(), [](int count) { return count > 0; });
+    }
+
+    void emitKindRecords() {
+        if (!lacksKindRecords()) return;
+        if (Stub* classes = core_.sectionNamed("CLASSES"))
+            for (Stub* known = core_.nextChild(*classes, nullptr); known; known = core_.nextChild(*classes, known))
+                for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
+                    if (core_.groupText(*known, 1) == core_.types.name(kKindRecords[kind].type)) newObjects_[kind] = 0;
+        patched_.clear();
+        GroupWriter writer(patched_, core_.format);
+        for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind) {
+            if (newObjects_[kind] == 0) continue;
+            const KindRecord& record = kKindRecords[kind];
+            writer.text(0, "CLASS");
+            writer.text(1, core_.types.name(record.type));
+            writer.text(2, record.className);
+            writer.text(3, record.application);
+            writer.integer(90, record.proxyFlags);
+            if (core_.format.version >= kFirstVersionThatCounts) writer.integer(91, newObjects_[kind]);
+            writer.integer(280, 0);
+            writer.integer(281, record.entity ? 1 : 0);
+        }
+        emit(patched_);
     }
 
     /// A reference whose attributes were changed: itself with the right group 66, its attributes, SEQEND when it has
@@ -152,8 +231,8 @@ class Saver {
             case rtSortents:
             case rtBlockRecord:
             case rtFieldList:
-                if (!erased_.empty() || &stub == fieldList_) {
-                    emit(withoutErased(stub));
+                if (!erased_.empty() || &stub == fieldList_ || newReferences_.contains(core_.indexOf(&stub))) {
+                    emit(broughtUpToDate(stub));
                     return;
                 }
                 break;
@@ -183,7 +262,8 @@ class Saver {
         return patched_;
     }
 
-    std::string_view withoutErased(Stub& stub) {
+    /// Without the handles of erased objects, and with those of new ones that belong into the list.
+    std::string_view broughtUpToDate(Stub& stub) {
         const std::string_view old = core_.bytesOf(stub);
         patched_.clear();
         GroupWriter writer(patched_, core_.format);
@@ -192,6 +272,7 @@ class Saver {
         bool dropPair = false;
         bool changed = false;
         bool control = false;
+        bool inReferences = false;
         bool inSet = false;
         std::int64_t count = -1;
         std::size_t countAt = 0, countEnd = 0;
@@ -201,8 +282,19 @@ class Saver {
             count += static_cast<std::int64_t>(newFields_.size());
             changed = true;
         };
+        const auto addReferences = [&] {
+            const auto found = newReferences_.find(core_.indexOf(&stub));
+            if (found == newReferences_.end()) return;
+            for (const std::uint64_t handle : found->second) writer.handle(331, handle);
+            changed = true;
+        };
         while (cursor.next(group)) {
-            if (group.code == 102) control = !group.value.empty() && group.value.front() == '{';
+            if (group.code == 102) {
+                control = !group.value.empty() && group.value.front() == '{';
+                if (inReferences) addReferences();
+                // A record without the list is one of a program that keeps none.
+                inReferences = stub.type == rtBlockRecord && group.value == "{BLKREFS";
+            }
             if (stub.type == rtFieldList && group.code == 100) {
                 if (inSet) addFields();
                 inSet = group.value == "AcDbIdSet";
@@ -282,6 +374,9 @@ class Saver {
     std::uint64_t largest_ = 0;
     std::vector<std::uint64_t> erased_;
     std::vector<std::uint32_t> newFields_;
+    std::unordered_map<std::uint32_t, std::vector<std::uint64_t>>
+        newReferences_;  // by the stub of their block's record
+    std::array<int, std::size(kKindRecords)> newObjects_{};
     Stub* fieldList_ = nullptr;
 };
 

@@ -271,6 +271,13 @@ void OdDbText::copyTextFrom(const OdDbText& other) {
     placeStale_ = false;
 }
 
+void OdDbText::setTextFrom(const OdDbText& source) {
+    assertWriteEnabled();
+    copyTextFrom(source);
+    // A definition is hung up by its tag.
+    if (source.isJustified() && source.shownText() != decoded(text_)) changed(Change::text);
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Geometry
 

@@ -14,11 +14,13 @@ namespace drawingdb {
 void Core::log(Stub& stub, Step::Kind kind, std::uint64_t old) {
     log_.push_back({indexOf(&stub), kind, old});
     ++changes_;
+    ++state_;
 }
 
 void Core::undoStep(const Step& step) {
     if (step.kind >= Step::record) return;
     --changes_;
+    ++state_;
     Stub& stub = stubs[step.stub];
     switch (step.kind) {
         case Step::content: {

@@ -122,4 +122,20 @@ TEST(RoundTrip, KindsThatAVersionCannotHoldAreRefused) {
     EXPECT_EQ(database->writeBytes(), old);
 }
 
+// A header of an old version, or none, does not tell whether the records have subclass markers.
+TEST(RoundTrip, MarkersAreReadWhateverTheVersionSays) {
+    std::string old = sampleBytes();
+    old.replace(old.find("AC1032"), 6, "AC1009");
+    const auto database = OdDbDatabase::readBytes(old, L"old.dxf");
+    database->touchEverything();
+    EXPECT_EQ(database->writeBytes(), old);
+    const auto arc = objectOf(database, 0x35).openIf<OdDbArc>(OdDb::forWrite);
+    ASSERT_TRUE(arc);
+    const double radius = arc->radius();
+    arc->setLayer(L"WALLS");
+    const auto again = objectOf(OdDbDatabase::readBytes(database->writeBytes(), L""), 0x35).openAs<OdDbArc>();
+    EXPECT_EQ(again->radius(), radius);
+    EXPECT_EQ(again->layer(), L"WALLS");
+}
+
 }  // namespace

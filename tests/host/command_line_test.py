@@ -58,7 +58,7 @@ class CommandLine(unittest.TestCase):
 
     def test_wrong_usage_is_2(self):
         for arguments in (["--nothing"], ["-c"], ["a.dxf", "b.dxf"], ["--set", "NOSUCH=1", "-c", ""],
-                          ["--set", "LUPREC=many", "-c", ""], ["--size", "9", "-c", ""], ["-p", "plot.svg"]):
+                          ["--set", "LUPREC=many", "-c", ""], ["--size", "9", "-c", ""], ["-p", "plot.pdf", "-c", ""]):
             with self.subTest(arguments):
                 run = self.run_program(*arguments)
                 self.assertEqual(run.status, 2)

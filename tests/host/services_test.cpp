@@ -45,6 +45,7 @@ TEST(Services, EveryRowIsExported) {
     EXPECT_TRUE(find(translateText));
     EXPECT_TRUE(find(getActiveBTRId));
     EXPECT_TRUE(find(getTextOrientation));
+    EXPECT_TRUE(find(getDrawingPlane));
     EXPECT_TRUE(find(realToText));
     EXPECT_TRUE(find(angleToText));
     EXPECT_TRUE(find(textToReal));

@@ -28,19 +28,18 @@ const Table kUnexpected = entry(unexpectedCall);
 std::uint32_t addFactoryReference(void*) { return static_cast<std::uint32_t>(++host().factoryReferences); }
 std::uint32_t releaseFactory(void*) { return static_cast<std::uint32_t>(--host().factoryReferences); }
 int addCommand(void*, const char* name, CommandCreator creator) {
-    host().registrations.push_back({name, creator});
+    host().registrations.push_back({name, creator, L"", 0});
     return 1;
 }
-const Table factoryTable[] = {entry(addFactoryReference),
-                              entry(releaseFactory),
-                              kUnexpected,
-                              kUnexpected,
-                              kUnexpected,
-                              kUnexpected,
-                              kUnexpected,
-                              kUnexpected,
-                              kUnexpected,
-                              entry(addCommand)};
+int addCommandInGroup(void*, const char* name, CommandCreator creator, const wchar_t* group, int flags,
+                      std::uintptr_t reserved1, std::uintptr_t reserved2) {
+    if (reserved1 != 0 || reserved2 != 0) unexpectedCall();
+    host().registrations.push_back({name, creator, group, flags});
+    return 1;
+}
+const Table factoryTable[] = {
+    entry(addFactoryReference), entry(releaseFactory), kUnexpected, kUnexpected,      kUnexpected, kUnexpected,
+    entry(addCommandInGroup),   kUnexpected,           kUnexpected, entry(addCommand)};
 Object factoryObject{factoryTable};
 
 // ---- the input channel

@@ -28,6 +28,8 @@ struct PointReply {
 struct Registration {
     std::string name;
     CommandCreator creator;
+    std::wstring group;  // and with it
+    int flags = 0;
 };
 
 /// What the module did, and what it is answered. One for the process.

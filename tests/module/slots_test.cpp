@@ -74,11 +74,19 @@ class ModuleInHost : public testing::Test {
 };
 
 TEST_F(ModuleInHost, RegistersItsCommandsInOrderAndGivesTheFactoryBack) {
-    std::vector<std::string> names;
-    for (const fake::Registration& registration : host().registrations) {
-        names.push_back(registration.name);
+    struct Row {
+        std::string name;
+        std::wstring group;
+        int flags;
+    };
+    const std::vector<Row> rows = {{"Ray", L"", 0},     {"Divide", L"", 0}, {"ElxTest", L"", 0},   {"Wipeout", L"", 0},
+                                   {"AttSync", L"", 0}, {"XLINE", L"", 0},  {"Burst", L"HOST", 2}, {"VSlide", L"", 0}};
+    ASSERT_EQ(host().registrations.size(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(host().registrations[i].name, rows[i].name);
+        EXPECT_EQ(host().registrations[i].group, rows[i].group) << rows[i].name;
+        EXPECT_EQ(host().registrations[i].flags, rows[i].flags) << rows[i].name;
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"Ray", "ElxTest", "AttSync"}));
     EXPECT_EQ(host().factoryReferences, 0);
 }
 

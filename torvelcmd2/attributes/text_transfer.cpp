@@ -7,14 +7,6 @@
 namespace torvel {
 namespace {
 
-// With the child's code, and with its cached value: a field whose evaluator is not there keeps showing that.
-OdDbFieldPtr newField(const OdDbField& child, OdDbDatabase* database) {
-    OdDbFieldPtr field = child.copy();
-    field->setEvaluationOption(OdDbField::kAutomatic);
-    field->evaluate(OdDbField::kAutomatic, database);
-    return field;
-}
-
 CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
     CapturedText captured;
     captured.hasField = true;
@@ -28,7 +20,7 @@ CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
             continue;
         }
         captured.text.replace(place, code.size(), fieldIndexMarker(captured.fields.size()));
-        captured.fields.push_back(newField(*child, database));
+        captured.fields.push_back(newFieldLike(*child, database));
     }
     return captured;
 }
@@ -75,6 +67,13 @@ void setPlainValue(const OdString& value, OdDbEntity& target) {
 }  // namespace
 
 OdString fieldIndexMarker(std::size_t index) { return base::format(L"%%<\\_FldIdx %d>%%", static_cast<int>(index)); }
+
+OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database) {
+    OdDbFieldPtr result = field.copy();
+    result->setEvaluationOption(OdDbField::kAutomatic);
+    result->evaluate(OdDbField::kAutomatic, database);
+    return result;
+}
 
 CapturedText captureText(const OdDbEntity& source) {
     if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {

@@ -24,6 +24,10 @@ struct CapturedText {
 /// The index marker "%<\_FldIdx N>%".
 OdString fieldIndexMarker(std::size_t index);
 
+/// A new field, in no database, with this one's code and cached value (a field whose evaluator is not there keeps
+/// showing that), evaluated for the database.
+OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database);
+
 /// Takes the value of a single-line or multi-line text, an attribute or an attribute definition. The source must be in
 /// a database, in which its fields are evaluated anew; it stays as it is. Anything else throws
 /// OdError_NotThatKindOfClass.

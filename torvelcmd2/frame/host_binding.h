@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "base/modules.h"
 #include "hostapi/application.h"
@@ -32,6 +33,25 @@ template <class Signature>
 Signature* hostService(const hostapi::Service<Signature>& service) {
     return base::findFunction<Signature>(base::findLoadedModule(base::libraryFileName(service.library)), service.name);
 }
+
+/// A function of a module that is loaded by its file name for one use and unloaded together with this object. False
+/// when the module is not there or lacks the function; the caller then does without, silently.
+template <class Signature>
+class ModuleFunction {
+  public:
+    explicit ModuleFunction(const hostapi::Service<Signature>& service)
+        : module_(base::loadModule(base::libraryFileName(service.library))),
+          function_(base::findFunction<Signature>(module_.get(), service.name)) {}
+    explicit operator bool() const { return function_ != nullptr; }
+    template <class... Arguments>
+    auto operator()(Arguments&&... arguments) const {
+        return function_(std::forward<Arguments>(arguments)...);
+    }
+
+  private:
+    base::ModuleReference module_;
+    Signature* function_;
+};
 
 /// Gives back the reference to a counted object.
 struct ReleaseReference {

@@ -2,11 +2,16 @@
 //
 // They stand in one file because their order is the order of the host's list.
 #include "torvelcmd2/attributes/att_sync.h"
+#include "torvelcmd2/construction/divide.h"
 #include "torvelcmd2/construction/elx_test.h"
 #include "torvelcmd2/construction/ray.h"
 #include "torvelcmd2/extract/att_ext.h"
+#include "torvelcmd2/construction/wipeout.h"
+#include "torvelcmd2/construction/xline.h"
+#include "torvelcmd2/extract/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
+#include "torvelcmd2/slides/vslide.h"
 
 namespace torvel {
 namespace {
@@ -22,12 +27,28 @@ class CommandRegistration {
             factory->addCommand(name, creator);
         }
     }
+    CommandRegistration(const char* name, CommandCreator creator, const wchar_t* group, int flags) {
+        ICmdFactory* found = nullptr;
+        GetCommandFactory(found);
+        const CountedReference<ICmdFactory> factory(found);
+        if (factory != nullptr) {
+            factory->addCommandInGroup(name, creator, group, flags, 0, 0);
+        }
+    }
 };
 
+constexpr const wchar_t* kGroup = L"HOST";
+constexpr int kUsesPickFirst = 2;
+
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
+const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
+const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
 const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);
+const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
+const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
+const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);
 
 // The attach step comes after the registrations.
 const ModuleEntry moduleEntry;

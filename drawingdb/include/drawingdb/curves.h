@@ -1,10 +1,13 @@
 #pragma once
 // Lines, rays, infinite lines, points, circles, arcs and light polylines.
+#include <memory>
+
 #include "drawingdb/entity.h"
 
 namespace drawingdb {
+class SegmentLengths;
 struct BulgeSegment;
-}
+}  // namespace drawingdb
 
 class DRAWINGDB_API OdDbLine : public OdDbCurve {
     OD_DECLARE_CONCRETE_CLASS(OdDbLine)
@@ -23,6 +26,8 @@ class DRAWINGDB_API OdDbLine : public OdDbCurve {
     double distAtParam(double parameter) const override;
     double paramAtDist(double distance) const override;
     double endParam() const override;  ///< the length
+    OdResult getOffsetCurves(double distance, const OdGeVector3d& normal,
+                             std::vector<OdSmartPtr<OdDbCurve>>& curves) const override;
 
   protected:
     const drawingdb::ClassDescription* description() const override;
@@ -51,6 +56,8 @@ class DRAWINGDB_API OdDbConstructionLine : public OdDbCurve {
     double paramAtDist(double distance) const override;
     double startParam() const override;
     double endParam() const override;
+    OdResult getOffsetCurves(double distance, const OdGeVector3d& normal,
+                             std::vector<OdSmartPtr<OdDbCurve>>& curves) const override;
 
   protected:
     OdGePoint3d base_;
@@ -111,8 +118,12 @@ class DRAWINGDB_API OdDbCircle : public OdDbCurve {
     bool isClosed() const override { return true; }
     /// Refuses (transformRefused) anything but a uniform scale, rotation, mirroring and move.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// An ellipse or a part of one, which takes any matrix; in drawings of versions without ellipses, short lines.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     double endParam() const override;  ///< 2 pi; the parameter is the angle
+    OdResult getOffsetCurves(double distance, const OdGeVector3d& normal,
+                             std::vector<OdSmartPtr<OdDbCurve>>& curves) const override;
     OdGePoint3d pointAtParam(double parameter) const override;
     OdGeVector3d firstDerivAtParam(double parameter) const override;
     double distAtParam(double parameter) const override;
@@ -173,6 +184,10 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     OdGePoint3d pointAt(std::size_t index) const;
     bool isClosed() const override { return (flags_ & 1) != 0; }
     void setClosed(bool closed);
+    /// Of vertices whose own widths are unset.
+    double constantWidth() const { return constantWidth_; }
+    /// The linetype runs on round the vertices instead of beginning anew at each.
+    bool isLinetypeGenerated() const { return (flags_ & 128) != 0; }
     double elevation() const { return elevation_; }
     void setElevation(double elevation);
     OdGeVector3d normal() const { return normal_; }
@@ -181,8 +196,12 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move. Without: takes any matrix that
     /// leaves the plane a plane.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// Lines and parts of ellipses, which take any matrix; one polyline of short segments where there are widths to
+    /// show.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     double endParam() const override;  ///< number of segments; whole numbers are the vertices
+    std::vector<double> breakParams() const override;
     OdGePoint3d pointAtParam(double parameter) const override;
     OdGeVector3d firstDerivAtParam(double parameter) const override;
     double distAtParam(double parameter) const override;
@@ -195,7 +214,9 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     void writeRun(drawingdb::GroupWriter& writer, int zone) const override;
     void clearRuns() override;
     void beforeEncode() override;
+    void verticesChanged();
     std::size_t numSegments() const;
+    const drawingdb::SegmentLengths& lengths() const;
     bool hasBulges() const;
     /// The segment that begins at a vertex; `index` must be below numSegments().
     drawingdb::BulgeSegment segment(std::size_t index) const;
@@ -211,4 +232,5 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     double constantWidth_ = 0;
     std::int32_t vertexCount_ = 0;
     std::int16_t flags_ = 0;
+    mutable std::shared_ptr<const drawingdb::SegmentLengths> lengths_;  // none until asked for; none after a change
 };

@@ -1,5 +1,7 @@
 #pragma once
 // Entities: what can be drawn, and curves among them.
+#include <vector>
+
 #include "drawingdb/color.h"
 #include "drawingdb/ge.h"
 #include "drawingdb/object.h"
@@ -71,7 +73,7 @@ class DRAWINGDB_API OdDbEntity : public OdDbObject {
 };
 using OdDbEntityPtr = OdSmartPtr<OdDbEntity>;
 
-/// An entity with a length and a parameter along it.
+/// An entity with a length and a parameter along it. Distances are measured along the curve from its start parameter.
 class DRAWINGDB_API OdDbCurve : public OdDbEntity {
     OD_DECLARE_CLASS(OdDbCurve)
   public:
@@ -79,7 +81,20 @@ class DRAWINGDB_API OdDbCurve : public OdDbEntity {
     virtual double startParam() const { return 0; }
     virtual double endParam() const { return 1; }
     virtual OdGePoint3d pointAtParam(double parameter) const = 0;
+    /// By the parameter; its length is the speed there, which may be 0.
     virtual OdGeVector3d firstDerivAtParam(double parameter) const = 0;
     virtual double distAtParam(double parameter) const = 0;
+    /// The reverse of distAtParam. Where there is no closed form for it, the first call of either measures the whole
+    /// curve, and calls after it are quick; both are exact to 1e-12 of the curve's length.
     virtual double paramAtDist(double distance) const = 0;
+    OdGePoint3d pointAtDist(double distance) const { return pointAtParam(paramAtDist(distance)); }
+    /// The parameters between which the curve is smooth, ascending; the start and the end stand among them.
+    virtual std::vector<double> breakParams() const { return {startParam(), endParam()}; }
+    /// Appends new curves, in no database, with this one's properties that run beside it at a distance: to its left
+    /// for a positive one, seen against `normal` (circles and arcs: against their own). Lines, rays, infinite lines,
+    /// circles and arcs can do it; invalidInput, and nothing appended, for other kinds and where nothing is left or no
+    /// side is defined.
+    virtual OdResult getOffsetCurves(double distance, const OdGeVector3d& normal,
+                                     std::vector<OdSmartPtr<OdDbCurve>>& curves) const;
 };
+using OdDbCurvePtr = OdSmartPtr<OdDbCurve>;

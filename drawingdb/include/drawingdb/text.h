@@ -49,6 +49,10 @@ class DRAWINGDB_API OdDbText : public OdDbEntity {
     virtual OdString textString() const;
     /// A new text; a field under "TEXT" is removed, since it would bring the old text back.
     virtual void setTextString(const OdString& text);
+    /// Takes over what makes the text look as it does: string, style, place, form and justification, to the last digit,
+    /// also a place that another program's font has given. A definition gives its default. Fields and what all entities
+    /// have (layer, colour, ...) stay.
+    void setTextFrom(const OdDbText& source);
     /// Null when the drawing has no style of that name, and for a text that knows no drawing yet (setDatabaseDefaults
     /// and setTextStyle tell it).
     OdDbObjectId textStyle() const;
@@ -153,6 +157,9 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     /// With its formatting codes.
     OdString contents() const;
     virtual void setContents(const OdString& contents);
+    /// Takes over contents, style, place, form and background, to the last digit. Fields, columns and what all entities
+    /// have (layer, colour, ...) stay.
+    void setTextFrom(const OdDbMText& source);
     /// Without formatting codes; paragraphs end in a line feed.
     OdString plainText() const;
     OdDbObjectId textStyle() const;

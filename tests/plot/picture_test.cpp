@@ -1,0 +1,143 @@
+// What a picture keeps of what is drawn into it, and its two files.
+#include "torvelhost/plot/picture.h"
+
+#define STBI_ONLY_PNG
+#define STBI_NO_STDIO
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#include <stb/stb_image.h>
+#pragma GCC diagnostic pop
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "gtest/gtest.h"
+
+namespace host {
+namespace {
+
+constexpr std::uint32_t kWhite = 0xFFFFFF, kRed = 0xFF0000, kBlue = 0x0000FF;
+
+class Pixels {
+  public:
+    explicit Pixels(const Picture& picture) {
+        const std::string png = pngBytes(picture);
+        int parts = 0;
+        bytes_.reset(stbi_load_from_memory(reinterpret_cast<const unsigned char*>(png.data()),
+                                           static_cast<int>(png.size()), &width_, &height_, &parts, 3));
+        EXPECT_TRUE(bytes_);
+        EXPECT_EQ(width_, picture.width());
+        EXPECT_EQ(height_, picture.height());
+    }
+    std::uint32_t at(int x, int y) const {
+        const unsigned char* pixel = bytes_.get() + 3 * (y * width_ + x);
+        return static_cast<std::uint32_t>(pixel[0] << 16 | pixel[1] << 8 | pixel[2]);
+    }
+
+  private:
+    struct Free {
+        void operator()(unsigned char* bytes) const { stbi_image_free(bytes); }
+    };
+    std::unique_ptr<unsigned char, Free> bytes_;
+    int width_ = 0, height_ = 0;
+};
+
+// The paths of the SVG text, a line each.
+std::string paths(const Picture& picture) {
+    const std::string text = svgText(picture);
+    const std::size_t begin = text.find("<path");
+    return begin == text.npos ? "" : text.substr(begin, text.find("</g>") - begin);
+}
+
+void line(Picture& picture, std::initializer_list<OdGePoint2d> points, const Pen& pen) {
+    picture.addPolyline(std::span(points.begin(), points.size()), pen);
+}
+
+TEST(Picture, WritesShapesInTheirOrder) {
+    Picture picture(100, 50, kWhite);
+    line(picture, {{10, 10}, {20.25, 10}}, {kRed, 1});
+    line(picture, {{30, 10}, {40, 10.004}, {40, 30.5}}, {kRed, 1});
+    line(picture, {{1, 2}, {3, 4}}, {kRed, 2.5});
+    const std::vector<Picture::Contour> ring = {{{10, 20}, {30, 20}, {30, 40}, {10, 40}},
+                                                {{15, 25}, {25, 25}, {25, 35}, {15, 35}}};
+    picture.addArea(ring, kBlue);
+    EXPECT_EQ(paths(picture),
+              "<path stroke=\"#ff0000\" stroke-width=\"1\" d=\"M10 10L20.25 10M30 10L40 10L40 30.5\"/>\n"
+              "<path stroke=\"#ff0000\" stroke-width=\"2.5\" d=\"M1 2L3 4\"/>\n"
+              "<path fill=\"#0000ff\" d=\"M10 20L30 20L30 40L10 40ZM15 25L25 25L25 35L15 35Z\"/>\n");
+
+    const Pixels pixels(picture);
+    EXPECT_EQ(pixels.at(12, 30), kBlue);
+    EXPECT_EQ(pixels.at(20, 30), kWhite) << "the hole";
+    EXPECT_EQ(pixels.at(60, 40), kWhite);
+    EXPECT_EQ(pixels.at(15, 9) & 0xFF, pixels.at(15, 10) & 0xFF) << "a line between two rows of pixels covers both";
+    EXPECT_NE(pixels.at(15, 9), kWhite);
+}
+
+TEST(Picture, CutsOffWhatLiesOutside) {
+    Picture picture(100, 50, kWhite);
+    line(picture, {{-1e9, 25}, {1e9, 25}}, {kRed, 2});
+    line(picture, {{50, -10}, {120, 25}, {50, 60}}, {kBlue, 2});  // leaves and comes back
+    line(picture, {{200, 200}, {300, 300}}, {kBlue, 2});          // never there
+    line(picture, {{10, 10}, {std::nan(""), 10}}, {kBlue, 2});
+    line(picture, {{-1e300, 10}, {1e300, 10}}, {kBlue, 2});
+    line(picture, {{10, 10}, {std::numeric_limits<double>::infinity(), 10}}, {kBlue, 2});
+    EXPECT_EQ(paths(picture),
+              "<path stroke=\"#ff0000\" stroke-width=\"2\" d=\"M-1 25L101 25\"/>\n"
+              "<path stroke=\"#0000ff\" stroke-width=\"2\" d=\"M68 -1L101 15.5M101 34.5L68 51\"/>\n");
+}
+
+TEST(Picture, DrawsDots) {
+    Picture picture(20, 20, kWhite);
+    line(picture, {{10.5, 10.5}}, {kRed, 5});
+    line(picture, {{4, 4}, {4, 4}, {4, 4}}, {kBlue, 2});
+    ASSERT_EQ(picture.shapes().size(), 2u);
+    const Pixels pixels(picture);
+    EXPECT_EQ(pixels.at(10, 10), kRed);
+    EXPECT_EQ(pixels.at(12, 10), kRed);
+    EXPECT_EQ(pixels.at(14, 10), kWhite);
+    EXPECT_EQ(pixels.at(3, 3), pixels.at(4, 4));
+    EXPECT_NE(pixels.at(4, 4), kWhite);
+}
+
+TEST(Picture, CutsAtAClip) {
+    struct Case {
+        const char* name;
+        Picture::Contour clip;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"box", {{20, 10}, {20, 40}, {60, 40}, {60, 10}}, "M19 20L61 20"},
+        {"triangle, clockwise", {{20, 0}, {60, 0}, {20, 40}}, "M20 20L40 20"},
+        {"not convex: two parts", {{20, 0}, {60, 0}, {60, 40}, {40, 10}, {20, 40}}, "M20 20L33.33 20M46.67 20L60 20"},
+    };
+    for (const Case& each : cases) {
+        Picture picture(100, 50, kWhite);
+        picture.setClip(each.clip);
+        line(picture, {{0, 20}, {50, 20}, {100, 20}}, {kRed, 2});
+        std::string expected = each.expected;
+        // The bend in the middle stays where it is inside.
+        if (expected.find("L61") != expected.npos) expected.insert(expected.find("L61"), "L50 20");
+        if (expected.find("L60") != expected.npos) expected.insert(expected.find("L60"), "L50 20");
+        EXPECT_EQ(paths(picture), "<path stroke=\"#ff0000\" stroke-width=\"2\" d=\"" + expected + "\"/>\n")
+            << each.name;
+        picture.clearClip();
+        line(picture, {{0, 45}, {100, 45}}, {kRed, 2});
+        EXPECT_NE(paths(picture).find("M0 45L100 45"), std::string::npos) << each.name;
+    }
+
+    Picture picture(100, 50, kWhite);
+    picture.setClip({{20, 0}, {60, 0}, {20, 40}});
+    const std::vector<Picture::Contour> everything = {{{-1000, -1000}, {1000, -1000}, {1000, 1000}, {-1000, 1000}}};
+    picture.addArea(everything, kBlue);
+    const Pixels pixels(picture);
+    EXPECT_EQ(pixels.at(25, 20), kBlue);
+    EXPECT_EQ(pixels.at(45, 20), kWhite);
+    EXPECT_EQ(pixels.at(15, 20), kWhite);
+}
+
+}  // namespace
+}  // namespace host

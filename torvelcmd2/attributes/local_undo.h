@@ -1,0 +1,49 @@
+// Restore points of a dialog that changes the drawing while it is open.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "drawingdb/database.h"
+
+namespace torvel {
+
+/// The dialog's own stack of restore points inside the drawing's undo history. While the object lives its changes form
+/// a group: whoever opened the dialog decides at the end whether all of it is kept. The group is the one that was open
+/// already, or else one of the object's own.
+class HostLocalUndo {
+  public:
+    /// Works on the drawing that is current in the host.
+    HostLocalUndo();
+    explicit HostLocalUndo(OdDbDatabasePtr database);
+    HostLocalUndo(const HostLocalUndo&) = delete;
+    HostLocalUndo& operator=(const HostLocalUndo&) = delete;
+    virtual ~HostLocalUndo();
+
+    /// Making one records a restore point.
+    class step {
+      public:
+        explicit step(HostLocalUndo& undo) { undo.recordStep(); }
+        virtual ~step() = default;
+    };
+
+    /// To be called before the drawing is changed.
+    void recordStep();
+    /// Takes the drawing back to the last restore point, which is used up. False when there is none.
+    bool undo();
+
+    /// The number of restore points that can be undone.
+    std::int32_t level() const { return static_cast<std::int32_t>(steps_.size()); }
+    /// Forgets the restore points above a level without undoing them: their changes belong to the one below, and are
+    /// kept for good at level 0.
+    void dropTo(std::int32_t level);
+
+  private:
+    OdDbDatabasePtr database_;
+    bool outerGroup_;
+    // Of each step the number of the database's undo marks that it stands for: its own and those of steps that were
+    // dropped above it.
+    std::vector<int> steps_;
+};
+
+}  // namespace torvel

@@ -1,0 +1,196 @@
+#include "torvelcmd2/extract/burst_reference.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "drawingdb/database.h"
+#include "torvelcmd2/attributes/text_transfer.h"
+
+namespace torvel {
+namespace {
+
+// How the places of a multiple reference lie apart from the first. Rows and columns are counted in the reference's own
+// directions and not scaled.
+std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
+    const OdGeMatrix3d toWorld = OdGeMatrix3d::planeToWorld(reference.normal()) *
+                                 OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis);
+    std::vector<OdGeMatrix3d> places;
+    for (int row = 0; row < reference.rows(); ++row) {
+        for (int column = 0; column < reference.columns(); ++column) {
+            const OdGeVector3d step(column * reference.columnSpacing(), row * reference.rowSpacing(), 0);
+            places.push_back(OdGeMatrix3d::translation(toWorld * step));
+        }
+    }
+    return places;
+}
+
+// Everything that makes the text look as it does comes from the attribute; layer, colour and the like do not: they are
+// the drawing's current ones.
+OdSmartPtr<OdDbText> newText(const OdDbAttributeText& source, OdDbDatabase* database) {
+    OdSmartPtr<OdDbText> text = OdDbText::createObject();
+    // What the current text style would give besides is taken over anyway.
+    text->OdDbEntity::setDatabaseDefaults(database);
+    text->setTextFrom(source);
+    return text;
+}
+
+// Unlike a single-line text, one of several lines keeps layer, colour and the like.
+OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) {
+    OdSmartPtr<OdDbMText> text = OdDbMText::createObject();
+    text->setDatabaseDefaults(database);
+    text->setPropertiesFrom(source);
+    text->setTextFrom(source);
+    return text;
+}
+
+}  // namespace
+
+bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
+    owner_ = &owner;
+    added_.clear();
+    within_.clear();
+    if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
+        return true;
+    }
+    for (OdDbObjectId id : added_) {
+        id.openAs<OdDbEntity>(OdDb::forWrite, true)->erase();
+    }
+    return false;
+}
+
+// `outer` places what the reference shows: nested references that are burst because they could not be placed whole have
+// one that is not the identity.
+bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer) {
+    const OdDbObjectId block = reference.blockTableRecord();
+    const Definition& definition = definitionOf(block);
+    // A block that holds itself, which damaged files have, could be burst without end.
+    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0) {
+        return false;
+    }
+    within_.push_back(block);
+    const OdGeMatrix3d blockTransform = reference.blockTransform();
+    for (const OdGeMatrix3d& step : placesOf(reference)) {
+        const OdGeMatrix3d place = outer * step;
+        if (!copyEntities(definition, place * blockTransform)) {
+            return false;
+        }
+        addConstants(definition, place * blockTransform);
+        addAttributes(reference, place);
+    }
+    within_.pop_back();
+    return true;
+}
+
+const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId block) {
+    const auto [found, fresh] = definitions_.try_emplace(block);
+    Definition& definition = found->second;
+    const auto record = fresh ? block.openIf<OdDbBlockTableRecord>() : OdSmartPtr<OdDbBlockTableRecord>();
+    if (!record) {
+        return definition;
+    }
+    // What an external drawing shows is not in this one.
+    definition.explodable = record->explodable() && !record->isFromExternalReference();
+    for (OdDbObjectId id : record->entities()) {
+        if (auto attribute = id.openIf<OdDbAttributeDefinition>()) {
+            if (attribute->isConstant()) {
+                definition.constants.push_back(std::move(attribute));
+            }
+        } else {
+            definition.entities.push_back(id);
+        }
+    }
+    return definition;
+}
+
+bool ReferenceBurster::isFrozen(OdDbObjectId layer) {
+    const auto [found, fresh] = frozenLayers_.try_emplace(layer);
+    if (fresh) {
+        const auto record = layer.openIf<OdDbLayerTableRecord>();
+        found->second = record && record->isFrozen();
+    }
+    return found->second;
+}
+
+bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
+    OdDbIdMapping mapping;
+    owner_->database()->deepCloneObjects(definition.entities, owner_->objectId(), mapping);
+    for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
+        if (pair.primary) {
+            added_.push_back(pair.copy);
+        }
+    }
+    return std::ranges::all_of(mapping.pairs(), [&](const OdDbIdMapping::Pair& pair) {
+        return !pair.primary || place(*pair.copy.openAs<OdDbEntity>(OdDb::forWrite), transform);
+    });
+}
+
+// The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
+// left for them is the identity.
+bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) {
+    if (entity.transformBy(transform) != OdResult::transformRefused) {
+        return true;
+    }
+    if (!explodeAndPlace(entity, transform)) {
+        return false;
+    }
+    entity.erase();
+    return true;
+}
+
+bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform) {
+    // A reference that would be sheared. Its pieces are made from its block as its own burst would make them.
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        return burstContents(static_cast<const OdDbBlockReference&>(entity), transform);
+    }
+    std::vector<OdDbEntityPtr> pieces;
+    if (entity.explode(pieces) != OdResult::ok) {
+        return false;
+    }
+    return std::ranges::all_of(pieces, [&](const OdDbEntityPtr& piece) {
+        append(*piece);
+        return place(*piece, transform);
+    });
+}
+
+// A reference draws the constant attributes of its block; they must not vanish with it.
+void ReferenceBurster::addConstants(const Definition& definition, const OdGeMatrix3d& transform) {
+    for (const auto& constant : definition.constants) {
+        if (!constant->isInvisible()) {
+            addText(*constant, constant->getMTextAttributeDefinition(), transform);
+        }
+    }
+}
+
+// Attributes have their places in the world, not in the block.
+void ReferenceBurster::addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& transform) {
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openAs<OdDbAttribute>();
+        if (!attribute->isInvisible()) {
+            addText(*attribute, attribute->getMTextAttribute(), transform);
+        }
+    }
+}
+
+// `lines` is the multi-line text of the source, null for a single line.
+void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr<OdDbMText>& lines,
+                               const OdGeMatrix3d& transform) {
+    OdDbDatabase* const database = owner_->database();
+    const OdDbEntityPtr text =
+        lines ? OdDbEntityPtr(newMText(*lines, database).get()) : OdDbEntityPtr(newText(source, database).get());
+    append(*text);
+    // The code goes along with the value that it shows now.
+    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
+        text->setField(kTextFieldKey, field->copy());
+    }
+    if (transform != OdGeMatrix3d::kIdentity) {
+        text->transformBy(transform);
+    }
+}
+
+void ReferenceBurster::append(OdDbEntity& entity) { added_.push_back(owner_->appendOdDbEntity(&entity)); }
+
+}  // namespace torvel
+
+bool burstBlockReference(OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
+    return torvel::ReferenceBurster().burst(reference, owner);
+}

@@ -1,0 +1,90 @@
+#include "torvelcmd2/slides/vslide.h"
+
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "torvelcmd2/resources/resource.h"
+#include "torvelcmd2/slides/slide_decoder.h"
+#include "torvelcmd2/slides/slide_draw.h"
+#include "torvelcmd2/slides/slide_file.h"
+
+namespace torvel {
+namespace {
+
+constexpr int kKeywordFlags = 4;
+constexpr std::size_t kLongestFolder = 260;
+
+// A slide beside the drawing and of its name; none for a drawing that has no file.
+OdString defaultName(const OdDbDatabase& database) {
+    const OdString& drawing = database.fileName();
+    return drawing.substr(0, drawing.size() - base::extensionOf(drawing).size());
+}
+
+// Empty when the user cancelled, or entered nothing where there is no default.
+OdString askName(HostEdInput& input, const OdString& standard) {
+    const OdString prompt = standard.empty()
+                                ? loadText(IDS_VSLIDE_SELECT_FILE)
+                                : base::format(loadText(IDS_VSLIDE_SELECT_FILE_DEFAULT).c_str(), standard.c_str());
+    OdString name;
+    switch (input.getKeyword(prompt.c_str(), nullptr, kKeywordFlags, reinterpret_cast<std::uintptr_t>(&name), 0)) {
+        case hostapi::kValue:
+            return name;
+        case hostapi::kEmpty:
+            return standard;
+        default:
+            return {};
+    }
+}
+
+OdString fileNotFoundText(const OdString& name) {
+    OdString text = base::format(loadText(IDS_VSLIDE_NOT_FOUND).c_str(), name.c_str());
+    const OdString folder = base::currentFolder();
+    text += base::format(loadText(IDS_VSLIDE_CURRENT_FOLDER).c_str(),
+                         OdString(base::prefix(folder, kLongestFolder)).c_str());
+    for (const OdString& searched : supportFolders()) text += searched + L"\r\n";
+    return text;
+}
+
+OdString messageOf(const CXException& error) {
+    switch (error.code()) {
+        case CXException::kFileNotFound:
+            return fileNotFoundText(error.subject());
+        case CXException::kInvalidSlideName:
+            return base::format(loadText(IDS_VSLIDE_INVALID_NAME).c_str(), error.subject().c_str());
+        case CXException::kSlideNotInLibrary:
+            return loadText(IDS_VSLIDE_NOT_IN_LIBRARY);
+        case CXException::kUndefinedRecord:
+            return base::formatPositional(loadText(IDS_VSLIDE_UNDEFINED_RECORD), error.subject());
+        case CXException::kNotASlide:
+            break;
+    }
+    // The string table has no such text, and never had one.
+    return loadText(IDS_VSLIDE_NOT_A_SLIDE);
+}
+
+HostSlideView* currentView() {
+    auto* const view = reinterpret_cast<hostapi::SlideViewFunction*>(GetHostFunction(hostapi::kSlideViewFunction));
+    return view != nullptr ? view() : nullptr;
+}
+
+}  // namespace
+
+CMD_RUNSTATUS VSlideCmd::run() {
+    setRunStatus(kCommandRunning);
+    const RunFrame frame = reachDocument();
+    const OdString name = askName(*frame.input, defaultName(*frame.database));
+    HostSlideView* const view = currentView();
+    if (name.empty() || view == nullptr) {
+        return setRunStatus(kCommandCancelled);
+    }
+    try {
+        slideDraw painter(*view, slideBackground(*frame.database));
+        loadAndDrawVSlide(name, &painter);
+    } catch (const CXException& error) {
+        printLine(messageOf(error));
+        return setRunStatus(kCommandCancelled);
+    }
+    return setRunStatus(kCommandFinished);
+}
+
+}  // namespace torvel

@@ -1,0 +1,67 @@
+// What entities show, in the coordinates they live in: worked out once, drawn wherever it appears.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "drawingdb/ge.h"
+#include "drawingdb/object_id.h"
+#include "torvelhost/plot/style.h"
+
+namespace host {
+
+class DisplayList {
+  public:
+    enum class Kind : std::uint8_t {
+        kPolyline,            // in the entity's linetype, which begins anew at each corner
+        kPolylineThroughout,  // the linetype runs on round the corners
+        kStrokes,             // many polylines, always continuous
+        kArea,                // even-odd
+        kUnion,               // areas that overlap
+        kMask,                // an area of the paper's colour
+        kRay,                 // two points: where it begins, and another
+        kInfiniteLine,
+        kMarker,  // a point
+        kReference,
+    };
+    struct Item {
+        Kind kind;
+        std::uint32_t style, first, count;  // contours; of a reference: which one
+    };
+    struct Reference {
+        OdDbObjectId block;
+        OdGeMatrix3d transform;  // of the first cell, from the block's coordinates
+        OdGeVector3d columnStep, rowStep;
+        int columns = 1, rows = 1;
+    };
+
+    // Goes on in this style.
+    void setStyle(const Style& style);
+    const Style& style() const { return styles_.back(); }
+
+    // An item is begun, its contours are added point by point, and it is ended.
+    void begin(Kind kind);
+    void addPoint(const OdGePoint3d& point) { points_.push_back(point); }
+    void endContour();
+    void end();
+    void add(Kind kind, std::span<const OdGePoint3d> contour);
+    void addReference(const Reference& reference);
+    void clear();
+
+    const std::vector<Item>& items() const { return items_; }
+    const std::vector<Style>& styles() const { return styles_; }
+    const Reference& reference(const Item& item) const { return references_[item.first]; }
+    std::span<const OdGePoint3d> contour(std::size_t index) const;
+    // Around everything but references and what has no end. Not valid when there is nothing else.
+    OdGeExtents3d box() const;
+
+  private:
+    std::vector<Item> items_;
+    std::vector<Style> styles_;
+    std::vector<OdGePoint3d> points_;
+    std::vector<std::uint32_t> contourEnds_;
+    std::vector<Reference> references_;
+};
+
+}  // namespace host

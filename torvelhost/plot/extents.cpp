@@ -1,0 +1,119 @@
+#include "torvelhost/plot/extents.h"
+
+#include <cmath>
+
+#include "drawingdb/dictionary.h"
+
+namespace host {
+namespace {
+
+// Adds text only when it might reach out of the box.
+void addText(const OdDbText& text, OdGeExtents3d& box) {
+    const double reach = reachOf(text, text.textString());
+    const OdGeVector3d around(reach, reach, 0);
+    const OdGePoint3d position = text.position();
+    if (box.isValid() && box.contains(position - around) && box.contains(position + around)) return;
+    OdGeExtents3d own;
+    if (text.geomExtents(own)) box.addExtents(own);
+}
+
+}  // namespace
+
+double reachOf(const OdDbText& text, const OdString& shown) {
+    // No character is wider than twice its height; fitted text reaches from one of its points to the other.
+    const double width = std::max(1.0, std::fabs(text.widthFactor()));
+    double reach = 2 * text.height() * (static_cast<double>(shown.size()) * width + 2);
+    if (text.isJustified()) reach += text.position().distanceTo(text.alignmentPoint());
+    return reach;
+}
+
+const Bounds& BlockBounds::of(OdDbObjectId block) {
+    const auto [entry, isNew] = known_.try_emplace(block);
+    if (!isNew) return entry->second;  // also of a block that holds itself, which is empty so far
+    Bounds bounds;
+    if (const auto record = block.openIf<OdDbBlockTableRecord>()) {
+        for (OdDbObjectId id : record->entities()) {
+            const auto entity = id.openIf<OdDbEntity>();
+            if (!entity || entity->isInvisibleEntity()) continue;
+            if (entity->isKindOf(OdDbAttributeDefinition::desc()) &&
+                !static_cast<const OdDbAttributeDefinition&>(*entity).isConstant())
+                continue;
+            add(*entity, bounds);
+        }
+    }
+    return known_[block] = bounds;
+}
+
+Bounds BlockBounds::of(const DisplayList::Reference& reference) {
+    Bounds bounds = of(reference.block);
+    if (!bounds.box.isValid()) return bounds;
+    bounds.box.transformBy(reference.transform);
+    const OdGeVector3d toLast =
+        reference.columnStep * (reference.columns - 1) + reference.rowStep * (reference.rows - 1);
+    const OdGeVector3d across = reference.columnStep * (reference.columns - 1);
+    const OdGeExtents3d first = bounds.box;
+    for (const OdGeVector3d& shift : {across, toLast - across, toLast})
+        bounds.box.addExtents(OdGeExtents3d(first.minPoint() + shift, first.maxPoint() + shift));
+    return bounds;
+}
+
+void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& bounds) {
+    const Bounds block = of(referenceOf(reference));
+    bounds.box.addExtents(block.box);
+    bounds.endless |= block.endless;
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openIf<OdDbAttribute>();
+        if (attribute && !attribute->isInvisible() && !attribute->isInvisibleEntity()) addText(*attribute, bounds.box);
+    }
+}
+
+void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
+    if (entity.isKindOf(OdDbBlockReference::desc()))
+        return addReference(static_cast<const OdDbBlockReference&>(entity), bounds);
+    if (entity.isKindOf(OdDbText::desc())) return addText(static_cast<const OdDbText&>(entity), bounds.box);
+    if (entity.isKindOf(OdDbConstructionLine::desc())) {
+        bounds.endless = true;
+        return;
+    }
+    OdGeExtents3d box;
+    if (entity.geomExtents(box)) {
+        bounds.box.addExtents(box);
+        return;
+    }
+    DisplayList list;
+    Shapes(styles_, list, 0).add(entity);
+    bounds.box.addExtents(list.box());
+    for (const DisplayList::Item& item : list.items()) {
+        if (item.kind != DisplayList::Kind::kReference) continue;
+        const Bounds block = of(list.reference(item));
+        bounds.box.addExtents(block.box);
+        bounds.endless |= block.endless;
+    }
+}
+
+std::optional<OdGeExtents3d> extentsOfSpace(OdDbObjectId space) {
+    const auto record = space.openAs<OdDbBlockTableRecord>();
+    Styles styles(*record->database());
+    BlockBounds blocks(styles);
+    Bounds bounds;
+    OdGeExtents3d basePoints;
+    for (OdDbObjectId id : record->entities()) {
+        const auto entity = id.openIf<OdDbEntity>();
+        if (!entity || entity->isInvisibleEntity() || styles.isHidden(styles.styleOf(*entity))) continue;
+        if (entity->isKindOf(OdDbViewport::desc())) {
+            // The layout's own viewport is the paper.
+            const auto& viewport = static_cast<const OdDbViewport&>(*entity);
+            OdGeExtents3d frame;
+            if (viewport.number() > 1 && viewport.geomExtents(frame)) bounds.box.addExtents(frame);
+            continue;
+        }
+        if (entity->isKindOf(OdDbConstructionLine::desc()))
+            basePoints.addPoint(static_cast<const OdDbConstructionLine&>(*entity).basePoint());
+        blocks.add(*entity, bounds);
+    }
+    if (bounds.box.isValid()) return bounds.box;
+    if (basePoints.isValid()) return basePoints;
+    return std::nullopt;
+}
+
+}  // namespace host

@@ -1,0 +1,24 @@
+// The groups of an object, for kinds that the database carries without understanding them.
+#pragma once
+
+#include <vector>
+
+#include "drawingdb/ge.h"
+#include "drawingdb/object.h"
+
+namespace host {
+
+// A group as the file has it; a point is one group, and angles (50 to 58) are radians.
+struct PlotGroup {
+    int code = 0;
+    double real = 0.0;
+    std::int64_t integer = 0;
+    OdGePoint3d point;
+    OdString text;
+    OdDbObjectId id;
+};
+
+// In the order of the file; subclass markers (100) are among them, the object's own handle and its extended data too.
+std::vector<PlotGroup> groupsOf(const OdDbObject& object);
+
+}  // namespace host

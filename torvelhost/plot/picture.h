@@ -1,0 +1,96 @@
+// A picture: polylines and filled areas in pixels, one drawn over the other, and the files it goes into.
+//
+// The origin is the picture's upper left corner, y runs down; a pixel's middle is at a half. Colours are 0xRRGGBB.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drawingdb/ge.h"
+
+namespace host {
+
+// What is inside an area of several contours: what an odd number of them surround, or what any does (contours that
+// turn opposite ways cancel out).
+enum class FillRule : std::uint8_t { kEvenOdd, kNonZero };
+
+struct Pen {
+    std::uint32_t color = 0;
+    double width = 1.0;  // pixels, above 0
+
+    bool operator==(const Pen&) const = default;
+};
+
+class Picture {
+  public:
+    // What is kept of a point: a thousandth of a pixel is exact enough in the largest picture.
+    struct Point {
+        float x, y;
+    };
+    // Polylines in one pen, or (width 0) one area between contours.
+    struct Shape {
+        std::uint32_t color;
+        float width;
+        FillRule rule;
+        std::uint32_t firstContour, contourCount;
+    };
+    using Contour = std::vector<OdGePoint2d>;
+
+    Picture(int width, int height, std::uint32_t background);
+    int width() const { return width_; }
+    int height() const { return height_; }
+    std::uint32_t background() const { return background_; }
+
+    // ---- drawing. What lies outside the picture and the clip is cut off; what reaches farther than 1e13 pixels, or is
+    // not finite, is not drawn.
+
+    // Dashes are polylines of their own. Ends and corners are round; points that are all in one place give a dot.
+    void addPolyline(std::span<const OdGePoint2d> points, const Pen& pen);
+    // Each contour is closed by itself.
+    void addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule = FillRule::kEvenOdd);
+
+    // Cuts off what is drawn from now on at a simple polygon; an area is cut at the box around one that is not convex.
+    void setClip(const Contour& polygon);
+    void clearClip();
+    // What can be seen of the picture: nothing outside this box shows.
+    OdGePoint2d clipLow() const { return low_; }
+    OdGePoint2d clipHigh() const { return high_; }
+
+    // ---- what was drawn
+    const std::vector<Shape>& shapes() const { return shapes_; }
+    std::span<const Point> contour(std::uint32_t index) const;
+
+  private:
+    void addCutAtBox(std::span<const OdGePoint2d> points, const Pen& pen);
+    void addCutAtPolygon(std::span<const OdGePoint2d> points, const Pen& pen);
+    void beginShape(std::uint32_t color, float width);
+    void addPoint(const OdGePoint2d& point);
+    void endPolyline(const Pen& pen, std::size_t firstPoint);
+    void addDot(const OdGePoint2d& center, const Pen& pen);
+    void endContour();
+
+    int width_, height_;
+    std::uint32_t background_;
+    OdGePoint2d low_, high_;  // of the clip
+    Contour clip_;            // empty: the box alone
+    bool clipIsConvex_ = true;
+    std::vector<Shape> shapes_;
+    std::vector<std::uint32_t> contourEnds_;
+    std::vector<Point> points_;
+    Contour scratch_, scratch2_;
+};
+
+// The file's contents.
+std::string svgText(const Picture& picture);
+std::string pngBytes(const Picture& picture);
+
+// Whether the name ends as that of a picture file does: .svg or .png.
+bool isPictureFileName(std::wstring_view path);
+// By what the name ends in. Throws base::FileError; the file is as it was then.
+void writePicture(const Picture& picture, const std::wstring& path);
+
+}  // namespace host

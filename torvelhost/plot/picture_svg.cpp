@@ -1,0 +1,86 @@
+// Pictures as SVG: one path a shape, coordinates to a hundredth of a pixel.
+//
+//   <svg ...><rect .../>                                   the background
+//   <g fill="none" stroke-linecap="round" ...>
+//   <path stroke="#0000ff" stroke-width="1.5" d="M1 2L3 4M5 6L7 8"/>     polylines in one pen
+//   <path fill="#ff0000" stroke="none" d="M1 2L3 4L5 6Z"/>                  an area, even-odd
+//   </g></svg>
+#include <charconv>
+#include <cmath>
+
+#include "torvelhost/plot/picture.h"
+
+namespace host {
+namespace {
+
+class SvgWriter {
+  public:
+    explicit SvgWriter(const Picture& picture) : picture_(picture) {}
+
+    std::string write() {
+        const std::string width = std::to_string(picture_.width()), height = std::to_string(picture_.height());
+        out_ = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height +
+               "\" viewBox=\"0 0 " + width + " " + height + "\">\n<rect width=\"" + width + "\" height=\"" + height +
+               "\" fill=\"";
+        color(picture_.background());
+        out_ += "\"/>\n<g fill=\"none\" fill-rule=\"evenodd\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n";
+        for (const Picture::Shape& shape : picture_.shapes()) this->shape(shape);
+        out_ += "</g>\n</svg>\n";
+        return std::move(out_);
+    }
+
+  private:
+    void shape(const Picture::Shape& shape) {
+        const bool isArea = shape.width == 0;
+        out_ += isArea ? "<path fill=\"" : "<path stroke=\"";
+        color(shape.color);
+        if (isArea) {
+            out_ += shape.rule == FillRule::kNonZero ? "\" fill-rule=\"nonzero\" d=\"" : "\" d=\"";
+        } else {
+            out_ += "\" stroke-width=\"";
+            number(shape.width);
+            out_ += "\" d=\"";
+        }
+        for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
+            char command = 'M';
+            for (const Picture::Point& point : picture_.contour(shape.firstContour + i)) {
+                out_ += command;
+                number(point.x);
+                out_ += ' ';
+                number(point.y);
+                command = 'L';
+            }
+            if (isArea) out_ += 'Z';
+        }
+        out_ += "\"/>\n";
+    }
+
+    void color(std::uint32_t rgb) {
+        static constexpr char kDigits[] = "0123456789abcdef";
+        out_ += '#';
+        for (int shift = 20; shift >= 0; shift -= 4) out_ += kDigits[(rgb >> shift) & 15];
+    }
+
+    // Hundredths, without zeros at the end.
+    void number(float value) {
+        long hundredths = std::lround(value * 100.0);
+        if (hundredths < 0) out_ += '-';
+        hundredths = std::labs(hundredths);
+        char digits[24];
+        out_.append(digits, std::to_chars(digits, digits + sizeof digits, hundredths / 100).ptr);
+        const long rest = hundredths % 100;
+        if (rest == 0) return;
+        out_ += '.';
+        out_ += static_cast<char>('0' + rest / 10);
+        if (rest % 10 != 0) out_ += static_cast<char>('0' + rest % 10);
+    }
+
+    const Picture& picture_;
+    std::string out_;
+};
+
+}  // namespace
+
+std::string svgText(const Picture& picture) { return SvgWriter(picture).write(); }
+
+}  // namespace host

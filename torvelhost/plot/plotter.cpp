@@ -1,0 +1,361 @@
+#include "torvelhost/plot/plotter.h"
+
+#include <cmath>
+
+#include "drawingdb/dictionary.h"
+#include "torvelhost/plot/cut.h"
+#include "torvelhost/plot/dashes.h"
+#include "torvelhost/plot/draw_order.h"
+
+namespace host {
+namespace {
+
+using Kind = DisplayList::Kind;
+
+// Blocks that hold blocks many times over would never come to an end.
+constexpr std::size_t kMostCells = 20000000;
+
+OdGePoint2d flat(const OdGeMatrix3d& m, const OdGePoint3d& p) {
+    return {m.entry[0][0] * p.x + m.entry[0][1] * p.y + m.entry[0][2] * p.z + m.entry[0][3],
+            m.entry[1][0] * p.x + m.entry[1][1] * p.y + m.entry[1][2] * p.z + m.entry[1][3]};
+}
+
+// The longest that a unit gets.
+double scaleOf(const OdGeMatrix3d& m) {
+    return std::sqrt(
+        std::max({m.xAxis().xy().lengthSquared(), m.yAxis().xy().lengthSquared(), m.zAxis().xy().lengthSquared()}));
+}
+
+// What the picture shows of a plane seen from above, or nothing when the plane is seen at an angle.
+std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d& toPixels) {
+    const OdGeVector2d x = toPixels.xAxis().xy(), y = toPixels.yAxis().xy();
+    const double area = x.crossProduct(y);
+    if (!toPixels.zAxis().xy().isZeroLength() || area == 0) return std::nullopt;
+    constexpr double kMargin = 50;  // pens reach in from outside
+    constexpr double kFar = 1e300;
+    OdGeExtents3d window;
+    const OdGePoint2d &low = picture.clipLow(), &high = picture.clipHigh();
+    for (const OdGePoint2d& corner :
+         {OdGePoint2d(low.x - kMargin, low.y - kMargin), OdGePoint2d(high.x + kMargin, low.y - kMargin),
+          OdGePoint2d(low.x - kMargin, high.y + kMargin), OdGePoint2d(high.x + kMargin, high.y + kMargin)}) {
+        const OdGeVector2d d = corner - OdGePoint2d(toPixels.entry[0][3], toPixels.entry[1][3]);
+        const double u = d.crossProduct(y) / area, v = x.crossProduct(d) / area;
+        window.addPoint({u, v, -kFar}).addPoint({u, v, kFar});
+    }
+    return window;
+}
+
+}  // namespace
+
+Plotter::Plotter(OdDbDatabase& database, Picture& picture)
+    : database_(database),
+      picture_(picture),
+      styles_(database),
+      bounds_(styles_),
+      linetypeScale_(database.headerReal("$LTSCALE", 1.0)),
+      pointMode_(static_cast<int>(database.headerInteger("$PDMODE", 0))),
+      pointSize_(database.headerReal("$PDSIZE", 0.0)),
+      attributeMode_(static_cast<int>(database.headerInteger("$ATTMODE", 1))),
+      wipeoutFrames_(OdDbWipeoutVariables::showsFrames(database)) {}
+
+void Plotter::setUp(Shapes& shapes) const {
+    shapes.setAttributeMode(attributeMode_);
+    shapes.setWipeoutFrames(wipeoutFrames_);
+}
+
+void Plotter::add(Shapes& shapes, OdDbObjectId id) {
+    const auto entity = id.openIf<OdDbEntity>();
+    if (entity && !shapes.add(*entity) && counted_.insert(id).second) ++notDrawn_[entity->dxfName()];
+}
+
+void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit) {
+    pixelsPerUnit_ = pixelsPerUnit;
+    const double scale = scaleOf(toPixels);
+    if (!(scale > 0)) return;
+    DisplayList list;
+    Shapes shapes(styles_, list, 1 / scale);
+    setUp(shapes);
+    if (const auto window = windowOf(picture_, toPixels)) shapes.setWindow(*window);
+    forEachInDrawOrder(space, [&](OdDbObjectId id) {
+        if (id.isKindOf(OdDbViewport::desc())) {
+            if (!inViewport_) drawViewport(*id.openAs<OdDbViewport>(), toPixels);
+            return;
+        }
+        list.clear();
+        add(shapes, id);
+        drawList(list, toPixels, nullptr);
+    });
+}
+
+const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
+    int size = 0;
+    std::frexp(scale, &size);
+    const auto [entry, isNew] = blockLists_.try_emplace({block, size});
+    if (!isNew) return entry->second;
+    DisplayList list;
+    Shapes shapes(styles_, list, 1 / std::ldexp(1.0, size));
+    setUp(shapes);
+    shapes.setInBlock(true);
+    forEachInDrawOrder(block, [&](OdDbObjectId id) { add(shapes, id); });
+    return blockLists_[{block, size}] = std::move(list);
+}
+
+void Plotter::drawList(const DisplayList& list, const OdGeMatrix3d& toPixels, const Style* inside) {
+    Style style;
+    Look look;
+    bool hidden = false;
+    std::uint32_t current = ~0u;
+    for (const DisplayList::Item& item : list.items()) {
+        if (item.style != current) {
+            current = item.style;
+            style = inside ? inReference(list.styles()[current], *inside) : list.styles()[current];
+            hidden = styles_.isHidden(style);
+            look = styles_.lookOf(style);
+        }
+        if (item.kind == Kind::kReference)
+            drawReference(list.reference(item), toPixels, style);
+        else if (!hidden)
+            drawItem(list, item, toPixels, look);
+    }
+}
+
+void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, const OdGeMatrix3d& toPixels,
+                       const Look& look) {
+    const auto project = [&](std::size_t contour) {
+        points_.clear();
+        for (const OdGePoint3d& point : list.contour(item.first + contour)) points_.push_back(flat(toPixels, point));
+    };
+    switch (item.kind) {
+        case Kind::kPolyline:
+        case Kind::kPolylineThroughout:
+            project(0);
+            if (item.kind == Kind::kPolylineThroughout || !look.dashes) return drawLine(points_, look);
+            for (std::size_t i = 1; i < points_.size(); ++i) drawLine(std::span(points_).subspan(i - 1, 2), look);
+            return;
+        case Kind::kStrokes:
+            for (std::size_t i = 0; i < item.count; ++i) {
+                project(i);
+                picture_.addPolyline(points_, {look.color, look.width});
+            }
+            return;
+        case Kind::kArea:
+        case Kind::kUnion:
+        case Kind::kMask: {
+            std::vector<Picture::Contour> contours;
+            for (std::size_t i = 0; i < item.count; ++i) {
+                project(i);
+                contours.push_back(points_);
+            }
+            picture_.addArea(contours, item.kind == Kind::kMask ? picture_.background() : look.color,
+                             item.kind == Kind::kUnion ? FillRule::kNonZero : FillRule::kEvenOdd);
+            return;
+        }
+        case Kind::kRay:
+        case Kind::kInfiniteLine:
+            project(0);
+            return drawEndless(points_[0], points_[1], item.kind == Kind::kRay, look);
+        case Kind::kMarker:
+            project(0);
+            return drawMarker(points_[0], toPixels, look);
+        case Kind::kReference:
+            return;
+    }
+}
+
+void Plotter::drawLine(std::span<const OdGePoint2d> points, const Look& look) {
+    const Pen pen{look.color, look.width};
+    if (look.dashes)
+        addDashed(picture_, points, pen, *look.dashes, linetypeScale_ * look.linetypeScale * pixelsPerUnit_);
+    else
+        picture_.addPolyline(points, pen);
+}
+
+// As far as the picture goes.
+void Plotter::drawEndless(const OdGePoint2d& from, const OdGePoint2d& to, bool isRay, const Look& look) {
+    const OdGeVector2d along = to - from;
+    // Seen from its end it is a point.
+    if (along.isZeroLength()) return drawLine(std::span(&from, 1), look);
+    const OdGeVector2d pen(look.width, look.width);
+    double first = isRay ? 0 : -std::numeric_limits<double>::infinity();
+    double last = std::numeric_limits<double>::infinity();
+    if (!cutLine(from, along, picture_.clipLow() - pen, picture_.clipHigh() + pen, first, last)) return;
+    const OdGePoint2d ends[2] = {from + along * first, from + along * last};
+    drawLine(ends, look);
+}
+
+// PDMODE: 0 a dot, 1 nothing, 2 a cross, 3 a slanting one, 4 a stroke upwards; with 32 a circle, with 64 a square
+// around it. PDSIZE: the diameter of the circle in drawing units, or, negative, as a percentage of the picture's
+// height.
+void Plotter::drawMarker(const OdGePoint2d& center, const OdGeMatrix3d& toPixels, const Look& look) {
+    const Pen pen{look.color, look.width};
+    const double size = pointSize_ > 0   ? pointSize_ * scaleOf(toPixels)
+                        : pointSize_ < 0 ? -pointSize_ / 100 * picture_.height()
+                                         : 0.05 * picture_.height();
+    const auto line = [&](double x1, double y1, double x2, double y2) {
+        const OdGePoint2d ends[2] = {center + OdGeVector2d(x1, y1) * size, center + OdGeVector2d(x2, y2) * size};
+        picture_.addPolyline(ends, pen);
+    };
+    switch (pointMode_ & 7) {
+        case 0:
+            picture_.addPolyline(std::span(&center, 1), {pen.color, std::max(pen.width, 2.0)});
+            break;
+        case 2:
+            line(-1, 0, 1, 0);
+            line(0, -1, 0, 1);
+            break;
+        case 3:
+            line(-1, -1, 1, 1);
+            line(-1, 1, 1, -1);
+            break;
+        case 4:
+            line(0, 0, 0, -0.5);
+            break;
+        default:
+            break;
+    }
+    const auto around = [&](int corners, double radius, double turned) {
+        std::vector<OdGePoint2d> points;
+        for (int i = 0; i <= corners; ++i) {
+            const double angle = turned + torvel::kTwoPi * i / corners;
+            points.push_back(center + OdGeVector2d(std::cos(angle), std::sin(angle)) * radius);
+        }
+        picture_.addPolyline(points, pen);
+    };
+    if (pointMode_ & 32) around(48, size / 2, 0);
+    if (pointMode_ & 64) around(4, size / 2 * std::sqrt(2.0), torvel::kPi / 4);
+}
+
+bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size) const {
+    OdGeExtents3d seen = box;
+    seen.transformBy(toPixels);
+    const OdGePoint3d &low = seen.minPoint(), &high = seen.maxPoint();
+    size = std::max(high.x - low.x, high.y - low.y);
+    // Pens and the marks of points reach farther than what they stand for.
+    const double margin =
+        20 + 2 * std::fabs(pointSize_ > 0 ? pointSize_ * scaleOf(toPixels) : 0.05 * picture_.height());
+    return high.x >= picture_.clipLow().x - margin && low.x <= picture_.clipHigh().x + margin &&
+           high.y >= picture_.clipLow().y - margin && low.y <= picture_.clipHigh().y + margin;
+}
+
+void Plotter::drawReference(const DisplayList::Reference& reference, const OdGeMatrix3d& toPixels, const Style& style) {
+    if (styles_.isFrozen(style)) return;
+    const Bounds block = bounds_.of(reference.block);
+    double size = 0;
+    if (reference.columns == 1 && reference.rows == 1) {
+        if (!block.endless && (!block.box.isValid() || !isVisible(block.box, toPixels * reference.transform, size)))
+            return;
+        return drawCell(reference.block, toPixels * reference.transform, style);
+    }
+    if (!block.box.isValid() && !block.endless) return;
+    // Cells that are closer than half a pixel are not told apart.
+    const auto strideOf = [&](const OdGeVector3d& step) {
+        const double pixels = (toPixels * step).xy().length();
+        return pixels > 0.5 ? 1 : pixels > 0 ? static_cast<int>(std::min(0.5 / pixels, 32767.0)) + 1 : 32768;
+    };
+    const int columnStride = strideOf(reference.columnStep), rowStride = strideOf(reference.rowStep);
+    for (int row = 0; row < reference.rows; row += rowStride) {
+        DisplayList::Reference whole = reference;
+        whole.transform = OdGeMatrix3d::translation(reference.rowStep * row) * reference.transform;
+        whole.rows = 1;
+        if (!block.endless && !isVisible(bounds_.of(whole).box, toPixels, size)) continue;
+        for (int column = 0; column < reference.columns; column += columnStride) {
+            const OdGeMatrix3d cell =
+                toPixels * OdGeMatrix3d::translation(reference.columnStep * column) * whole.transform;
+            if (block.endless || isVisible(block.box, cell, size)) drawCell(reference.block, cell, style);
+        }
+    }
+}
+
+void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style) {
+    const double scale = scaleOf(toPixels);
+    if (!(scale > 0) || !std::isfinite(scale)) return;
+    const Bounds& bounds = bounds_.of(block);
+    double size = 0;
+    if (!bounds.endless && isVisible(bounds.box, toPixels, size) && size < 0.5) {
+        // Whatever it holds, it is a dot.
+        const OdGePoint2d place = flat(toPixels, bounds.box.center());
+        if (!styles_.isHidden(style)) picture_.addPolyline(std::span(&place, 1), {styles_.lookOf(style).color, 1.0});
+        return;
+    }
+    // A block inside itself is a fault of the file.
+    if (std::find(inside_.begin(), inside_.end(), block) != inside_.end()) return;
+    if (++cells_ > kMostCells) {
+        ++notDrawn_["INSERT"];
+        return;
+    }
+    inside_.push_back(block);
+    drawList(blockList(block, scale), toPixels, &style);
+    inside_.pop_back();
+}
+
+// ---- viewports of a layout
+
+std::vector<OdGePoint2d> Plotter::viewportClip(const OdDbViewport& viewport, OdDbObjectId boundary,
+                                               const OdGeMatrix3d& paperToPixels) {
+    std::vector<OdGePoint2d> corners;
+    if (const auto entity = boundary.openIf<OdDbEntity>()) {
+        DisplayList list;
+        Shapes shapes(styles_, list, 1 / scaleOf(paperToPixels));
+        shapes.setInBlock(true);  // clips on a hidden layer too
+        shapes.add(*entity);
+        for (const DisplayList::Item& item : list.items()) {
+            if (item.kind != Kind::kPolyline && item.kind != Kind::kPolylineThroughout) continue;
+            for (const OdGePoint3d& point : list.contour(item.first)) corners.push_back(flat(paperToPixels, point));
+            if (corners.size() > 1 && corners.front().isEqualTo(corners.back(), {1e-6, 1e-6})) corners.pop_back();
+            break;
+        }
+    }
+    if (corners.size() > 2) return corners;
+    const OdGePoint3d center = viewport.centerPoint();
+    const double x = viewport.width() / 2, y = viewport.height() / 2;
+    return {flat(paperToPixels, center + OdGeVector3d(-x, -y, 0)), flat(paperToPixels, center + OdGeVector3d(x, -y, 0)),
+            flat(paperToPixels, center + OdGeVector3d(x, y, 0)), flat(paperToPixels, center + OdGeVector3d(-x, y, 0))};
+}
+
+void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels) {
+    // The first one is the paper itself.
+    if (viewport.number() <= 1 || !viewport.isOn() || !(viewport.width() > 0) || !(viewport.height() > 0)) return;
+    const Style style = styles_.styleOf(viewport);
+    if (viewport.isInvisibleEntity() || styles_.isFrozen(style)) return;
+    std::vector<OdDbObjectId> frozen;
+    OdDbObjectId boundary;
+    for (const PlotGroup& group : groupsOf(viewport)) {
+        if (group.code == 331 || group.code == 341) frozen.push_back(group.id);
+        if (group.code == 340 && group.id.isKindOf(OdDbEntity::desc())) boundary = group.id;
+    }
+    const std::vector<OdGePoint2d> clip = viewportClip(viewport, boundary, paperToPixels);
+
+    // From the model to what is seen along the view direction, twisted, then onto the paper.
+    const double scale = viewport.customScale();
+    const OdGeMatrix3d seen = OdGeMatrix3d::rotation(viewport.twistAngle(), OdGeVector3d::kZAxis) *
+                              OdGeMatrix3d::worldToPlane(viewport.viewDirection()) *
+                              OdGeMatrix3d::translation(OdGePoint3d() - viewport.viewTarget());
+    const OdGePoint3d center = viewport.centerPoint();
+    const OdGeMatrix3d ontoPaper =
+        OdGeMatrix3d::translation(center.asVector()) * OdGeMatrix3d::scaling(scale) *
+        OdGeMatrix3d::translation(OdGeVector3d(-viewport.viewCenter().x, -viewport.viewCenter().y, 0));
+    OdGeMatrix3d toPixels = paperToPixels * ontoPaper * seen;
+
+    const double paperScale = pixelsPerUnit_;
+    inViewport_ = true;
+    picture_.setClip(clip);
+    styles_.freezeHere(frozen);
+    blockLists_.clear();
+    // Dashes are as long on the paper in all viewports, unless the drawing says otherwise.
+    const bool likePaper = database_.headerInteger("$PSLTSCALE", 1) != 0;
+    drawSpace(database_.modelSpaceId(), toPixels, likePaper ? paperScale : paperScale * scale);
+    pixelsPerUnit_ = paperScale;
+    styles_.freezeHere({});
+    blockLists_.clear();
+    picture_.clearClip();
+    inViewport_ = false;
+
+    // A boundary of its own shows by itself.
+    if (boundary || styles_.isHidden(style)) return;
+    std::vector<OdGePoint2d> frame = clip;
+    frame.push_back(clip.front());
+    const Look look = styles_.lookOf(style);
+    picture_.addPolyline(frame, {look.color, look.width});
+}
+
+}  // namespace host

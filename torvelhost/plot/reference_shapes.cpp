@@ -1,0 +1,214 @@
+// Block references, and the kinds that the database carries without understanding them.
+#include <cmath>
+
+#include "torvelhost/plot/shapes.h"
+
+namespace host {
+namespace {
+
+// The first group with the code, or null.
+const PlotGroup* find(const std::vector<PlotGroup>& groups, int code) {
+    for (const PlotGroup& group : groups)
+        if (group.code == code) return &group;
+    return nullptr;
+}
+
+OdGePoint3d pointOf(const std::vector<PlotGroup>& groups, int code, const OdGePoint3d& fallback = {}) {
+    const PlotGroup* group = find(groups, code);
+    return group ? group->point : fallback;
+}
+
+OdGeVector3d normalOf(const std::vector<PlotGroup>& groups) {
+    return pointOf(groups, 210, OdGePoint3d(0, 0, 1)).asVector();
+}
+
+}  // namespace
+
+DisplayList::Reference referenceOf(const OdDbBlockReference& reference) {
+    DisplayList::Reference item;
+    item.block = reference.blockTableRecord();
+    item.transform = reference.blockTransform();
+    item.columns = reference.columns();
+    item.rows = reference.rows();
+    // Rows and columns are counted along the reference's own axes, unscaled.
+    const OdGeMatrix3d axes = OdGeMatrix3d::planeToWorld(reference.normal()) *
+                              OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d(0, 0, 1));
+    item.columnStep = axes.xAxis() * reference.columnSpacing();
+    item.rowStep = axes.yAxis() * reference.rowSpacing();
+    return item;
+}
+
+bool Shapes::add(const OdDbEntity& entity) {
+    if (entity.isInvisibleEntity()) return true;
+    const OdRxClass* kind = entity.isA();
+    const auto is = [kind](const OdRxClass* other) { return kind->isDerivedFrom(other); };
+    const Style style = styles_.styleOf(entity);
+    // Inside a block, layer 0 is whatever layer the reference is on. A reference on a layer that is off still shows
+    // what its block has on others.
+    if (!inBlock_ || style.layer != 0) {
+        if (styles_.isFrozen(style) || (styles_.isHidden(style) && !is(OdDbBlockReference::desc()))) return true;
+    }
+    if (window_ && is(OdDbCurve::desc())) {
+        OdGeExtents3d box;
+        if (entity.geomExtents(box) && !window_->intersects(box)) return true;
+    }
+    list_.setStyle(style);
+    if (is(OdDbLine::desc())) {
+        const auto& line = static_cast<const OdDbLine&>(entity);
+        list_.add(DisplayList::Kind::kPolylineThroughout, Corners{line.startPoint(), line.endPoint()});
+    } else if (is(OdDbBlockReference::desc())) {
+        addReference(static_cast<const OdDbBlockReference&>(entity));
+    } else if (is(OdDbAttributeText::desc())) {
+        addAttributeText(static_cast<const OdDbAttributeText&>(entity));
+    } else if (is(OdDbText::desc())) {
+        addText(static_cast<const OdDbText&>(entity), static_cast<const OdDbText&>(entity).textString());
+    } else if (is(OdDbMText::desc())) {
+        addMText(static_cast<const OdDbMText&>(entity));
+    } else if (is(OdDbPolyline::desc())) {
+        addPolyline(static_cast<const OdDbPolyline&>(entity));
+    } else if (is(OdDb2dPolyline::desc())) {
+        add2dPolyline(static_cast<const OdDb2dPolyline&>(entity));
+    } else if (is(OdDb3dPolyline::desc())) {
+        Corners corners;
+        const auto& polyline = static_cast<const OdDb3dPolyline&>(entity);
+        for (const OdDbOldPolyline::Vertex& vertex : polyline.vertices()) corners.push_back(vertex.point);
+        if (polyline.isClosed() && !corners.empty()) corners.push_back(corners.front());
+        list_.add(DisplayList::Kind::kPolylineThroughout, corners);
+    } else if (is(OdDbArc::desc())) {
+        const auto& arc = static_cast<const OdDbArc&>(entity);
+        addCircle(arc, arc.startParam(), arc.endParam() - arc.startParam());
+    } else if (is(OdDbCircle::desc())) {
+        addCircle(static_cast<const OdDbCircle&>(entity), 0, torvel::kTwoPi);
+    } else if (is(OdDbPoint::desc())) {
+        list_.add(DisplayList::Kind::kMarker, Corners{static_cast<const OdDbPoint&>(entity).position()});
+    } else if (is(OdDbWipeout::desc())) {
+        addWipeout(static_cast<const OdDbWipeout&>(entity));
+    } else if (is(OdDbConstructionLine::desc())) {
+        addConstructionLine(static_cast<const OdDbConstructionLine&>(entity));
+    } else if (is(OdDbCurve::desc())) {
+        addCurve(static_cast<const OdDbCurve&>(entity));
+    } else {
+        return addCarried(entity, entity.dxfName());
+    }
+    return true;
+}
+
+void Shapes::addReference(const OdDbBlockReference& reference) {
+    const Style own = list_.style();
+    const DisplayList::Reference item = referenceOf(reference);
+    if (item.block) list_.addReference(item);
+    if (attributeMode_ == 0) return;
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openIf<OdDbAttribute>();
+        if (!attribute || attribute->isInvisibleEntity()) continue;
+        // Attributes take from their reference what entities of its block do.
+        const Style style = inReference(styles_.styleOf(*attribute), own);
+        list_.setStyle(style);
+        addAttributeText(*attribute);
+    }
+}
+
+void Shapes::addWipeout(const OdDbWipeout& wipeout) {
+    const Corners boundary = wipeout.boundary();
+    list_.add(DisplayList::Kind::kMask, boundary);
+    if (wipeoutFrames_) list_.add(DisplayList::Kind::kPolylineThroughout, boundary);
+}
+
+bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
+    const auto is = [&kind](const char* name) { return kind == name; };
+    // The plotter shows what viewports show; the rest are parts of others, or nothing to look at.
+    if (is("VIEWPORT") || is("SEQEND") || is("ENDBLK")) return true;
+    if (is("HATCH"))
+        addHatch(groupsOf(entity));
+    else if (is("SOLID") || is("TRACE"))
+        addSolid(groupsOf(entity));
+    else if (is("3DFACE"))
+        addFace(groupsOf(entity));
+    else if (is("DIMENSION") || is("ARC_DIMENSION") || is("LARGE_RADIAL_DIMENSION"))
+        addDimension(groupsOf(entity));
+    else if (is("ACAD_TABLE"))
+        addTable(groupsOf(entity));
+    else if (is("LEADER"))
+        addLeader(entity, groupsOf(entity));
+    else
+        return false;
+    return true;
+}
+
+void Shapes::addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement) {
+    const auto record = block.openIf<OdDbBlockTableRecord>();
+    if (!record) return;
+    DisplayList::Reference item;
+    item.block = block;
+    item.transform = placement * OdGeMatrix3d::translation(OdGePoint3d() - record->origin());
+    list_.addReference(item);
+}
+
+// Its block is drawn in its place already; a copy that was moved along says by how much.
+void Shapes::addDimension(const std::vector<PlotGroup>& groups) {
+    const PlotGroup* name = find(groups, 2);
+    if (!name) return;
+    const OdDbObjectId block = styles_.database().findBlock(name->text);
+    const OdGePoint3d moved = OdGeMatrix3d::planeToWorld(normalOf(groups)) * pointOf(groups, 12);
+    addBlockAt(block, OdGeMatrix3d::translation(moved.asVector()));
+}
+
+void Shapes::addTable(const std::vector<PlotGroup>& groups) {
+    const PlotGroup* name = find(groups, 2);
+    if (!name) return;
+    const OdGeVector3d normal = normalOf(groups).normal();
+    const OdGeVector3d along = pointOf(groups, 11, OdGePoint3d(1, 0, 0)).asVector().normal();
+    addBlockAt(styles_.database().findBlock(name->text),
+               OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
+}
+
+// The third and fourth corner are stored crosswise.
+void Shapes::addSolid(const std::vector<PlotGroup>& groups) {
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(normalOf(groups));
+    const OdGePoint3d third = pointOf(groups, 12, pointOf(groups, 11));
+    list_.add(DisplayList::Kind::kArea, Corners{plane * pointOf(groups, 10), plane * pointOf(groups, 11),
+                                                plane * pointOf(groups, 13, third), plane * third});
+}
+
+// Its edges, of which each may be invisible.
+void Shapes::addFace(const std::vector<PlotGroup>& groups) {
+    const OdGePoint3d third = pointOf(groups, 12);
+    const OdGePoint3d corners[4] = {pointOf(groups, 10), pointOf(groups, 11), third, pointOf(groups, 13, third)};
+    const PlotGroup* hidden = find(groups, 70);
+    for (int i = 0; i < 4; ++i) {
+        if (hidden && (hidden->integer >> i & 1)) continue;
+        list_.add(DisplayList::Kind::kPolyline, Corners{corners[i], corners[(i + 1) % 4]});
+    }
+}
+
+// A line with a closed, filled arrowhead, whatever arrow its dimension style names.
+void Shapes::addLeader(const OdDbEntity& leader, const std::vector<PlotGroup>& groups) {
+    Corners corners;
+    for (const PlotGroup& group : groups)
+        if (group.code == 10) corners.push_back(group.point);
+    if (corners.size() < 2) return;
+    const PlotGroup* arrow = find(groups, 71);
+    if (!arrow || arrow->integer != 0) {
+        double size = 0.18, scale = 1.0;
+        const PlotGroup* name = find(groups, 3);
+        const auto table = leader.database()->tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
+        if (const auto style = name && table ? table->getAt(name->text).open() : OdDbObjectPtr()) {
+            for (const PlotGroup& group : groupsOf(*style)) {
+                if (group.code == 41) size = group.real;
+                if (group.code == 40 && group.real > 0) scale = group.real;
+            }
+        }
+        const OdGeVector3d along = corners[1] - corners[0];
+        const double length = size * scale;
+        if (along.length() > 2 * length) {
+            const OdGeVector3d unit = along.normal();
+            const OdGeVector3d side = normalOf(groups).normal().crossProduct(unit) * (length / 6);
+            const OdGePoint3d base = corners[0] + unit * length;
+            list_.add(DisplayList::Kind::kArea, Corners{corners[0], base + side, base - side});
+            corners[0] = base;
+        }
+    }
+    list_.add(DisplayList::Kind::kPolyline, corners);
+}
+
+}  // namespace host

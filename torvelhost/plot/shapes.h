@@ -1,0 +1,90 @@
+// From entities to what they show. Curves become polylines as fine as can be seen.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "drawingdb/attribute.h"
+#include "drawingdb/curves.h"
+#include "drawingdb/old_polyline.h"
+#include "drawingdb/wipeout.h"
+#include "torvelhost/plot/display_list.h"
+#include "torvelhost/plot/groups.h"
+
+namespace host {
+
+// The part of a reference that its block shows.
+DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
+
+class Shapes {
+  public:
+    // `pixel` is the length of a pixel in the coordinates of what is added; 0: everything as fine as it gets.
+    Shapes(Styles& styles, DisplayList& list, double pixel) : styles_(styles), list_(list), pixel_(pixel) {}
+
+    // In a block, definitions of attributes show only when they are constant.
+    void setInBlock(bool inBlock) { inBlock_ = inBlock; }
+    // 0: no attribute shows, 1: all but invisible ones, 2: all.
+    void setAttributeMode(int mode) { attributeMode_ = mode; }
+    void setWipeoutFrames(bool shown) { wipeoutFrames_ = shown; }
+    // Leaves out what lies beside a box, seen from above, as far as that is quickly told.
+    void setWindow(const OdGeExtents3d& window) { window_ = window; }
+
+    // False when the entity's kind cannot be drawn. What is invisible, or has nothing to show, is no such kind.
+    bool add(const OdDbEntity& entity);
+
+  private:
+    using Corners = std::vector<OdGePoint3d>;
+    struct Vertex {  // of a flat polyline; widths are across it, at both ends of the segment that follows
+        OdGePoint2d point;
+        double bulge = 0, startWidth = 0, endWidth = 0;
+    };
+    struct WideSegment {
+        OdGePoint2d start, end;
+        double startWidth = 0, endWidth = 0;
+    };
+
+    // curve_shapes.cpp
+    void addCircle(const OdDbCircle& circle, double start, double sweep);
+    void addCurve(const OdDbCurve& curve);
+    void addPolyline(const OdDbPolyline& polyline);
+    void add2dPolyline(const OdDb2dPolyline& polyline);
+    void addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, bool throughout, const OdGeMatrix3d& toWorld,
+                         double elevation);
+    void addConstructionLine(const OdDbConstructionLine& line);
+    // Ends with the point at `to`; the point at `from` is there already.
+    void addBulge(const OdGePoint2d& from, const OdGePoint2d& to, double bulge,
+                  const std::function<void(const OdGePoint2d&)>& add) const;
+    void addWide(const std::vector<WideSegment>& segments, bool closed, const OdGeMatrix3d& toWorld, double elevation);
+    int stepsOf(double radius, double sweep) const;
+
+    // text_shapes.cpp
+    void addText(const OdDbText& text, const OdString& shown);
+    void addAttributeText(const OdDbAttributeText& text);
+    void addMText(const OdDbMText& text);
+    bool isBesideWindow(const OdDbText& text, const OdString& shown) const;
+    bool isTooSmall(double height) const { return height < 1.3 * pixel_; }
+
+    // reference_shapes.cpp
+    void addReference(const OdDbBlockReference& reference);
+    void addWipeout(const OdDbWipeout& wipeout);
+    bool addCarried(const OdDbEntity& entity, const std::string& kind);
+    void addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement);
+    void addDimension(const std::vector<PlotGroup>& groups);
+    void addTable(const std::vector<PlotGroup>& groups);
+    void addSolid(const std::vector<PlotGroup>& groups);
+    void addFace(const std::vector<PlotGroup>& groups);
+    void addLeader(const OdDbEntity& leader, const std::vector<PlotGroup>& groups);
+
+    // hatch_shapes.cpp
+    void addHatch(const std::vector<PlotGroup>& groups);
+
+    Styles& styles_;
+    DisplayList& list_;
+    double pixel_;
+    bool inBlock_ = false;
+    int attributeMode_ = 1;
+    bool wipeoutFrames_ = true;
+    std::optional<OdGeExtents3d> window_;
+};
+
+}  // namespace host

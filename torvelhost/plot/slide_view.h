@@ -1,0 +1,36 @@
+// The view as slides see it.
+#pragma once
+
+#include <optional>
+
+#include "hostapi/settings.h"
+#include "hostapi/slides.h"
+#include "torvelhost/plot/picture.h"
+
+namespace host {
+
+class SlideView final : public HostSlideView {
+  public:
+    /// Size in pixels. The background is the settings' ("Colors", "Background"), else black.
+    SlideView(int width, int height, IProfile& settings) : width_(width), height_(height), settings_(settings) {}
+
+    void size(int& width, int& height) override;
+    void prepare() override;
+    void setColor(std::uint32_t rgb) override { color_ = rgb; }
+    void drawPolyline(const OdGePoint3d* points, int count) override;
+    void drawPolygon(const OdGePoint3d* points, int count) override;
+
+    /// The slide that is shown; null when the drawing is.
+    const Picture* slide() const { return picture_ ? &*picture_ : nullptr; }
+    void showDrawing() { picture_.reset(); }
+
+  private:
+    Picture::Contour toPicture(const OdGePoint3d* points, int count) const;
+
+    int width_, height_;
+    IProfile& settings_;
+    std::uint32_t color_ = 0;
+    std::optional<Picture> picture_;
+};
+
+}  // namespace host

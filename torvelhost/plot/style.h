@@ -1,0 +1,79 @@
+// How entities look: layers, colours, linetypes and lineweights, also inside blocks.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "drawingdb/block.h"
+#include "drawingdb/database.h"
+
+namespace host {
+
+// Where a property comes from.
+struct Source {
+    enum Kind : std::uint8_t { kFixed, kOfLayer, kOfBlock };
+    Kind kind = kFixed;
+    std::uint32_t layer = 0;  // kOfLayer
+    std::int32_t value = 0;   // kFixed
+
+    bool operator==(const Source&) const = default;
+};
+
+// The look of an entity before it is known where its block is inserted. Layer 0 inside a block is the reference's.
+struct Style {
+    std::uint32_t layer = 0;
+    Source color, weight, linetype;
+    double linetypeScale = 1.0;
+
+    bool operator==(const Style&) const = default;
+};
+
+// What an entity in a block looks like in one of the block's references.
+Style inReference(const Style& entity, const Style& reference);
+
+// What to draw with. Dash lengths are of the linetype: positive a dash, negative a gap, 0 a dot.
+struct Look {
+    std::uint32_t color = 0;
+    double width = 1.0;  // pixels
+    const std::vector<double>* dashes = nullptr;
+    double linetypeScale = 1.0;
+};
+
+// The layers and linetypes of a drawing.
+class Styles {
+  public:
+    static constexpr std::uint32_t kForeground = 0x000000, kBackground = 0xFFFFFF;
+
+    explicit Styles(OdDbDatabase& database);
+    OdDbDatabase& database() const { return database_; }
+
+    Style styleOf(const OdDbEntity& entity);
+    // The rest as `style` has it.
+    Style colored(const Style& style, const OdCmColor& color) const;
+    Look lookOf(const Style& style) const;
+
+    bool isFrozen(const Style& style) const { return layers_[style.layer].frozen || layers_[style.layer].frozenHere; }
+    bool isHidden(const Style& style) const { return isFrozen(style) || layers_[style.layer].off; }
+    // Layers that are frozen in the viewport that is being drawn.
+    void freezeHere(const std::vector<OdDbObjectId>& layers);
+
+  private:
+    struct Layer {
+        std::uint32_t color = kForeground;
+        int weight = -3;
+        std::uint32_t linetype = 0;
+        bool off = false, frozen = false, frozenHere = false;
+    };
+    std::uint32_t layerIndex(OdDbObjectId layer);
+    std::uint32_t linetypeIndex(const OdString& name);
+
+    OdDbDatabase& database_;
+    std::vector<Layer> layers_;  // 0: layer "0"
+    std::unordered_map<OdDbObjectId, std::uint32_t> layerIndices_;
+    std::vector<std::vector<double>> linetypes_;  // 0: continuous
+    std::unordered_map<std::wstring, std::uint32_t> linetypeIndices_;
+};
+
+}  // namespace host

@@ -1,0 +1,98 @@
+// Single-line and multi-line text.
+#include "torvelhost/plot/extents.h"
+#include "torvelhost/plot/shapes.h"
+
+namespace host {
+
+bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
+    if (!window_) return false;
+    const double reach = reachOf(text, shown);
+    const OdGePoint3d place = text.position();
+    return place.x + reach < window_->minPoint().x || place.x - reach > window_->maxPoint().x ||
+           place.y + reach < window_->minPoint().y || place.y - reach > window_->maxPoint().y;
+}
+
+void Shapes::addText(const OdDbText& text, const OdString& shown) {
+    if (isBesideWindow(text, shown)) return;
+    const torvel::TextGeometry geometry = text.textGeometry();
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
+    const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
+    const auto add = [&](const OdGePoint2d& point) {
+        list_.addPoint(plane * OdGePoint3d(point.x, point.y, elevation));
+    };
+    if (shown.empty()) return;
+    list_.begin(DisplayList::Kind::kStrokes);
+    if (isTooSmall(geometry.height)) {
+        // A line where it stands; nobody could read it.
+        const auto corners = torvel::textBoundingPoints(shown, geometry);
+        add(corners[0] + (corners[3] - corners[0]) * 0.5);
+        add(corners[1] + (corners[2] - corners[1]) * 0.5);
+    } else {
+        for (const torvel::Polyline2d& stroke : torvel::textStrokes(shown, geometry)) {
+            for (const OdGePoint2d& point : stroke) add(point);
+            list_.endContour();
+        }
+    }
+    list_.end();
+}
+
+void Shapes::addAttributeText(const OdDbAttributeText& text) {
+    OdSmartPtr<OdDbMText> multiLine;
+    if (text.isKindOf(OdDbAttribute::desc())) {
+        if (attributeMode_ == 0 || (attributeMode_ == 1 && text.isInvisible())) return;
+        multiLine = static_cast<const OdDbAttribute&>(text).getMTextAttribute();
+    } else {
+        // On its own a definition shows its tag.
+        if (!inBlock_) return addText(text, text.tag());
+        if (!text.isConstant() || text.isInvisible()) return;
+        multiLine = static_cast<const OdDbAttributeDefinition&>(text).getMTextAttributeDefinition();
+    }
+    if (multiLine)
+        addMText(*multiLine);
+    else
+        addText(text, text.textString());
+}
+
+void Shapes::addMText(const OdDbMText& text) {
+    const OdGeMatrix3d toWorld = text.layoutToWorld();
+    const torvel::MTextLayout layout = text.layout();
+    const auto inWorld = [&](const OdGePoint2d& point) { return toWorld * OdGePoint3d(point.x, point.y, 0); };
+    const Style own = list_.style();
+
+    if (text.backgroundFillOn()) {
+        // The box around the text, wider on all sides by a part of the text height.
+        const double margin = (text.backgroundScaleFactor() - 1) * text.textHeight();
+        const OdGePoint2d &topLeft = layout.boundingPoints[0], &bottomRight = layout.boundingPoints[3];
+        const Corners corners = {inWorld({topLeft.x - margin, topLeft.y + margin}),
+                                 inWorld({bottomRight.x + margin, topLeft.y + margin}),
+                                 inWorld({bottomRight.x + margin, bottomRight.y - margin}),
+                                 inWorld({topLeft.x - margin, bottomRight.y - margin})};
+        if (text.useBackgroundColorOn()) {
+            list_.add(DisplayList::Kind::kMask, corners);
+        } else {
+            list_.setStyle(styles_.colored(own, text.backgroundFillColor()));
+            list_.add(DisplayList::Kind::kArea, corners);
+        }
+    }
+    for (const torvel::MTextLine& line : layout.lines) {
+        if (isTooSmall(line.height)) {
+            const OdGePoint2d middle(line.position.x, line.position.y + line.height / 2);
+            list_.setStyle(own);
+            list_.add(DisplayList::Kind::kStrokes,
+                      Corners{inWorld(middle), inWorld({middle.x + line.width, middle.y})});
+            continue;
+        }
+        for (const torvel::MTextPlacedRun& run : line.runs) {
+            list_.setStyle(run.format.color ? styles_.colored(own, *run.format.color) : own);
+            list_.begin(DisplayList::Kind::kStrokes);
+            for (const torvel::Polyline2d& stroke : torvel::mtextRunStrokes(run)) {
+                for (const OdGePoint2d& point : stroke) list_.addPoint(inWorld(point));
+                list_.endContour();
+            }
+            list_.end();
+        }
+    }
+    list_.setStyle(own);
+}
+
+}  // namespace host
