@@ -45,6 +45,7 @@ class DRAWINGDB_API OdDbLayerTableRecord : public OdDbSymbolTableRecord {
     bool isFrozen() const { return (flags_ & 1) != 0; }
     bool isLocked() const { return (flags_ & 4) != 0; }
     bool isOff() const { return colorIndex_ < 0; }
+    bool isPlottable() const { return plottable_ != 0; }
     void setIsFrozen(bool on);
     void setIsLocked(bool on);
     void setIsOff(bool on);
