@@ -176,7 +176,7 @@ OdSmartPtr<OdDbWipeoutVariables> OdDbWipeoutVariables::openForWrite(OdDbDatabase
                       database.core().where(nullptr) + "a drawing of version " + database.version() +
                           " has no place for the frames of wipeouts. Remedy: save it in a newer version first");
     if (auto found = named->getAt(kVariablesKey).openIf<OdDbWipeoutVariables>(OdDb::forWrite)) return found;
-    const auto fresh = createObject();
+    auto fresh = createObject();
     named->setAt(kVariablesKey, fresh);
     return fresh;
 }
