@@ -349,15 +349,31 @@ class PlotTest(unittest.TestCase):
         self.assertEqual(len(plot.areas(YELLOW)), 1)
         self.assertNotIn("not drawn", self.errors)
 
+    def test_meshes_and_multiple_lines(self):
+        grid = self.msp.add_polymesh((2, 3), dxfattribs={"color": 1})
+        for m in range(2):
+            for n in range(3):
+                grid.set_mesh_vertex((m, n), (100 + 10 * m, 100 + 10 * n, 5))
+        faces = self.msp.add_polyface(dxfattribs={"color": 3})
+        faces.append_faces([[(200, 100), (220, 100), (220, 120)], [(200, 100), (220, 120), (200, 120)]])
+        self.msp.add_mline([(300, 100), (400, 100)], dxfattribs={"color": 5, "scale_factor": 10})
+        plot = self.plot()
+        self.assertLines(plot, [[(100, 100), (100, 110), (100, 120)], [(110, 100), (110, 110), (110, 120)],
+                                [(100, 100), (110, 100)], [(100, 110), (110, 110)], [(100, 120), (110, 120)]], RED)
+        diagonal = [(200, 100), (220, 120)]
+        self.assertLines(plot, [[(200, 100), (220, 100)], [(220, 100), (220, 120)], diagonal, diagonal,
+                                [(220, 120), (200, 120)], [(200, 120), (200, 100)]], GREEN)
+        self.assertLines(plot, [[(300, y), (400, y)] for y in (100, 90)], BLUE)
+
     def test_what_cannot_be_drawn_is_counted_once(self):
         block = self.block("PART")
         block.add_body()
         for x in range(3):
             self.msp.add_blockref("PART", (x, 0))
-            self.msp.add_mline([(0, 0), (10, 10)])
+            self.msp.add_mesh()
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 3 MLINE", self.errors)
+        self.assertIn("not drawn: 1 BODY, 3 MESH", self.errors)
 
     # ---- layouts
 

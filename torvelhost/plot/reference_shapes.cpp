@@ -128,7 +128,13 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     else if (is("ACAD_TABLE"))
         addTable(groupsOf(entity));
     else if (is("LEADER"))
-        addLeader(entity, groupsOf(entity));
+        addLeader(groupsOf(entity));
+    else if (is("MULTILEADER"))
+        addMultiLeader(groupsOf(entity));
+    else if (is("MLINE"))
+        addMultiLine(groupsOf(entity));
+    else if (is("POLYLINE"))
+        return addMesh(entity, groupsOf(entity));
     else
         return false;
     return true;
@@ -178,36 +184,6 @@ void Shapes::addFace(const std::vector<PlotGroup>& groups) {
         if (hidden && (hidden->integer >> i & 1)) continue;
         list_.add(DisplayList::Kind::kPolyline, Corners{corners[i], corners[(i + 1) % 4]});
     }
-}
-
-// A line with a closed, filled arrowhead, whatever arrow its dimension style names.
-void Shapes::addLeader(const OdDbEntity& leader, const std::vector<PlotGroup>& groups) {
-    Corners corners;
-    for (const PlotGroup& group : groups)
-        if (group.code == 10) corners.push_back(group.point);
-    if (corners.size() < 2) return;
-    const PlotGroup* arrow = find(groups, 71);
-    if (!arrow || arrow->integer != 0) {
-        double size = 0.18, scale = 1.0;
-        const PlotGroup* name = find(groups, 3);
-        const auto table = leader.database()->tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
-        if (const auto style = name && table ? table->getAt(name->text).open() : OdDbObjectPtr()) {
-            for (const PlotGroup& group : groupsOf(*style)) {
-                if (group.code == 41) size = group.real;
-                if (group.code == 40 && group.real > 0) scale = group.real;
-            }
-        }
-        const OdGeVector3d along = corners[1] - corners[0];
-        const double length = size * scale;
-        if (along.length() > 2 * length) {
-            const OdGeVector3d unit = along.normal();
-            const OdGeVector3d side = normalOf(groups).normal().crossProduct(unit) * (length / 6);
-            const OdGePoint3d base = corners[0] + unit * length;
-            list_.add(DisplayList::Kind::kArea, Corners{corners[0], base + side, base - side});
-            corners[0] = base;
-        }
-    }
-    list_.add(DisplayList::Kind::kPolyline, corners);
 }
 
 }  // namespace host

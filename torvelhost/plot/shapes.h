@@ -77,7 +77,17 @@ class Shapes {
     void addTable(const std::vector<PlotGroup>& groups);
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
-    void addLeader(const OdDbEntity& leader, const std::vector<PlotGroup>& groups);
+
+    // leader_shapes.cpp
+    void addLeader(const std::vector<PlotGroup>& groups);
+    void addMultiLeader(const std::vector<PlotGroup>& groups);
+    void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
+    void addMultiLine(const std::vector<PlotGroup>& groups);
+
+    // mesh_shapes.cpp. False for another kind of polyline.
+    bool addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups);
+    void addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups, std::int64_t flags);
+    void addPolyfaceMesh(const OdDbEntity& polyline);
 
     // hatch_shapes.cpp
     void addHatch(const std::vector<PlotGroup>& groups);
