@@ -371,9 +371,11 @@ class PlotTest(unittest.TestCase):
         for x in range(3):
             self.msp.add_blockref("PART", (x, 0))
             self.msp.add_mesh()
+        self.doc.add_xref_def("other.dxf", "OTHER")
+        self.msp.add_blockref("OTHER", (0, 0))
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 3 MESH", self.errors)
+        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 external reference", self.errors)
 
     # ---- layouts
 
@@ -402,7 +404,10 @@ class PlotTest(unittest.TestCase):
         block = self.block("LOOP", ((0, 0), (10, 0)), color=1)
         for x in range(8):
             block.add_blockref("LOOP", (x, 0))
-        inner = self.block("GRID", ((0, 0), (1, 0)), color=3)
+        for i in range(200):  # deep, but not without end
+            self.block(f"DEEP{i}", ((0, 0), (5, 5)), color=4).add_blockref(f"DEEP{i + 1}", (5, 0))
+        self.msp.add_blockref("DEEP0", (0, 300))
+        self.block("GRID", ((0, 0), (1, 0)), color=3)
         self.msp.add_blockref("LOOP", (0, 100))
         self.msp.add_blockref("GRID", (0, 0), dxfattribs={"column_count": 32767, "row_count": 32767,
                                                           "column_spacing": 200, "row_spacing": 200})
@@ -410,6 +415,7 @@ class PlotTest(unittest.TestCase):
         plot = self.plot()
         self.assertLess(time.monotonic() - start, 60)
         self.assertLines(plot, [[(0, 100), (10, 100)]], RED)
+        self.assertEqual(len(plot.lines("#00ffff")), 64)
         self.assertEqual(len(plot.lines(GREEN)), 5 * 4)
 
     def test_the_comparer_tells_plots_apart(self):

@@ -10,7 +10,7 @@ namespace {
 constexpr double kTolerance = 0.1;
 constexpr int kFinestSteps = 128;  // a turn, when nothing is known of pixels
 constexpr int kMostSteps = 20000;
-constexpr int kDeepestHalving = 12;
+constexpr int kDeepestHalving = 8;
 
 }  // namespace
 

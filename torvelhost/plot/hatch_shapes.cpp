@@ -128,9 +128,11 @@ class PatternLines {
             return;
         }
         double place = std::floor(from / period) * period;
-        for (std::size_t i = 0; place < to; i = (i + 1) % dashes.size()) {
-            const double end = place + std::fabs(dashes[i]);
-            if (dashes[i] >= 0 && end >= from)
+        // So far out that a dash is lost beside the place, the count ends it.
+        const std::size_t most = static_cast<std::size_t>(kMostPatternLines + 2) * dashes.size();
+        for (std::size_t i = 0; place < to && i < most; ++i) {
+            const double dash = dashes[i % dashes.size()], end = place + std::fabs(dash);
+            if (dash >= 0 && end >= from)
                 add(origin + along * std::max(place, from), origin + along * std::min(end, to));
             place = end;
         }
