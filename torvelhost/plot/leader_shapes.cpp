@@ -1,16 +1,8 @@
 // Leaders of both kinds, and multiple lines.
-#include <cmath>
-
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
 namespace {
-
-const PlotGroup* find(std::span<const PlotGroup> groups, int code) {
-    for (const PlotGroup& group : groups)
-        if (group.code == code) return &group;
-    return nullptr;
-}
 
 // Colours of the kind that is one number: a method above the red, green and blue, or a colour number.
 OdCmColor colorOf(std::int64_t number) {
@@ -48,7 +40,7 @@ void Shapes::addLeader(const std::vector<PlotGroup>& groups) {
     for (const PlotGroup& group : groups)
         if (group.code == 10) corners.push_back(group.point);
     double size = 0.18, scale = 1.0;
-    const PlotGroup* name = find(groups, 3);
+    const PlotGroup* name = findGroup(groups, 3);
     const auto table = styles_.database().tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
     if (const auto style = name && table ? table->getAt(name->text).open() : OdDbObjectPtr()) {
         for (const PlotGroup& group : groupsOf(*style)) {
@@ -56,8 +48,8 @@ void Shapes::addLeader(const std::vector<PlotGroup>& groups) {
             if (group.code == 40 && group.real > 0) scale = group.real;
         }
     }
-    const PlotGroup* arrow = find(groups, 71);
-    const PlotGroup* normal = find(groups, 210);
+    const PlotGroup* arrow = findGroup(groups, 71);
+    const PlotGroup* normal = findGroup(groups, 210);
     addLeaderLine(corners, normal ? normal->point.asVector() : OdGeVector3d::kZAxis,
                   arrow && arrow->integer == 0 ? 0 : size * scale);
 }
@@ -77,21 +69,18 @@ void Shapes::addMultiLeader(const std::vector<PlotGroup>& groups) {
     firstLeader = std::min(firstLeader, end);
     const std::span<const PlotGroup> all(groups), content = all.first(firstLeader), after = all.subspan(end);
     const auto real = [&](int code, double fallback) {
-        const PlotGroup* group = find(content, code);
+        const PlotGroup* group = findGroup(content, code);
         return group ? group->real : fallback;
     };
     const auto point = [&](int code, const OdGePoint3d& fallback) {
-        const PlotGroup* group = find(content, code);
+        const PlotGroup* group = findGroup(content, code);
         return group ? group->point : fallback;
     };
-    const auto integer = [&](int code) {
-        const PlotGroup* group = find(content, code);
-        return group ? group->integer : 0;
-    };
+    const auto integer = [&](int code) { return groupOrZero(content, code).integer; };
     const Style own = list_.style();
     const OdGeVector3d normal = point(11, OdGePoint3d(0, 0, 1)).asVector();
 
-    const PlotGroup* kind = find(after, 170);
+    const PlotGroup* kind = findGroup(after, 170);
     Corners line;
     OdGePoint3d landing, landingEnd;
     for (std::size_t i = firstLeader; i < end && (!kind || kind->integer != 0); ++i) {
@@ -126,12 +115,12 @@ void Shapes::addMultiLeader(const std::vector<PlotGroup>& groups) {
         text->setTextHeight(real(41, 1));
         text->setWidth(std::max(real(43, 0), 0.0));
         text->setAttachment(std::clamp<int>(static_cast<int>(integer(171)), 1, 3));
-        const PlotGroup* contents = find(content, 304);
+        const PlotGroup* contents = findGroup(content, 304);
         if (contents) text->setContents(contents->text);
-        if (find(content, 90)) list_.setStyle(styles_.colored(own, colorOf(integer(90))));
+        if (findGroup(content, 90)) list_.setStyle(styles_.colored(own, colorOf(integer(90))));
         addMText(*text);
         list_.setStyle(own);
-    } else if (const PlotGroup* block = find(content, 341); block && integer(296) != 0) {
+    } else if (const PlotGroup* block = findGroup(content, 341); block && integer(296) != 0) {
         const OdGePoint3d place = point(15, {}), scale = point(16, OdGePoint3d(1, 1, 1));
         addBlockAt(block->id, OdGeMatrix3d::translation(place.asVector()) * OdGeMatrix3d::planeToWorld(normal) *
                                   OdGeMatrix3d::rotation(real(46, 0), OdGeVector3d::kZAxis) *
@@ -161,7 +150,7 @@ void Shapes::addMultiLine(const std::vector<PlotGroup>& groups) {
             first = false;
         }
     }
-    const PlotGroup* flags = find(groups, 71);
+    const PlotGroup* flags = findGroup(groups, 71);
     for (Corners& corners : lines) {
         if (flags && (flags->integer & 2)) corners.push_back(corners.front());
         list_.add(DisplayList::Kind::kPolylineThroughout, corners);

@@ -7,12 +7,6 @@ namespace {
 constexpr std::int64_t kMeshClosedInM = 1, kMeshClosedInN = 32, kPolygonMesh = 16, kPolyfaceMesh = 64;
 constexpr std::int64_t kSmoothed = 8, kFrame = 16, kCorner = 64, kFaceOrCorner = 128;
 
-std::int64_t integerOf(const std::vector<PlotGroup>& groups, int code) {
-    for (const PlotGroup& group : groups)
-        if (group.code == code) return group.integer;
-    return 0;
-}
-
 std::vector<std::vector<PlotGroup>> verticesOf(const OdDbEntity& polyline) {
     std::vector<std::vector<PlotGroup>> vertices;
     for (OdDbObjectId id : OdDbObjectIdRange(polyline.objectId().stub(), nullptr, nullptr, true)) {
@@ -22,16 +16,10 @@ std::vector<std::vector<PlotGroup>> verticesOf(const OdDbEntity& polyline) {
     return vertices;
 }
 
-OdGePoint3d placeOf(const std::vector<PlotGroup>& vertex) {
-    for (const PlotGroup& group : vertex)
-        if (group.code == 10) return group.point;
-    return {};
-}
-
 }  // namespace
 
 bool Shapes::addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups) {
-    const std::int64_t flags = integerOf(groups, 70);
+    const std::int64_t flags = groupOrZero(groups, 70).integer;
     if (flags & kPolygonMesh)
         addPolygonMesh(polyline, groups, flags);
     else if (flags & kPolyfaceMesh)
@@ -43,13 +31,13 @@ bool Shapes::addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& g
 
 // M rows of N vertices; a smoothed mesh has those of its frame too, which do not show.
 void Shapes::addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups, std::int64_t flags) {
-    const bool smoothed = integerOf(groups, 75) != 0;
-    const auto m = static_cast<std::size_t>(std::max<std::int64_t>(integerOf(groups, smoothed ? 73 : 71), 0)),
-               n = static_cast<std::size_t>(std::max<std::int64_t>(integerOf(groups, smoothed ? 74 : 72), 0));
+    const bool smoothed = groupOrZero(groups, 75).integer != 0;
+    const auto m = static_cast<std::size_t>(std::max<std::int64_t>(groupOrZero(groups, smoothed ? 73 : 71).integer, 0)),
+               n = static_cast<std::size_t>(std::max<std::int64_t>(groupOrZero(groups, smoothed ? 74 : 72).integer, 0));
     Corners corners;
     for (const std::vector<PlotGroup>& vertex : verticesOf(polyline)) {
-        const std::int64_t kind = integerOf(vertex, 70);
-        if (smoothed ? (kind & kSmoothed) != 0 : (kind & kFrame) == 0) corners.push_back(placeOf(vertex));
+        const std::int64_t kind = groupOrZero(vertex, 70).integer;
+        if (smoothed ? (kind & kSmoothed) != 0 : (kind & kFrame) == 0) corners.push_back(groupOrZero(vertex, 10).point);
     }
     if (m == 0 || n == 0 || corners.size() < m * n) return;
     const auto addLine = [&](std::size_t first, std::size_t count, std::size_t step, bool closed) {
@@ -66,13 +54,13 @@ void Shapes::addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGr
 void Shapes::addPolyfaceMesh(const OdDbEntity& polyline) {
     Corners corners;
     for (const std::vector<PlotGroup>& vertex : verticesOf(polyline)) {
-        const std::int64_t kind = integerOf(vertex, 70);
+        const std::int64_t kind = groupOrZero(vertex, 70).integer;
         if (kind & kCorner) {
-            corners.push_back(placeOf(vertex));
+            corners.push_back(groupOrZero(vertex, 10).point);
         } else if (kind & kFaceOrCorner) {
             std::vector<std::int64_t> numbers;
             for (int code = 71; code <= 74; ++code) {
-                const std::int64_t number = integerOf(vertex, code);
+                const std::int64_t number = groupOrZero(vertex, code).integer;
                 if (number != 0 && std::abs(number) <= static_cast<std::int64_t>(corners.size()))
                     numbers.push_back(number);
             }

@@ -1,20 +1,11 @@
 // Block references, and the kinds that the database carries without understanding them.
-#include <cmath>
-
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
 namespace {
 
-// The first group with the code, or null.
-const PlotGroup* find(const std::vector<PlotGroup>& groups, int code) {
-    for (const PlotGroup& group : groups)
-        if (group.code == code) return &group;
-    return nullptr;
-}
-
 OdGePoint3d pointOf(const std::vector<PlotGroup>& groups, int code, const OdGePoint3d& fallback = {}) {
-    const PlotGroup* group = find(groups, code);
+    const PlotGroup* group = findGroup(groups, code);
     return group ? group->point : fallback;
 }
 
@@ -151,7 +142,7 @@ void Shapes::addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement) {
 
 // Its block is drawn in its place already; a copy that was moved along says by how much.
 void Shapes::addDimension(const std::vector<PlotGroup>& groups) {
-    const PlotGroup* name = find(groups, 2);
+    const PlotGroup* name = findGroup(groups, 2);
     if (!name) return;
     const OdDbObjectId block = styles_.database().findBlock(name->text);
     const OdGePoint3d moved = OdGeMatrix3d::planeToWorld(normalOf(groups)) * pointOf(groups, 12);
@@ -159,7 +150,7 @@ void Shapes::addDimension(const std::vector<PlotGroup>& groups) {
 }
 
 void Shapes::addTable(const std::vector<PlotGroup>& groups) {
-    const PlotGroup* name = find(groups, 2);
+    const PlotGroup* name = findGroup(groups, 2);
     if (!name) return;
     const OdGeVector3d normal = normalOf(groups).normal();
     const OdGeVector3d along = pointOf(groups, 11, OdGePoint3d(1, 0, 0)).asVector().normal();
@@ -179,7 +170,7 @@ void Shapes::addSolid(const std::vector<PlotGroup>& groups) {
 void Shapes::addFace(const std::vector<PlotGroup>& groups) {
     const OdGePoint3d third = pointOf(groups, 12);
     const OdGePoint3d corners[4] = {pointOf(groups, 10), pointOf(groups, 11), third, pointOf(groups, 13, third)};
-    const PlotGroup* hidden = find(groups, 70);
+    const PlotGroup* hidden = findGroup(groups, 70);
     for (int i = 0; i < 4; ++i) {
         if (hidden && (hidden->integer >> i & 1)) continue;
         list_.add(DisplayList::Kind::kPolyline, Corners{corners[i], corners[(i + 1) % 4]});
