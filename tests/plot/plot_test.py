@@ -145,6 +145,10 @@ class PlotTest(unittest.TestCase):
         self.assertBox(sum(area.contours, []), (100, 90, 310, 300))
         (area,) = plot.areas(GREEN)
         self.assertBox(area.contours[0], (500, 80, 700, 120))
+        # The width counts for how far the drawing reaches, and for what reaches into the view.
+        shown = self.plot(zoom=None)
+        self.assertTrue(all(0 <= x <= 800 and 0 <= y <= 600 for area in shown.areas() for x, y in area.contours[0]))
+        self.assertTrue(self.plot("ZOOM|C|200,95|2", zoom=None).areas(RED))
 
     def test_dashes(self):
         self.doc.linetypes.add("DASHED", [30.0, 20.0, -10.0])

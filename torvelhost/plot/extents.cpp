@@ -102,7 +102,7 @@ void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
         return;
     }
     OdGeExtents3d box;
-    if (entity.geomExtents(box)) {
+    if (boxOf(entity, box)) {
         bounds.box.addExtents(box);
         return;
     }

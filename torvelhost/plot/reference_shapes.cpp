@@ -41,7 +41,7 @@ bool Shapes::add(const OdDbEntity& entity) {
     }
     if (window_ && is(OdDbCurve::desc())) {
         OdGeExtents3d box;
-        if (entity.geomExtents(box) && !window_->intersects(box)) return true;
+        if (boxOf(entity, box) && !window_->intersects(box)) return true;
     }
     list_.setStyle(style);
     if (is(OdDbLine::desc())) {

@@ -20,6 +20,9 @@ DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 // made it begin.
 torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
 
+// The box around an entity's geometry and the width of a polyline's line; false for what has none.
+bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box);
+
 class Shapes {
   public:
     // `pixel` is the length of a pixel in the coordinates of what is added; 0: everything as fine as it gets.
