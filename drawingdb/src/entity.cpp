@@ -1,5 +1,6 @@
 #include "drawingdb/entity.h"
 
+#include "base/text.h"
 #include "core.h"
 #include "description.h"
 #include "unknown.h"
@@ -56,6 +57,7 @@ void OdDbEntity::setDatabaseDefaults(OdDbDatabase* database) {
     };
     name("$CLAYER", layer_);
     name("$CELTYPE", linetype_);
+    if (base::equalsNoCase(std::string_view(linetype_.raw), "BYLAYER")) linetype_.raw = {};
     colorIndex_ = static_cast<std::int32_t>(database->headerInteger("$CECOLOR", 256));
     linetypeScale_ = database->headerReal("$CELTSCALE", 1.0);
     lineweight_ = static_cast<std::int32_t>(database->headerInteger("$CELWEIGHT", -1));
