@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs scripts through torvelhost and compares what comes out with the files beside them.
 
-    run_case.py --program TORVELHOST [--emulator COMMAND ...] [--update] CASE.scr...
+    run_case.py --program TORVELHOST [--emulator COMMAND ...] [--option OPTION] [--update] CASE.scr...
 
 A case is a script, CASE.scr. Comment lines of the form "; word: value" at its head say what else belongs to it:
 
@@ -111,7 +111,7 @@ def check_text(path, actual):
     raise Failure(f"standard output is not {path.name}:\n--- expected\n{wanted}--- found\n{found}---")
 
 
-def run_case(script, command, update, folder):
+def run_case(script, command, options, update, folder):
     words = directives(script)
     stem = script.with_suffix("")
     drawing = script.parent / words["drawing"] if "drawing" in words else stem.with_suffix(".dxf")
@@ -122,7 +122,7 @@ def run_case(script, command, update, folder):
         shutil.copy(script.parent / name, folder)
     saved = folder / "out.dxf"
 
-    arguments = command + ["--profile", "profile.ini"] + shlex.split(words.get("options", "")) + ["-s", script.name]
+    arguments = command + ["--profile", "profile.ini"] + options + shlex.split(words.get("options", "")) + ["-s", script.name]
     if "not saved" not in words:
         arguments += ["-o", saved.name]
     if drawing.exists():
@@ -201,6 +201,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--program", required=True)
     parser.add_argument("--emulator", default="", help="words that go before the program, separated by ;")
+    parser.add_argument("--option", action="append", default=[], help="one more for the program, in every case")
     parser.add_argument("--update", action="store_true")
     parser.add_argument("cases", nargs="+", type=pathlib.Path)
     arguments = parser.parse_args()
@@ -210,7 +211,7 @@ def main():
     for script in arguments.cases:
         with tempfile.TemporaryDirectory() as folder:
             try:
-                run_case(script.resolve(), command, arguments.update, pathlib.Path(folder))
+                run_case(script.resolve(), command, arguments.option, arguments.update, pathlib.Path(folder))
             except Failure as failure:
                 failed.append(script.stem)
                 print(f"{script}: {failure}", flush=True)

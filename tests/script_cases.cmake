@@ -1,6 +1,6 @@
-# torvel_script_cases(NAME)
+# torvel_script_cases(NAME [DIALOGS])
 #     The test that runs every script of this folder through torvelhost; run_case.py says what belongs to a case. Programs
-#     for Windows run under Wine by themselves.
+#     for Windows run under Wine by themselves. With DIALOGS every script is run there once more, working real windows.
 find_program(TORVEL_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
 if(NOT TORVEL_PYTHON)
   find_program(TORVEL_PYTHON python3)
@@ -15,4 +15,8 @@ function(torvel_script_cases name)
   list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "\\;" emulator)
   torvel_add_test(${name} "${TORVEL_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/run_case.py"
                   --program "$<TARGET_FILE:torvelhost>" "--emulator=${emulator}" ${cases})
+  if(WIN32 AND "DIALOGS" IN_LIST ARGN)
+    torvel_add_test(${name}_in_windows "${TORVEL_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/run_case.py"
+                    --program "$<TARGET_FILE:torvelhost>" "--emulator=${emulator}" --option=--windows ${cases})
+  endif()
 endfunction()

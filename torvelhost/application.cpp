@@ -46,12 +46,7 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
             const std::int64_t mode = std::get<std::int64_t>(value);
             if (mode != 0 && mode != 1) return L"0 or 1 is wanted";
             *dragMode = mode;
-            input.watchPreview(nullptr);
-            if (mode == 1)
-                input.watchPreview([this](const std::vector<OdDbEntity*>& shown) {
-                    for (const OdDbEntity* entity : shown)
-                        input.terminal().notice(L"[preview] " + previewText(*entity));
-                });
+            tellPreview(mode == 1);
             return L"";
         });
     variables.add(
@@ -62,6 +57,19 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
             selection.pickBox = static_cast<int>(pixels);
             return L"";
         });
+}
+
+void Application::Session::tellPreview(bool on) {
+    input.watchPreview(nullptr);
+    selection.watchHighlight(nullptr);
+    if (!on) return;
+    const auto tell = [this](const std::wstring& what) { input.terminal().notice(L"[preview] " + what); };
+    input.watchPreview([tell](const std::vector<OdDbEntity*>& shown) {
+        for (const OdDbEntity* entity : shown) tell(previewText(*entity));
+    });
+    selection.watchHighlight([tell](OdDbObjectId entity, bool highlighted) {
+        tell(L"#" + entity.handle().text() + (highlighted ? L" highlighted" : L" as before"));
+    });
 }
 
 void Application::open(OdDbDatabasePtr database, ReplySource& replies) {

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "torvelhost/application.h"
 #include "torvelhost/command_loop.h"
+#include "torvelhost/dialog_lines.h"
 #include "torvelhost/plot/plot.h"
 #include "torvelhost/progress.h"
 
@@ -90,6 +91,8 @@ ExitStatus run(const Options& options, Terminal& terminal) {
     application.open(openDrawing(options, terminal), *replies);
     Application::Session& session = *application.session();
     setVariables(options, session.variables);
+    DialogLines dialogLines(*replies, terminal);
+    const DialogUse dialogUse(options.windows, dialogLines);
 
     ExitStatus status = CommandLoop(application).run();
     saveDrawing(options, session, terminal);

@@ -10,6 +10,7 @@
 #include "base/modules.h"
 #include "base/resources.h"
 #include "base/text.h"
+#include "dialogs/boxes.h"
 #include "torvelhost/application.h"
 #include "torvelhost/command_factory.h"
 #include "torvelhost/progress.h"
@@ -224,37 +225,17 @@ bool hostSetVar(const wchar_t* name, const wchar_t* value) {
 }
 
 int hostMessageBox(const wchar_t* text, const wchar_t* caption, int kind) {
-    static constexpr const wchar_t* kMarks[] = {L"[notice] ", L"[warning] ", L"[error] ", L"[question] ",
-                                                L"[question] "};
-    Application::Session* current = session();
-    if (!current || kind < hostapi::kNoticeBox || kind > hostapi::kYesNoCancelBox) return hostapi::kAnswerCancel;
-    std::wstring shown = kMarks[kind];
-    if (caption && *caption) shown += std::wstring(caption) + L": ";
-    if (text) shown += text;
-    if (kind < hostapi::kYesNoBox) {
-        const host::Progress::Pause pause;
-        current->input.terminal().show(shown + L"\n");
-        return hostapi::kAnswerOk;
-    }
-    const bool mayCancel = kind == hostapi::kYesNoCancelBox;
-    for (;;) {
-        switch (current->input.getKeyword(shown.c_str(), mayCancel ? L"yes no cancel" : L"yes no", 0, 0, 0)) {
-            case hostapi::kFirstKeyword:
-                return hostapi::kAnswerYes;
-            case hostapi::kFirstKeyword + 1:
-                return hostapi::kAnswerNo;
-            case hostapi::kEmpty:
-                return hostapi::kAnswerYes;  // the first button has the focus
-            default:
-                // A box without a cancel button cannot be got rid of by cancelling.
-                return mayCancel ? hostapi::kAnswerCancel : hostapi::kAnswerNo;
-        }
-    }
+    static constexpr dialogs::BoxKind kKinds[] = {dialogs::BoxKind::kNotice, dialogs::BoxKind::kWarning,
+                                                  dialogs::BoxKind::kError, dialogs::BoxKind::kYesNo,
+                                                  dialogs::BoxKind::kYesNoCancel};
+    if (!session() || kind < hostapi::kNoticeBox || kind > hostapi::kYesNoCancelBox) return hostapi::kAnswerCancel;
+    const host::Progress::Pause pause;
+    return static_cast<int>(dialogs::messageBox(kKinds[kind], text ? text : L"", caption ? caption : L""));
 }
 
 void hostNotify(const wchar_t* text) {
     if (Application::Session* current = session())
-        if (text) current->input.terminal().notice(L"[notice] " + std::wstring(text));
+        if (text) current->input.terminal().show(L"[notice] " + std::wstring(text) + L"\n");
 }
 
 IProfile* hostGetProfile() { return Application::current() ? &Application::current()->profile() : nullptr; }

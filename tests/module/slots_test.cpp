@@ -3,10 +3,12 @@
 
 #include "base/modules.h"
 #include "base/paths.h"
+#include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "fake_host.h"
 #include "hostapi/input.h"
+#include "hostapi/slides.h"
 
 extern "C" {
 void* GetMainDllInstance() { return base::processImage(); }
@@ -79,8 +81,9 @@ TEST_F(ModuleInHost, RegistersItsCommandsInOrderAndGivesTheFactoryBack) {
         std::wstring group;
         int flags;
     };
-    const std::vector<Row> rows = {{"Ray", L"", 0},     {"Divide", L"", 0}, {"ElxTest", L"", 0},   {"Wipeout", L"", 0},
-                                   {"AttSync", L"", 0}, {"XLINE", L"", 0},  {"Burst", L"HOST", 2}, {"VSlide", L"", 0}};
+    const std::vector<Row> rows = {{"Ray", L"", 0},     {"Divide", L"", 0},    {"ElxTest", L"", 0},
+                                   {"Wipeout", L"", 0}, {"AttSync", L"", 0},   {"AttExt", L"", 0},
+                                   {"XLINE", L"", 0},   {"Burst", L"HOST", 2}, {"VSlide", L"", 0}};
     ASSERT_EQ(host().registrations.size(), rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         EXPECT_EQ(host().registrations[i].name, rows[i].name);
@@ -385,5 +388,35 @@ TEST_F(ModuleInHost, RayDrawsAFanAndShowsEachRayUnderTheCursor) {
     EXPECT_EQ(rays[0]->unitDir(), OdGeVector3d(1, 0, 0));
     EXPECT_EQ(rays[1]->unitDir(), OdGeVector3d(0, -1, 0));
 }
+
+class CountingPainter final : public slidePainter {
+  public:
+    void header(const SlideHeader& header) override { width = header.highX(); }
+    void color(std::int16_t) override { ++colors; }
+    void line(const SlidePoint&, const SlidePoint&) override { ++lines; }
+    void fill(const SlidePoint*, int) override { ++fills; }
+
+    int width = 0, colors = 0, lines = 0, fills = 0;
+};
+
+TEST_F(ModuleInHost, DrawsSlidesForOtherModules) {
+    auto* const draw = base::findFunction<void(const CXStringW&, slidePainter*)>(module_.get(), "loadAndDrawVSlide");
+    ASSERT_NE(draw, nullptr);
+    CountingPainter painter;
+    const std::wstring folder = base::fromUtf8(TORVEL_SOURCE_DIR) + L"/tests/slides/";
+    draw(folder + L"chair", &painter);
+    EXPECT_EQ(painter.width, 160);
+    EXPECT_EQ(painter.lines, 10);
+    EXPECT_EQ(painter.fills, 3);
+    try {
+        draw(folder + L"no_slide.sld", &painter);
+        ADD_FAILURE();
+    } catch (const CXException& error) {
+        EXPECT_EQ(error.code(), CXException::kNotASlide);
+        EXPECT_EQ(error.resources(), module_.get());
+    }
+}
+
+TEST_F(ModuleInHost, HasAFilerOfItsOwn) { EXPECT_NE(OdRxClass::find("TVDxfFiler"), nullptr); }
 
 }  // namespace

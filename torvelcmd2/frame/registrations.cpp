@@ -7,6 +7,7 @@
 #include "torvelcmd2/construction/ray.h"
 #include "torvelcmd2/construction/wipeout.h"
 #include "torvelcmd2/construction/xline.h"
+#include "torvelcmd2/extract/att_ext.h"
 #include "torvelcmd2/extract/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
@@ -44,6 +45,7 @@ const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
+const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);
 const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
 const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
 const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);

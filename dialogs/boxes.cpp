@@ -1,0 +1,135 @@
+#include "dialogs/boxes.h"
+
+#include "base/paths.h"
+#include "base/text.h"
+#include "dialogs/maker.h"
+
+namespace dialogs {
+namespace {
+
+const wchar_t* markOf(BoxKind kind) {
+    switch (kind) {
+        case BoxKind::kNotice:
+            return L"[notice] ";
+        case BoxKind::kWarning:
+            return L"[warning] ";
+        case BoxKind::kError:
+            return L"[error] ";
+        case BoxKind::kYesNo:
+        case BoxKind::kYesNoCancel:
+            break;
+    }
+    return L"[question] ";
+}
+
+// "yes" and its beginnings, Enter for the first button, ^C for the last one.
+std::optional<Answer> parseAnswer(std::wstring_view line, bool mayCancel) {
+    if (line.empty() || base::startsWithNoCase(L"yes", line)) return Answer::kYes;
+    if (base::startsWithNoCase(L"no", line)) return Answer::kNo;
+    if (line == L"^C") return mayCancel ? Answer::kCancel : Answer::kNo;
+    if (mayCancel && base::startsWithNoCase(L"cancel", line)) return Answer::kCancel;
+    return std::nullopt;
+}
+
+Answer askAnswer(BoxKind kind, const std::wstring& text) {
+    LineSource& lines = *Process::instance().lines;
+    const bool mayCancel = kind == BoxKind::kYesNoCancel;
+    const std::wstring choices = mayCancel ? L"[yes/no/cancel]" : L"[yes/no]";
+    for (;;) {
+        const auto line = lines.next(markOf(kind) + text + L" " + choices + L": ");
+        if (!line) {
+            lines.refuse(L"the script ends at the question \"" + text + L"\"");
+            return mayCancel ? Answer::kCancel : Answer::kNo;
+        }
+        if (const auto answer = parseAnswer(base::trimmed(*line), mayCancel)) return *answer;
+        lines.refuse(L"\"" + *line + L"\" is not one of " + choices);
+    }
+}
+
+std::wstring withExtension(std::wstring name, std::wstring_view extension) {
+    if (extension.starts_with(L"*")) extension.remove_prefix(1);
+    if (extension.starts_with(L".")) extension.remove_prefix(1);
+    if (!extension.empty() && base::extensionOf(name).empty()) name += L"." + std::wstring(extension);
+    return name;
+}
+
+// Whether the file may be replaced. A script is taken at its word when it goes on with something else.
+bool mayReplace(const std::wstring& fileName) {
+    LineSource& lines = *Process::instance().lines;
+    if (lines.isScript()) {
+        const auto next = lines.peek();
+        if (!next || base::trimmed(*next).empty() || !parseAnswer(base::trimmed(*next), false)) return true;
+    }
+    return askAnswer(BoxKind::kYesNo, fileName + L" already exists. Do you want to replace it?") == Answer::kYes;
+}
+
+std::wstring withoutQuotes(std::wstring_view line) {
+    if (line.size() >= 2 && line.front() == L'"' && line.back() == L'"') line = line.substr(1, line.size() - 2);
+    return std::wstring(line);
+}
+
+}  // namespace
+
+Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& caption) {
+    Process& process = Process::instance();
+    ++process.boxesShown;
+    std::optional<Answer> answer;
+    if (process.lines) {
+        answer = Answer::kOk;
+        if (kind == BoxKind::kYesNo || kind == BoxKind::kYesNoCancel)
+            answer = askAnswer(kind, text);
+        else
+            process.lines->print(markOf(kind) + text + L"\n");
+    }
+    return process.maker->messageBox(kind, text, caption, answer);
+}
+
+bool asksLines() { return Process::instance().lines != nullptr; }
+
+std::optional<std::wstring> askLine(const std::wstring& prompt) {
+    LineSource& lines = *Process::instance().lines;
+    const auto line = lines.next(prompt + L": ");
+    if (!line) {
+        lines.refuse(L"the script ends at the question \"" + prompt + L"\"");
+        return std::nullopt;
+    }
+    const std::wstring_view answer = base::trimmed(*line);
+    if (answer.empty() || answer == L"^C") return std::nullopt;
+    return withoutQuotes(answer);
+}
+
+void refuseLine(const std::wstring& why) { Process::instance().lines->refuse(why); }
+
+std::optional<std::wstring> askFile(const FileRequest& request) {
+    if (!asksLines()) return Process::instance().maker->askFile(request);
+    std::wstring prompt = !request.title.empty() ? request.title : request.save ? L"Save as" : L"Open";
+    if (!request.fileName.empty()) prompt += L" <" + request.fileName + L">";
+    for (;;) {
+        const auto answer = askLine(prompt);
+        if (!answer) return std::nullopt;
+        std::wstring path = base::absolutePath(withExtension(*answer, request.defaultExtension));
+        if (!request.save && request.mustExist && !base::isFile(path)) {
+            refuseLine(L"there is no file \"" + *answer + L"\"");
+            continue;
+        }
+        if (request.save && request.askOverwrite && base::isFile(path) && !mayReplace(path)) continue;
+        return path;
+    }
+}
+
+std::optional<std::wstring> askFolder(const std::wstring& title) {
+    if (!asksLines()) return Process::instance().maker->askFolder(title);
+    for (;;) {
+        const auto answer = askLine(title.empty() ? L"Folder" : title);
+        if (!answer) return std::nullopt;
+        std::wstring path = base::absolutePath(*answer);
+        if (base::isFolder(path)) return path;
+        refuseLine(L"there is no folder \"" + *answer + L"\"");
+    }
+}
+
+std::wstring clipboardText() { return Process::instance().maker->clipboardText(); }
+
+void setClipboardText(const std::wstring& text) { Process::instance().maker->setClipboardText(text); }
+
+}  // namespace dialogs

@@ -1,0 +1,144 @@
+#include "dialogs/form_names.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "dialogs/styles.h"
+
+namespace dialogs {
+namespace {
+
+bool hasOwnCaption(const Control& control) {
+    switch (control.kind()) {
+        case ControlKind::kLabel:
+        case ControlKind::kGroup:
+        case ControlKind::kButton:
+        case ControlKind::kPictureButton:
+        case ControlKind::kCheck:
+        case ControlKind::kRadio:
+            return true;
+        default:
+            return false;
+    }
+}
+
+std::wstring ownCaption(const Control& control) {
+    // What a picture button shows is its picture.
+    if (!hasOwnCaption(control) || (control.kind() == ControlKind::kPictureButton && control.picture != 0)) return {};
+    return plainName(control.text);
+}
+
+// The nearest caption before the control. An empty label ends the search: it belongs to the control, and says nothing
+// now. A field does not go by the caption of a field in front of it, unless `overFields`; a button does.
+std::wstring captionBefore(const Control& control, bool overFields) {
+    const auto& all = control.dialog->controls();
+    auto at = std::find_if(all.begin(), all.end(), [&](const auto& other) { return other.get() == &control; });
+    while (at != all.begin()) {
+        const Control& before = **--at;
+        if (!before.visible) continue;
+        if (before.isField() && control.isField() && !overFields) return {};
+        if (!hasOwnCaption(before)) continue;
+        std::wstring caption = ownCaption(before);
+        if (!caption.empty() || before.kind() == ControlKind::kLabel) return caption;
+    }
+    return {};
+}
+
+// In their order of precedence.
+using Names = std::array<std::wstring, 4>;
+Names namesOf(const Control& control) {
+    const std::wstring own = ownCaption(control);
+    const bool named = !own.empty() || control.kind() == ControlKind::kLabel;
+    const bool isList = control.kind() == ControlKind::kListView || control.kind() == ControlKind::kListBox;
+    return {named ? own : captionBefore(control, false), plainName(control.tooltip),
+            named ? std::wstring() : captionBefore(control, true), isList ? L"list" : L""};
+}
+
+bool liesInside(const UnitRect& inner, const UnitRect& outer) {
+    const int x = inner.x + inner.width / 2;
+    const int y = inner.y + inner.height / 2;
+    return x >= outer.x && x < outer.x + outer.width && y >= outer.y && y < outer.y + outer.height;
+}
+
+// Whether the name, perhaps with a group's in front, is `wanted`.
+bool isCalled(const Control& control, std::wstring_view name, std::wstring_view wanted) {
+    if (name.empty()) return false;
+    if (base::equalsNoCase(name, wanted)) return true;
+    if (wanted.size() <= name.size() + 1) return false;
+    const std::size_t slash = wanted.size() - name.size() - 1;
+    if (wanted[slash] != L'/' || !base::equalsNoCase(wanted.substr(slash + 1), name)) return false;
+    for (const auto& group : control.dialog->controls())
+        if (group->kind() == ControlKind::kGroup && group.get() != &control && group->visible &&
+            base::equalsNoCase(plainName(group->text), wanted.substr(0, slash)) &&
+            liesInside(control.design->place, group->design->place))
+            return true;
+    return false;
+}
+
+Control* findNth(const std::vector<Control*>& candidates, std::wstring_view wanted, std::size_t n) {
+    constexpr std::size_t kNames = std::tuple_size_v<Names>;
+    for (std::size_t precedence = 0; precedence < kNames; ++precedence) {
+        std::vector<Control*> alike;
+        for (Control* control : candidates) {
+            if (isCalled(*control, namesOf(*control)[precedence], wanted)) alike.push_back(control);
+        }
+        if (alike.size() >= n) return alike[n - 1];
+    }
+    return nullptr;
+}
+
+// The number in "Name(2)", and the name without it.
+std::optional<std::size_t> takeNumber(std::wstring_view& name) {
+    if (!name.ends_with(L')')) return std::nullopt;
+    const std::size_t open = name.rfind(L'(');
+    if (open == name.npos) return std::nullopt;
+    const auto number = base::parseInteger(name.substr(open + 1, name.size() - open - 2));
+    if (!number || *number < 1) return std::nullopt;
+    name = base::trimmed(name.substr(0, open));
+    return static_cast<std::size_t>(*number);
+}
+
+}  // namespace
+
+std::wstring plainName(std::wstring_view caption) {
+    std::wstring name;
+    for (std::size_t i = 0; i < caption.size(); ++i) {
+        if (caption[i] == L'&' && ++i == caption.size()) break;
+        name += caption[i];
+    }
+    for (bool cut = true; cut;) {
+        cut = false;
+        name = base::trimmed(name);
+        for (std::wstring_view ending : {L"...", L":", L"<"}) {
+            if (!name.ends_with(ending)) continue;
+            name.resize(name.size() - ending.size());
+            cut = true;
+        }
+    }
+    return name;
+}
+
+std::wstring nameOf(const Control& control) {
+    const auto names = namesOf(control);
+    return !names[0].empty() ? names[0] : !names[1].empty() ? names[1] : names[3];
+}
+
+Control* findByName(Run& run, std::wstring_view name, const ControlTest& test) {
+    std::vector<Control*> candidates = run.shownControls();
+    std::erase_if(candidates, [&](Control* control) { return !test(*control); });
+    if (Control* const found = findNth(candidates, plainName(name), 1)) return found;
+    std::wstring_view withoutNumber = base::trimmed(name);
+    const auto number = takeNumber(withoutNumber);
+    return number ? findNth(candidates, plainName(withoutNumber), *number) : nullptr;
+}
+
+NamedPart splitAtName(Run& run, std::wstring_view line, wchar_t separator, const ControlTest& test) {
+    for (std::size_t at = line.rfind(separator); at != line.npos && at > 0; at = line.rfind(separator, at - 1))
+        if (Control* const found = findByName(run, line.substr(0, at), test)) return {found, line.substr(at + 1)};
+    return {};
+}
+
+}  // namespace dialogs

@@ -1,0 +1,63 @@
+#include "base/console.h"
+#include "base/text.h"
+#include "dialogs/maker.h"
+
+namespace dialogs {
+namespace {
+
+// The terminal, for a process that says nothing about its dialogs.
+class TerminalLines final : public LineSource {
+  public:
+    std::optional<std::wstring> next(const std::wstring& prompt) override {
+        print(prompt);
+        const auto line = base::readLine();
+        return line ? std::optional(base::fromUtf8(*line)) : std::nullopt;
+    }
+    void print(std::wstring_view text) override { base::writeTo(base::Stream::kError, base::toUtf8(text)); }
+    void refuse(const std::wstring& why) override { print(why + L"\n"); }
+    bool isScript() const override { return false; }
+};
+
+TerminalLines& terminalLines() {
+    static TerminalLines lines;
+    return lines;
+}
+
+}  // namespace
+
+LineSource::~LineSource() = default;
+
+Process::Process() { setStandard(); }
+
+void Process::setStandard() {
+    maker = makeWindowsMaker(false);
+    forms = maker == nullptr;
+    lines = forms ? &terminalLines() : nullptr;
+    if (forms) maker = makeFormsMaker();
+}
+
+Process& Process::instance() {
+    static Process process;
+    return process;
+}
+
+void useForms(LineSource& lines) {
+    Process& process = Process::instance();
+    process.maker = makeFormsMaker();
+    process.lines = &lines;
+    process.forms = true;
+}
+
+bool useWindows(LineSource* script) {
+    std::unique_ptr<Maker> maker = makeWindowsMaker(script != nullptr);
+    if (!maker) return false;
+    Process& process = Process::instance();
+    process.maker = std::move(maker);
+    process.lines = script;
+    process.forms = false;
+    return true;
+}
+
+void useStandard() { Process::instance().setStandard(); }
+
+}  // namespace dialogs

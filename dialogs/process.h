@@ -1,0 +1,38 @@
+// What a process decides about its dialogs: whether they are windows or forms, and where the lines come from that
+// answer them. Without a say they are windows on Windows, and forms on the terminal elsewhere.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "dialogs/api.h"
+
+namespace dialogs {
+
+/// Where lines come from and where forms are printed.
+class DIALOGS_API LineSource {
+  public:
+    virtual ~LineSource();
+
+    /// Shows the prompt and takes a line; nothing at the end.
+    virtual std::optional<std::wstring> next(const std::wstring& prompt) = 0;
+    /// The line that next() will take, where that can be known.
+    virtual std::optional<std::wstring> peek() { return std::nullopt; }
+    /// A text with its line ends.
+    virtual void print(std::wstring_view text) = 0;
+    /// A line did not suit, or there was none. The source of a script throws, which ends all dialogs; that of a person
+    /// tells why and returns.
+    virtual void refuse(const std::wstring& why) = 0;
+    virtual bool isScript() const = 0;
+};
+
+/// Dialogs are forms, worked by the lines of `lines`. It must outlive its use.
+DIALOGS_API void useForms(LineSource& lines);
+/// Dialogs are windows. With a script its lines do what a user would do; without one (null) the user does.
+/// False, and nothing changed, where there are no windows.
+DIALOGS_API bool useWindows(LineSource* script);
+/// Back to what holds without a say.
+DIALOGS_API void useStandard();
+
+}  // namespace dialogs

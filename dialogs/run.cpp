@@ -1,0 +1,223 @@
+#include "dialogs/run.h"
+
+#include <algorithm>
+
+#include "dialogs/styles.h"
+#include "dialogs/text_editing.h"
+
+namespace dialogs {
+
+Run::Run(Dialog& root) : root_(root), outer_(Process::instance().current) {
+    attach(root_, this);
+    Process::instance().current = this;
+}
+
+Run::~Run() {
+    root_.lastFocus_ = focus_ && focus_->dialog == &root_ ? focus_->id() : 0;
+    Process::instance().current = outer_;
+    attach(root_, nullptr);
+}
+
+void Run::attach(Dialog& dialog, Run* run) {
+    dialog.run_ = run;
+    dialog.initialized_ = false;
+    for (const auto& control : dialog.controls_)
+        for (Dialog* page : control->pages) attach(*page, run);
+}
+
+template <class Handler>
+void Run::call(Dialog& dialog, Handler handler) {
+    if (hasEnded()) return;
+    const ResourceScope scope(dialog.resources_);
+    handler(dialog);
+}
+
+int Run::execute() {
+    view_ = Process::instance().maker->makeView(*this);
+    initialize(root_);
+    view_->restorePlacement(root_.savedPlacement());
+    if (!hasEnded() && !focus_) {
+        const auto before = root_.owns(root_.lastFocus_) ? &root_.control(root_.lastFocus_) : nullptr;
+        Control* const first = before && isShown(*before) && before->canHaveFocus() ? before : nextInTabOrder(false);
+        if (first) setFocus(*first);
+    }
+    if (!hasEnded()) view_->work();
+    if (const std::wstring placement = view_->placement(); !placement.empty()) root_.savePlacement(placement);
+    view_.reset();
+    return result_.value_or(kCancelButton);
+}
+
+void Run::initialize(Dialog& dialog) {
+    dialog.initialized_ = true;
+    call(dialog, [](Dialog& opened) { opened.onInit(); });
+    for (const auto& control : dialog.controls_)
+        if (!control->pages.empty()) initializePage(*control);
+}
+
+void Run::initializePage(Control& tab) {
+    if (tab.selected < 0) tab.selected = 0;
+    Dialog& page = *tab.pages.at(tab.selected);
+    if (page.run_ != this) attach(page, this);  // added during this run
+    view_->pageShown(tab);
+    if (!page.initialized_) initialize(page);
+}
+
+void Run::end(int code) {
+    if (!result_) result_ = code;
+}
+
+void Run::setFocus(Control& control) {
+    focus_ = &control;
+    if (view_) view_->focusChanged(control);
+}
+
+// ---- the controls that are shown
+
+void Run::appendShown(Dialog& dialog, std::vector<Control*>& found) {
+    for (const auto& control : dialog.controls_) {
+        if (!control->visible) continue;
+        found.push_back(control.get());
+        if (control->selected >= 0 && control->selected < static_cast<int>(control->pages.size()))
+            appendShown(*control->pages[control->selected], found);
+    }
+}
+
+std::vector<Control*> Run::shownControls() {
+    std::vector<Control*> found;
+    appendShown(root_, found);
+    return found;
+}
+
+bool Run::isShown(const Control& control) {
+    const std::vector<Control*> shown = shownControls();
+    return std::find(shown.begin(), shown.end(), &control) != shown.end();
+}
+
+namespace {
+
+// The Tab key stops at one radio button of a group: the marked one, or the first when none is.
+bool isTabStop(Control& control) {
+    if (!control.canHaveFocus()) return false;
+    if (control.kind() != ControlKind::kRadio) return (control.design->style & kTabStopStyle) != 0;
+    const std::vector<Control*> group = radioGroup(control);
+    const auto marked = std::find_if(group.begin(), group.end(), [](Control* c) { return c->checked; });
+    return (marked == group.end() ? group.front() : *marked) == &control;
+}
+
+}  // namespace
+
+Control* Run::nextInTabOrder(bool backwards) {
+    std::vector<Control*> shown = shownControls();
+    if (backwards) std::reverse(shown.begin(), shown.end());
+    const auto at = std::find(shown.begin(), shown.end(), focus_);
+    if (at != shown.end()) std::rotate(shown.begin(), at + 1, shown.end());
+    const auto next = std::find_if(shown.begin(), shown.end(), [](Control* c) { return isTabStop(*c); });
+    return next == shown.end() ? nullptr : *next;
+}
+
+Control* Run::buttonOfEnter() {
+    if (focus_ && focus_->isButton()) return focus_;
+    for (const auto& control : root_.controls_)
+        if (control->isDefaultButton() && control->visible) return control.get();
+    return findButton(kOkButton);
+}
+
+Control* Run::findButton(int id) { return root_.owns(id) ? &root_.control(id) : nullptr; }
+
+std::vector<Control*> radioGroup(Control& radio) {
+    auto& all = radio.dialog->controls();
+    const auto startsGroup = [](const auto& control) { return (control->design->style & kGroupStyle) != 0; };
+    auto end = std::find_if(all.begin(), all.end(), [&](const auto& control) { return control.get() == &radio; });
+    auto begin = end;
+    while (begin != all.begin() && !startsGroup(*begin)) --begin;
+    for (++end; end != all.end() && !startsGroup(*end);) ++end;
+    std::vector<Control*> group;
+    for (; begin != end; ++begin)
+        if ((*begin)->kind() == ControlKind::kRadio) group.push_back(begin->get());
+    return group;
+}
+
+void markRadio(Control& radio) {
+    for (Control* other : radioGroup(radio)) other->checked = other == &radio;
+}
+
+// ---- leaving a field
+
+Run::Leave Run::mayLeave(Control& from, Control* next) {
+    if (hasEnded()) return Leave::kInterrupted;
+    if (&from == next) return Leave::kFree;
+    const int boxesBefore = Process::instance().boxesShown;
+    bool may = true;
+    call(*from.dialog, [&](Dialog& dialog) { may = dialog.onLeave(from.id(), next ? next->id() : 0); });
+    if (hasEnded()) return Leave::kInterrupted;
+    if (!may) {
+        if (from.isTyped()) from.selection = {0, from.text.size()};
+        return Leave::kRefused;
+    }
+    return Process::instance().boxesShown != boxesBefore ? Leave::kInterrupted : Leave::kFree;
+}
+
+// ---- what the user did
+
+void Run::pressed(Control& control) {
+    const bool ownButton = control.dialog == &root_ && control.kind() == ControlKind::kButton;
+    if (ownButton && control.id() == kOkButton) {
+        call(root_, [](Dialog& dialog) { dialog.onOk(); });
+    } else if (ownButton && control.id() == kCancelButton) {
+        cancelled();
+    } else if (ownButton && control.id() == kHelpButton) {
+        helpWanted();
+    } else {
+        call(*control.dialog, [&](Dialog& dialog) { dialog.onCommand(control.id(), Event::kPressed); });
+    }
+}
+
+void Run::edited(Control& control) {
+    control.modified = true;
+    call(*control.dialog, [&](Dialog& dialog) { dialog.onCommand(control.id(), Event::kEdited); });
+}
+
+void Run::chosen(Control& control) {
+    control.modified = true;
+    call(*control.dialog, [&](Dialog& dialog) { dialog.onCommand(control.id(), Event::kChosen); });
+}
+
+void Run::rowSelected(Control& list) {
+    call(*list.dialog, [&](Dialog& dialog) { dialog.onSelect(list.id(), list.selected); });
+}
+
+void Run::doubleClicked(Control& list, int row) {
+    call(*list.dialog, [&](Dialog& dialog) { dialog.onDoubleClick(list.id(), row); });
+}
+
+void Run::pageChosen(Control& tab) {
+    if (hasEnded()) return;
+    if (!tab.pages.empty()) initializePage(tab);
+    call(*tab.dialog, [&](Dialog& dialog) { dialog.onPage(tab.id(), tab.selected); });
+}
+
+void Run::cancelled() {
+    call(root_, [](Dialog& dialog) { dialog.onCancel(); });
+}
+
+void Run::helpWanted() {
+    call(root_, [](Dialog& dialog) { dialog.onHelp(); });
+}
+
+std::vector<MenuEntry> Run::menuOf(Control& control) {
+    if (control.richText) return control.richText->menu(control.selection);
+    std::vector<MenuEntry> entries;
+    call(*control.dialog, [&](Dialog& dialog) { entries = dialog.menuOf(control.id()); });
+    return entries;
+}
+
+void Run::menuChosen(Control& control, int command) {
+    if (!control.richText) return call(*control.dialog, [&](Dialog& dialog) { dialog.onMenu(control.id(), command); });
+    const std::wstring before = control.text;
+    call(*control.dialog, [&](Dialog&) { control.richText->onMenu(command, control.selection); });
+    refreshFromRichText(control);
+    view_->changed(control, Aspect::kText);
+    if (control.text != before) edited(control);
+}
+
+}  // namespace dialogs

@@ -1,0 +1,30 @@
+#define IDD_FIELDS 100
+#define IDD_TABS 110
+#define IDD_PAGE_ONE 111
+#define IDD_PAGE_TWO 112
+#define IDD_INNER 113
+
+#define IDC_TAG 101
+#define IDC_HEIGHT 102
+#define IDC_INVISIBLE 103
+#define IDC_LEFT 104
+#define IDC_MIDDLE 105
+#define IDC_RIGHT 106
+#define IDC_STYLE 107
+#define IDC_LAYER 108
+#define IDC_VALUE 109
+#define IDC_MORE 120
+#define IDC_PICK 121
+#define IDC_LIST 122
+#define IDC_NESTED 123
+#define IDC_X1 124
+#define IDC_X2 125
+#define IDC_COUNT 126
+#define IDC_COLORS 127
+#define IDC_NOTE 128
+
+#define IDC_TAB 130
+#define IDC_ROTATION 131
+#define IDC_WIDTH 132
+#define IDC_INNER_TAB 133
+#define IDC_DEEP 134

@@ -1,0 +1,526 @@
+// Dialogs worked by lines. On Windows every test runs twice: as forms, and with the lines driving real windows.
+#include <deque>
+#include <gmock/gmock.h>
+#include <stdexcept>
+
+#include "base/text.h"
+#include "dialogs/boxes.h"
+#include "dialogs/dialog.h"
+#include "dialogs/process.h"
+#include "dialogs_test.h"
+
+using namespace dialogs;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+class ScriptFault : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+class Script final : public LineSource {
+  public:
+    std::optional<std::wstring> next(const std::wstring&) override {
+        const auto line = peek();
+        if (line) lines.pop_front();
+        return line;
+    }
+    std::optional<std::wstring> peek() override {
+        return lines.empty() ? std::nullopt : std::optional(base::fromUtf8(lines.front()));
+    }
+    void print(std::wstring_view text) override { printed += base::toUtf8(text); }
+    void refuse(const std::wstring& why) override { throw ScriptFault(base::toUtf8(why)); }
+    bool isScript() const override { return true; }
+
+    std::deque<std::string> lines;
+    std::string printed;
+};
+
+// Text with "{" and "}" around runs when it is made.
+class Value final : public RichText {
+  public:
+    explicit Value(std::wstring marked) {
+        for (wchar_t c : marked) {
+            if (c == L'{')
+                runs_.push_back({text_.size(), 0});
+            else if (c == L'}')
+                runs_.back().end = text_.size();
+            else
+                text_ += c;
+        }
+    }
+    std::wstring text() const override { return text_; }
+    std::vector<Run> runs() const override { return runs_; }
+    void replace(std::size_t begin, std::size_t end, std::wstring_view plain) override {
+        for (const Run& run : runs_)
+            ASSERT_FALSE((run.begin < begin && begin < run.end) || (run.begin < end && end < run.end));
+        std::erase_if(runs_, [&](const Run& run) { return run.begin >= begin && run.end <= end && begin != end; });
+        text_.replace(begin, end - begin, plain);
+        for (Run& run : runs_) {
+            if (run.begin < end) continue;
+            run.begin += plain.size() - (end - begin);
+            run.end += plain.size() - (end - begin);
+        }
+    }
+    std::vector<MenuEntry> menu(const TextSelection&) const override {
+        return {{L"&Copy", 1, true}, {L"", 0, true}, {L"Clear", 2, true}, {L"Edit field...", 3, false}};
+    }
+    void onMenu(int command, TextSelection& selection) override {
+        if (command == 1) setClipboardText(text_.substr(selection.begin(), selection.end() - selection.begin()));
+        if (command == 2) replace(0, text_.size(), L"");
+    }
+
+  private:
+    std::wstring text_;
+    std::vector<Run> runs_;
+};
+
+class Logged : public Dialog {
+  public:
+    using Dialog::Dialog;
+    std::vector<std::string> log;
+
+    // What the next leave of a field meets.
+    int refuseLeaving = 0;   // this field is not left
+    int boxWhenLeaving = 0;  // leaving this field shows a box
+    int throwWhenPressed = 0;
+
+  protected:
+    void note(const std::string& what, int control) { log.push_back(what + " " + std::to_string(control)); }
+    void onCommand(int control, Event event) override {
+        static const char* const kNames[] = {"pressed", "edited", "chosen"};
+        note(kNames[static_cast<int>(event)], control);
+        if (control == throwWhenPressed) throw std::domain_error("pressed");
+    }
+    bool onLeave(int control, int next) override {
+        log.push_back("leave " + std::to_string(control) + " for " + std::to_string(next));
+        if (control == boxWhenLeaving) messageBox(BoxKind::kWarning, L"Mind the gap.");
+        return control != refuseLeaving || next == kCancelButton;
+    }
+    void onSelect(int list, int row) override {
+        note("select", list);
+        log.back() += " row " + std::to_string(row);
+    }
+    void onDoubleClick(int list, int row) override {
+        note("double", list);
+        log.back() += " row " + std::to_string(row);
+    }
+    void onPage(int tab, int page) override {
+        note("page", tab);
+        log.back() += " " + std::to_string(page);
+    }
+    void onOk() override {
+        log.push_back("ok");
+        Dialog::onOk();
+    }
+    void onCancel() override {
+        log.push_back("cancel");
+        Dialog::onCancel();
+    }
+    void onHelp() override { log.push_back("help"); }
+    void onInit() override { log.push_back("init"); }
+};
+
+class Fields final : public Logged {
+  public:
+    Fields() : Logged(IDD_FIELDS) {
+        for (const wchar_t* style : {L"Standard", L"ROMANS", L"My style"}) addChoice(IDC_STYLE, style);
+        for (const wchar_t* layer : {L"0", L"WALLS"}) addChoice(IDC_LAYER, layer, 7);
+        for (const wchar_t* color : {L"red", L"green"}) addChoice(IDC_COLORS, color);
+        select(IDC_STYLE, 0);
+        setColumns(IDC_LIST, {{L"Tag", 60}, {L"Value", 80}});
+        setRows(IDC_LIST, {{{L"WIDTH", L"12"}, false}, {{L"3", L"three"}, true}, {{L"NAME", L"Door"}, false}});
+        setTooltip(IDC_PICK, L"Set text height on screen");
+        setRichText(IDC_VALUE, &value);
+        setChecked(IDC_LEFT);
+        setText(IDC_COUNT, L"3");
+        setText(IDC_NOTE, L"one");
+    }
+    Value value{L"Sheet {A1} of {A2}{A3}"};
+    std::function<void(Fields&)> nested;
+
+  private:
+    void onCommand(int control, Event event) override {
+        if (control == IDC_PICK) end(77);
+        if (control == IDC_NESTED && nested) nested(*this);
+        Logged::onCommand(control, event);
+    }
+    std::vector<MenuEntry> menuOf(int control) override {
+        if (control != IDC_LIST) return {};
+        return {{L"Move &Up", 5, true}};
+    }
+    void onMenu(int control, int command) override {
+        note("menu", control);
+        log.back() += " " + std::to_string(command);
+    }
+};
+
+class Forms : public testing::TestWithParam<bool> {
+  protected:
+    void SetUp() override {
+        if (!GetParam())
+            useForms(script_);
+        else if (!useWindows(&script_))
+            GTEST_SKIP() << "there are no windows";
+    }
+    void TearDown() override { useStandard(); }
+
+    int run(Dialog& dialog, std::deque<std::string> lines) {
+        script_.lines = std::move(lines);
+        script_.printed.clear();
+        const int code = dialog.runModal();
+        EXPECT_TRUE(script_.lines.empty()) << "left over: " << script_.lines.front();
+        return code;
+    }
+    // What the script is told when it does not fit.
+    std::string fault(Dialog& dialog, std::deque<std::string> lines) {
+        script_.lines = std::move(lines);
+        try {
+            dialog.runModal();
+        } catch (const ScriptFault& found) {
+            return found.what();
+        }
+        return "no fault";
+    }
+
+    ResourceScope resources_{base::processImage()};
+    Script script_;
+};
+INSTANTIATE_TEST_SUITE_P(Makers, Forms, testing::Values(false, true),
+                         [](const auto& maker) { return maker.param ? "Windows" : "Forms"; });
+
+}  // namespace
+
+TEST_P(Forms, FieldsAreFilledByTheirNames) {
+    Fields dialog;
+    EXPECT_EQ(run(dialog, {"tag = DOOR", "Text height= 2.5", "TEXT HEIGHT: = \" 3 \"", "First point/X = 1", "X(2) = 2",
+                           "check invisible", "check Right", "Style = romans", "Layer = WALLS", "Colors = green",
+                           "Value = plain", "press OK"}),
+              kOkButton);
+    EXPECT_EQ(dialog.text(IDC_TAG), L"DOOR");
+    EXPECT_EQ(dialog.text(IDC_HEIGHT), L" 3 ");
+    EXPECT_EQ(dialog.text(IDC_X1), L"1");
+    EXPECT_EQ(dialog.text(IDC_X2), L"2");
+    EXPECT_TRUE(dialog.isChecked(IDC_INVISIBLE));
+    EXPECT_FALSE(dialog.isChecked(IDC_LEFT));
+    EXPECT_TRUE(dialog.isChecked(IDC_RIGHT));
+    EXPECT_EQ(dialog.text(IDC_STYLE), L"ROMANS");
+    EXPECT_EQ(dialog.selected(IDC_STYLE), 1);
+    EXPECT_EQ(dialog.selected(IDC_LAYER), 1);
+    EXPECT_EQ(dialog.choiceData(IDC_LAYER, dialog.selected(IDC_LAYER)), 7);
+    EXPECT_EQ(dialog.selected(IDC_COLORS), 1);
+    EXPECT_EQ(dialog.value.text(), L"plain");
+    EXPECT_TRUE(dialog.isModified(IDC_TAG));
+    EXPECT_FALSE(dialog.isModified(IDC_NOTE));
+}
+
+TEST_P(Forms, ActionsCauseTheEventsOfAHand) {
+    const struct {
+        std::deque<std::string> lines;
+        std::vector<std::string> events;
+    } kCases[] = {
+        {{"Tag = A", "key Escape"}, {"init", "edited 101", "leave 101 for 2", "cancel"}},
+        {{"Tag =", "Tag = A", "Tag = A", "Tag =", "close"},
+         {"init", "edited 101", "edited 101", "edited 101", "leave 101 for 2", "cancel"}},
+        {{"Tag = A", "key Enter"}, {"init", "edited 101", "leave 101 for 1", "ok"}},
+        {{"check Invisible", "check Invisible", "uncheck Invisible", "press OK"},
+         {"init", "leave 101 for 103", "pressed 103", "pressed 103", "leave 103 for 1", "ok"}},
+        {{"check Left", "press Cancel"}, {"init", "leave 101 for 104", "pressed 104", "leave 104 for 2", "cancel"}},
+        {{"Layer = new one", "Layer = 0", "press OK"},
+         {"init", "leave 101 for 108", "edited 108", "chosen 108", "leave 108 for 1", "ok"}},
+        {{"row NAME", "row 3", "row \"3\"", "double row 2", "press OK"},
+         {"init", "leave 101 for 122", "select 122 row 2", "select 122 row 1", "double 122 row 1", "leave 122 for 1",
+          "ok"}},
+        {{"menu list: Move Up", "menu Value: Copy", "close"},
+         {"init", "leave 101 for 122", "menu 122 5", "leave 122 for 109", "leave 109 for 2", "cancel"}},
+        {{"press Help", "key F1", "key Enter", "close"},
+         {"init", "leave 101 for 9", "help", "help", "help", "leave 9 for 2", "cancel"}},
+        {{"key Tab", "key Tab", "key Shift+Tab", "close"},
+         {"init", "leave 101 for 102", "leave 102 for 121", "leave 121 for 102", "leave 102 for 2", "cancel"}},
+    };
+    for (const auto& test : kCases) {
+        Fields dialog;
+        run(dialog, test.lines);
+        EXPECT_EQ(dialog.log, test.events) << test.lines.front();
+    }
+}
+
+TEST_P(Forms, ProgramChangesCauseNoEvents) {
+    Fields dialog;
+    dialog.nested = [](Fields& fields) {
+        fields.setText(IDC_TAG, L"by program");
+        fields.setChecked(IDC_MIDDLE);
+        fields.select(IDC_STYLE, 2);
+        fields.setText(IDC_LAYER, L"typed");
+        fields.select(IDC_LIST, 1);
+        fields.select(IDC_COLORS, 1);
+        fields.enable(IDC_HEIGHT, false);
+        fields.show(IDC_INVISIBLE, false);
+    };
+    run(dialog, {"press Nested", "press OK"});
+    EXPECT_THAT(dialog.log, ElementsAre("init", "leave 101 for 123", "pressed 123", "leave 123 for 1", "ok"));
+    EXPECT_EQ(dialog.text(IDC_TAG), L"by program");
+    EXPECT_FALSE(dialog.isChecked(IDC_LEFT));
+    EXPECT_EQ(dialog.text(IDC_STYLE), L"My style");
+    EXPECT_EQ(dialog.selected(IDC_LAYER), -1);
+    EXPECT_EQ(dialog.selected(IDC_LIST), 1);
+}
+
+TEST_P(Forms, LinesThatDoNotFitEndTheScript) {
+    const struct {
+        const char* line;
+        const char* reason;
+    } kCases[] = {
+        {"Tug = DOOR", "no field \"Tug\""},
+        {"press Tag", "no button \"Tag\""},
+        {"check OK", "no box \"OK\""},
+        {"uncheck Left", "no box \"Left\""},
+        {"Style = nothing", "no choice \"nothing\"; there is: Standard, ROMANS, My style"},
+        {"row 4", "no row \"4\""},
+        {"Count = 4", "only be read"},
+        {"tab Somewhere", "no page"},
+        {"key F13", "no key"},
+        {"X(3) = 1", "no field \"X(3)\""},
+        {"dance", "no action"},
+        {"menu Value: Edit field", "disabled"},
+        {"menu Value: Undo", "there is: Copy, Clear, Edit field"},
+        {"menu Tag: Copy", "no menu"},
+    };
+    for (const auto& test : kCases) {
+        Fields dialog;
+        EXPECT_THAT(fault(dialog, {test.line, "close"}), HasSubstr(test.reason)) << test.line;
+        EXPECT_FALSE(dialog.isOpen());
+    }
+    Fields disabled;
+    disabled.enable(IDC_TAG, false);
+    EXPECT_THAT(fault(disabled, {"Tag = 1", "close"}), HasSubstr("disabled"));
+    Fields unfinished;
+    EXPECT_THAT(fault(unfinished, {"Tag = 1"}), HasSubstr("the script ends in the dialog \"Fields & more\""));
+}
+
+TEST_P(Forms, AFieldThatIsRefusedKeepsTheFocusAndDropsTheAction) {
+    Fields dialog;
+    dialog.refuseLeaving = IDC_HEIGHT;
+    // Every way out of the field is tried; only Cancel is allowed.
+    EXPECT_EQ(run(dialog, {"Text height = bad", "Tag = lost", "press OK", "check Invisible", "row 2", "key Enter",
+                           "key Tab", "type Text height: over", "press Cancel"}),
+              kCancelButton);
+    EXPECT_EQ(dialog.text(IDC_TAG), L"");
+    EXPECT_FALSE(dialog.isChecked(IDC_INVISIBLE));
+    EXPECT_EQ(dialog.selected(IDC_LIST), -1);
+    EXPECT_EQ(dialog.text(IDC_HEIGHT), L"over");  // the whole text was selected
+    EXPECT_THAT(dialog.log, ElementsAre("init", "leave 101 for 102", "edited 102", "leave 102 for 101",
+                                        "leave 102 for 1", "leave 102 for 103", "leave 102 for 122", "leave 102 for 1",
+                                        "leave 102 for 121", "edited 102", "leave 102 for 2", "cancel"));
+}
+
+TEST_P(Forms, ABoxWhileLeavingDropsTheActionButNotTheFocus) {
+    Fields dialog;
+    dialog.boxWhenLeaving = IDC_TAG;
+    EXPECT_EQ(run(dialog, {"Tag = A", "press OK", "press OK"}), kOkButton);
+    EXPECT_THAT(dialog.log, ElementsAre("init", "edited 101", "leave 101 for 1", "ok"));
+    EXPECT_EQ(script_.printed, "[warning] Mind the gap.\n");
+}
+
+TEST_P(Forms, TwoBadFields) {
+    class TwoFields final : public Logged {
+      public:
+        TwoFields() : Logged(IDD_FIELDS) {}
+        bool onLeave(int control, int) override {
+            const bool bad = (control == IDC_TAG || control == IDC_HEIGHT) && text(control) == L"bad";
+            if (bad) messageBox(BoxKind::kError, L"Bad " + std::to_wstring(control));
+            return !bad;
+        }
+    } dialog;
+    dialog.setText(IDC_TAG, L"bad");
+    dialog.setText(IDC_HEIGHT, L"bad");
+    EXPECT_EQ(run(dialog, {"press OK", "Text height = 1", "Tag = good", "key Tab", "Tag = too late",
+                           "Text height = good", "key Enter"}),
+              kOkButton);
+    EXPECT_EQ(script_.printed, "[error] Bad 101\n[error] Bad 101\n[error] Bad 102\n");
+    EXPECT_EQ(dialog.text(IDC_TAG), L"good");
+}
+
+TEST_P(Forms, EndsForAPickAndComesBackAsItWas) {
+    Fields dialog;
+    EXPECT_EQ(run(dialog, {"Tag = DOOR", "check Middle", "row 2", "press Text height"}), 77);
+    EXPECT_FALSE(dialog.isOpen());
+    EXPECT_EQ(dialog.text(IDC_TAG), L"DOOR");
+    dialog.setText(IDC_HEIGHT, L"picked");
+    EXPECT_EQ(run(dialog, {"show", "press Set text height on screen"}), 77);
+    EXPECT_EQ(dialog.text(IDC_HEIGHT), L"picked");
+    EXPECT_THAT(script_.printed, HasSubstr("Tag = \"DOOR\""));
+    EXPECT_THAT(script_.printed, HasSubstr("(o) Middle"));
+    EXPECT_THAT(script_.printed, HasSubstr("*  2!"));
+    EXPECT_THAT(script_.printed, HasSubstr("> [ Text height"));
+}
+
+TEST_P(Forms, ADialogOpensAnother) {
+    Fields dialog;
+    std::vector<std::string> innerLog;
+    dialog.nested = [&](Fields& outer) {
+        Fields inner;
+        inner.setTitle(L"Inner");
+        EXPECT_EQ(inner.runModal(), kOkButton);
+        outer.setText(IDC_TAG, inner.text(IDC_TAG));
+        innerLog = inner.log;
+    };
+    EXPECT_EQ(run(dialog, {"press Nested", "Tag = from inside", "key Enter", "Text height = 1", "press OK"}),
+              kOkButton);
+    EXPECT_EQ(dialog.text(IDC_TAG), L"from inside");
+    EXPECT_THAT(innerLog, ElementsAre("init", "edited 101", "leave 101 for 1", "ok"));
+    EXPECT_THAT(dialog.log, ElementsAre("init", "leave 101 for 123", "pressed 123", "leave 123 for 102", "edited 102",
+                                        "leave 102 for 1", "ok"));
+}
+
+TEST_P(Forms, ExceptionsAndScriptEndsComeOutOfEveryLevel) {
+    Fields thrower;
+    thrower.throwWhenPressed = IDC_NESTED;
+    EXPECT_THROW(run(thrower, {"press Nested"}), std::domain_error);
+    Fields outer;
+    outer.nested = [](Fields&) {
+        const ResourceScope other(nullptr);
+        const ResourceScope again(base::processImage());
+        Fields().runModal();
+    };
+    EXPECT_THAT(fault(outer, {"press Nested", "Tag = 1"}), HasSubstr("the script ends"));
+    EXPECT_FALSE(outer.isOpen());
+    EXPECT_EQ(ResourceScope::current(), base::processImage());
+    EXPECT_EQ(run(thrower, {"press OK"}), kOkButton);  // and the next dialog is as good as new
+}
+
+TEST_P(Forms, QuestionsFilesAndTheClipboard) {
+    script_.lines = {"no", "", "cancel", "y"};
+    EXPECT_EQ(messageBox(BoxKind::kYesNoCancel, L"Save?"), Answer::kNo);
+    EXPECT_EQ(messageBox(BoxKind::kYesNo, L"Save?"), Answer::kYes);
+    EXPECT_EQ(messageBox(BoxKind::kYesNoCancel, L"Save?"), Answer::kCancel);
+    EXPECT_EQ(messageBox(BoxKind::kYesNo, L"Save?"), Answer::kYes);
+    EXPECT_EQ(messageBox(BoxKind::kNotice, L"Done."), Answer::kOk);
+    EXPECT_EQ(script_.printed, "[notice] Done.\n");
+    script_.lines = {"perhaps"};
+    EXPECT_THROW(messageBox(BoxKind::kYesNo, L"Save?"), ScriptFault);
+
+    FileRequest request;
+    request.save = true;
+    request.defaultExtension = L"*.txt";
+    script_.lines = {"new file", "", "\"other.csv\""};
+    EXPECT_TRUE(askFile(request)->ends_with(L"new file.txt"));
+    EXPECT_FALSE(askFile(request));
+    EXPECT_TRUE(askFile(request)->ends_with(L"other.csv"));
+    request = {};
+    request.mustExist = true;
+    script_.lines = {"no such file"};
+    EXPECT_THROW(askFile(request), ScriptFault);
+
+    setClipboardText(L"Größe");
+    EXPECT_EQ(clipboardText(), L"Größe");
+}
+
+TEST_P(Forms, RunsOfARichEditAreHandledWhole) {
+    const struct {
+        std::deque<std::string> lines;
+        const wchar_t* text;
+        std::size_t runs;
+    } kCases[] = {
+        {{"caret Value 7", "type Value: x", "close"}, L"Sheet A1x of A2A3", 3},  // inside a run: behind it
+        {{"caret Value 8", "key Backspace", "close"}, L"Sheet  of A2A3", 2},
+        {{"caret Value 6", "key Delete", "key Delete", "close"}, L"Sheet of A2A3", 2},
+        {{"caret Value 14", "key Backspace", "close"}, L"Sheet A1 of A3", 2},
+        {{"caret Value 3 13", "type Value: -", "close"}, L"She-A3", 1},
+        {{"caret Value 16", "key Left", "key Left", "type Value: |", "close"}, L"Sheet A1 of |A2A3", 3},
+        {{"caret Value 0", "key Shift+End", "key Backspace", "close"}, L"", 0},
+        {{"menu Value: Clear", "type Value: new", "close"}, L"new", 0},
+        {{"caret Value 0", "key Home", "key Right", "key Backspace", "type Value: S", "close"}, L"Sheet A1 of A2A3", 3},
+    };
+    for (const auto& test : kCases) {
+        Fields dialog;
+        run(dialog, test.lines);
+        EXPECT_EQ(dialog.value.text(), test.text) << test.lines.front();
+        EXPECT_EQ(dialog.value.runs().size(), test.runs) << test.lines.front();
+        EXPECT_EQ(dialog.text(IDC_VALUE), test.text);
+    }
+    Fields dialog;
+    run(dialog, {"caret Value 5 7", "menu Value: Copy", "show", "close"});
+    EXPECT_EQ(clipboardText(), L" A1");
+    EXPECT_THAT(script_.printed, HasSubstr("Value = \"Sheet {A1} of {A2}{A3}\""));
+}
+
+TEST_P(Forms, TypingGoesWhereTheCaretIs) {
+    Fields dialog;
+    run(dialog, {"Tag = DOOR", "caret Tag 2", "type Tag: ---", "caret Tag 0 1", "type Tag: \"> \"", "key Delete",
+                 "key End", "key Backspace", "caret Note 3", "key Enter", "type Note: two", "press OK"});
+    EXPECT_EQ(dialog.text(IDC_TAG), L"> ---O");
+    EXPECT_EQ(dialog.text(IDC_NOTE), L"one\r\ntwo");
+}
+
+TEST_P(Forms, PagesAreDialogsLikeAnyOther) {
+    class Page final : public Logged {
+      public:
+        Page(int id, std::vector<std::string>& shared) : Logged(id), shared_(shared) {}
+        bool onLeave(int control, int next) override {
+            shared_.push_back("page leave " + std::to_string(control) + " for " + std::to_string(next));
+            return control != IDC_ROTATION || text(control) != L"bad" || next == kCancelButton;
+        }
+        void onInit() override { shared_.push_back("page init " + std::to_string(templateId())); }
+        std::vector<std::string>& shared_;
+    };
+    Logged dialog(IDD_TABS);
+    Page one(IDD_PAGE_ONE, dialog.log), two(IDD_PAGE_TWO, dialog.log), inner(IDD_INNER, dialog.log);
+    dialog.addPage(IDC_TAB, L"&Text Options", one);
+    dialog.addPage(IDC_TAB, L"More", two);
+    two.addPage(IDC_INNER_TAB, L"Deepest", inner);
+    EXPECT_EQ(run(dialog, {"Rotation = bad", "tab More", "press OK", "Rotation = 45", "key Tab", "tab More",
+                           "Deep = down", "tab Text Options", "Width factor = 2", "press OK"}),
+              kOkButton);
+    EXPECT_THAT(dialog.log,
+                ElementsAre("init", "page init 111", "leave 130 for 131", "page leave 131 for 130",
+                            "page leave 131 for 1", "page leave 131 for 132", "page leave 132 for 130", "page init 112",
+                            "page init 113", "page 130 1", "leave 130 for 134", "page leave 134 for 130", "page 130 0",
+                            "leave 130 for 132", "page leave 132 for 1", "ok"));
+    EXPECT_EQ(one.text(IDC_ROTATION), L"45");
+    EXPECT_EQ(inner.text(IDC_DEEP), L"down");
+    EXPECT_EQ(one.parent(), &dialog);
+    EXPECT_FALSE(inner.isOpen());
+}
+
+TEST_P(Forms, ShowPrintsEveryControl) {
+    Fields dialog;
+    dialog.enable(IDC_NESTED, false);
+    run(dialog, {"Tag = DOOR", "show", "show Style", "close"});
+    EXPECT_EQ(script_.printed,
+              "=== Fields & more ===\n"
+              "> Tag = \"DOOR\"\n"
+              "  Text height = \"\"\n"
+              "  [ Text height ... ]  (Set text height on screen)\n"
+              "  [ ] Invisible\n"
+              "  (o) Left\n"
+              "  ( ) Middle\n"
+              "  ( ) Right\n"
+              "  Style = \"Standard\"\n"
+              "        of: Standard, ROMANS, My style\n"
+              "  Layer = \"\"\n"
+              "        of: 0, WALLS\n"
+              "  Value = \"Sheet {A1} of {A2}{A3}\"\n"
+              "  [ Value ... ]\n"
+              "  list:\n"
+              "        Tag   Value\n"
+              "    1.  WIDTH 12\n"
+              "    2!  3     three\n"
+              "    3.  NAME  Door\n"
+              "  -- First point --\n"
+              "    X = \"\"\n"
+              "  -- Second point --\n"
+              "    X = \"\"\n"
+              "  Count = \"3\"  (read only)\n"
+              "  Colors:\n"
+              "    1. red\n"
+              "    2. green\n"
+              "  Note = \"one\"\n"
+              "  [ Nested ]  (disabled)\n"
+              "  [ OK ]\n"
+              "  [ Cancel ]\n"
+              "  [ Help ]\n"
+              "  Standard, ROMANS, My style\n");
+}

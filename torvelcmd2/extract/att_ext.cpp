@@ -1,0 +1,109 @@
+#include "torvelcmd2/extract/att_ext.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/paths.h"
+#include "drawingdb/block.h"
+#include "torvelcmd2/extract/att_ext_dialog.h"
+#include "torvelcmd2/extract/extract.h"
+#include "torvelcmd2/resources/resource.h"
+
+namespace torvel {
+namespace {
+
+constexpr int kClosedWithoutButton = 3;
+
+OdString drawingPath(const OdDbDatabase& database) {
+    if (!database.fileName().empty()) {
+        return base::absolutePath(database.fileName());
+    }
+    OdString name;
+    if (auto* const textVariable = hostService(hostapi::getTextVariable)) {
+        textVariable(L"DWGNAME", name);
+    }
+    return name;
+}
+
+void selectObjects(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
+    auto* const select = hostService(hostapi::selectSet);
+    OdDbObjectIdArray selected;
+    if (select != nullptr && select(loadText(IDS_ATTEXT_SELECT_OBJECTS).c_str(), 0, selected) == hostapi::kValue) {
+        selection = std::move(selected);
+        dialog.setNumberFound(static_cast<int>(selection.size()));
+    }
+}
+
+// Until the user wants the extract, or no more. True for OK.
+bool workDialog(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
+    for (;;) {
+        switch (dialog.runModal()) {
+            case dialogs::kOkButton:
+                return true;
+            case dialogs::kCancelButton:
+            case kClosedWithoutButton:
+                return false;
+            case CAttExtDlg::kSelectObjects:
+                selectObjects(dialog, selection);
+                break;
+            default:
+                break;
+        }
+    }
+}
+
+// By block definition, so that all references of one block stand together.
+OdDbObjectIdArray orderedReferences(const OdDbObjectIdArray& selection) {
+    std::vector<std::pair<OdDbObjectId, OdDbObjectId>> references;
+    for (OdDbObjectId id : selection) {
+        if (const auto reference = id.openIf<OdDbBlockReference>()) {
+            references.emplace_back(reference->blockTableRecord(), id);
+        }
+    }
+    std::sort(references.begin(), references.end());
+    OdDbObjectIdArray ordered;
+    ordered.reserve(references.size());
+    for (const auto& [block, reference] : references) {
+        ordered.push_back(reference);
+    }
+    return ordered;
+}
+
+// The number of records written.
+int writeExtract(const CAttExtDlg& dialog, const OdDbObjectIdArray& selection) {
+    if (selection.empty()) {
+        return 0;
+    }
+    ExtractSettings& settings = extractSettings();
+    settings.format = dialog.format();
+    const OdString templatePath = dialog.templatePath();
+    if (dialog.format() == ExtractFormat::dxf) {
+        return writeDxfExtract(selection, dialog.outputPath(), templatePath.c_str());
+    }
+    settings.delimiter.assign(1, dialog.format() == ExtractFormat::commaDelimited ? ',' : ' ');
+    const OdDbObjectIdArray references = orderedReferences(selection);
+    return references.empty() ? 0 : writeDelimitedExtract(templatePath, dialog.outputPath(), references);
+}
+
+}  // namespace
+
+CMD_RUNSTATUS AttExtCmd::run() {
+    // Failed until at least one record is written.
+    setRunStatus(kCommandCancelled);
+    const ModuleResources resources;
+    const RunFrame frame = reachDocument();
+    CAttExtDlg dialog(drawingPath(*frame.database));
+    OdDbObjectIdArray selection;
+    if (!workDialog(dialog, selection)) {
+        return runStatus();
+    }
+    const int written = writeExtract(dialog, selection);
+    if (written > 0) {
+        setRunStatus(kCommandFinished);
+    }
+    // The count is told whatever happened, 0 included.
+    frame.input->printMessage(loadText(IDS_ATTEXT_COUNT).c_str(), written);
+    return runStatus();
+}
+
+}  // namespace torvel

@@ -1,0 +1,26 @@
+#include "torvelhost/dialog_lines.h"
+
+#include "base/text.h"
+#include "torvelhost/progress.h"
+
+namespace host {
+
+std::optional<std::wstring> DialogLines::next(const std::wstring& prompt) {
+    const Progress::Pause pause;
+    return replies_.next(prompt);
+}
+
+void DialogLines::refuse(const std::wstring& why) {
+    if (replies_.isScript()) throw ScriptError(base::toUtf8(replies_.place() + L": " + why));
+    terminal_.show(why + L".\n");
+}
+
+DialogUse::DialogUse(bool windows, DialogLines& lines) {
+    const bool scripted = lines.isScript();
+    if ((windows || !scripted) && dialogs::useWindows(scripted ? &lines : nullptr)) return;
+    dialogs::useForms(lines);
+}
+
+DialogUse::~DialogUse() { dialogs::useStandard(); }
+
+}  // namespace host
