@@ -1,4 +1,4 @@
-"""measure.py PROGRAMS [--references N] [--rounds N] [--slides | --scale [--largest N]]
+"""measure.py PROGRAMS [--references N] [--rounds N] [--plots | --slides | --scale [--largest N]]
 
 Runs the programs in the folder PROGRAMS beside their peers and prints tables; bench/peers builds and calls it.
 
@@ -213,6 +213,33 @@ def compare_slides(programs, rounds, folder):
            for job in jobs.values()])
 
 
+def compare_plots(programs, references, rounds, folder):
+    """The whole drawing by this program, and a small one by both: ezdxf's add-on would need most of an hour for it."""
+    few = max(1, references // 50)
+    whole, small, svg, png = (folder / name for name in ("whole.dxf", "small.dxf", "plot.svg", "plot.png"))
+    make_drawing(programs, references, whole)
+    make_drawing(programs, few, small)
+    ezdxf = "/usr/bin/python3", HERE / "ezdxf_plot.py", small
+    jobs = {
+        (few, "svg"): Job("torvelhost: load, plot SVG", *host(programs, small, "-p", svg)),
+        (few, "png"): Job("torvelhost: load, plot PNG", *host(programs, small, "-p", png)),
+        (few, "ezdxf svg"): Job("ezdxf with matplotlib: load, plot SVG", *ezdxf, svg, rounds=1),
+        (few, "ezdxf png"): Job("ezdxf with matplotlib: load, plot PNG", *ezdxf, png, rounds=1),
+        (references, "svg"): Job("torvelhost: load, plot SVG", *host(programs, whole, "-p", svg)),
+        (references, "png"): Job("torvelhost: load, plot PNG", *host(programs, whole, "-p", png)),
+    }
+    run_jobs(jobs.values(), rounds)
+    print(f"\nPlots of 1600 x 1200 pixels; best of {rounds} rounds, ezdxf one\n")
+    table(["", "references", "seconds", "processor", "peak memory"],
+          [[job.name, f"{number:,}", f"{job.seconds:.3f}", f"{job.processor_seconds:.3f}", mega(job.peak)]
+           for (number, _), job in jobs.items()])
+    print()
+    table(["plot: times faster than ezdxf", "seconds", "processor"],
+          [[kind.upper(), f"{jobs[few, 'ezdxf ' + kind].seconds / jobs[few, kind].seconds:.0f}",
+            f"{jobs[few, 'ezdxf ' + kind].processor_seconds / jobs[few, kind].processor_seconds:.0f}"]
+           for kind in ("svg", "png")])
+
+
 def show_scale(programs, largest, rounds, folder):
     sizes = [n for n in (10_000, 30_000, 100_000, 300_000, 1_000_000) if n <= largest]
     rows = []
@@ -243,12 +270,15 @@ def main():
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--slides", action="store_true")
     parser.add_argument("--scale", action="store_true")
+    parser.add_argument("--plots", action="store_true")
     parser.add_argument("--largest", type=int, default=1_000_000)
     arguments = parser.parse_args()
     programs = arguments.programs.resolve()
     # Beside the programs: a million references take more room than a temporary folder may have.
     with tempfile.TemporaryDirectory(dir=programs.parent) as folder:
-        if arguments.scale:
+        if arguments.plots:
+            compare_plots(programs, arguments.references, arguments.rounds, pathlib.Path(folder))
+        elif arguments.scale:
             show_scale(programs, arguments.largest, arguments.rounds, pathlib.Path(folder))
         elif arguments.slides:
             compare_slides(programs, arguments.rounds, pathlib.Path(folder))
