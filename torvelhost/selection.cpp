@@ -81,19 +81,11 @@ Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool cross
 Selection::Entities Selection::allEntities() {
     Entities found;
     LayerStates layers;
-    // Where no layer is frozen, which is usual, no entity needs to be opened.
-    bool isFrozenSomewhere = false;
-    if (const auto table = document_.database()->layerTableId().openIf<OdDbSymbolTable>()) {
-        for (OdDbObjectId id : table->records()) {
-            const auto layer = id.openIf<OdDbLayerTableRecord>();
-            isFrozenSomewhere = isFrozenSomewhere || (layer && layer->isFrozen());
-        }
-    }
+    const bool anyFrozen = LayerStates::anyFrozen(*document_.database());
     const auto space = document_.activeSpaceId().openAs<OdDbBlockTableRecord>();
     for (OdDbObjectId id : space->entities()) {
-        if (isViewport(id)) continue;
-        if (!id.isKindOf(OdDbEntity::desc())) continue;
-        if (!isFrozenSomewhere || !layers.isFrozen(*id.openAs<OdDbEntity>())) found.push_back(id);
+        if (isViewport(id) || !id.isKindOf(OdDbEntity::desc())) continue;
+        if (!(anyFrozen && layers.isFrozen(*id.openAs<OdDbEntity>()))) found.push_back(id);
     }
     return found;
 }
