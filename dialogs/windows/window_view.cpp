@@ -746,11 +746,9 @@ bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM 
         if (!control.readOnly && replaceSelection(control, text)) richChanged(control, true);
         return true;
     };
-    const auto copy = [&] {
-        snapSelection(control);
-        if (!control.selection.isEmpty())
-            setClipboardText(
-                control.text.substr(control.selection.begin(), control.selection.end() - control.selection.begin()));
+    const auto paste = [&] {
+        if (!control.readOnly && pasteClipboard(control)) richChanged(control, true);
+        return true;
     };
     switch (message) {
         case WM_KEYDOWN:
@@ -762,12 +760,12 @@ bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM 
                     richChanged(control, false);
                     return true;
                 case 3:  // Ctrl+C
-                    copy();
+                    copySelection(control);
                     return true;
                 case 22:  // Ctrl+V
-                    return insert(clipboardText());
+                    return paste();
                 case 24:  // Ctrl+X
-                    copy();
+                    copySelection(control);
                     return insert(L"");
                 default:
                     break;
@@ -780,12 +778,12 @@ bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM 
             if (IS_LOW_SURROGATE(word)) return insert(std::wstring{highSurrogate_, static_cast<wchar_t>(word)});
             return insert(std::wstring(1, static_cast<wchar_t>(word)));
         case WM_PASTE:
-            return insert(clipboardText());
+            return paste();
         case WM_COPY:
-            copy();
+            copySelection(control);
             return true;
         case WM_CUT:
-            copy();
+            copySelection(control);
             return insert(L"");
         case WM_CLEAR:
             return insert(L"");

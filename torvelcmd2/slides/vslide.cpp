@@ -3,6 +3,8 @@
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "dialogs/boxes.h"
+#include "torvelcmd2/frame/module_dialog.h"
 #include "torvelcmd2/resources/resource.h"
 #include "torvelcmd2/slides/slide_decoder.h"
 #include "torvelcmd2/slides/slide_draw.h"
@@ -18,6 +20,31 @@ constexpr std::size_t kLongestFolder = 260;
 OdString defaultName(const OdDbDatabase& database) {
     const OdString& drawing = database.fileName();
     return drawing.substr(0, drawing.size() - base::extensionOf(drawing).size());
+}
+
+std::int64_t integerVariable(const wchar_t* name) {
+    std::int64_t value = 0;
+    if (auto* const integer = hostService(hostapi::getIntegerVariable)) {
+        integer(name, value);
+    }
+    return value;
+}
+
+// A script or a program answers on the command line, whatever FILEDIA says.
+bool wantsFileDialog() {
+    constexpr std::int64_t kScript = 4;
+    constexpr std::int64_t kProgram = 32;
+    return integerVariable(L"FILEDIA") != 0 && (integerVariable(L"CMDACTIVE") & (kScript | kProgram)) == 0;
+}
+
+// Empty when the user cancelled.
+OdString chooseFile() {
+    const ModuleResources resources;
+    dialogs::FileRequest request;
+    request.title = loadText(IDS_VSLIDE_SELECT_FILE);
+    request.filter = L"SLD File (*.sld)|*.sld||";
+    request.mustExist = true;
+    return dialogs::askFile(request).value_or(L"");
 }
 
 // Empty when the user cancelled, or entered nothing where there is no default.
@@ -72,7 +99,7 @@ HostSlideView* currentView() {
 CMD_RUNSTATUS VSlideCmd::run() {
     setRunStatus(kCommandRunning);
     const RunFrame frame = reachDocument();
-    const OdString name = askName(*frame.input, defaultName(*frame.database));
+    const OdString name = wantsFileDialog() ? chooseFile() : askName(*frame.input, defaultName(*frame.database));
     HostSlideView* const view = currentView();
     if (name.empty() || view == nullptr) {
         return setRunStatus(kCommandCancelled);
