@@ -1,4 +1,4 @@
-"""measure.py PROGRAMS [--references N] [--rounds N] [--scale [--largest N]]
+"""measure.py PROGRAMS [--references N] [--rounds N] [--slides | --scale [--largest N]]
 
 Runs the programs in the folder PROGRAMS beside their peers and prints tables; bench/peers builds and calls it.
 
@@ -11,12 +11,21 @@ import argparse
 import collections
 import os
 import pathlib
+import shutil
 import sys
 import tempfile
 import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 BLOCKS = ["DOOR", "WINDOW", "DESK", "VALVE"]
+TEMPLATE = """BL:NAME C010000
+BL:HANDLE C010000
+BL:X N012003
+BL:Y N012003
+WIDTH C012000
+NUMBER C012000
+ROOM C020000
+"""
 
 
 class Job:
@@ -101,6 +110,10 @@ def sync_arguments(output):
     return *commands, "-o", output
 
 
+def extract(form, programs, drawing, template, output):
+    return programs / "extract_attributes", form, drawing, template, output
+
+
 def make_drawing(programs, references, path):
     Job("make_drawing", programs / "make_drawing", references, path).run()
     return path.stat().st_size
@@ -110,17 +123,27 @@ def compare_peers(programs, references, rounds, folder):
     drawing, ours, theirs = folder / "drawing.dxf", folder / "ours.dxf", folder / "theirs.dxf"
     size = make_drawing(programs, references, drawing)
 
+    template, our_extract, their_extract = folder / "template.txt", folder / "ours.txt", folder / "theirs.txt"
+    template.write_text(TEMPLATE)
+
     jobs = collections.OrderedDict()
     jobs["floor"] = Job("floor: every group passed over", programs / "group_floor", drawing)
     jobs["load"] = Job("torvelhost: load", *host(programs, drawing, "-c", ""))
     jobs["save"] = Job("torvelhost: load, save", *host(programs, drawing, "-o", ours))
     jobs["sync"] = Job("torvelhost: load, AttSync, save", *host(programs, drawing, *sync_arguments(ours)))
+    jobs["extract"] = Job("load, CDF extract", *extract("cdf", programs, drawing, template, our_extract))
+    jobs["dxx"] = Job("load, DXX extract", *extract("dxx", programs, drawing, template, folder / "ours.dxx"))
     reader = programs / "dxflib_read"
     if reader.exists():
         jobs["dxflib"] = Job("dxflib: read, keep nothing", reader, drawing)
     # Slow enough that few rounds tell all.
     jobs["ezdxf"] = Job("ezdxf: load, the same sync, save", "/usr/bin/python3", HERE / "ezdxf_sync.py", drawing, theirs,
                         *BLOCKS, rounds=2)
+    jobs["ezdxf_extract"] = Job("ezdxf: load, the same CDF extract", "/usr/bin/python3", HERE / "ezdxf_extract.py", drawing,
+                                template, their_extract, rounds=2)
+    if converter := shutil.which("ogr2ogr"):
+        jobs["gdal"] = Job("GDAL: read, write CSV", converter, "-q", "-overwrite", "-f", "CSV", folder / "gdal.csv", drawing,
+                           rounds=2)
     run_jobs(jobs.values(), rounds)
 
     print(f"{references:,} references with five attributes each, {mega(size)}; best of {rounds} rounds\n")
@@ -138,11 +161,15 @@ def compare_peers(programs, references, rounds, folder):
     table(["ratio", "seconds", "processor", "wanted"], [
         ["load: times the floor", *ratios("load", "floor"), "at most 3"],
         ["load: times faster than dxflib reads", *ratios("dxflib", "load"), "at least 15"],
-        ["load, AttSync, save: times faster than ezdxf", *ratios("ezdxf", "sync"), "at least 80"]])
+        ["load, AttSync, save: times faster than ezdxf", *ratios("ezdxf", "sync"), "at least 80"],
+        ["load, CDF extract: times the floor", *ratios("extract", "floor"), "at most 4"],
+        ["load, CDF extract: times faster than ezdxf", *ratios("ezdxf_extract", "extract"), "at least 150"],
+        ["load, CDF extract: times faster than GDAL reads", *ratios("gdal", "extract"), "at least 25"]])
     print()
     table(["peak memory / file", "measured", "wanted"], [
         ["load", f"{jobs['load'].peak / size:.2f}", "below 1.5"],
-        ["load, AttSync, save", f"{jobs['sync'].peak / size:.2f}", "below 6"]])
+        ["load, AttSync, save", f"{jobs['sync'].peak / size:.2f}", "below 6"],
+        ["load, CDF extract", f"{jobs['extract'].peak / size:.2f}", "below 2"]])
 
     # The times mean little unless both have done the same.
     our_values, their_values = attribute_values(ours), attribute_values(theirs)
@@ -150,17 +177,54 @@ def compare_peers(programs, references, rounds, folder):
     if different:
         sys.exit(f"\n{different} of {len(our_values)} references differ between the two results")
     print("\nBoth results have the same attributes with the same values, in the same order.")
+    if our_extract.read_bytes() != their_extract.read_bytes():
+        sys.exit("the two extracts differ")
+    print("Both extracts are the same, byte for byte.")
+
+
+def large_slide(path, megabytes):
+    """Vectors of every kind, areas and colours, over and over."""
+    sys.path.insert(0, str(HERE.parent / "tests" / "slides"))
+    from slide_writer import SlideWriter
+    slide = SlideWriter(1600, 1200)
+    for i in range(500):
+        x, y = 37 * i % 1500, 53 * i % 1100
+        slide.color(1 + i % 7).vector((x, y), (x + 90, y + 60)).offset_vector((-9, 5), (20, 40)).common_endpoint(30, -20)
+        slide.common_endpoint(-25, 35).fill((x, y), (x + 20, y + 3), (x + 25, y + 30), (x + 4, y + 22))
+    repeats = int(megabytes * 1e6 / len(slide.records))
+    slide.records *= repeats
+    path.write_bytes(slide.end().bytes())
+    return path.stat().st_size
+
+
+def compare_slides(programs, rounds, folder):
+    slide = folder / "large.sld"
+    size = large_slide(slide, 10)
+    jobs = collections.OrderedDict()
+    jobs["decode"] = Job("decode, add up", programs / "slide_decode", slide)
+    jobs["draw"] = Job("torvelhost: VSlide, draw as PNG", programs / "torvelhost", "-q", "-c", f"VSlide|{slide}", "-p",
+                       folder / "ours.png", rounds=2)
+    if converter := shutil.which("sldtoppm"):
+        jobs["netpbm"] = Job("sldtoppm: decode, draw as PPM", converter, slide, rounds=2)
+    run_jobs(jobs.values(), rounds)
+    print(f"a slide of {mega(size)} for a screen of 1,600 x 1,200 dots; best of {rounds} rounds\n")
+    table(["", "seconds", "processor", "MB / s"],
+          [[job.name, f"{job.seconds:.3f}", f"{job.processor_seconds:.3f}", f"{size / 1e6 / job.seconds:.1f}"]
+           for job in jobs.values()])
 
 
 def show_scale(programs, largest, rounds, folder):
     sizes = [n for n in (10_000, 30_000, 100_000, 300_000, 1_000_000) if n <= largest]
     rows = []
+    template = folder / "template.txt"
+    template.write_text(TEMPLATE)
     for references in sizes:
         drawing, output = folder / "drawing.dxf", folder / "synced.dxf"
         size = make_drawing(programs, references, drawing)
         jobs = [Job("load", *host(programs, drawing, "-c", "")),
                 Job("load, save", *host(programs, drawing, "-o", output)),
-                Job("load, AttSync, save", *host(programs, drawing, *sync_arguments(output)))]
+                Job("load, AttSync, save", *host(programs, drawing, *sync_arguments(output))),
+                Job("load, CDF extract", *extract("cdf", programs, drawing, template, output))]
         run_jobs(jobs, rounds)
         for job in jobs:
             rows.append([job.name, f"{references:,}", mega(size), f"{job.seconds:.3f}",
@@ -177,6 +241,7 @@ def main():
     parser.add_argument("programs", type=pathlib.Path)
     parser.add_argument("--references", type=int, default=50_000)
     parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--slides", action="store_true")
     parser.add_argument("--scale", action="store_true")
     parser.add_argument("--largest", type=int, default=1_000_000)
     arguments = parser.parse_args()
@@ -185,6 +250,8 @@ def main():
     with tempfile.TemporaryDirectory(dir=programs.parent) as folder:
         if arguments.scale:
             show_scale(programs, arguments.largest, arguments.rounds, pathlib.Path(folder))
+        elif arguments.slides:
+            compare_slides(programs, arguments.rounds, pathlib.Path(folder))
         else:
             compare_peers(programs, arguments.references, arguments.rounds, pathlib.Path(folder))
 

@@ -4,6 +4,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/field.h"
 #include "drawingdb/text.h"
+#include "torvelhost/preview.h"
 
 namespace host {
 namespace {
@@ -38,6 +39,16 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
         constexpr std::int64_t kCommand = 1, kScript = 4;
         return replies.isScript() ? kScript : commandActive ? kCommand : 0;
     });
+    const auto dragMode = std::make_shared<std::int64_t>(0);
+    variables.add(
+        L"DRAGMODE", [dragMode] { return *dragMode; },
+        [this, dragMode](const VariableValue& value) -> std::wstring {
+            const std::int64_t mode = std::get<std::int64_t>(value);
+            if (mode != 0 && mode != 1) return L"0 or 1 is wanted";
+            *dragMode = mode;
+            tellPreview(mode == 1);
+            return L"";
+        });
     variables.add(
         L"PICKBOX", [this] { return std::int64_t{selection.pickBox}; },
         [this](const VariableValue& value) -> std::wstring {
@@ -46,6 +57,19 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
             selection.pickBox = static_cast<int>(pixels);
             return L"";
         });
+}
+
+void Application::Session::tellPreview(bool on) {
+    input.watchPreview(nullptr);
+    selection.watchHighlight(nullptr);
+    if (!on) return;
+    const auto tell = [this](const std::wstring& what) { input.terminal().notice(L"[preview] " + what); };
+    input.watchPreview([tell](const std::vector<OdDbEntity*>& shown) {
+        for (const OdDbEntity* entity : shown) tell(previewText(*entity));
+    });
+    selection.watchHighlight([tell](OdDbObjectId entity, bool highlighted) {
+        tell(L"#" + entity.handle().text() + (highlighted ? L" highlighted" : L" as before"));
+    });
 }
 
 void Application::open(OdDbDatabasePtr database, ReplySource& replies) {

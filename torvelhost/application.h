@@ -37,6 +37,9 @@ class Application final : public HostApplication {
         Selection selection;
         Variables variables;
         bool commandActive = false;
+
+        // Whether what a screen would show while a command runs is told in words: trackers, highlighted entities.
+        void tellPreview(bool on);
     };
     void open(OdDbDatabasePtr database, ReplySource& replies);
     Session* session() { return session_.get(); }

@@ -58,6 +58,16 @@ OdGeMatrix3d Document::ucs() const {
     return OdGeMatrix3d::coordSystem(origin, x, y, z.normal());
 }
 
+void Document::setUcs(const OdGeMatrix3d& toWorld) {
+    const std::string prefix = isModelSpaceActive() ? "$UCS" : "$PUCS";
+    const OdGeVector3d x = toWorld.xAxis(), y = toWorld.yAxis();
+    database_->setHeaderPoint(prefix + "ORG", toWorld.origin());
+    database_->setHeaderPoint(prefix + "XDIR", {x.x, x.y, x.z});
+    database_->setHeaderPoint(prefix + "YDIR", {y.x, y.y, y.z});
+    // A named one would go on naming what it is no more.
+    if (!database_->headerText(prefix + "NAME").empty()) database_->setHeaderText(prefix + "NAME", 2, L"");
+}
+
 OdGePoint3d Document::toWorld(const TypedPoint& point) const {
     const OdGeMatrix3d toWorld = ucs();
     if (point.relative) return lastPoint_ + toWorld * point.value;

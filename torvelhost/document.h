@@ -41,6 +41,8 @@ class Document final : public HostDocument {
     // ---- coordinates
     // From the user coordinate system of the active space to the world.
     OdGeMatrix3d ucs() const;
+    // Its axes must be unit vectors at right angles.
+    void setUcs(const OdGeMatrix3d& toWorld);
     // Relative points count from the last one.
     OdGePoint3d toWorld(const TypedPoint& point) const;
     OdGePoint3d lastPoint() const { return lastPoint_; }

@@ -20,11 +20,17 @@ using hostapi::kFirstKeyword;
 using hostapi::kValue;
 
 const HostCommand kHostCommands[] = {
-    {kUndoCommand, &HostCommands::undo},       {L"ZOOM", &HostCommands::zoom},
-    {L"REGEN", &HostCommands::regen},          {L"LAYER", &HostCommands::layer},
-    {L"INSERT", &HostCommands::insert},        {L"SETVAR", &HostCommands::setVariable},
-    {L"LAYOUT", &HostCommands::layout},        {L"MSPACE", &HostCommands::enterViewport},
-    {L"PSPACE", &HostCommands::leaveViewport}, {L"SAVE", &HostCommands::save},
+    {kUndoCommand, &HostCommands::undo},
+    {L"ZOOM", &HostCommands::zoom},
+    {L"REGEN", &HostCommands::regen},
+    {L"LAYER", &HostCommands::layer},
+    {L"UCS", &HostCommands::ucs},
+    {L"INSERT", &HostCommands::insert},
+    {L"SETVAR", &HostCommands::setVariable},
+    {L"LAYOUT", &HostCommands::layout},
+    {L"MSPACE", &HostCommands::enterViewport},
+    {L"PSPACE", &HostCommands::leaveViewport},
+    {L"SAVE", &HostCommands::save},
 };
 
 CMD_RUNSTATUS statusOf(int result) { return result == kCancel ? kCommandCancelled : kCommandFinished; }
@@ -148,13 +154,13 @@ CMD_RUNSTATUS HostCommands::regen() {
 // ---- LAYER
 
 namespace {
-enum LayerOption { kListLayers, kSetLayer, kOn, kOff, kFreeze, kThaw, kLock, kUnlock, kColor };
-}
+enum LayerOption { kListLayers, kMakeLayer, kSetLayer, kNewLayer, kOn, kOff, kFreeze, kThaw, kLock, kUnlock, kColor };
+constexpr wchar_t kLayerOptions[] = L"? Make Set New ON OFF Freeze Thaw LOck Unlock Color";
+}  // namespace
 
 CMD_RUNSTATUS HostCommands::layer() {
     for (;;) {
-        const int result =
-            session.input.getKeyword(L"Enter an option [%s]", L"? Set ON OFF Freeze Thaw LOck Unlock Color", 0, 0, 0);
+        const int result = session.input.getKeyword(L"Enter an option [%s]", kLayerOptions, 0, 0, 0);
         if (result == kCancel) return kCommandCancelled;
         if (result == kEmpty) return kCommandFinished;
         changeLayers(result - kFirstKeyword);
@@ -177,9 +183,13 @@ void HostCommands::changeLayers(int option) {
         return;
     }
     OdString name;
-    if (session.input.askText(option == kSetLayer ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr,
-                              name) != kValue)
+    const bool onlyOne = option == kMakeLayer || option == kSetLayer || option == kNewLayer;
+    if (session.input.askText(onlyOne ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr, name) != kValue)
         return;
+    if (option == kMakeLayer || option == kNewLayer) {
+        addLayer(name, option == kMakeLayer);
+        return;
+    }
     std::wstring reason;
     if (option == kSetLayer) {
         if (!session.variables.set(L"CLAYER", name, reason)) refused(reason);
@@ -212,6 +222,78 @@ void HostCommands::changeLayers(int option) {
         }
     }
     if (!found) refused(L"the drawing has no layer \"" + name + L"\"");
+}
+
+// A layer that is made is wanted; one that is there already is as good.
+void HostCommands::addLayer(const OdString& name, bool makeCurrent) {
+    OdDbDatabase* database = session.document.database();
+    if (const OdDbObjectId known = database->findLayer(name); known.isNull()) {
+        if (name.empty() || name.find_first_of(L"<>/\\\":;?*|,=`") != name.npos)
+            return static_cast<void>(refused(L"\"" + name + L"\" is no name for a layer"));
+        const auto layer = OdDbLayerTableRecord::createObject();
+        if (const auto standard = database->findLayer(L"0").openIf<OdDbLayerTableRecord>()) {
+            layer->setPropertiesFrom(*standard);
+            layer->setIsOff(false);
+            layer->setIsFrozen(false);
+            layer->setIsLocked(false);
+        }
+        layer->setName(name);
+        database->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
+    } else if (!makeCurrent) {
+        refused(L"the drawing has a layer \"" + name + L"\" already");
+    }
+    std::wstring reason;
+    if (makeCurrent && !session.variables.set(L"CLAYER", name, reason)) refused(reason);
+}
+
+// ---- UCS
+
+CMD_RUNSTATUS HostCommands::ucs() {
+    Document& document = session.document;
+    enum { kWorld, kX, kY, kZ };
+    OdGePoint3d origin;
+    const int result = session.input.askPoint(L"Specify origin of UCS or [%s] <World>", L"World X Y Z", origin);
+    const OdGeMatrix3d current = document.ucs();
+    switch (result) {
+        case kCancel:
+            return kCommandCancelled;
+        case kEmpty:
+        case kFirstKeyword + kWorld:
+            document.setUcs(OdGeMatrix3d::kIdentity);
+            return kCommandFinished;
+        case kValue:
+            break;
+        default: {
+            const int axis = result - kFirstKeyword;
+            double angle = torvel::kPi / 2;
+            const wchar_t* const prompt = axis == kX   ? L"Specify rotation angle about X axis <90>"
+                                          : axis == kY ? L"Specify rotation angle about Y axis <90>"
+                                                       : L"Specify rotation angle about Z axis <90>";
+            if (session.input.getAngle(angle, prompt, nullptr, 0, 0) == kCancel) return kCommandCancelled;
+            const OdGeVector3d about = axis == kX   ? OdGeVector3d::kXAxis
+                                       : axis == kY ? OdGeVector3d::kYAxis
+                                                    : OdGeVector3d::kZAxis;
+            document.setUcs(current * OdGeMatrix3d::rotation(angle, about));
+            return kCommandFinished;
+        }
+    }
+    // The axes stay as they are as far as no point says otherwise.
+    OdGeVector3d x = current.xAxis(), z = current.zAxis();
+    OdGePoint3d point;
+    int given = session.input.askPoint(L"Specify point on X axis or <accept>", nullptr, point);
+    if (given == kCancel) return kCommandCancelled;
+    if (given == kValue) {
+        x = (point - origin).normal();
+        if (x.isZeroLength()) return refused(L"the X axis has no direction");
+        if (z.crossProduct(x).isZeroLength()) z = current.xAxis();
+        given = session.input.askPoint(L"Specify point on the XY plane or <accept>", nullptr, point);
+        if (given == kCancel) return kCommandCancelled;
+        if (given == kValue) z = x.crossProduct(point - origin);
+    }
+    const OdGeVector3d y = z.crossProduct(x).normal();
+    if (y.isZeroLength()) return refused(L"the three points lie on one line");
+    document.setUcs(OdGeMatrix3d::coordSystem(origin, x, y, x.crossProduct(y)));
+    return kCommandFinished;
 }
 
 // ---- INSERT

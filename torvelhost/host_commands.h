@@ -17,6 +17,7 @@ struct HostCommands {
     CMD_RUNSTATUS zoom();
     CMD_RUNSTATUS regen();
     CMD_RUNSTATUS layer();
+    CMD_RUNSTATUS ucs();
     CMD_RUNSTATUS insert();
     CMD_RUNSTATUS setVariable();
     CMD_RUNSTATUS layout();
@@ -28,6 +29,7 @@ struct HostCommands {
     int askNumber(const wchar_t* prompt, double& number);
     CMD_RUNSTATUS refused(const std::wstring& why);
     void changeLayers(int option);
+    void addLayer(const OdString& name, bool makeCurrent);
     bool fillAttributes(OdDbObjectId reference, OdDbObjectId block);
 };
 

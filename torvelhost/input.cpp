@@ -17,13 +17,16 @@ namespace host {
 // Shows what a tracker tracks while a prompt is open, and moves it as a cursor would.
 class Input::TrackerSession {
   public:
-    TrackerSession(HostEdInputTracker* tracker, Drawables& drawables) : tracker_(tracker), drawables_(drawables) {
-        if (tracker_) tracker_->addDrawables(drawables_);
+    TrackerSession(HostEdInputTracker* tracker, Input& input) : tracker_(tracker), input_(input) {
+        if (!tracker_) return;
+        tracker_->addDrawables(input_.drawables_);
+        input_.showPreview();
     }
     ~TrackerSession() {
         if (!tracker_) return;
         try {
-            tracker_->removeDrawables(drawables_);
+            tracker_->removeDrawables(input_.drawables_);
+            input_.showPreview();
         } catch (...) {
             // The prompt is over either way.
         }
@@ -43,10 +46,12 @@ class Input::TrackerSession {
     }
 
   private:
-    void send(std::int32_t kind, const OdGePoint3d& point) { tracker_->filterEvent({kind, point}, point); }
+    void send(std::int32_t kind, const OdGePoint3d& point) {
+        if (tracker_->filterEvent({kind, point}, point)) input_.showPreview();
+    }
 
     HostEdInputTracker* tracker_;
-    Drawables& drawables_;
+    Input& input_;
 };
 
 int Input::Drawables::add(OdDbEntity* entity, int, int, int, int) {
@@ -121,7 +126,7 @@ int Input::askIfNext(const wchar_t* prompt, const wchar_t* expected, const Accep
 // The base point is where a screen would begin its rubber band; there is none here.
 int Input::getPoint(const OdGePoint3d*, OdGePoint3d& point, const wchar_t* prompt, const wchar_t* keywords, int,
                     std::uintptr_t, HostEdInputTracker* tracker) {
-    TrackerSession session(tracker, drawables_);
+    TrackerSession session(tracker, *this);
     OdGePoint3d picked;
     const int result = ask(prompt, keywords, L"a point", [&](const Reply& reply, std::wstring&) {
         const auto typed = parsePoint(reply.text);

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "hostapi/input.h"
 #include "hostapi/trackers.h"
@@ -54,16 +55,20 @@ class Input final : public HostEdInput {
     Terminal& terminal() { return terminal_; }
     Document& document() { return document_; }
 
-    // How many drawables trackers have on the screen now.
-    int drawablesShown() const { return static_cast<int>(drawables_.count()); }
+    // What trackers show now.
+    const std::vector<OdDbEntity*>& drawablesShown() const { return drawables_.shown(); }
+    // Is told a frame of the preview, all that trackers show: when a prompt with a tracker begins, after each event
+    // that changed it, and, with nothing in it, at the end.
+    using PreviewWatcher = std::function<void(const std::vector<OdDbEntity*>& shown)>;
+    void watchPreview(PreviewWatcher watcher) { previewWatcher_ = std::move(watcher); }
 
   private:
-    // What trackers show. Nobody sees it in a terminal; the counts tell whether it is taken back.
+    // What trackers show. In a terminal only who watches the preview sees it.
     class Drawables final : public HostDrawableList {
       public:
         int add(OdDbEntity* entity, int kind, int flags, int reserved1, int reserved2) override;
         int remove(OdDbEntity* entity) override;
-        std::size_t count() const { return shown_.size(); }
+        const std::vector<OdDbEntity*>& shown() const { return shown_; }
 
       private:
         std::vector<OdDbEntity*> shown_;
@@ -71,12 +76,16 @@ class Input final : public HostEdInput {
     class TrackerSession;
 
     [[noreturn]] void failScript(const std::wstring& prompt, const std::wstring& what);
+    void showPreview() {
+        if (previewWatcher_) previewWatcher_(drawables_.shown());
+    }
     int secondPoint(const OdGePoint3d& first, OdGePoint3d& second);
 
     Document& document_;
     ReplySource& replies_;
     Terminal& terminal_;
     Drawables drawables_;
+    PreviewWatcher previewWatcher_;
 };
 
 // The channel that is there without a document: messages are printed, prompts are cancelled.

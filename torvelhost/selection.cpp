@@ -286,10 +286,8 @@ void Selection::endCommand() {
 }
 
 void Selection::highlight(OdDbObjectId entity, bool on) {
-    if (on)
-        highlighted_.insert(entity);
-    else
-        highlighted_.erase(entity);
+    const bool changed = on ? highlighted_.insert(entity).second : highlighted_.erase(entity) > 0;
+    if (changed && highlightWatcher_) highlightWatcher_(entity, on);
 }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 // Picking entities: one, one inside references, or a set; and what was picked before a command began.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <set>
 
@@ -39,6 +40,9 @@ class Selection {
 
     void highlight(OdDbObjectId entity, bool on);
     bool isHighlighted(OdDbObjectId entity) const { return highlighted_.contains(entity); }
+    // Is told each change that a screen would show.
+    using HighlightWatcher = std::function<void(OdDbObjectId entity, bool on)>;
+    void watchHighlight(HighlightWatcher watcher) { highlightWatcher_ = std::move(watcher); }
 
     // The half side of the pick box in pixels.
     int pickBox = 3;
@@ -62,6 +66,7 @@ class Selection {
     bool pickFirstChanged_ = false;
     std::optional<hostapi::Pick> startingPick_;
     std::set<OdDbObjectId> highlighted_;
+    HighlightWatcher highlightWatcher_;
 };
 
 }  // namespace host

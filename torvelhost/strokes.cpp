@@ -5,7 +5,10 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/old_polyline.h"
+#include "drawingdb/spline.h"
 #include "drawingdb/text_metrics.h"
+#include "drawingdb/wipeout.h"
 
 namespace host {
 namespace {
@@ -88,15 +91,33 @@ bool meetsConstructionLine(const OdDbConstructionLine& line, const OdGeMatrix3d&
     return rectangle.meets(bothWays ? base - step : base, base + step);
 }
 
-bool meetsPolyline(const OdDbPolyline& polyline, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
-    const std::size_t count = polyline.numVerts();
-    if (count == 1) return rectangle.contains((toWorld * polyline.pointAt(0)).xy());
-    const std::size_t segments = polyline.isClosed() ? count : count - (count > 0);
-    for (std::size_t i = 0; i < segments; ++i) {
-        const int steps = polyline.vertexAt(i).bulge == 0 ? 1 : kStepsPerTurn / 2;
-        const double from = static_cast<double>(i);
-        if (meetsCurve(polyline, toWorld, rectangle, from, from + 1, steps)) return true;
-    }
+// How finely a smooth piece of a curve is looked at; pieces count from 0.
+int stepsOfPiece(const OdDbCurve& curve, std::size_t piece) {
+    constexpr int kStepsPerSpan = 24;
+    const auto stepsOfBulge = [](double bulge) { return bulge == 0 ? 1 : kStepsPerTurn / 2; };
+    if (curve.isKindOf(OdDbPolyline::desc()))
+        return stepsOfBulge(static_cast<const OdDbPolyline&>(curve).vertexAt(piece).bulge);
+    if (curve.isKindOf(OdDbOldPolyline::desc()))
+        return stepsOfBulge(static_cast<const OdDbOldPolyline&>(curve).vertices()[piece].bulge);
+    if (curve.isKindOf(OdDbLine::desc())) return 1;
+    return curve.isKindOf(OdDbSpline::desc()) ? kStepsPerSpan : kStepsPerTurn;
+}
+
+bool meetsCurve(const OdDbCurve& curve, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    const std::vector<double> breaks = curve.breakParams();
+    OdGeExtents3d box;
+    if (breaks.size() < 3 && !curve.geomExtents(box)) return false;  // without vertices, or damaged
+    if (rectangle.contains((toWorld * curve.pointAtParam(breaks.front())).xy())) return true;
+    for (std::size_t i = 1; i < breaks.size(); ++i)
+        if (meetsCurve(curve, toWorld, rectangle, breaks[i - 1], breaks[i], stepsOfPiece(curve, i - 1))) return true;
+    return false;
+}
+
+// A wipeout is picked by its frame.
+bool meetsFrame(const OdDbWipeout& wipeout, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    const std::vector<OdGePoint3d> corners = wipeout.boundary();
+    for (std::size_t i = 1; i < corners.size(); ++i)
+        if (rectangle.meets((toWorld * corners[i - 1]).xy(), (toWorld * corners[i]).xy())) return true;
     return false;
 }
 
@@ -112,13 +133,10 @@ class Meeting {
             return meetsConstructionLine(static_cast<const OdDbConstructionLine&>(entity), toWorld, rectangle_);
         if (entity.isKindOf(OdDbPoint::desc()))
             return rectangle_.contains((toWorld * static_cast<const OdDbPoint&>(entity).position()).xy());
-        if (entity.isKindOf(OdDbPolyline::desc()))
-            return meetsPolyline(static_cast<const OdDbPolyline&>(entity), toWorld, rectangle_);
-        if (entity.isKindOf(OdDbCurve::desc())) {
-            const auto& curve = static_cast<const OdDbCurve&>(entity);
-            const int steps = entity.isKindOf(OdDbLine::desc()) ? 1 : kStepsPerTurn;
-            return meetsCurve(curve, toWorld, rectangle_, curve.startParam(), curve.endParam(), steps);
-        }
+        if (entity.isKindOf(OdDbCurve::desc()))
+            return meetsCurve(static_cast<const OdDbCurve&>(entity), toWorld, rectangle_);
+        if (entity.isKindOf(OdDbWipeout::desc()))
+            return meetsFrame(static_cast<const OdDbWipeout&>(entity), toWorld, rectangle_);
         if (entity.isKindOf(OdDbText::desc()) && !isMultiLineAttribute(entity))
             return rectangle_.meetsArea(textCorners(static_cast<const OdDbText&>(entity), toWorld));
         OdGeExtents3d box;

@@ -34,6 +34,18 @@ OdDbObjectId OdDbSymbolTable::getAt(const OdString& name) const {
     return OdDbObjectId(core.findRecord(table, name));
 }
 
+OdDbObjectId OdDbSymbolTable::add(const OdSmartPtr<OdDbSymbolTableRecord>& record) {
+    if (!stub_) throw OdError(OdResult::notInDatabase, "the table is in no database");
+    if (!record || record->isKindOf(OdDbBlockTableRecord::desc()))
+        throw OdError(OdResult::invalidInput, "such a record cannot be added to a table");
+    assertWriteEnabled();
+    if (has(record->name()))
+        throw OdError(OdResult::duplicateName, "there is a " + record->dxfName() + " of that name already");
+    coreOf(stub_).appendObject(*record, *stub_);
+    record->owner_.handle = stub_->handle;
+    return record->objectId();
+}
+
 void OdDbSymbolTableRecord::describeRecord(Describer& d) {
     auto& self = d.self<OdDbSymbolTableRecord>();
     describeHead(d);
@@ -108,6 +120,18 @@ void OdDbLayerTableRecord::setLinetype(const OdString& name) {
 void OdDbLayerTableRecord::setLineweight(int value) {
     assertWriteEnabled();
     lineweight_ = value;
+}
+
+void OdDbLayerTableRecord::setPropertiesFrom(const OdDbLayerTableRecord& other) {
+    assertWriteEnabled();
+    setLinetype(other.linetype());
+    flags_ = other.flags_;
+    colorIndex_ = other.colorIndex_;
+    trueColor_ = other.trueColor_;
+    lineweight_ = other.lineweight_;
+    plottable_ = other.plottable_;
+    plotStyle_ = other.plotStyle_;
+    material_ = other.material_;
 }
 
 void OdDbTextStyleTableRecord::describe(Describer& d) {

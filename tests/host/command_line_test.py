@@ -182,7 +182,7 @@ class CommandLine(unittest.TestCase):
         send("\x03")
         expect("Command: ")
         send("LAYER\r")
-        expect("[?/Set/ON/OFF/Freeze/Thaw/LOck/Unlock/Color]: ")
+        expect("[?/Make/Set/New/ON/OFF/Freeze/Thaw/LOck/Unlock/Color]: ")
         send("O\r")
         expect("more than one of")
         send("\r")

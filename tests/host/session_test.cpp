@@ -270,13 +270,48 @@ TEST(Trackers, MoveLikeACursor) {
     EXPECT_EQ(tracker.log, "+-");
     EXPECT_EQ(ask(), hostapi::kEmpty);
     EXPECT_EQ(tracker.log, "+-");
-    EXPECT_EQ(host.input().drawablesShown(), 0);
+    EXPECT_TRUE(host.input().drawablesShown().empty());
 
     Host failing(L"1,1");
     tracker.throws = true;
     tracker.log.clear();
     EXPECT_THROW(failing.input().getPoint(nullptr, point, L"Point", nullptr, 4, 0, &tracker), std::runtime_error);
     EXPECT_TRUE(tracker.log.ends_with('-'));
+}
+
+// A frame is what the tracker shows at that moment, as a screen would draw it.
+TEST(Trackers, FramesOfThePreview) {
+    class TurningTracker final : public HostEdPointTracker {
+      public:
+        explicit TurningTracker(const OdSmartPtr<OdDbRay>& ray) : HostEdPointTracker(ray), ray_(*ray) {}
+        bool filterEvent(const HostInputEvent& event, const OdGePoint3d& point) override {
+            if (event.kind != HostInputEvent::kPointMoved || point.isEqualTo(ray_.basePoint())) return false;
+            ray_.setUnitDir(point - ray_.basePoint());
+            return true;
+        }
+
+      private:
+        OdDbRay& ray_;
+    };
+    Host host(L"0,8|^C");
+    std::vector<OdGeVector3d> directions;
+    int emptyFrames = 0;
+    host.input().watchPreview([&](const std::vector<OdDbEntity*>& shown) {
+        if (shown.empty()) return static_cast<void>(++emptyFrames);
+        ASSERT_EQ(shown.size(), 1u);
+        directions.push_back(static_cast<OdDbRay*>(shown.front())->unitDir());
+    });
+    TurningTracker tracker(OdDbRay::createObject());
+    OdGePoint3d point;
+    host.session().document.setLastPoint({8, 0, 0});
+    EXPECT_EQ(host.input().getPoint(nullptr, point, L"Point", nullptr, 4, 0, &tracker), hostapi::kValue);
+    ASSERT_GE(directions.size(), 3u);
+    EXPECT_EQ(directions.front(), OdGeVector3d(1, 0, 0)) << "before the cursor moves";
+    EXPECT_EQ(directions.back(), OdGeVector3d(0, 1, 0));
+    for (std::size_t i = 1; i < directions.size(); ++i) EXPECT_GT(directions[i].y, directions[i - 1].y);
+    EXPECT_EQ(emptyFrames, 1);
+    EXPECT_EQ(host.input().getPoint(nullptr, point, L"Point", nullptr, 4, 0, &tracker), hostapi::kCancel);
+    EXPECT_EQ(emptyFrames, 2) << "taken back after a cancel too";
 }
 
 // ---- running commands

@@ -3,10 +3,12 @@
 
 #include "base/modules.h"
 #include "base/paths.h"
+#include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "fake_host.h"
 #include "hostapi/input.h"
+#include "hostapi/slides.h"
 
 extern "C" {
 void* GetMainDllInstance() { return base::processImage(); }
@@ -188,6 +190,131 @@ TEST_F(ModuleInHost, RayEndsAtItsFirstPrompt) {
     }
 }
 
+/// A tracker as a host drives it, and the entity that it shows.
+template <class Entity>
+struct DrivenTracker {
+    explicit DrivenTracker(void* object) : tracker(object) {
+        // The list of drawables is a table of the test's own.
+        struct List {
+            void* const* table;
+            Entity* shown = nullptr;
+        };
+        int (*const add)(List*, Entity*, int, int, int, int) = [](List* list, Entity* shown, int, int, int, int) {
+            list->shown = shown;
+            return 1;
+        };
+        void* const table[] = {reinterpret_cast<void*>(add)};
+        List list{table};
+        EXPECT_EQ(slot<int(void*, void*)>(tracker, 1)(tracker, &list), 1);
+        entity = list.shown;
+    }
+    bool event(std::int32_t kind, const OdGePoint3d& point) const {
+        const HostInputEvent e{kind, point};
+        return slot<bool(void*, const HostInputEvent*, const OdGePoint3d*)>(tracker, 0)(tracker, &e, &e.cursor);
+    }
+    bool asksForCursor() const {
+        std::int32_t cursor = 0;
+        return slot<bool(void*, std::int32_t*)>(tracker, 5)(tracker, &cursor) && cursor == 4;
+    }
+    void* tracker;
+    Entity* entity = nullptr;
+};
+
+TEST_F(ModuleInHost, XlineTrackersGoByTheirMode) {
+    using Xline = DrivenTracker<OdDbXline>;
+    constexpr int kHor = hostapi::kFirstKeyword, kBisect = kHor + 3;
+    int driven = 0;
+    const auto runs = [&](std::deque<fake::PointReply> replies) {
+        host().points = std::move(replies);
+        host().announcedKinds.clear();
+        void* const command = create("XLINE");
+        const int status = run(command);
+        release(command);
+        return status;
+    };
+    const auto through = [&](void* tracker) {
+        const Xline line(tracker);
+        EXPECT_TRUE(line.event(512, {1, 9, 0}));
+        EXPECT_EQ(line.entity->unitDir(), OdGeVector3d(0, 1, 0));
+        EXPECT_FALSE(line.event(513, {5, 2, 0}));
+        EXPECT_TRUE(line.event(512, {1, 2, 0})) << "on the base point: seen, and nothing turns";
+        EXPECT_EQ(line.entity->unitDir(), OdGeVector3d(0, 1, 0));
+        EXPECT_EQ(line.entity->basePoint(), OdGePoint3d(1, 2, 0));
+        EXPECT_TRUE(line.asksForCursor());
+        ++driven;
+    };
+    EXPECT_EQ(runs({{hostapi::kValue, {1, 2, 0}, {}}, {hostapi::kCancel, {}, through}}), 0);
+    // A line is announced as none, and then, in this mode, as the new entity.
+    EXPECT_EQ(host().announcedKinds, (std::vector<int>{0, 1}));
+
+    const auto horizontal = [&](void* tracker) {
+        const Xline line(tracker);
+        EXPECT_TRUE(line.event(512, {3, 4, 5}));
+        EXPECT_EQ(line.entity->basePoint(), OdGePoint3d(3, 4, 5));
+        EXPECT_EQ(line.entity->unitDir(), OdGeVector3d(1, 0, 0));
+        EXPECT_FALSE(line.event(256, {9, 9, 9}));
+        EXPECT_EQ(line.entity->basePoint(), OdGePoint3d(3, 4, 5));
+        EXPECT_TRUE(line.asksForCursor());
+        ++driven;
+    };
+    EXPECT_EQ(runs({{kHor, {}, {}}, {hostapi::kEmpty, {}, horizontal}}), 0);
+    EXPECT_EQ(host().announcedKinds, std::vector<int>{0});
+
+    const auto bisecting = [&](void* tracker) {
+        const Xline line(tracker);
+        EXPECT_TRUE(line.event(512, {1, 7, 0}));
+        const OdGeVector3d diagonal = OdGeVector3d(1, 1, 0).normal();
+        EXPECT_TRUE(line.entity->unitDir().isEqualTo(diagonal));
+        EXPECT_TRUE(line.event(512, {1, 1, 0})) << "on the vertex";
+        EXPECT_TRUE(line.event(512, {-8, 1, 0})) << "straight across";
+        EXPECT_TRUE(line.entity->unitDir().isEqualTo(diagonal));
+        EXPECT_EQ(line.entity->basePoint(), OdGePoint3d(1, 1, 0));
+        ++driven;
+    };
+    EXPECT_EQ(runs({{kBisect, {}, {}},
+                    {hostapi::kValue, {1, 1, 0}, {}},
+                    {hostapi::kValue, {5, 1, 0}, {}},
+                    {hostapi::kCancel, {}, bisecting}}),
+              0);
+    EXPECT_EQ(driven, 3);
+    // What is no mode ends the run as a cancelled one, Enter and results that no keyword has among them.
+    for (const int result : {hostapi::kEmpty, hostapi::kCancel, 0, 7}) EXPECT_EQ(runs({{result, {}, {}}}), 1) << result;
+}
+
+TEST_F(ModuleInHost, WipeoutShowsItsPolygonUnderTheCursor) {
+    using Boundary = DrivenTracker<OdDbPolyline>;
+    int driven = 0;
+    const auto second = [&](void* tracker) {
+        const Boundary boundary(tracker);
+        ASSERT_EQ(boundary.entity->numVerts(), 2u);
+        EXPECT_FALSE(boundary.entity->isDatabaseResident());
+        EXPECT_TRUE(boundary.entity->isClosed());
+        EXPECT_EQ(boundary.entity->elevation(), 5);
+        EXPECT_EQ(boundary.entity->vertexAt(0).startWidth, -1);
+        EXPECT_EQ(boundary.entity->pointAt(1), OdGePoint3d(1, 2, 5)) << "it begins at the last point";
+        EXPECT_TRUE(boundary.event(512, {7, 8, 9}));
+        EXPECT_EQ(boundary.entity->pointAt(1), OdGePoint3d(7, 8, 5)) << "brought into the plane";
+        EXPECT_FALSE(boundary.event(513, {0, 0, 0}));
+        EXPECT_EQ(boundary.entity->pointAt(1), OdGePoint3d(7, 8, 5));
+        EXPECT_EQ(boundary.entity->pointAt(0), OdGePoint3d(1, 2, 5));
+        EXPECT_FALSE(boundary.asksForCursor());
+        ++driven;
+    };
+    const auto third = [&](void* tracker) {
+        const Boundary boundary(tracker);
+        ASSERT_EQ(boundary.entity->numVerts(), 3u);
+        EXPECT_EQ(boundary.entity->pointAt(1), OdGePoint3d(3, 2, 5)) << "the point given, not the one last shown";
+        ++driven;
+    };
+    host().points = {
+        {hostapi::kValue, {1, 2, 5}, {}}, {hostapi::kValue, {3, 2, 5}, second}, {hostapi::kCancel, {}, third}};
+    void* const command = create("Wipeout");
+    EXPECT_EQ(run(command), 1);
+    release(command);
+    EXPECT_EQ(driven, 2);
+    EXPECT_TRUE(raysIn(host().database->modelSpaceId()).empty());
+}
+
 TEST_F(ModuleInHost, RayDrawsAFanAndShowsEachRayUnderTheCursor) {
     std::vector<std::string> seen;
     const auto whileAsked = [&](void* tracker) {
@@ -261,5 +388,35 @@ TEST_F(ModuleInHost, RayDrawsAFanAndShowsEachRayUnderTheCursor) {
     EXPECT_EQ(rays[0]->unitDir(), OdGeVector3d(1, 0, 0));
     EXPECT_EQ(rays[1]->unitDir(), OdGeVector3d(0, -1, 0));
 }
+
+class CountingPainter final : public slidePainter {
+  public:
+    void header(const SlideHeader& header) override { width = header.highX(); }
+    void color(std::int16_t) override { ++colors; }
+    void line(const SlidePoint&, const SlidePoint&) override { ++lines; }
+    void fill(const SlidePoint*, int) override { ++fills; }
+
+    int width = 0, colors = 0, lines = 0, fills = 0;
+};
+
+TEST_F(ModuleInHost, DrawsSlidesForOtherModules) {
+    auto* const draw = base::findFunction<void(const CXStringW&, slidePainter*)>(module_.get(), "loadAndDrawVSlide");
+    ASSERT_NE(draw, nullptr);
+    CountingPainter painter;
+    const std::wstring folder = base::fromUtf8(TORVEL_SOURCE_DIR) + L"/tests/slides/";
+    draw(folder + L"chair", &painter);
+    EXPECT_EQ(painter.width, 160);
+    EXPECT_EQ(painter.lines, 10);
+    EXPECT_EQ(painter.fills, 3);
+    try {
+        draw(folder + L"no_slide.sld", &painter);
+        ADD_FAILURE();
+    } catch (const CXException& error) {
+        EXPECT_EQ(error.code(), CXException::kNotASlide);
+        EXPECT_EQ(error.resources(), module_.get());
+    }
+}
+
+TEST_F(ModuleInHost, HasAFilerOfItsOwn) { EXPECT_NE(OdRxClass::find("TVDxfFiler"), nullptr); }
 
 }  // namespace

@@ -47,11 +47,13 @@ class SlideWriter:
         self.records += bytes([y & 0xFF])
         return self
 
-    def fill(self, *vertices, count=None):
-        self.words(0xFD00, len(vertices) if count is None else count, 0)
+    def fill(self, *vertices):
+        """Three to ten vertices. A negative y marks the records before the first and behind the last; readers that know
+        the count pass over the latter."""
+        self.words(0xFD00, len(vertices), -2)
         for x, y in vertices:
             self.words(0xFD00, x, y)
-        return self
+        return self.words(0xFD00, 0, -2)
 
     def end(self):
         return self.word_of(0xFC, 0)

@@ -1,8 +1,11 @@
 #include "torvelcmd2/extract/burst_reference.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
+#include "base/number.h"
+#include "base/text.h"
 #include "drawingdb/database.h"
 #include "torvelcmd2/attributes/text_transfer.h"
 
@@ -24,6 +27,9 @@ std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
     return places;
 }
 
+// An attribute may be invisible by its mode, or hidden as any entity may be.
+bool isShown(const OdDbAttributeText& attribute) { return !attribute.isInvisible() && !attribute.isInvisibleEntity(); }
+
 // Everything that makes the text look as it does comes from the attribute; layer, colour and the like do not: they are
 // the drawing's current ones.
 OdSmartPtr<OdDbText> newText(const OdDbAttributeText& source, OdDbDatabase* database) {
@@ -41,6 +47,39 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
     text->setPropertiesFrom(source);
     text->setTextFrom(source);
     return text;
+}
+
+// Multi-line text keeps the proportions of its letters whatever the matrix. Where that is not what the reference
+// showed, codes in front of the contents stretch and slant them.
+void formLetters(OdDbMText& text, const OdGeVector3d& alongImage, const OdGeVector3d& upImage) {
+    const double widthScale = alongImage.length();
+    const double heightScale = alongImage.crossProduct(upImage).length() / widthScale;
+    double widthFactor = 1, slant = 0;
+    if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
+        widthFactor = style->xScale();
+        slant = std::tan(style->obliquingAngle());
+    }
+    widthFactor *= widthScale / heightScale;
+    const double lean = alongImage.dotProduct(upImage) / widthScale;
+    const double oblique = std::atan((lean + slant * widthScale) / heightScale) * 180 / torvel::kPi;
+    // New contents would take away a field, which brings the old ones back anyway.
+    if (!text.getField(kTextFieldKey)) {
+        text.setContents(L"\\W" + base::widen(base::realToText(widthFactor)) + L";\\Q" +
+                         base::widen(base::realToText(oblique)) + L";" + text.contents());
+    }
+}
+
+OdResult transformLike(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
+    if (!entity.isKindOf(OdDbMText::desc()) || matrix.isUniScaledOrtho()) {
+        return entity.transformBy(matrix);
+    }
+    auto& text = static_cast<OdDbMText&>(entity);
+    const OdGeMatrix3d before = text.layoutToWorld();
+    const OdResult result = text.transformBy(matrix);
+    if (result == OdResult::ok) {
+        formLetters(text, matrix * before.xAxis(), matrix * before.yAxis());
+    }
+    return result;
 }
 
 }  // namespace
@@ -127,7 +166,7 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
 // The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
 // left for them is the identity.
 bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) {
-    if (entity.transformBy(transform) != OdResult::transformRefused) {
+    if (transformLike(entity, transform) != OdResult::transformRefused) {
         return true;
     }
     if (!explodeAndPlace(entity, transform)) {
@@ -155,7 +194,7 @@ bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& t
 // A reference draws the constant attributes of its block; they must not vanish with it.
 void ReferenceBurster::addConstants(const Definition& definition, const OdGeMatrix3d& transform) {
     for (const auto& constant : definition.constants) {
-        if (!constant->isInvisible()) {
+        if (isShown(*constant)) {
             addText(*constant, constant->getMTextAttributeDefinition(), transform);
         }
     }
@@ -165,7 +204,7 @@ void ReferenceBurster::addConstants(const Definition& definition, const OdGeMatr
 void ReferenceBurster::addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& transform) {
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openAs<OdDbAttribute>();
-        if (!attribute->isInvisible()) {
+        if (isShown(*attribute)) {
             addText(*attribute, attribute->getMTextAttribute(), transform);
         }
     }
@@ -183,7 +222,7 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
         text->setField(kTextFieldKey, field->copy());
     }
     if (transform != OdGeMatrix3d::kIdentity) {
-        text->transformBy(transform);
+        transformLike(*text, transform);
     }
 }
 

@@ -1,11 +1,11 @@
 // The comma-delimited (CDF) and the space-delimited (SDF) extract.
 #include <charconv>
-#include <optional>
 #include <unordered_map>
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "torvelcmd2/extract/delimited_text.h"
 #include "torvelcmd2/extract/extract_output.h"
 #include "torvelcmd2/extract/extract_template.h"
 
@@ -14,20 +14,17 @@ namespace {
 
 using Source = ExtractField::Source;
 
-std::optional<std::string> readTemplate(const OdString& path, const OdDbDatabase* drawing) {
+const OdDbDatabase* drawingOf(const OdDbObjectIdArray& references) {
+    return references.empty() ? nullptr : references.front().database();
+}
+
+// Names are compared with tags, and written, in the drawing's code page.
+std::string inCodePage(std::string_view bytes, const OdDbDatabase* drawing) {
     constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-    try {
-        const base::FileBuffer file = base::readFile(path);
-        const std::string_view text = base::untilEndMark(file.view());
-        if (!text.starts_with(kUtf8Mark)) return std::string(text);
-        // Names are compared with tags, and written, in the drawing's code page.
-        const OdString wide = base::fromUtf8(text.substr(kUtf8Mark.size()));
-        std::string narrow;
-        if (drawing != nullptr) drawing->appendNarrow(narrow, wide);
-        return narrow;
-    } catch (const base::FileError&) {
-        return std::nullopt;
-    }
+    if (!bytes.starts_with(kUtf8Mark)) return std::string(bytes);
+    std::string narrow;
+    if (drawing != nullptr) drawing->appendNarrow(narrow, base::fromUtf8(bytes.substr(kUtf8Mark.size())));
+    return narrow;
 }
 
 /// Pads with blanks to the width, which counts bytes of the file, and never cuts. A negative width means its size and
@@ -201,29 +198,31 @@ ExtractSettings& extractSettings() {
     return settings;
 }
 
-int writeDelimitedExtract(const OdString& templatePath, const OdString& outputPath,
-                          const OdDbObjectIdArray& references) {
-    ExtractSettings& settings = extractSettings();
-    const OdDbDatabase* const drawing = references.empty() ? nullptr : references.front().database();
-    const auto text = readTemplate(templatePath, drawing);
-    if (!text) return 0;
-    const std::vector<ExtractField> fields = parseExtractTemplate(*text, settings);
-    if (fields.empty()) return 0;
-
+std::string delimitedText(std::string_view templateBytes, const OdDbObjectIdArray& references,
+                          ExtractSettings& settings) {
+    const std::string text = inCodePage(base::untilEndMark(templateBytes), drawingOf(references));
+    const std::vector<ExtractField> fields = parseExtractTemplate(text, settings);
     std::string bytes;
+    if (fields.empty()) return bytes;
     if (settings.format == ExtractFormat::spaceDelimited) appendHeader(bytes, fields);
     Records records(fields);
     for (const OdDbObjectId id : references) appendRecord(bytes, fields, records.fill(id), settings);
+    return bytes;
+}
 
-    const auto output = openExtractOutput(outputPath, drawing);
-    if (output == nullptr) return 0;
+int writeDelimitedExtract(const OdString& templatePath, const OdString& outputPath,
+                          const OdDbObjectIdArray& references) {
     try {
+        const std::string bytes = delimitedText(base::readFile(templatePath).view(), references, extractSettings());
+        if (bytes.empty()) return 0;
+        const auto output = openExtractOutput(outputPath, drawingOf(references));
+        if (output == nullptr) return 0;
         output->write(bytes);
         output->commit();
+        return static_cast<int>(references.size());
     } catch (const base::FileError&) {
         return 0;
     }
-    return static_cast<int>(references.size());
 }
 
 }  // namespace torvel

@@ -131,7 +131,7 @@ class Records {
         std::array<SlidePoint, kMostVertices> vertices;
         for (int i = 0; i < count; ++i) {
             const std::int16_t y = word(4);
-            // A negative y only marks the first and the last vertex.
+            // The sign is a mark of the format's; the place is that of the number without it.
             vertices[static_cast<std::size_t>(i)] = {word(2), static_cast<std::int16_t>(y < 0 ? -y : y)};
             advance(6);
         }

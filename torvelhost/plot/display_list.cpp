@@ -29,10 +29,17 @@ void DisplayList::add(Kind kind, std::span<const OdGePoint3d> contour) {
     end();
 }
 
-void DisplayList::addReference(const Reference& reference) {
+std::size_t DisplayList::addReference(const Reference& reference) {
     items_.push_back({Kind::kReference, static_cast<std::uint32_t>(styles_.size() - 1),
                       static_cast<std::uint32_t>(references_.size()), 0});
     references_.push_back(reference);
+    return references_.size() - 1;
+}
+
+void DisplayList::endAttributes(std::size_t reference) {
+    std::size_t item = items_.size();
+    while (items_[item - 1].kind != Kind::kReference || items_[item - 1].first != reference) --item;
+    references_[reference].attributes = static_cast<std::uint32_t>(items_.size() - item);
 }
 
 void DisplayList::clear() {

@@ -34,6 +34,7 @@ class DisplayList {
         OdGeMatrix3d transform;  // of the first cell, from the block's coordinates
         OdGeVector3d columnStep, rowStep;
         int columns = 1, rows = 1;
+        std::uint32_t attributes = 0;  // as many items behind the reference stand in each cell as it does
     };
 
     // Goes on in this style.
@@ -46,7 +47,9 @@ class DisplayList {
     void endContour();
     void end();
     void add(Kind kind, std::span<const OdGePoint3d> contour);
-    void addReference(const Reference& reference);
+    // Returns its number; what is added from here to endAttributes belongs to its attributes.
+    std::size_t addReference(const Reference& reference);
+    void endAttributes(std::size_t reference);
     void clear();
 
     const std::vector<Item>& items() const { return items_; }

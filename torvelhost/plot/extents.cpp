@@ -8,13 +8,27 @@ namespace host {
 namespace {
 
 // Adds text only when it might reach out of the box.
-void addText(const OdDbText& text, OdGeExtents3d& box) {
-    const double reach = reachOf(text, text.textString());
+void addText(const OdDbText& text, const OdString& shown, OdGeExtents3d& box) {
+    const double reach = reachOf(text, shown);
     const OdGeVector3d around(reach, reach, 0);
     const OdGePoint3d position = text.position();
     if (box.isValid() && box.contains(position - around) && box.contains(position + around)) return;
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
+    const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * position).z;
+    for (const OdGePoint2d& corner : torvel::textBoundingPoints(shown, geometryOf(text, shown)))
+        box.addPoint(plane * OdGePoint3d(corner.x, corner.y, elevation));
+}
+
+void addText(const OdDbText& text, OdGeExtents3d& box) {
     OdGeExtents3d own;
-    if (text.geomExtents(own)) box.addExtents(own);
+    if (text.isKindOf(OdDbAttributeDefinition::desc()) &&
+        !static_cast<const OdDbAttributeDefinition&>(text).isConstant()) {
+        addText(text, static_cast<const OdDbAttributeDefinition&>(text).tag(), box);
+    } else if (text.isKindOf(OdDbAttribute::desc()) && static_cast<const OdDbAttribute&>(text).isMTextAttribute()) {
+        if (text.geomExtents(own)) box.addExtents(own);
+    } else {
+        addText(text, text.textString(), box);
+    }
 }
 
 }  // namespace
@@ -44,27 +58,36 @@ const Bounds& BlockBounds::of(OdDbObjectId block) {
     return known_[block] = bounds;
 }
 
+OdGeExtents3d inAllCells(const OdGeExtents3d& box, const DisplayList::Reference& reference) {
+    OdGeExtents3d all = box;
+    if (!box.isValid()) return all;
+    const OdGeVector3d across = reference.columnStep * (reference.columns - 1),
+                       up = reference.rowStep * (reference.rows - 1);
+    for (const OdGeVector3d& shift : {across, up, across + up})
+        all.addExtents(OdGeExtents3d(box.minPoint() + shift, box.maxPoint() + shift));
+    return all;
+}
+
 Bounds BlockBounds::of(const DisplayList::Reference& reference) {
     Bounds bounds = of(reference.block);
-    if (!bounds.box.isValid()) return bounds;
     bounds.box.transformBy(reference.transform);
-    const OdGeVector3d toLast =
-        reference.columnStep * (reference.columns - 1) + reference.rowStep * (reference.rows - 1);
-    const OdGeVector3d across = reference.columnStep * (reference.columns - 1);
-    const OdGeExtents3d first = bounds.box;
-    for (const OdGeVector3d& shift : {across, toLast - across, toLast})
-        bounds.box.addExtents(OdGeExtents3d(first.minPoint() + shift, first.maxPoint() + shift));
+    bounds.box = inAllCells(bounds.box, reference);
     return bounds;
 }
 
 void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& bounds) {
-    const Bounds block = of(referenceOf(reference));
+    const DisplayList::Reference item = referenceOf(reference);
+    const Bounds block = of(item);
     bounds.box.addExtents(block.box);
     bounds.endless |= block.endless;
+    const bool isArray = item.columns > 1 || item.rows > 1;
+    OdGeExtents3d attributes;
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
-        if (attribute && !attribute->isInvisible() && !attribute->isInvisibleEntity()) addText(*attribute, bounds.box);
+        if (attribute && !attribute->isInvisible() && !attribute->isInvisibleEntity())
+            addText(*attribute, isArray ? attributes : bounds.box);
     }
+    bounds.box.addExtents(inAllCells(attributes, item));
 }
 
 void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {

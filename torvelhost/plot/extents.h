@@ -31,6 +31,9 @@ class BlockBounds {
     std::unordered_map<OdDbObjectId, Bounds> known_;
 };
 
+// The box in all cells of a reference, given in the first.
+OdGeExtents3d inAllCells(const OdGeExtents3d& box, const DisplayList::Reference& reference);
+
 // No stroke of the text reaches farther than this from its position or its alignment point, by a generous estimate
 // that costs little.
 double reachOf(const OdDbText& text, const OdString& shown);

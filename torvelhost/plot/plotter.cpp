@@ -101,21 +101,30 @@ const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
 }
 
 void Plotter::drawList(const DisplayList& list, const OdGeMatrix3d& toPixels, const Style* inside) {
+    drawItems(list, list.items(), toPixels, inside);
+}
+
+void Plotter::drawItems(const DisplayList& list, std::span<const DisplayList::Item> items, const OdGeMatrix3d& toPixels,
+                        const Style* inside) {
     Style style;
     Look look;
     bool hidden = false;
     std::uint32_t current = ~0u;
-    for (const DisplayList::Item& item : list.items()) {
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const DisplayList::Item& item = items[i];
         if (item.style != current) {
             current = item.style;
             style = inside ? inReference(list.styles()[current], *inside) : list.styles()[current];
-            hidden = styles_.isHidden(style);
+            hidden = styles_.isHidden(style) || !styles_.isPlotted(style);
             look = styles_.lookOf(style);
         }
-        if (item.kind == Kind::kReference)
-            drawReference(list.reference(item), toPixels, style);
-        else if (!hidden)
+        if (item.kind == Kind::kReference) {
+            const DisplayList::Reference& reference = list.reference(item);
+            drawReference(list, reference, items.subspan(i + 1, reference.attributes), toPixels, style, inside);
+            i += reference.attributes;
+        } else if (!hidden) {
             drawItem(list, item, toPixels, look);
+        }
     }
 }
 
@@ -237,31 +246,36 @@ bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, 
            high.y >= picture_.clipLow().y - margin && low.y <= picture_.clipHigh().y + margin;
 }
 
-void Plotter::drawReference(const DisplayList::Reference& reference, const OdGeMatrix3d& toPixels, const Style& style) {
+void Plotter::drawReference(const DisplayList& list, const DisplayList::Reference& reference,
+                            std::span<const DisplayList::Item> attributes, const OdGeMatrix3d& toPixels,
+                            const Style& style, const Style* inside) {
     if (styles_.isFrozen(style)) return;
     const Bounds block = bounds_.of(reference.block);
     double size = 0;
-    if (reference.columns == 1 && reference.rows == 1) {
-        if (!block.endless && (!block.box.isValid() || !isVisible(block.box, toPixels * reference.transform, size)))
-            return;
-        return drawCell(reference.block, toPixels * reference.transform, style);
-    }
-    if (!block.box.isValid() && !block.endless) return;
     // Cells that are closer than half a pixel are not told apart.
-    const auto strideOf = [&](const OdGeVector3d& step) {
+    const auto strideOf = [&](const OdGeVector3d& step, int count) {
         const double pixels = (toPixels * step).xy().length();
-        return pixels > 0.5 ? 1 : pixels > 0 ? static_cast<int>(std::min(0.5 / pixels, 32767.0)) + 1 : 32768;
+        return pixels > 0.5 ? 1 : pixels > 0 ? static_cast<int>(std::min(0.5 / pixels, 32767.0)) + 1 : count;
     };
-    const int columnStride = strideOf(reference.columnStep), rowStride = strideOf(reference.rowStep);
-    for (int row = 0; row < reference.rows; row += rowStride) {
-        DisplayList::Reference whole = reference;
-        whole.transform = OdGeMatrix3d::translation(reference.rowStep * row) * reference.transform;
-        whole.rows = 1;
-        if (!block.endless && !isVisible(bounds_.of(whole).box, toPixels, size)) continue;
+    const int columnStride = strideOf(reference.columnStep, reference.columns),
+              rowStride = strideOf(reference.rowStep, reference.rows);
+    // Where there are many cells, rows beside the picture are passed over; attributes hardly reach out of their cell.
+    const bool isLarge = attributes.empty() || reference.rows > 1000;
+    OdGeExtents3d firstRow = block.box;
+    firstRow.transformBy(reference.transform);
+    if (firstRow.isValid()) {
+        const OdGeVector3d toLast = reference.columnStep * (reference.columns - 1);
+        firstRow.addExtents(OdGeExtents3d(firstRow.minPoint() + toLast, firstRow.maxPoint() + toLast));
+    }
+    for (int row = 0; row < reference.rows && cells_ <= kMostCells; row += rowStride) {
+        const OdGeMatrix3d toRow = toPixels * OdGeMatrix3d::translation(reference.rowStep * row);
+        if (isLarge && !block.endless && firstRow.isValid() && !isVisible(firstRow, toRow, size)) continue;
         for (int column = 0; column < reference.columns; column += columnStride) {
-            const OdGeMatrix3d cell =
-                toPixels * OdGeMatrix3d::translation(reference.columnStep * column) * whole.transform;
-            if (block.endless || isVisible(block.box, cell, size)) drawCell(reference.block, cell, style);
+            const OdGeMatrix3d moved = toRow * OdGeMatrix3d::translation(reference.columnStep * column);
+            const OdGeMatrix3d cell = moved * reference.transform;
+            if (block.endless || !block.box.isValid() || isVisible(block.box, cell, size))
+                drawCell(reference.block, cell, style);
+            if (!attributes.empty()) drawItems(list, attributes, moved, inside);
         }
     }
 }
@@ -271,7 +285,7 @@ void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const S
     if (!(scale > 0) || !std::isfinite(scale)) return;
     const Bounds& bounds = bounds_.of(block);
     double size = 0;
-    if (!bounds.endless && isVisible(bounds.box, toPixels, size) && size < 0.5) {
+    if (!bounds.endless && bounds.box.isValid() && isVisible(bounds.box, toPixels, size) && size < 0.5) {
         // Whatever it holds, it is a dot.
         const OdGePoint2d place = flat(toPixels, bounds.box.center());
         if (!styles_.isHidden(style)) picture_.addPolyline(std::span(&place, 1), {styles_.lookOf(style).color, 1.0});
@@ -351,7 +365,7 @@ void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& pap
     inViewport_ = false;
 
     // A boundary of its own shows by itself.
-    if (boundary || styles_.isHidden(style)) return;
+    if (boundary || styles_.isHidden(style) || !styles_.isPlotted(style)) return;
     std::vector<OdGePoint2d> frame = clip;
     frame.push_back(clip.front());
     const Look look = styles_.lookOf(style);

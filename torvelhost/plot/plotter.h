@@ -39,7 +39,12 @@ class Plotter {
     void drawList(const DisplayList& list, const OdGeMatrix3d& toPixels, const Style* inside);
     void drawItem(const DisplayList& list, const DisplayList::Item& item, const OdGeMatrix3d& toPixels,
                   const Look& look);
-    void drawReference(const DisplayList::Reference& reference, const OdGeMatrix3d& toPixels, const Style& style);
+    void drawItems(const DisplayList& list, std::span<const DisplayList::Item> items, const OdGeMatrix3d& toPixels,
+                   const Style* inside);
+    // `attributes` are the items of the list that are its attributes.
+    void drawReference(const DisplayList& list, const DisplayList::Reference& reference,
+                       std::span<const DisplayList::Item> attributes, const OdGeMatrix3d& toPixels, const Style& style,
+                       const Style* inside);
     void drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style);
     void drawLine(std::span<const OdGePoint2d> points, const Look& look);
     void drawEndless(const OdGePoint2d& from, const OdGePoint2d& to, bool isRay, const Look& look);

@@ -96,16 +96,15 @@ bool Shapes::add(const OdDbEntity& entity) {
 void Shapes::addReference(const OdDbBlockReference& reference) {
     const Style own = list_.style();
     const DisplayList::Reference item = referenceOf(reference);
-    if (item.block) list_.addReference(item);
-    if (attributeMode_ == 0) return;
+    const std::size_t number = list_.addReference(item);
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
         if (!attribute || attribute->isInvisibleEntity()) continue;
         // Attributes take from their reference what entities of its block do.
-        const Style style = inReference(styles_.styleOf(*attribute), own);
-        list_.setStyle(style);
+        list_.setStyle(inReference(styles_.styleOf(*attribute), own));
         addAttributeText(*attribute);
     }
+    list_.endAttributes(number);
 }
 
 void Shapes::addWipeout(const OdDbWipeout& wipeout) {

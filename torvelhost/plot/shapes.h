@@ -16,6 +16,10 @@ namespace host {
 // The part of a reference that its block shows.
 DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 
+// Where single-line text stands. Justified text hangs on its alignment point in this font too, wherever another one
+// made it begin.
+torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
+
 class Shapes {
   public:
     // `pixel` is the length of a pixel in the coordinates of what is added; 0: everything as fine as it gets.

@@ -46,8 +46,13 @@ Styles::Styles(OdDbDatabase& database) : database_(database) {
         for (OdDbObjectId id : table->records()) {
             const auto record = id.openIf<OdDbLayerTableRecord>();
             if (!record) continue;
-            const Layer layer{onPaper(record->color()), record->lineweight(), linetypeIndex(record->linetype()),
-                              record->isOff(), record->isFrozen()};
+            Layer layer;
+            layer.color = onPaper(record->color());
+            layer.weight = record->lineweight();
+            layer.linetype = linetypeIndex(record->linetype());
+            layer.off = record->isOff();
+            layer.frozen = record->isFrozen();
+            layer.plotted = record->isPlottable() && !base::equalsNoCase(record->name(), L"DEFPOINTS");
             if (id == zero) {
                 layers_[0] = layer;
             } else {

@@ -56,6 +56,8 @@ class Styles {
 
     bool isFrozen(const Style& style) const { return layers_[style.layer].frozen || layers_[style.layer].frozenHere; }
     bool isHidden(const Style& style) const { return isFrozen(style) || layers_[style.layer].off; }
+    // Some layers are seen when one draws, but never on paper: the points that dimensions hang on.
+    bool isPlotted(const Style& style) const { return layers_[style.layer].plotted; }
     // Layers that are frozen in the viewport that is being drawn.
     void freezeHere(const std::vector<OdDbObjectId>& layers);
 
@@ -64,7 +66,7 @@ class Styles {
         std::uint32_t color = kForeground;
         int weight = -3;
         std::uint32_t linetype = 0;
-        bool off = false, frozen = false, frozenHere = false;
+        bool off = false, frozen = false, plotted = true, frozenHere = false;
     };
     std::uint32_t layerIndex(OdDbObjectId layer);
     std::uint32_t linetypeIndex(const OdString& name);

@@ -4,6 +4,11 @@
 
 namespace host {
 
+torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown) {
+    const torvel::TextGeometry geometry = text.textGeometry();
+    return text.isJustified() ? torvel::alignText(shown, geometry) : geometry;
+}
+
 bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
     if (!window_) return false;
     const double reach = reachOf(text, shown);
@@ -13,14 +18,13 @@ bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
 }
 
 void Shapes::addText(const OdDbText& text, const OdString& shown) {
-    if (isBesideWindow(text, shown)) return;
-    const torvel::TextGeometry geometry = text.textGeometry();
+    if (shown.empty() || isBesideWindow(text, shown)) return;
+    const torvel::TextGeometry geometry = geometryOf(text, shown);
     const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
     const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
     const auto add = [&](const OdGePoint2d& point) {
         list_.addPoint(plane * OdGePoint3d(point.x, point.y, elevation));
     };
-    if (shown.empty()) return;
     list_.begin(DisplayList::Kind::kStrokes);
     if (isTooSmall(geometry.height)) {
         // A line where it stands; nobody could read it.
@@ -59,20 +63,23 @@ void Shapes::addMText(const OdDbMText& text) {
     const auto inWorld = [&](const OdGePoint2d& point) { return toWorld * OdGePoint3d(point.x, point.y, 0); };
     const Style own = list_.style();
 
-    if (text.backgroundFillOn()) {
+    if (text.backgroundFillOn() || text.hasFrame()) {
         // The box around the text, wider on all sides by a part of the text height.
         const double margin = (text.backgroundScaleFactor() - 1) * text.textHeight();
         const OdGePoint2d &topLeft = layout.boundingPoints[0], &bottomRight = layout.boundingPoints[3];
-        const Corners corners = {inWorld({topLeft.x - margin, topLeft.y + margin}),
-                                 inWorld({bottomRight.x + margin, topLeft.y + margin}),
-                                 inWorld({bottomRight.x + margin, bottomRight.y - margin}),
-                                 inWorld({topLeft.x - margin, bottomRight.y - margin})};
-        if (text.useBackgroundColorOn()) {
+        Corners corners = {inWorld({topLeft.x - margin, topLeft.y + margin}),
+                           inWorld({bottomRight.x + margin, topLeft.y + margin}),
+                           inWorld({bottomRight.x + margin, bottomRight.y - margin}),
+                           inWorld({topLeft.x - margin, bottomRight.y - margin})};
+        if (text.backgroundFillOn() && text.useBackgroundColorOn()) {
             list_.add(DisplayList::Kind::kMask, corners);
-        } else {
+        } else if (text.backgroundFillOn()) {
             list_.setStyle(styles_.colored(own, text.backgroundFillColor()));
             list_.add(DisplayList::Kind::kArea, corners);
         }
+        list_.setStyle(own);
+        corners.push_back(corners.front());
+        if (text.hasFrame()) list_.add(DisplayList::Kind::kStrokes, corners);
     }
     for (const torvel::MTextLine& line : layout.lines) {
         if (isTooSmall(line.height)) {

@@ -3,6 +3,7 @@
 #include "drawingdb/entity.h"
 
 class OdDbAttribute;
+class OdDbSymbolTableRecord;
 
 class DRAWINGDB_API OdDbSymbolTable : public OdDbObject {
     OD_DECLARE_CONCRETE_CLASS(OdDbSymbolTable)
@@ -12,6 +13,9 @@ class DRAWINGDB_API OdDbSymbolTable : public OdDbObject {
     /// Without case; null when there is none.
     OdDbObjectId getAt(const OdString& name) const;
     bool has(const OdString& name) const { return !getAt(name).isNull(); }
+    /// Adds a new record (no block record, which needs a block too). The table must be open for write; throws
+    /// OdError(duplicateName) when it has a record of that name.
+    OdDbObjectId add(const OdSmartPtr<OdDbSymbolTableRecord>& record);
 
   protected:
     const drawingdb::ClassDescription* description() const override;
@@ -29,6 +33,7 @@ class DRAWINGDB_API OdDbSymbolTableRecord : public OdDbObject {
     const drawingdb::ClassDescription* description() const override;
     static void describe(drawingdb::Describer& d);
     static void describeRecord(drawingdb::Describer& d);
+    friend class OdDbSymbolTable;
     friend struct drawingdb::ObjectAccess;
     drawingdb::FileText name_;
     std::int16_t flags_ = 0;
@@ -40,6 +45,7 @@ class DRAWINGDB_API OdDbLayerTableRecord : public OdDbSymbolTableRecord {
     bool isFrozen() const { return (flags_ & 1) != 0; }
     bool isLocked() const { return (flags_ & 4) != 0; }
     bool isOff() const { return colorIndex_ < 0; }
+    bool isPlottable() const { return plottable_ != 0; }
     void setIsFrozen(bool on);
     void setIsLocked(bool on);
     void setIsOff(bool on);
@@ -49,6 +55,8 @@ class DRAWINGDB_API OdDbLayerTableRecord : public OdDbSymbolTableRecord {
     void setLinetype(const OdString& name);
     int lineweight() const { return lineweight_; }
     void setLineweight(int value);
+    /// All but the name, from a layer of the same drawing.
+    void setPropertiesFrom(const OdDbLayerTableRecord& other);
 
   protected:
     const drawingdb::ClassDescription* description() const override;

@@ -176,6 +176,7 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     void setVerticalMode(int mode);
     bool backgroundFillOn() const { return (background_ & 3) != 0; }
     void setBackgroundFill(bool on);
+    bool hasFrame() const { return (background_ & 16) != 0; }  ///< a rectangle around it is drawn
     bool useBackgroundColorOn() const { return (background_ & 2) != 0; }
     void setUseBackgroundColor(bool on);
     OdCmColor backgroundFillColor() const;

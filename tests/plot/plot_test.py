@@ -1,0 +1,421 @@
+#!/usr/bin/env python3
+"""What a plot shows of a drawing, by the shapes in the SVG file.
+
+    plot_test.py --program TORVELHOST [--emulator COMMAND;...]
+
+Unless a test says otherwise a drawing unit is a pixel, and the point x,y of the drawing is at x,600-y of the plot.
+"""
+
+import argparse
+import math
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import ezdxf
+import ezdxf.enums
+
+import compare_plots
+import plots
+
+COMMAND = []
+RED, YELLOW, GREEN, BLUE, BLACK, WHITE = "#ff0000", "#ffff00", "#00ff00", "#0000ff", "#000000", "#ffffff"
+UNIT_IS_PIXEL = "ZOOM|C|400,300|600"
+
+
+def box(points):
+    xs, ys = zip(*points)
+    return min(xs), min(ys), max(xs), max(ys)
+
+
+class PlotTest(unittest.TestCase):
+    def setUp(self):
+        self.temporary = tempfile.TemporaryDirectory()
+        self.folder = pathlib.Path(self.temporary.name)
+        self.doc = ezdxf.new("R2018", setup=False)
+        self.msp = self.doc.modelspace()
+
+    def tearDown(self):
+        self.temporary.cleanup()
+
+    def run_program(self, *arguments):
+        return subprocess.run(COMMAND + ["--profile", "profile.ini", "--size", "800x600", *arguments], cwd=self.folder,
+                              capture_output=True, timeout=120)
+
+    def plot(self, *commands, zoom=UNIT_IS_PIXEL):
+        self.doc.saveas(self.folder / "plan.dxf")
+        arguments = [part for command in [*commands, zoom] if command for part in ("-c", command)]
+        run = self.run_program("plan.dxf", "-p", "plot.svg", *arguments)
+        self.errors = run.stderr.decode("utf-8")
+        self.assertEqual(run.returncode, 0, self.errors)
+        return plots.read_plot(self.folder / "plot.svg")
+
+    def block(self, name, *lines, **attributes):
+        block = self.doc.blocks.new(name)
+        for start, end in lines:
+            block.add_line(start, end, dxfattribs=attributes)
+        return block
+
+    def assertLines(self, plot, expected, color=None, tolerance=0.02):
+        """The polylines in that colour are these, in any order and direction. Points are those of the drawing."""
+        found = [points for points, _, _ in plot.lines(color)]
+        wanted = [[(x, 600 - y) for x, y in points] for points in expected]
+        for points in wanted:
+            match = next((line for line in found if len(line) == len(points) and any(
+                all(math.dist(a, b) <= tolerance for a, b in zip(line, ends)) for ends in (points, points[::-1]))), None)
+            self.assertIsNotNone(match, f"{points} is not among {found}")
+            found.remove(match)
+        self.assertEqual(found, [])
+
+    def assertBox(self, points, expected, tolerance=0.1):
+        """The box around points of the plot, in units of the drawing."""
+        x1, y1, x2, y2 = box(points)
+        for a, b in zip((x1, 600 - y2, x2, 600 - y1), expected):
+            self.assertAlmostEqual(a, b, delta=tolerance)
+
+    # ---- the view
+
+    def test_shows_what_there_is_or_what_zoom_left(self):
+        self.msp.add_line((1000, 1000), (1400, 1300))
+        plot = self.plot(zoom=None)  # all of it, a hundredth away from the border
+        (points, _, _), = plot.lines()
+        self.assertEqual([round(value) for value in box(points)], [8, 6, 792, 594])
+        plot = self.plot("ZOOM|W|1000,1000|1200,1150")
+        self.assertLines(self.plot("ZOOM|C|1200,1150|300", zoom=None), [[(0, 0), (800, 600)]])
+
+    def test_layers_that_are_not_seen_do_not_count_for_what_there_is(self):
+        self.doc.layers.add("OFF").off()
+        self.msp.add_line((0, 0), (400, 300))
+        self.msp.add_line((0, 0), (9000, 9000), dxfattribs={"layer": "OFF"})
+        self.msp.add_xline((5000, 5000), (0, 1))
+        (points, _, _), = self.plot(zoom=None).lines()
+        self.assertEqual([round(value) for value in box(points)], [8, 6, 792, 594])
+
+    def test_pictures_are_files_of_the_size_asked_for(self):
+        self.msp.add_line((0, 0), (800, 600))
+        self.plot()
+        run = self.run_program("plan.dxf", "-p", "plot.png", "--size", "320x200")
+        self.assertEqual(run.returncode, 0)
+        png = (self.folder / "plot.png").read_bytes()
+        self.assertEqual(png[:8], b"\x89PNG\r\n\x1a\n")
+        self.assertEqual(struct.unpack(">II", png[16:24]), (320, 200))
+        self.assertEqual(self.run_program("plan.dxf", "-p", "nowhere/plot.svg").returncode, 3)
+
+    # ---- curves
+
+    def test_infinite_lines_end_at_the_border(self):
+        self.msp.add_xline((400, 100), (1, 0), dxfattribs={"color": 1})
+        self.msp.add_xline((-5000, 300), (0, 1), dxfattribs={"color": 1})  # never seen
+        self.msp.add_ray((400, 300), (1, 1), dxfattribs={"color": 3})
+        self.msp.add_ray((900, 300), (1, 0), dxfattribs={"color": 3})  # runs away
+        self.msp.add_ray((900, 200), (-1, 0), dxfattribs={"color": 3})
+        plot = self.plot()
+        self.assertLines(plot, [[(0, 100), (800, 100)]], RED, tolerance=1.1)
+        self.assertLines(plot, [[(400, 300), (700, 600)], [(800, 200), (0, 200)]], GREEN, tolerance=1.1)
+
+    def test_curves_are_round_with_few_points(self):
+        self.msp.add_circle((200, 300), 100, dxfattribs={"color": 1})
+        self.msp.add_arc((500, 300), 100, 90, 180, dxfattribs={"color": 3})
+        self.msp.add_ellipse((400, 100), (100, 0), 0.5, 0, math.pi, dxfattribs={"color": 5})
+        self.msp.add_lwpolyline([(600, 100, 1), (700, 100, 0), (700, 200, 0)], format="xyb", dxfattribs={"color": 2})
+        self.msp.add_polyline2d([(600, 400, 1), (700, 400, 0)], format="xyb", dxfattribs={"color": 4})
+        plot = self.plot()
+        for color, center, radius, expected in (
+                (RED, (200, 300), 100, (100, 200, 300, 400)), (GREEN, (500, 300), 100, (400, 300, 500, 400)),
+                ("#00ffff", (650, 400), 50, (600, 350, 700, 400))):
+            (points, _, _), = plot.lines(color)
+            self.assertBox(points, expected, tolerance=0.2)
+            self.assertLess(len(points), 80)
+            for x, y in points:
+                self.assertAlmostEqual(math.dist((x, 600 - y), center), radius, delta=0.02)
+        (points, _, _), = plot.lines(BLUE)
+        self.assertBox(points, (300, 100, 500, 150))
+        (points, _, _), = plot.lines(YELLOW)
+        self.assertBox(points, (600, 50, 700, 200), tolerance=0.2)
+
+    def test_wide_polylines_are_areas(self):
+        self.msp.add_lwpolyline([(100, 100), (300, 100), (300, 300)], dxfattribs={"const_width": 20, "color": 1})
+        self.msp.add_lwpolyline([(500, 100, 0, 40), (700, 100, 0, 0)], format="xyse", dxfattribs={"color": 3})
+        plot = self.plot()
+        (area,) = plot.areas(RED)
+        self.assertBox(sum(area.contours, []), (100, 90, 310, 300))
+        (area,) = plot.areas(GREEN)
+        self.assertBox(area.contours[0], (500, 80, 700, 120))
+
+    def test_dashes(self):
+        self.doc.linetypes.add("DASHED", [30.0, 20.0, -10.0])
+        self.doc.header["$LTSCALE"] = 2
+        self.msp.add_line((100, 100), (400, 100), dxfattribs={"linetype": "DASHED", "color": 1})
+        self.msp.add_line((100, 200), (150, 200), dxfattribs={"linetype": "DASHED", "color": 3})  # too short for it
+        self.msp.add_line((-1e7, 300), (1e7, 300), dxfattribs={"linetype": "DASHED", "color": 5})
+        self.msp.add_lwpolyline([(500, 100), (640, 100), (640, 240)], dxfattribs={"linetype": "DASHED", "color": 2})
+        plot = self.plot()
+        self.assertLines(plot, [[(100 + 60 * i - (20 if i else 0), 100), (min(100 + 60 * i + 20, 400), 100)]
+                                for i in range(6)]  # what is left over lies at both ends
+                        , RED)
+        self.assertLines(plot, [[(100, 200), (150, 200)]], GREEN)
+        blue = [box(points) for points, _, _ in plot.lines(BLUE)]
+        self.assertIn(len(blue), range(13, 16))
+        self.assertTrue(all(end - start < 61 for start, _, end, _ in blue))
+        # Each side of a polyline begins with a dash.
+        self.assertTrue(any(math.dist(points[-1], (640, 500)) < 0.1 for points, _, _ in plot.lines(YELLOW)))
+        self.assertEqual(len(plot.lines(YELLOW)), 6)
+
+    def test_points_as_the_drawing_wants_them(self):
+        self.msp.add_point((100, 100), dxfattribs={"color": 1})
+        (area,) = self.plot().areas(RED)
+        self.assertBox(area.contours[0], (99, 99, 101, 101))
+        self.doc.header["$PDMODE"], self.doc.header["$PDSIZE"] = 34, 20
+        plot = self.plot()
+        self.assertLines(plot, [[(80, 100), (120, 100)], [(100, 80), (100, 120)]] +
+                         [[(100 + 10 * math.cos(math.tau * i / 48), 100 - 10 * math.sin(math.tau * i / 48))
+                           for i in range(49)]], RED)
+        self.doc.header["$PDSIZE"] = -10  # of the height
+        self.assertBox(sum((points for points, _, _ in self.plot().lines(RED)), []), (40, 40, 160, 160))
+
+    # ---- looks
+
+    def test_colours_and_weights(self):
+        layer = self.doc.layers.add("PIPES", color=5)
+        layer.dxf.lineweight = 100
+        self.msp.add_line((0, 10), (10, 10))
+        self.msp.add_line((0, 20), (10, 20), dxfattribs={"layer": "PIPES"})
+        self.msp.add_line((0, 30), (10, 30), dxfattribs={"layer": "PIPES", "color": 1, "lineweight": 50})
+        self.msp.add_line((0, 40), (10, 40), dxfattribs={"true_color": 0x123456, "lineweight": 13})
+        self.msp.add_line((0, 50), (10, 50), dxfattribs={"layer": "NOWHERE"})
+        looks = {round(600 - points[0][1]): (color, width) for points, color, width in self.plot().lines()}
+        self.assertEqual(looks, {10: (BLACK, 1), 20: (BLUE, 4), 30: (RED, 2), 40: ("#123456", 1), 50: (BLACK, 1)})
+
+    def test_layers_hide(self):
+        self.doc.layers.add("OFF").off()
+        self.doc.layers.add("FROZEN").freeze()
+        self.doc.layers.add("SEEN", color=1)
+        self.block("PART", ((0, 0), (10, 0)))
+        self.block("OTHER", ((0, 5), (10, 5)), layer="SEEN")
+        for y, layer in enumerate(["OFF", "FROZEN", "SEEN"]):
+            self.msp.add_line((0, y * 10), (10, y * 10), dxfattribs={"layer": layer})
+            self.msp.add_blockref("PART", (100, y * 10), dxfattribs={"layer": layer})
+            self.msp.add_blockref("OTHER", (200, y * 10), dxfattribs={"layer": layer})
+        self.msp.add_line((0, 90), (10, 90), dxfattribs={"invisible": 1})
+        self.doc.layers.add("UNPLOTTED").dxf.plot = 0
+        self.msp.add_line((0, 95), (10, 95), dxfattribs={"layer": "UNPLOTTED"})
+        # A layer that is off hides what is on it; one that is frozen, also what a reference on it shows of others.
+        self.assertLines(self.plot(), [[(0, 20), (10, 20)], [(100, 20), (110, 20)], [(200, 5), (210, 5)],
+                                       [(200, 25), (210, 25)]], RED)
+
+    def test_blocks_take_from_their_references_what_they_leave_open(self):
+        self.doc.layers.add("BLUE", color=5)
+        inner = self.block("INNER", ((0, 0), (10, 0)), color=0)           # by block
+        inner.add_line((0, 1), (10, 1))                                    # by layer, on layer 0
+        inner.add_line((0, 2), (10, 2), dxfattribs={"layer": "BLUE"})
+        outer = self.block("OUTER")
+        outer.block.dxf.base_point = (5, 0, 0)
+        outer.add_blockref("INNER", (25, 5), dxfattribs={"color": 0, "xscale": -1})
+        self.msp.add_blockref("OUTER", (100, 100), dxfattribs={"color": 1, "rotation": 90, "xscale": 2, "yscale": 2})
+        plot = self.plot()
+        self.assertLines(plot, [[(90, 140), (90, 120)]], RED)
+        self.assertLines(plot, [[(88, 140), (88, 120)]], BLACK)
+        self.assertLines(plot, [[(86, 140), (86, 120)]], BLUE)
+
+    def test_a_reference_seen_from_behind_is_mirrored(self):
+        self.block("PART", ((0, 0), (10, 5)))
+        self.msp.add_blockref("PART", (-100, 100), dxfattribs={"extrusion": (0, 0, -1)})
+        self.assertLines(self.plot(), [[(100, 100), (90, 105)]])
+
+    def test_arrays_repeat_their_attributes_too(self):
+        block = self.block("PART", ((0, 0), (10, 0)), color=1)
+        block.add_attdef("TAG", (0, 20), height=10)
+        reference = self.msp.add_blockref("PART", (300, 100), dxfattribs={
+            "column_count": 3, "row_count": 2, "column_spacing": 50, "row_spacing": 100, "rotation": 90, "color": 3})
+        reference.add_auto_attribs({"TAG": "I"})
+        plot = self.plot()
+        cells = [(300 - 100 * row, 100 + 50 * column) for row in range(2) for column in range(3)]
+        self.assertLines(plot, [[(x, y), (x, y + 10)] for x, y in cells], RED)
+        for x, y in cells:
+            self.assertTrue(any(x - 31 < points[0][0] < x - 19 and 600 - y - 11 < points[0][1] < 600 - y + 1
+                                for points, _, _ in plot.lines(BLACK)), (x, y))
+
+    def test_draw_order_and_wipeouts(self):
+        self.msp.add_line((0, 100), (200, 100), dxfattribs={"color": 1})
+        wipeout = self.msp.add_wipeout([(50, 50), (150, 50), (150, 150), (50, 150)])
+        wipeout.dxf.color = 3
+        self.doc.set_wipeout_variables(frame=1)
+        late = self.msp.add_line((0, 110), (200, 110), dxfattribs={"color": 5})
+        plot = self.plot()
+        looks = [(shape.color, bool(shape.width)) for shape in plot.shapes]
+        self.assertEqual(looks, [(RED, True), (WHITE, False), (GREEN, True), (BLUE, True)])
+        self.assertBox(plot.areas(WHITE)[0].contours[0], (50, 50, 150, 150))
+        self.assertBox(plot.lines(GREEN)[0][0], (50, 50, 150, 150))
+        self.doc.set_wipeout_variables(frame=0)
+        self.msp.set_redraw_order([(late.dxf.handle, "1")])
+        looks = [(shape.color, bool(shape.width)) for shape in self.plot().shapes]
+        self.assertEqual(looks, [(BLUE, True), (RED, True), (WHITE, False)])
+
+    # ---- text
+
+    def test_text_hangs_where_it_is_justified(self):
+        def text(y, align, **attributes):
+            entity = self.msp.add_text("HIH", dxfattribs={"height": 20, "color": y, **attributes})
+            entity.set_placement((400, 100 * y), align=ezdxf.enums.TextEntityAlignment[align])
+        text(1, "LEFT")
+        text(2, "TOP_RIGHT")
+        text(3, "MIDDLE_CENTER", width=2)
+        text(4, "BOTTOM_CENTER", rotation=90)
+        text(5, "LEFT", text_generation_flag=2)
+        plot = self.plot()
+        boxes = {}
+        for points, color, _ in plot.lines():
+            boxes.setdefault(color, []).extend(points)
+        self.assertBox(boxes[RED], (402, 100, 445, 120), tolerance=8)
+        self.assertBox(boxes[YELLOW], (355, 180, 398, 200), tolerance=8)
+        x1, y1, x2, y2 = box(boxes[GREEN])
+        self.assertAlmostEqual((x1 + x2) / 2, 400, delta=2)
+        self.assertAlmostEqual(600 - (y1 + y2) / 2, 300, delta=1)
+        self.assertGreater(x2 - x1, 60)
+        x1, y1, x2, y2 = box(boxes["#00ffff"])
+        self.assertLess(x2 - x1, 21)
+        self.assertGreater(y2 - y1, 35)
+        self.assertLessEqual(box(boxes[BLUE])[2], 400)
+
+    def test_attributes_show_unless_they_are_invisible(self):
+        block = self.block("PART")
+        block.add_attdef("SEEN", (0, 0), dxfattribs={"height": 20, "color": 1})
+        block.add_attdef("HIDDEN", (0, 50), dxfattribs={"height": 20, "color": 3, "flags": 1})
+        block.add_attdef("CONSTANT", (0, 100), text="C", dxfattribs={"height": 20, "color": 5, "flags": 2})
+        reference = self.msp.add_blockref("PART", (100, 100))
+        reference.add_auto_attribs({"SEEN": "A", "HIDDEN": "B"})
+        self.msp.add_attdef("LOOSE", (400, 100), dxfattribs={"height": 20, "color": 4})
+        plot = self.plot()
+        colors = {color for _, color, _ in plot.lines()}
+        self.assertEqual(colors, {RED, BLUE, "#00ffff"})
+        self.doc.header["$ATTMODE"] = 2
+        self.assertIn(GREEN, {color for _, color, _ in self.plot().lines()})
+
+    def test_multi_line_text(self):
+        self.msp.add_mtext(r"{\C1;I}I\P\C3;I", dxfattribs={"char_height": 20, "insert": (100, 300),
+                                                           "attachment_point": 1})
+        plot = self.plot()
+        self.assertEqual(len(plot.lines(RED)), 1)
+        self.assertBox(plot.lines(RED)[0][0], (104, 280, 104, 300), tolerance=6)
+        self.assertAlmostEqual(box(plot.lines(BLACK)[0][0])[0], box(plot.lines(RED)[0][0])[0] + 5, delta=2)
+        self.assertBox(plot.lines(GREEN)[0][0], (104, 246.7, 104, 266.7), tolerance=6)
+
+    def test_text_that_nobody_could_read_is_a_line(self):
+        self.msp.add_text("NOTES", dxfattribs={"height": 1, "insert": (100, 100)})
+        (points, _, _), = self.plot().lines()
+        self.assertEqual(len(points), 2)
+        self.assertBox(points, (100, 100.5, 104.5, 100.5), tolerance=1)
+
+    # ---- areas and kinds without a class
+
+    def test_hatches(self):
+        solid = self.msp.add_hatch(color=1)
+        solid.paths.add_polyline_path([(100, 100), (200, 100), (200, 200), (100, 200)])
+        edges = solid.paths.add_edge_path()
+        edges.add_arc((150, 150), 20, 0, 360)
+        lines = self.msp.add_hatch(color=3)
+        lines.set_pattern_fill("LINES", color=3, definition=[(0, (0, 0), (0, 10), [])])
+        lines.paths.add_polyline_path([(300, 105), (400, 105), (400, 205), (300, 205)])
+        edges = lines.paths.add_edge_path()
+        edges.add_line((340, 145), (360, 145))
+        edges.add_line((360, 145), (360, 165))
+        edges.add_line((360, 165), (340, 165))
+        edges.add_line((340, 165), (340, 145))
+        plot = self.plot()
+        (area,) = plot.areas(RED)
+        self.assertBox(area.contours[0], (100, 100, 200, 200))
+        self.assertBox(area.contours[1], (130, 130, 170, 170))
+        expected = [[(300, y), (400, y)] for y in range(110, 210, 10) if y not in (150, 160)]
+        expected += [[(x, y), (x + 40, y)] for y in (150, 160) for x in (300, 360)]
+        self.assertLines(plot, expected, GREEN)
+
+    def test_solids_faces_dimensions_leaders(self):
+        self.msp.add_solid([(0, 0), (10, 0), (0, 10), (10, 10)], dxfattribs={"color": 1})
+        face = self.msp.add_3dface([(100, 0), (110, 0), (110, 10), (100, 10)], dxfattribs={"color": 3})
+        face.set_edge_visibility(0, False)
+        dimension = self.msp.add_linear_dim(base=(300, 50), p1=(300, 10), p2=(400, 10), dxfattribs={"color": 5})
+        dimension.render()
+        self.msp.add_leader([(500, 100), (560, 160), (600, 160)], override={}, dxfattribs={"color": 2})
+        plot = self.plot()
+        (area,) = plot.areas(RED)
+        self.assertEqual([(round(x), round(600 - y)) for x, y in area.contours[0]], [(0, 0), (10, 0), (10, 10), (0, 10)])
+        self.assertLines(plot, [[(110, 0), (110, 10)], [(110, 10), (100, 10)], [(100, 10), (100, 0)]], GREEN)
+        self.assertBox(sum((points for points, _, _ in plot.lines(BLUE)), []), (300, 10, 400, 50), tolerance=3)
+        self.assertBox(plot.lines(YELLOW)[0][0], (500, 100, 600, 160), tolerance=3)
+        self.assertEqual(len(plot.areas(YELLOW)), 1)
+        self.assertNotIn("not drawn", self.errors)
+
+    def test_what_cannot_be_drawn_is_counted_once(self):
+        block = self.block("PART")
+        block.add_body()
+        for x in range(3):
+            self.msp.add_blockref("PART", (x, 0))
+            self.msp.add_mline([(0, 0), (10, 10)])
+        self.plot()
+        self.assertEqual(self.errors.count("not drawn"), 1)
+        self.assertIn("not drawn: 1 BODY, 3 MLINE", self.errors)
+
+    # ---- layouts
+
+    def test_layouts_show_the_model_through_their_viewports(self):
+        self.doc.layers.add("NOTES", color=1)
+        self.msp.add_line((-1000, 0), (1000, 0), dxfattribs={"color": 3})
+        self.msp.add_line((0, 0), (0, 40), dxfattribs={"layer": "NOTES"})
+        self.msp.add_line((100, 100), (120, 120), dxfattribs={"color": 4})  # beside what both viewports show
+        layout = self.doc.layout("Layout1")
+        layout.add_viewport(center=(200, 300), size=(200, 100), view_center_point=(0, 0), view_height=50)
+        turned = layout.add_viewport(center=(600, 300), size=(100, 100), view_center_point=(0, 0), view_height=100)
+        turned.dxf.view_twist_angle = 90
+        turned.frozen_layers = ["NOTES"]
+        layout.add_line((0, 0), (10, 0), dxfattribs={"color": 5})
+        plot = self.plot("LAYOUT|Layout1")
+        self.assertLines(plot, [[(0, 0), (10, 0)]], BLUE)
+        self.assertLines(plot, [[(100, 300), (300, 300)], [(600, 250), (600, 350)]], GREEN, tolerance=0.6)
+        self.assertLines(plot, [[(200, 300), (200, 350)]], RED, tolerance=0.6)
+        frames = [sorted(points[:4]) for points, _, _ in plot.lines() if len(points) == 5]
+        self.assertIn(sorted([(100, 250), (100, 350), (300, 250), (300, 350)]), frames)
+        self.assertEqual(plot.lines("#00ffff"), [])
+
+    # ---- faults and sizes
+
+    def test_nesting_without_end_ends(self):
+        block = self.block("LOOP", ((0, 0), (10, 0)), color=1)
+        for x in range(8):
+            block.add_blockref("LOOP", (x, 0))
+        inner = self.block("GRID", ((0, 0), (1, 0)), color=3)
+        self.msp.add_blockref("LOOP", (0, 100))
+        self.msp.add_blockref("GRID", (0, 0), dxfattribs={"column_count": 32767, "row_count": 32767,
+                                                          "column_spacing": 200, "row_spacing": 200})
+        start = time.monotonic()
+        plot = self.plot()
+        self.assertLess(time.monotonic() - start, 60)
+        self.assertLines(plot, [[(0, 100), (10, 100)]], RED)
+        self.assertEqual(len(plot.lines(GREEN)), 5 * 4)
+
+    def test_the_comparer_tells_plots_apart(self):
+        self.block("PART", ((0, 0), (100, 50)), ((100, 50), (100, 100)))
+        self.msp.add_blockref("PART", (100, 100), dxfattribs={"rotation": 30})
+        reference = self.plot()
+        self.msp.query("INSERT").first.explode()
+        self.assertEqual(list(compare_plots.differences(reference, self.plot())), [])
+        line = self.msp.query("LINE").first
+        line.dxf.color = 1
+        self.assertEqual(len(list(compare_plots.differences(reference, self.plot()))), 2)
+        line.dxf.color, line.dxf.end = 256, line.dxf.end + ezdxf.math.Vec3(2, 0, 0)
+        self.assertTrue(list(compare_plots.differences(reference, self.plot())))
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--emulator", default="")
+    arguments, rest = parser.parse_known_args()
+    COMMAND[:] = [*filter(None, arguments.emulator.split(";")), arguments.program]
+    unittest.main(argv=[sys.argv[0], *rest])
+
+
+main()

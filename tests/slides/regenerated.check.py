@@ -1,0 +1,2 @@
+def check(case):
+    assert "#00ff00" not in (case.folder / "shown.svg").read_text()
