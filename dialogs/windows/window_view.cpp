@@ -494,7 +494,7 @@ void WindowView::work() {
             script->step();
             rethrow();
         } else {
-            WaitMessage();
+            Process::instance().waitFor([] { WaitMessage(); });
         }
     }
     noteColumns();
