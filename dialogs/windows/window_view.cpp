@@ -73,6 +73,15 @@ INT_PTR messageResult(HWND dialog, LRESULT result) {
     return TRUE;
 }
 
+// A fifth of the way from the window's colour to its text's, so that it is seen in every colour scheme.
+COLORREF shadeOfRuns() {
+    const COLORREF paper = GetSysColor(COLOR_WINDOW);
+    const COLORREF ink = GetSysColor(COLOR_WINDOWTEXT);
+    const auto mix = [](int a, int b) { return static_cast<BYTE>((4 * a + b) / 5); };
+    return RGB(mix(GetRValue(paper), GetRValue(ink)), mix(GetGValue(paper), GetGValue(ink)),
+               mix(GetBValue(paper), GetBValue(ink)));
+}
+
 COLORREF colorOf(std::uint32_t rgb) { return RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF); }
 
 }  // namespace
@@ -247,8 +256,7 @@ void WindowView::showRichText(Control& control, HWND window) {
     for (const RichText::Run& run : control.richText ? control.richText->runs() : std::vector<RichText::Run>()) {
         CHARRANGE range = {static_cast<LONG>(run.begin), static_cast<LONG>(run.end)};
         send(window, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
-        format.crBackColor =
-            GetSysColor(COLOR_3DLIGHT) == GetSysColor(COLOR_WINDOW) ? RGB(208, 208, 208) : GetSysColor(COLOR_3DFACE);
+        format.crBackColor = shadeOfRuns();
         send(window, EM_SETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
     }
     showSelection(control, window);
