@@ -38,7 +38,7 @@ Answer askAnswer(BoxKind kind, const std::wstring& text) {
     for (;;) {
         const auto line = lines.next(markOf(kind) + text + L" " + choices + L": ");
         if (!line) {
-            lines.refuse(L"the script ends at the question \"" + text + L"\"");
+            if (lines.isScript()) lines.refuse(L"the script ends at the question \"" + text + L"\"");
             return mayCancel ? Answer::kCancel : Answer::kNo;
         }
         if (const auto answer = parseAnswer(base::trimmed(*line), mayCancel)) return *answer;
@@ -99,7 +99,7 @@ std::optional<std::wstring> askLine(const std::wstring& prompt) {
     LineSource& lines = *Process::instance().lines;
     const auto line = lines.next(prompt + L": ");
     if (!line) {
-        lines.refuse(L"the script ends at the question \"" + prompt + L"\"");
+        if (lines.isScript()) lines.refuse(L"the script ends at the question \"" + prompt + L"\"");
         return std::nullopt;
     }
     const std::wstring_view answer = base::trimmed(*line);
