@@ -23,7 +23,7 @@ int linesFor(double angle) {
 CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation,
                          std::vector<OdDbEntityPtr>& pieces)
     : source_(source),
-      normal_(normal.normal()),
+      normal_(OdGeMatrix3d::planeToWorld(normal).zAxis()),  // also of a damaged one without length
       elevation_(elevation),
       toWorld_(OdGeMatrix3d::planeToWorld(normal)),
       pieces_(pieces),
