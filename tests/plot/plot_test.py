@@ -377,9 +377,11 @@ class PlotTest(unittest.TestCase):
             self.msp.add_mesh()
         self.doc.add_xref_def("other.dxf", "OTHER")
         self.msp.add_blockref("OTHER", (0, 0))
+        clipped = self.msp.add_blockref("PART", (0, 0)).new_extension_dict()
+        clipped.dictionary.add_new_dict("ACAD_FILTER").add_xrecord("SPATIAL")
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 external reference", self.errors)
+        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 clip of INSERT, 1 external reference", self.errors)
 
     # ---- layouts
 

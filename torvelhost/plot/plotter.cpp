@@ -26,6 +26,14 @@ double scaleOf(const OdGeMatrix3d& m) {
         std::max({m.xAxis().xy().lengthSquared(), m.yAxis().xy().lengthSquared(), m.zAxis().xy().lengthSquared()}));
 }
 
+// A reference may show a part of its block only; here it shows all of it.
+bool hasClip(const OdDbEntity& entity) {
+    if (!entity.isKindOf(OdDbBlockReference::desc())) return false;
+    const auto dictionary = entity.extensionDictionary().openIf<OdDbDictionary>();
+    const auto filters = dictionary ? dictionary->getAt(L"ACAD_FILTER").openIf<OdDbDictionary>() : OdDbDictionaryPtr();
+    return filters && !filters->getAt(L"SPATIAL").isNull();
+}
+
 // What the picture shows of a plane seen from above, or nothing when the plane is seen at an angle.
 std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d& toPixels) {
     const OdGeVector2d x = toPixels.xAxis().xy(), y = toPixels.yAxis().xy();
@@ -65,7 +73,13 @@ void Plotter::setUp(Shapes& shapes) const {
 
 void Plotter::add(Shapes& shapes, OdDbObjectId id) {
     const auto entity = id.openIf<OdDbEntity>();
-    if (entity && !shapes.add(*entity) && counted_.insert(id).second) ++notDrawn_[entity->dxfName()];
+    if (!entity) return;
+    if (!shapes.add(*entity)) count(id, entity->dxfName());
+    if (hasClip(*entity)) count(id, "clip of INSERT");
+}
+
+void Plotter::count(OdDbObjectId id, const std::string& kind) {
+    if (counted_.insert(id).second) ++notDrawn_[kind];
 }
 
 void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit) {
@@ -98,8 +112,8 @@ const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
     shapes.setInBlock(true);
     forEachInDrawOrder(block, [&](OdDbObjectId id) { add(shapes, id); });
     if (const auto record = block.openIf<OdDbBlockTableRecord>();
-        record && record->isFromExternalReference() && list.items().empty() && counted_.insert(block).second)
-        ++notDrawn_["external reference"];
+        record && record->isFromExternalReference() && list.items().empty())
+        count(block, "external reference");
     return blockLists_[{block, size}] = std::move(list);
 }
 
