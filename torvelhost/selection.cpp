@@ -81,11 +81,11 @@ Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool cross
 Selection::Entities Selection::allEntities() {
     Entities found;
     LayerStates layers;
+    const bool anyFrozen = LayerStates::anyFrozen(*document_.database());
     const auto space = document_.activeSpaceId().openAs<OdDbBlockTableRecord>();
     for (OdDbObjectId id : space->entities()) {
-        if (isViewport(id)) continue;
-        const auto entity = id.openIf<OdDbEntity>();
-        if (entity && !layers.isFrozen(*entity)) found.push_back(id);
+        if (isViewport(id) || !id.isKindOf(OdDbEntity::desc())) continue;
+        if (!(anyFrozen && layers.isFrozen(*id.openAs<OdDbEntity>()))) found.push_back(id);
     }
     return found;
 }

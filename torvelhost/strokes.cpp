@@ -5,6 +5,7 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/database.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/spline.h"
 #include "drawingdb/text_metrics.h"
@@ -237,6 +238,14 @@ bool Rectangle::meetsArea(const std::vector<OdGePoint2d>& corners) const {
 
 bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
     return Meeting(rectangle).meets(entity, toWorld, 0);
+}
+
+bool LayerStates::anyFrozen(const OdDbDatabase& database) {
+    const auto layers = database.layerTableId().openIf<OdDbSymbolTable>();
+    if (!layers) return false;
+    for (OdDbObjectId id : layers->records())
+        if (const auto layer = id.openIf<OdDbLayerTableRecord>(); layer && layer->isFrozen()) return true;
+    return false;
 }
 
 int LayerStates::flagsOf(const OdDbEntity& entity) {
