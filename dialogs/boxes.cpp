@@ -38,7 +38,7 @@ Answer askAnswer(BoxKind kind, const std::wstring& text) {
     for (;;) {
         const auto line = lines.next(markOf(kind) + text + L" " + choices + L": ");
         if (!line) {
-            lines.refuse(L"the script ends at the question \"" + text + L"\"");
+            if (lines.isScript()) lines.refuse(L"the script ends at the question \"" + text + L"\"");
             return mayCancel ? Answer::kCancel : Answer::kNo;
         }
         if (const auto answer = parseAnswer(base::trimmed(*line), mayCancel)) return *answer;
@@ -68,6 +68,13 @@ std::wstring withoutQuotes(std::wstring_view line) {
     return std::wstring(line);
 }
 
+template <class Ask>
+std::optional<std::wstring> askPerson(Ask ask) {
+    std::optional<std::wstring> answer;
+    Process::instance().waitFor([&] { answer = ask(*Process::instance().maker); });
+    return answer;
+}
+
 }  // namespace
 
 Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& caption) {
@@ -81,7 +88,9 @@ Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& ca
         else
             process.lines->print(markOf(kind) + text + L"\n");
     }
-    return process.maker->messageBox(kind, text, caption, answer);
+    Answer given = Answer::kOk;
+    process.waitFor([&] { given = process.maker->messageBox(kind, text, caption, answer); });
+    return given;
 }
 
 bool asksLines() { return Process::instance().lines != nullptr; }
@@ -90,7 +99,7 @@ std::optional<std::wstring> askLine(const std::wstring& prompt) {
     LineSource& lines = *Process::instance().lines;
     const auto line = lines.next(prompt + L": ");
     if (!line) {
-        lines.refuse(L"the script ends at the question \"" + prompt + L"\"");
+        if (lines.isScript()) lines.refuse(L"the script ends at the question \"" + prompt + L"\"");
         return std::nullopt;
     }
     const std::wstring_view answer = base::trimmed(*line);
@@ -101,7 +110,7 @@ std::optional<std::wstring> askLine(const std::wstring& prompt) {
 void refuseLine(const std::wstring& why) { Process::instance().lines->refuse(why); }
 
 std::optional<std::wstring> askFile(const FileRequest& request) {
-    if (!asksLines()) return Process::instance().maker->askFile(request);
+    if (!asksLines()) return askPerson([&](Maker& maker) { return maker.askFile(request); });
     std::wstring prompt = !request.title.empty() ? request.title : request.save ? L"Save as" : L"Open";
     if (!request.fileName.empty()) prompt += L" <" + request.fileName + L">";
     for (;;) {
@@ -118,7 +127,7 @@ std::optional<std::wstring> askFile(const FileRequest& request) {
 }
 
 std::optional<std::wstring> askFolder(const std::wstring& title) {
-    if (!asksLines()) return Process::instance().maker->askFolder(title);
+    if (!asksLines()) return askPerson([&](Maker& maker) { return maker.askFolder(title); });
     for (;;) {
         const auto answer = askLine(title.empty() ? L"Folder" : title);
         if (!answer) return std::nullopt;

@@ -121,7 +121,7 @@ void FormScript::step() {
 }
 
 void FormScript::end() {
-    lines_.refuse(L"the script ends in the dialog " + inQuotes(run_.root().title()));
+    if (lines_.isScript()) lines_.refuse(L"the script ends in the dialog " + inQuotes(run_.root().title()));
     run_.cancelled();
     run_.end(kCancelButton);  // also when it does not want to
 }

@@ -84,10 +84,11 @@ class Maker {
 struct Process {
     Process();
     void setStandard();
+    void waitFor(const std::function<void()>& wait) const;
 
     std::unique_ptr<Maker> maker;
     LineSource* lines = nullptr;  ///< forms: never null; windows: the script or null
-    bool forms = true;
+    Waiting waiting;
     int boxesShown = 0;
     base::ModuleHandle resources = nullptr;
     Run* current = nullptr;  ///< the innermost dialog

@@ -31,10 +31,14 @@ Process::Process() { setStandard(); }
 
 void Process::setStandard() {
     maker = makeWindowsMaker(false);
-    forms = maker == nullptr;
-    lines = forms ? &terminalLines() : nullptr;
-    if (forms) maker = makeFormsMaker();
+    lines = nullptr;
+    waiting = {};
+    if (maker) return;
+    maker = makeFormsMaker();
+    lines = &terminalLines();
 }
+
+void Process::waitFor(const std::function<void()>& wait) const { waiting ? waiting(wait) : wait(); }
 
 Process& Process::instance() {
     static Process process;
@@ -45,16 +49,16 @@ void useForms(LineSource& lines) {
     Process& process = Process::instance();
     process.maker = makeFormsMaker();
     process.lines = &lines;
-    process.forms = true;
+    process.waiting = {};
 }
 
-bool useWindows(LineSource* script) {
+bool useWindows(LineSource* script, Waiting waiting) {
     std::unique_ptr<Maker> maker = makeWindowsMaker(script != nullptr);
     if (!maker) return false;
     Process& process = Process::instance();
     process.maker = std::move(maker);
     process.lines = script;
-    process.forms = false;
+    process.waiting = std::move(waiting);
     return true;
 }
 

@@ -2,6 +2,7 @@
 // answer them. Without a say they are windows on Windows, and forms on the terminal elsewhere.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,9 +30,11 @@ class DIALOGS_API LineSource {
 
 /// Dialogs are forms, worked by the lines of `lines`. It must outlive its use.
 DIALOGS_API void useForms(LineSource& lines);
+/// Calls `wait`, which returns when a person has done something; shows meanwhile that nothing is being worked at.
+using Waiting = std::function<void(const std::function<void()>& wait)>;
 /// Dialogs are windows. With a script its lines do what a user would do; without one (null) the user does.
 /// False, and nothing changed, where there are no windows.
-DIALOGS_API bool useWindows(LineSource* script);
+DIALOGS_API bool useWindows(LineSource* script, Waiting waiting = {});
 /// Back to what holds without a say.
 DIALOGS_API void useStandard();
 

@@ -45,6 +45,11 @@ class DIALOGS_API RichText {
     /// Puts plain text in the place of the characters from `begin` to `end`, which cut no run.
     virtual void replace(std::size_t begin, std::size_t end, std::wstring_view plain) = 0;
 
+    /// For the clipboard; a paste puts it in the place of the characters from `begin` to `end`. Both are plain text
+    /// here.
+    virtual std::wstring copy(std::size_t begin, std::size_t end);
+    virtual void paste(std::size_t begin, std::size_t end, std::wstring_view copied);
+
     virtual std::vector<MenuEntry> menu(const TextSelection& selection) const;
     /// A choice from the menu. May change the text, the runs and the selection; the control shows what comes of it.
     virtual void onMenu(int command, TextSelection& selection);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "dialogs/boxes.h"
 
 namespace dialogs {
 namespace {
@@ -61,14 +62,18 @@ void refreshFromRichText(Control& field) {
     snapSelection(field);
 }
 
-bool replaceSelection(Control& field, std::wstring_view text) {
+namespace {
+
+enum class Source { kTyped, kClipboard };
+
+bool replaceBy(Control& field, std::wstring_view text, Source source) {
     snapSelection(field);
     if (!field.isMultiLine()) text = text.substr(0, text.find_first_of(L"\r\n"));
     const std::size_t begin = field.selection.begin();
     const std::size_t end = field.selection.end();
     if (text.empty() && begin == end) return false;
     if (field.richText) {
-        field.richText->replace(begin, end, text);
+        source == Source::kTyped ? field.richText->replace(begin, end, text) : field.richText->paste(begin, end, text);
         field.text = field.richText->text();
     } else {
         field.text.replace(begin, end - begin, text);
@@ -76,6 +81,20 @@ bool replaceSelection(Control& field, std::wstring_view text) {
     moveCaret(field, std::min(begin + text.size(), field.text.size()), false);
     snapSelection(field);
     return true;
+}
+
+}  // namespace
+
+bool replaceSelection(Control& field, std::wstring_view text) { return replaceBy(field, text, Source::kTyped); }
+
+bool pasteClipboard(Control& field) { return replaceBy(field, clipboardText(), Source::kClipboard); }
+
+void copySelection(Control& field) {
+    snapSelection(field);
+    const std::size_t begin = field.selection.begin();
+    const std::size_t end = field.selection.end();
+    if (begin == end) return;
+    setClipboardText(field.richText ? field.richText->copy(begin, end) : field.text.substr(begin, end - begin));
 }
 
 bool editByKey(Control& field, TextKey key, bool shift) {

@@ -18,6 +18,7 @@
 // result of type int is an input result (see input.h) unless the row says otherwise.
 #pragma once
 
+#include "drawingdb/color.h"
 #include "drawingdb/field.h"
 #include "drawingdb/ge.h"
 #include "hostapi/command.h"
@@ -139,6 +140,8 @@ enum MessageAnswer : int { kAnswerOk = 1, kAnswerCancel = 2, kAnswerYes = 6, kAn
 /// A message box; returns a MessageAnswer.
 inline constexpr Service<int(const wchar_t* text, const wchar_t* caption, int kind)> messageBox{kEventLibrary,
                                                                                                 "hostMessageBox"};
+/// Asks for a colour, `color` being shown at first; false, and `color` untouched, when the user cancels.
+inline constexpr Service<bool(OdCmColor& color)> selectColor{kEventLibrary, "hostSelectColor"};
 /// A notification that asks nothing.
 inline constexpr Service<void(const wchar_t* text)> notify{kEventLibrary, "hostNotify"};
 

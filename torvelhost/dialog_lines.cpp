@@ -17,7 +17,11 @@ void DialogLines::refuse(const std::wstring& why) {
 
 DialogUse::DialogUse(bool windows, DialogLines& lines) {
     const bool scripted = lines.isScript();
-    if ((windows || !scripted) && dialogs::useWindows(scripted ? &lines : nullptr)) return;
+    const dialogs::Waiting waiting = [](const std::function<void()>& wait) {
+        const Progress::Pause pause;
+        wait();
+    };
+    if ((windows || !scripted) && dialogs::useWindows(scripted ? &lines : nullptr, waiting)) return;
     dialogs::useForms(lines);
 }
 

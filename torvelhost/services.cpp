@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "dialogs/boxes.h"
 #include "torvelhost/application.h"
+#include "torvelhost/color_dialog.h"
 #include "torvelhost/command_factory.h"
 #include "torvelhost/progress.h"
 #include "torvelhost/units.h"
@@ -233,6 +234,11 @@ int hostMessageBox(const wchar_t* text, const wchar_t* caption, int kind) {
     return static_cast<int>(dialogs::messageBox(kKinds[kind], text ? text : L"", caption ? caption : L""));
 }
 
+bool hostSelectColor(OdCmColor& color) {
+    const host::Progress::Pause pause;
+    return session() && host::chooseColor(color);
+}
+
 void hostNotify(const wchar_t* text) {
     if (Application::Session* current = session())
         if (text) current->input.terminal().show(L"[notice] " + std::wstring(text) + L"\n");
@@ -284,6 +290,7 @@ static_assert(fits(hostapi::getPointVariable, &hostGetVarPoint));
 static_assert(fits(hostapi::getVectorVariable, &hostGetVarVector));
 static_assert(fits(hostapi::setVariable, &hostSetVar));
 static_assert(fits(hostapi::messageBox, &hostMessageBox));
+static_assert(fits(hostapi::selectColor, &hostSelectColor));
 static_assert(fits(hostapi::notify, &hostNotify));
 static_assert(fits(hostapi::getProfile, &hostGetProfile));
 static_assert(fits(hostapi::getHelpService, &hostGetHelpService));

@@ -73,6 +73,15 @@ INT_PTR messageResult(HWND dialog, LRESULT result) {
     return TRUE;
 }
 
+// A fifth of the way from the window's colour to its text's, so that it is seen in every colour scheme.
+COLORREF shadeOfRuns() {
+    const COLORREF paper = GetSysColor(COLOR_WINDOW);
+    const COLORREF ink = GetSysColor(COLOR_WINDOWTEXT);
+    const auto mix = [](int a, int b) { return static_cast<BYTE>((4 * a + b) / 5); };
+    return RGB(mix(GetRValue(paper), GetRValue(ink)), mix(GetGValue(paper), GetGValue(ink)),
+               mix(GetBValue(paper), GetBValue(ink)));
+}
+
 COLORREF colorOf(std::uint32_t rgb) { return RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF); }
 
 }  // namespace
@@ -247,8 +256,7 @@ void WindowView::showRichText(Control& control, HWND window) {
     for (const RichText::Run& run : control.richText ? control.richText->runs() : std::vector<RichText::Run>()) {
         CHARRANGE range = {static_cast<LONG>(run.begin), static_cast<LONG>(run.end)};
         send(window, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
-        format.crBackColor =
-            GetSysColor(COLOR_3DLIGHT) == GetSysColor(COLOR_WINDOW) ? RGB(208, 208, 208) : GetSysColor(COLOR_3DFACE);
+        format.crBackColor = shadeOfRuns();
         send(window, EM_SETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
     }
     showSelection(control, window);
@@ -494,7 +502,7 @@ void WindowView::work() {
             script->step();
             rethrow();
         } else {
-            WaitMessage();
+            Process::instance().waitFor([] { WaitMessage(); });
         }
     }
     noteColumns();
@@ -746,11 +754,9 @@ bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM 
         if (!control.readOnly && replaceSelection(control, text)) richChanged(control, true);
         return true;
     };
-    const auto copy = [&] {
-        snapSelection(control);
-        if (!control.selection.isEmpty())
-            setClipboardText(
-                control.text.substr(control.selection.begin(), control.selection.end() - control.selection.begin()));
+    const auto paste = [&] {
+        if (!control.readOnly && pasteClipboard(control)) richChanged(control, true);
+        return true;
     };
     switch (message) {
         case WM_KEYDOWN:
@@ -762,12 +768,12 @@ bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM 
                     richChanged(control, false);
                     return true;
                 case 3:  // Ctrl+C
-                    copy();
+                    copySelection(control);
                     return true;
                 case 22:  // Ctrl+V
-                    return insert(clipboardText());
+                    return paste();
                 case 24:  // Ctrl+X
-                    copy();
+                    copySelection(control);
                     return insert(L"");
                 default:
                     break;
@@ -780,12 +786,12 @@ bool WindowView::onRichEditMessage(Control& control, HWND, UINT message, WPARAM 
             if (IS_LOW_SURROGATE(word)) return insert(std::wstring{highSurrogate_, static_cast<wchar_t>(word)});
             return insert(std::wstring(1, static_cast<wchar_t>(word)));
         case WM_PASTE:
-            return insert(clipboardText());
+            return paste();
         case WM_COPY:
-            copy();
+            copySelection(control);
             return true;
         case WM_CUT:
-            copy();
+            copySelection(control);
             return insert(L"");
         case WM_CLEAR:
             return insert(L"");

@@ -152,6 +152,10 @@ class Core {
     std::size_t undoPosition();
     void undoTo(std::size_t position);
     bool modified() const { return changes_ != 0; }
+    std::uint64_t revision() {
+        flushAll();
+        return state_;
+    }
 
     // ---- the current space ----
     std::string currentLayout;  // UTF-8; empty: as the file says

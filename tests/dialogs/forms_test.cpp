@@ -1,8 +1,12 @@
 // Dialogs worked by lines. On Windows every test runs twice: as forms, and with the lines driving real windows.
 #include <deque>
+#include <filesystem>
 #include <gmock/gmock.h>
+#include <set>
 #include <stdexcept>
 
+#include "base/files.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "dialogs/boxes.h"
 #include "dialogs/dialog.h"
@@ -483,6 +487,39 @@ TEST_P(Forms, PagesAreDialogsLikeAnyOther) {
     EXPECT_EQ(inner.text(IDC_DEEP), L"down");
     EXPECT_EQ(one.parent(), &dialog);
     EXPECT_FALSE(inner.isOpen());
+}
+
+TEST_P(Forms, PicturesShowTheWindow) {
+    Fields dialog;
+    if (!GetParam()) {
+        EXPECT_THAT(fault(dialog, {"picture form.bmp"}), HasSubstr("a form has no picture"));
+        return;
+    }
+    run(dialog, {"Tag = DOOR", "row 2", "caret Value 7 12", "picture dialogs_test_before.bmp", "check Invisible",
+                 "picture dialogs_test_after.bmp", "close"});
+    const std::wstring before = L"dialogs_test_before.bmp", after = L"dialogs_test_after.bmp";
+    const base::FileBuffer first = base::readFile(before), second = base::readFile(after);
+    EXPECT_EQ(first.view().substr(0, 2), "BM");
+    EXPECT_GT(std::set<char>(first.view().begin(), first.view().end()).size(), 20u) << "it is one area of colour";
+    EXPECT_EQ(first.size(), second.size());
+    EXPECT_NE(first.view(), second.view());
+    std::filesystem::remove(base::toPath(before));
+    std::filesystem::remove(base::toPath(after));
+}
+
+TEST_P(Forms, ClosingMayBeRefusedToo) {
+    class Stubborn final : public Logged {
+      public:
+        Stubborn() : Logged(IDD_FIELDS) {}
+        bool onLeave(int, int next) override {
+            log.push_back("leave for " + std::to_string(next));
+            return text(IDC_TAG) != L"bad";
+        }
+    } dialog;
+    EXPECT_EQ(run(dialog, {"Tag = bad", "close", "key Escape", "^C", "press Cancel", "Tag = good", "close"}),
+              kCancelButton);
+    EXPECT_THAT(dialog.log, ElementsAre("init", "edited 101", "leave for 2", "leave for 2", "leave for 2",
+                                        "leave for 2", "edited 101", "leave for 2", "cancel"));
 }
 
 TEST_P(Forms, ShowPrintsEveryControl) {

@@ -64,6 +64,7 @@ TEST(Services, EveryRowIsExported) {
     EXPECT_TRUE(find(getVectorVariable));
     EXPECT_TRUE(find(setVariable));
     EXPECT_TRUE(find(messageBox));
+    EXPECT_TRUE(find(selectColor));
     EXPECT_TRUE(find(notify));
     EXPECT_TRUE(find(getProfile));
     EXPECT_TRUE(find(getHelpService));

@@ -1,0 +1,3 @@
+#define IDD_PROPERTIES 100
+#define IDC_COLOR 101
+#define IDC_WEIGHT 102

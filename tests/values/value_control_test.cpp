@@ -1,0 +1,104 @@
+// A value with fields in the rich edit of a dialog: as a form, and on Windows as a window too.
+#include "torvelcmd2/attributes/value_control.h"
+
+#include <deque>
+#include <gmock/gmock.h>
+
+#include "base/text.h"
+#include "dialogs/dialog.h"
+#include "dialogs/process.h"
+#include "drawingdb/block.h"
+#include "drawingdb/database.h"
+#include "drawingdb/text.h"
+#include "value_control_test.h"
+
+using torvel::CFEdCtrl;
+
+namespace {
+
+class Lines final : public dialogs::LineSource {
+  public:
+    std::optional<std::wstring> next(const std::wstring&) override {
+        if (lines.empty()) return std::nullopt;
+        std::wstring line = base::fromUtf8(lines.front());
+        lines.pop_front();
+        return line;
+    }
+    void print(std::wstring_view text) override { printed += base::toUtf8(text); }
+    void refuse(const std::wstring& why) override { throw std::runtime_error(base::toUtf8(why)); }
+    bool isScript() const override { return true; }
+    std::deque<std::string> lines;
+    std::string printed;
+};
+
+class ValueControl : public testing::TestWithParam<bool> {
+  protected:
+    void SetUp() override {
+        if (!GetParam())
+            dialogs::useForms(lines_);
+        else if (!dialogs::useWindows(&lines_))
+            GTEST_SKIP() << "there are no windows";
+        // "Sheet " and two fields, with " of " between.
+        text_->setDatabaseDefaults(database_.get());
+        database_->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(text_.get());
+        const OdDbFieldPtr field = OdDbField::createObject();
+        text_->setField(L"TEXT", field);
+        field->setFieldCode(L"Sheet %<\\_FldIdx 0>% of %<\\_FldIdx 1>%", 384, {sum(L"100+20"), sum(L"3+4")});
+        field->evaluate(OdDbField::kAutomatic, database_.get());
+    }
+    void TearDown() override { dialogs::useStandard(); }
+
+    OdDbFieldPtr sum(const OdString& terms) {
+        const OdDbFieldPtr field = OdDbField::createObject();
+        field->setFieldCode(L"%<\\AcExpr (" + terms + L") \\f \"%lu2%pr0\">%");
+        field->evaluate(OdDbField::kAutomatic, database_.get());
+        return field;
+    }
+    // What the text shows after the lines and a save; "code" is what is stored then.
+    std::string edited(std::deque<std::string> lines) {
+        const dialogs::ResourceScope resources(base::processImage());
+        CFEdCtrl value(database_.get());
+        value.load(*text_);
+        dialogs::Dialog dialog(IDD_VALUE);
+        dialog.setRichText(IDC_VALUE, &value);
+        lines_.lines = std::move(lines);
+        lines_.lines.push_back("key Enter");
+        dialog.runModal();
+        const std::string shown = base::toUtf8(value.save(*text_));
+        EXPECT_EQ(base::toUtf8(dialog.text(IDC_VALUE)), shown);
+        const OdDbFieldPtr field = text_->getField(L"TEXT");
+        code_ = field ? base::toUtf8(field->getFieldCode(OdDbField::kFieldCode)) : "";
+        return shown;
+    }
+
+    OdDbDatabasePtr database_ = OdDbDatabase::createNew();
+    OdSmartPtr<OdDbText> text_ = OdDbText::createObject();
+    Lines lines_;
+    std::string code_;
+};
+INSTANTIATE_TEST_SUITE_P(Makers, ValueControl, testing::Values(false, true),
+                         [](const auto& maker) { return maker.param ? "Windows" : "Forms"; });
+
+TEST_P(ValueControl, IsShownAndTypedInto) {
+    EXPECT_EQ(edited({"show", "caret Value 9", "type Value: !", "caret Value 0", "type Value: \"> \""}),
+              "> Sheet 120! of 7");
+    EXPECT_THAT(lines_.printed, testing::HasSubstr("Value = \"Sheet {120} of {7}\""));
+    EXPECT_EQ(code_, "> Sheet %<\\_FldIdx 0>%! of %<\\_FldIdx 1>%");
+}
+
+TEST_P(ValueControl, FieldsGoAndComeWhole) {
+    EXPECT_EQ(edited({"caret Value 9", "key Backspace", "key Delete"}), "Sheet of 7");
+    EXPECT_EQ(code_, "Sheet of %<\\_FldIdx 0>%");
+}
+
+TEST_P(ValueControl, TheMenuWorksOnFields) {
+    EXPECT_EQ(edited({"caret Value 7 8", "menu Value: Copy", "key End", "menu Value: Paste"}), "Sheet 120 of 7120");
+    EXPECT_EQ(code_, "Sheet %<\\_FldIdx 0>% of %<\\_FldIdx 1>%%<\\_FldIdx 2>%");
+    EXPECT_EQ(edited({"caret Value 7", "menu Value: Convert Field To Text", "menu Value: Select All"}),
+              "Sheet 120 of 7120");
+    EXPECT_EQ(code_, "Sheet 120 of %<\\_FldIdx 0>%%<\\_FldIdx 1>%");
+    EXPECT_EQ(edited({"menu Value: Select All", "menu Value: Clear", "type Value: plain"}), "plain");
+    EXPECT_EQ(code_, "");
+}
+
+}  // namespace

@@ -1,0 +1,2 @@
+#define IDD_VALUE 100
+#define IDC_VALUE 101

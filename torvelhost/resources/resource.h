@@ -1,0 +1,6 @@
+// Numbers of the host's resources; read by the compiler and by the resource compiler.
+#pragma once
+
+#define IDD_COLOR 100
+#define IDC_COLOR_LIST 101
+#define IDC_COLOR_NAME 102
