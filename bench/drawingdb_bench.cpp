@@ -9,6 +9,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
+#include "drawingdb/spline.h"
 
 namespace {
 
@@ -149,6 +150,23 @@ void LookUpHandles(benchmark::State& state) {
     count(state, state.range(0));
 }
 
+// A spline of eight pieces in as many parts of equal length as a division can have, measured anew each time.
+void DivideSpline(benchmark::State& state) {
+    std::vector<double> knots(4, 0);
+    std::vector<OdGePoint3d> points;
+    for (int i = 0; i < 11; ++i) points.emplace_back(i * 10, i % 2 * 25, i % 3);
+    for (int i = 1; i < 8; ++i) knots.push_back(i);
+    knots.insert(knots.end(), 4, 8);
+    for ([[maybe_unused]] auto _ : state) {
+        const auto spline = OdDbSpline::createObject();
+        spline->setNurbs(3, knots, points);
+        const double part = spline->distAtParam(spline->endParam()) / static_cast<double>(state.range(0));
+        for (std::int64_t i = 1; i < state.range(0); ++i)
+            benchmark::DoNotOptimize(spline->pointAtDist(static_cast<double>(i) * part));
+    }
+    count(state, state.range(0));
+}
+
 void inSizes(benchmark::internal::Benchmark* step) {
     step->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->ArgName("references");
 }
@@ -159,6 +177,7 @@ BENCHMARK(ChangeEverything)->Apply(inSizes);
 BENCHMARK(UndoEverything)->Apply(inSizes);
 BENCHMARK(DeepClone)->Apply(inSizes);
 BENCHMARK(LookUpHandles)->Apply(inSizes);
+BENCHMARK(DivideSpline)->Arg(32767)->Unit(benchmark::kMillisecond)->ArgName("parts");
 
 }  // namespace
 

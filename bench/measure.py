@@ -1,4 +1,4 @@
-"""measure.py PROGRAMS [--references N] [--rounds N] [--slides | --scale [--largest N]]
+"""measure.py PROGRAMS [--references N] [--rounds N] [--plots | --slides | --scale [--largest N]]
 
 Runs the programs in the folder PROGRAMS beside their peers and prints tables; bench/peers builds and calls it.
 
@@ -18,6 +18,8 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 BLOCKS = ["DOOR", "WINDOW", "DESK", "VALVE"]
+CDF, DXX = "Comma Delimeted File (CDF)", "DXF Format Extract File (DXX)"
+BURST = "Burst|all|"
 TEMPLATE = """BL:NAME C010000
 BL:HANDLE C010000
 BL:X N012003
@@ -101,6 +103,25 @@ def attribute_values(path):
                 record.setdefault(int(code), value.rstrip("\n"))
 
 
+def burst_entities(path):
+    """How many entities of each kind and with each text stand in the entities section."""
+    found = collections.Counter()
+    with open(path, encoding="utf-8", newline=None) as file:
+        section, kind, text = "", "", ""
+        while True:
+            code, value = file.readline().strip(), file.readline().rstrip("\n")
+            if code in ("0", ""):
+                if section == "ENTITIES" and kind:
+                    found[kind, text] += 1
+                if not code:
+                    return found
+                kind, text = value, ""
+            elif code == "2" and kind == "SECTION":
+                section, kind = value, ""
+            elif code == "1":
+                text = value
+
+
 def host(programs, drawing, *arguments):
     return programs / "torvelhost", "-q", drawing, *arguments
 
@@ -110,8 +131,12 @@ def sync_arguments(output):
     return *commands, "-o", output
 
 
-def extract(form, programs, drawing, template, output):
-    return programs / "extract_attributes", form, drawing, template, output
+def extract_arguments(form, template, output):
+    """AttExt for all references; its settings go nowhere else."""
+    lines = ["AttExt", f"check {form}", "press Select Objects <", "all", "", f"Output File = {output}", "press OK"]
+    if form != DXX:
+        lines.insert(-2, f"Template File = {template}")
+    return "--profile", output.with_suffix(".ini"), "-c", "|".join(lines)
 
 
 def make_drawing(programs, references, path):
@@ -121,6 +146,7 @@ def make_drawing(programs, references, path):
 
 def compare_peers(programs, references, rounds, folder):
     drawing, ours, theirs = folder / "drawing.dxf", folder / "ours.dxf", folder / "theirs.dxf"
+    our_burst, their_burst = folder / "our_burst.dxf", folder / "their_burst.dxf"
     size = make_drawing(programs, references, drawing)
 
     template, our_extract, their_extract = folder / "template.txt", folder / "ours.txt", folder / "theirs.txt"
@@ -131,19 +157,23 @@ def compare_peers(programs, references, rounds, folder):
     jobs["load"] = Job("torvelhost: load", *host(programs, drawing, "-c", ""))
     jobs["save"] = Job("torvelhost: load, save", *host(programs, drawing, "-o", ours))
     jobs["sync"] = Job("torvelhost: load, AttSync, save", *host(programs, drawing, *sync_arguments(ours)))
-    jobs["extract"] = Job("load, CDF extract", *extract("cdf", programs, drawing, template, our_extract))
-    jobs["dxx"] = Job("load, DXX extract", *extract("dxx", programs, drawing, template, folder / "ours.dxx"))
+    jobs["burst"] = Job("torvelhost: load, Burst, save", *host(programs, drawing, "-c", BURST, "-o", our_burst))
+    jobs["extract"] = Job("torvelhost: load, AttExt to CDF",
+                          *host(programs, drawing, *extract_arguments(CDF, template, our_extract)))
+    jobs["dxx"] = Job("torvelhost: load, AttExt to DXX",
+                      *host(programs, drawing, *extract_arguments(DXX, template, folder / "ours.dxx")))
     reader = programs / "dxflib_read"
     if reader.exists():
         jobs["dxflib"] = Job("dxflib: read, keep nothing", reader, drawing)
     # Slow enough that few rounds tell all.
     jobs["ezdxf"] = Job("ezdxf: load, the same sync, save", "/usr/bin/python3", HERE / "ezdxf_sync.py", drawing, theirs,
                         *BLOCKS, rounds=2)
-    jobs["ezdxf_extract"] = Job("ezdxf: load, the same CDF extract", "/usr/bin/python3", HERE / "ezdxf_extract.py", drawing,
+    jobs["ezdxf_burst"] = Job("ezdxf: load, the same burst, save", "/usr/bin/python3", HERE / "ezdxf_burst.py", drawing,
+                              their_burst, rounds=2)
+    jobs["ezdxf_extract"] = Job("ezdxf: load, the same lines", "/usr/bin/python3", HERE / "ezdxf_extract.py", drawing,
                                 template, their_extract, rounds=2)
     if converter := shutil.which("ogr2ogr"):
-        jobs["gdal"] = Job("GDAL: read, write CSV", converter, "-q", "-overwrite", "-f", "CSV", folder / "gdal.csv", drawing,
-                           rounds=2)
+        jobs["gdal"] = Job("GDAL: read, print as CSV", converter, "-q", "-f", "CSV", "/vsistdout/", drawing, rounds=2)
     run_jobs(jobs.values(), rounds)
 
     print(f"{references:,} references with five attributes each, {mega(size)}; best of {rounds} rounds\n")
@@ -162,14 +192,15 @@ def compare_peers(programs, references, rounds, folder):
         ["load: times the floor", *ratios("load", "floor"), "at most 3"],
         ["load: times faster than dxflib reads", *ratios("dxflib", "load"), "at least 15"],
         ["load, AttSync, save: times faster than ezdxf", *ratios("ezdxf", "sync"), "at least 80"],
-        ["load, CDF extract: times the floor", *ratios("extract", "floor"), "at most 4"],
-        ["load, CDF extract: times faster than ezdxf", *ratios("ezdxf_extract", "extract"), "at least 150"],
-        ["load, CDF extract: times faster than GDAL reads", *ratios("gdal", "extract"), "at least 25"]])
+        ["load, Burst, save: times faster than ezdxf", *ratios("ezdxf_burst", "burst"), "at least 80"],
+        ["load, AttExt: times the floor", *ratios("extract", "floor"), "at most 4"],
+        ["load, AttExt: times faster than ezdxf", *ratios("ezdxf_extract", "extract"), "at least 150"],
+        ["load, AttExt: times faster than GDAL reads", *ratios("gdal", "extract"), "at least 25"]])
     print()
     table(["peak memory / file", "measured", "wanted"], [
         ["load", f"{jobs['load'].peak / size:.2f}", "below 1.5"],
         ["load, AttSync, save", f"{jobs['sync'].peak / size:.2f}", "below 6"],
-        ["load, CDF extract", f"{jobs['extract'].peak / size:.2f}", "below 2"]])
+        ["load, AttExt", f"{jobs['extract'].peak / size:.2f}", "below 2"]])
 
     # The times mean little unless both have done the same.
     our_values, their_values = attribute_values(ours), attribute_values(theirs)
@@ -177,6 +208,9 @@ def compare_peers(programs, references, rounds, folder):
     if different:
         sys.exit(f"\n{different} of {len(our_values)} references differ between the two results")
     print("\nBoth results have the same attributes with the same values, in the same order.")
+    if burst_entities(our_burst) != burst_entities(their_burst):
+        sys.exit("the two burst drawings have different entities or texts")
+    print("Both burst drawings have the same entities with the same texts.")
     if our_extract.read_bytes() != their_extract.read_bytes():
         sys.exit("the two extracts differ")
     print("Both extracts are the same, byte for byte.")
@@ -213,6 +247,33 @@ def compare_slides(programs, rounds, folder):
            for job in jobs.values()])
 
 
+def compare_plots(programs, references, rounds, folder):
+    """The whole drawing by this program, and a small one by both: ezdxf's add-on would need most of an hour for it."""
+    few = max(1, references // 50)
+    whole, small, svg, png = (folder / name for name in ("whole.dxf", "small.dxf", "plot.svg", "plot.png"))
+    make_drawing(programs, references, whole)
+    make_drawing(programs, few, small)
+    ezdxf = "/usr/bin/python3", HERE / "ezdxf_plot.py", small
+    jobs = {
+        (few, "svg"): Job("torvelhost: load, plot SVG", *host(programs, small, "-p", svg)),
+        (few, "png"): Job("torvelhost: load, plot PNG", *host(programs, small, "-p", png)),
+        (few, "ezdxf svg"): Job("ezdxf with matplotlib: load, plot SVG", *ezdxf, svg, rounds=1),
+        (few, "ezdxf png"): Job("ezdxf with matplotlib: load, plot PNG", *ezdxf, png, rounds=1),
+        (references, "svg"): Job("torvelhost: load, plot SVG", *host(programs, whole, "-p", svg)),
+        (references, "png"): Job("torvelhost: load, plot PNG", *host(programs, whole, "-p", png)),
+    }
+    run_jobs(jobs.values(), rounds)
+    print(f"\nPlots of 1600 x 1200 pixels; best of {rounds} rounds, ezdxf one\n")
+    table(["", "references", "seconds", "processor", "peak memory"],
+          [[job.name, f"{number:,}", f"{job.seconds:.3f}", f"{job.processor_seconds:.3f}", mega(job.peak)]
+           for (number, _), job in jobs.items()])
+    print()
+    table(["plot: times faster than ezdxf", "seconds", "processor"],
+          [[kind.upper(), f"{jobs[few, 'ezdxf ' + kind].seconds / jobs[few, kind].seconds:.0f}",
+            f"{jobs[few, 'ezdxf ' + kind].processor_seconds / jobs[few, kind].processor_seconds:.0f}"]
+           for kind in ("svg", "png")])
+
+
 def show_scale(programs, largest, rounds, folder):
     sizes = [n for n in (10_000, 30_000, 100_000, 300_000, 1_000_000) if n <= largest]
     rows = []
@@ -224,7 +285,9 @@ def show_scale(programs, largest, rounds, folder):
         jobs = [Job("load", *host(programs, drawing, "-c", "")),
                 Job("load, save", *host(programs, drawing, "-o", output)),
                 Job("load, AttSync, save", *host(programs, drawing, *sync_arguments(output))),
-                Job("load, CDF extract", *extract("cdf", programs, drawing, template, output))]
+                Job("load, Burst, save", *host(programs, drawing, "-c", BURST, "-o", output)),
+                Job("load, AttExt to CDF",
+                    *host(programs, drawing, *extract_arguments(CDF, template, folder / "extract.txt")))]
         run_jobs(jobs, rounds)
         for job in jobs:
             rows.append([job.name, f"{references:,}", mega(size), f"{job.seconds:.3f}",
@@ -243,12 +306,15 @@ def main():
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--slides", action="store_true")
     parser.add_argument("--scale", action="store_true")
+    parser.add_argument("--plots", action="store_true")
     parser.add_argument("--largest", type=int, default=1_000_000)
     arguments = parser.parse_args()
     programs = arguments.programs.resolve()
     # Beside the programs: a million references take more room than a temporary folder may have.
     with tempfile.TemporaryDirectory(dir=programs.parent) as folder:
-        if arguments.scale:
+        if arguments.plots:
+            compare_plots(programs, arguments.references, arguments.rounds, pathlib.Path(folder))
+        elif arguments.scale:
             show_scale(programs, arguments.largest, arguments.rounds, pathlib.Path(folder))
         elif arguments.slides:
             compare_slides(programs, arguments.rounds, pathlib.Path(folder))

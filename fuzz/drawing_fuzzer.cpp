@@ -14,6 +14,7 @@
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
 #include "drawingdb/field.h"
+#include "drawingdb/wipeout.h"
 #include "fuzz/fuzz.h"
 #include "torvelcmd2/attributes/sync_reference.h"
 
@@ -60,6 +61,15 @@ void look(OdDbObjectId id) {
         std::vector<OdDbEntityPtr> pieces;
         (void)entity->explode(pieces);
     }
+    if (const auto curve = OdDbCurvePtr::cast(object)) {
+        const double length = curve->distAtParam(curve->endParam());
+        (void)curve->pointAtDist(length / 3);
+        (void)curve->firstDerivAtParam(curve->paramAtDist(length / 2));
+        (void)curve->breakParams();
+        std::vector<OdDbCurvePtr> offsets;
+        (void)curve->getOffsetCurves(1, OdGeVector3d::kZAxis, offsets);
+    }
+    if (const auto wipeout = OdSmartPtr<OdDbWipeout>::cast(object)) (void)wipeout->boundary();
     if (const auto text = OdSmartPtr<OdDbMText>::cast(object)) (void)text->layout();
     if (const auto block = OdSmartPtr<OdDbBlockTableRecord>::cast(object)) (void)block->blockReferenceIds(false);
 }

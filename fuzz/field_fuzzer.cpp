@@ -1,5 +1,6 @@
 // The input is the text of a field. It is taken apart, computed and formatted by itself, then set as a field of a text
-// in a drawing, evaluated, and brought into another field by its raw code.
+// in a drawing, evaluated, and brought into another field by its raw code. A value control shows it, edits and saves
+// it.
 #include <cmath>
 
 #include "base/text.h"
@@ -11,6 +12,7 @@
 #include "drawingdb/src/field_format.h"
 #include "drawingdb/text.h"
 #include "fuzz/fuzz.h"
+#include "torvelcmd2/attributes/field_edit.h"
 
 namespace {
 
@@ -57,6 +59,39 @@ void checkFormat(const std::wstring& format) {
     }
 }
 
+void checkRuns(const torvel::FieldEdit& edit) {
+    require(edit.owners().size() == edit.text().size(), "each character has an owner");
+    std::size_t owned = 0;
+    for (const auto& entry : edit.entries()) {
+        require(0 <= entry.first && entry.first <= entry.last, "a run has characters");
+        for (auto at = static_cast<std::size_t>(entry.first); at <= static_cast<std::size_t>(entry.last); ++at)
+            require(edit.owners().at(at) == entry.number, "a run's characters are its own");
+        owned += static_cast<std::size_t>(entry.last - entry.first) + 1;
+    }
+    for (const std::int32_t owner : edit.owners()) owned -= owner != torvel::FieldEdit::kNoField;
+    require(owned == 0, "whoever owns a character has a run");
+}
+
+// Half of what the text shows is deleted, from the middle on, and the rest saved.
+void checkEditing(const OdSmartPtr<OdDbText>& text, OdDbDatabase* database) {
+    torvel::FieldEdit edit(database);
+    edit.load(*text);
+    checkRuns(edit);
+    edit.select(edit.text().size() / 4, edit.text().size() * 3 / 4);
+    const OdString copied = edit.copy();
+    edit.deleteBack();
+    checkRuns(edit);
+    edit.selectAll();
+    edit.moveCaret(true, false);
+    edit.paste(copied);
+    checkRuns(edit);
+    OdString shown;
+    edit.save(*text, shown);
+    torvel::FieldEdit again(database);
+    again.load(*text);
+    checkRuns(again);
+}
+
 void checkInDrawing(const std::wstring& code, int flags) {
     static const std::string empty = OdDbDatabase::createNew()->writeBytes();
     const OdDbDatabasePtr database = OdDbDatabase::readBytes(empty, L"field.dxf");
@@ -87,6 +122,7 @@ void checkInDrawing(const std::wstring& code, int flags) {
     const OdDbDatabasePtr again = OdDbDatabase::readBytes(saved, L"again.dxf");
     const auto read = again->getObjectId(field->handle()).openAs<OdDbField>();
     require(read->getFieldCode(OdDbField::kRawCode) == raw, "a field that is read again has the same code");
+    checkEditing(first, database.get());
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "drawingdb/text_metrics.h"
 #include "fuzz/fuzz.h"
+#include "torvelcmd2/attributes/text_escapes.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ void checkMultiLine(const std::wstring& contents, int mode) {
     require(!torvel::parseMText(contents).empty(), "there is always a paragraph");
     // Codes may spell out what they leave out elsewhere, but text does not grow.
     require(torvel::mtextPlainText(contents).size() <= 2 * contents.size(), "plain text is no longer than its codes");
+    require(torvel::withoutEscapes(contents).size() <= 2 * contents.size(), "nor is a text without its escapes");
 
     static constexpr double kWidths[] = {0, 1e-6, 4, 100, 1e9};
     const double width = kWidths[static_cast<std::size_t>(mode) % std::size(kWidths)];

@@ -91,7 +91,8 @@ def audit(path):
             _, auditor = recover.readfile(str(path))
         except (ezdxf.DXFError, OSError) as error:
             return collections.Counter({f"unreadable: {error}": 1})
-    return collections.Counter(f"{entry.code} {entry.message.split(':')[0]}"
+    # Handles in messages say where, not what.
+    return collections.Counter(re.sub(r"#[0-9A-F]+", "#", f"{entry.code} {entry.message.split(':')[0]}")
                                for entry in list(auditor.errors) + list(auditor.fixes))
 
 

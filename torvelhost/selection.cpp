@@ -51,21 +51,29 @@ OdDbObjectId Selection::entityAt(const Rectangle& box) {
     return found.empty() ? OdDbObjectId() : found.back();
 }
 
+// Made anew after every change of the drawing, for whoever picks in it.
+const EntityGrid& Selection::grid() {
+    const OdDbObjectId space = document_.activeSpaceId();
+    const std::uint64_t revision = document_.database()->revision();
+    if (!grid_ || gridSpace_ != space || gridRevision_ != revision) {
+        grid_.emplace(space);
+        gridSpace_ = space;
+        gridRevision_ = revision;
+    }
+    return *grid_;
+}
+
 Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool crossing) {
     Entities found;
     LayerStates layers;
-    const auto space = document_.activeSpaceId().openAs<OdDbBlockTableRecord>();
-    for (OdDbObjectId id : space->entities()) {
-        const auto entity = id.openIf<OdDbEntity>();
-        if (!entity || entity->isInvisibleEntity()) continue;
-        // The box is quickly compared; what has none (an infinite line) is looked at itself, and is in no window.
-        OdGeExtents3d box;
-        const bool hasBox = entity->geomExtents(box);
-        if (hasBox ? !rectangle.box().intersects(box) : !crossing) continue;
-        if (!layers.isVisible(*entity)) continue;
+    for (const EntityGrid::Entry* entry : grid().meeting(rectangle)) {
+        // What has no box (an infinite line) is in no window.
+        if (!entry->hasBox && !crossing) continue;
+        const auto entity = entry->id.openIf<OdDbEntity>();
+        if (!entity || entity->isInvisibleEntity() || !layers.isVisible(*entity)) continue;
         const bool hit = crossing ? meetsWithAttributes(*entity, rectangle)
-                                  : rectangle.contains(box.minPoint().xy()) && rectangle.contains(box.maxPoint().xy());
-        if (hit) found.push_back(id);
+                                  : rectangle.contains(entry->box.low) && rectangle.contains(entry->box.high);
+        if (hit) found.push_back(entry->id);
     }
     return found;
 }
@@ -73,11 +81,11 @@ Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool cross
 Selection::Entities Selection::allEntities() {
     Entities found;
     LayerStates layers;
+    const bool anyFrozen = LayerStates::anyFrozen(*document_.database());
     const auto space = document_.activeSpaceId().openAs<OdDbBlockTableRecord>();
     for (OdDbObjectId id : space->entities()) {
-        if (isViewport(id)) continue;
-        const auto entity = id.openIf<OdDbEntity>();
-        if (entity && !layers.isFrozen(*entity)) found.push_back(id);
+        if (isViewport(id) || !id.isKindOf(OdDbEntity::desc())) continue;
+        if (!(anyFrozen && layers.isFrozen(*id.openAs<OdDbEntity>()))) found.push_back(id);
     }
     return found;
 }

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "hostapi/selection.h"
+#include "torvelhost/entity_grid.h"
 #include "torvelhost/input.h"
 #include "torvelhost/strokes.h"
 
@@ -55,6 +56,7 @@ class Selection {
     std::vector<NestedHit> candidates(const hostapi::Pick& pick);
     // False when the reply is no selection.
     bool addToSet(const Reply& reply, Entities& entities, std::wstring& reason);
+    const EntityGrid& grid();
     Entities entitiesIn(const Rectangle& rectangle, bool crossing);
     Entities allEntities();
     Entities lastEntity();
@@ -67,6 +69,9 @@ class Selection {
     std::optional<hostapi::Pick> startingPick_;
     std::set<OdDbObjectId> highlighted_;
     HighlightWatcher highlightWatcher_;
+    std::optional<EntityGrid> grid_;  // of that space, as it was at that revision of the drawing
+    OdDbObjectId gridSpace_;
+    std::uint64_t gridRevision_ = 0;
 };
 
 }  // namespace host

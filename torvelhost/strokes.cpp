@@ -5,10 +5,12 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/database.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/spline.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/wipeout.h"
+#include "torvelhost/plot/cut.h"
 
 namespace host {
 namespace {
@@ -218,21 +220,9 @@ bool Rectangle::contains(const OdGePoint2d& point) const {
     return low.x <= point.x && point.x <= high.x && low.y <= point.y && point.y <= high.y;
 }
 
-// Cuts the segment by the four sides in turn and sees whether anything is left.
 bool Rectangle::meets(const OdGePoint2d& from, const OdGePoint2d& to) const {
-    const OdGeVector2d along = to - from;
     double first = 0.0, last = 1.0;
-    const auto cut = [&](double direction, double room) {  // direction * t <= room
-        if (direction == 0.0) return room >= 0.0;
-        const double t = room / direction;
-        if (direction > 0.0)
-            last = std::min(last, t);
-        else
-            first = std::max(first, t);
-        return first <= last;
-    };
-    return cut(-along.x, from.x - low.x) && cut(along.x, high.x - from.x) && cut(-along.y, from.y - low.y) &&
-           cut(along.y, high.y - from.y);
+    return cutLine(from, to - from, low, high, first, last);
 }
 
 bool Rectangle::meetsArea(const std::vector<OdGePoint2d>& corners) const {
@@ -248,6 +238,14 @@ bool Rectangle::meetsArea(const std::vector<OdGePoint2d>& corners) const {
 
 bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
     return Meeting(rectangle).meets(entity, toWorld, 0);
+}
+
+bool LayerStates::anyFrozen(const OdDbDatabase& database) {
+    const auto layers = database.layerTableId().openIf<OdDbSymbolTable>();
+    if (!layers) return false;
+    for (OdDbObjectId id : layers->records())
+        if (const auto layer = id.openIf<OdDbLayerTableRecord>(); layer && layer->isFrozen()) return true;
+    return false;
 }
 
 int LayerStates::flagsOf(const OdDbEntity& entity) {

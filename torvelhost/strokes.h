@@ -30,6 +30,8 @@ bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const
 class LayerStates {
   public:
     bool isVisible(const OdDbEntity& entity) { return !(flagsOf(entity) & (kOff | kFrozen)); }
+    // Whether it is worth asking.
+    static bool anyFrozen(const OdDbDatabase& database);
     bool isFrozen(const OdDbEntity& entity) { return (flagsOf(entity) & kFrozen) != 0; }
 
   private:

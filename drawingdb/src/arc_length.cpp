@@ -12,10 +12,14 @@ namespace {
 constexpr double kAgreement = 1e-13;
 constexpr double kExactness = 1e-15;
 constexpr int kDeepestHalving = 40;
+/// A curve that needs more (out of a damaged file) is measured as well as they allow.
+constexpr std::size_t kMostPieces = std::size_t{1} << 16;
 constexpr int kMostSteps = 100;
 
+/// A length beyond all numbers counts as none.
 double integral(const ArcLengths::Speed& speed, double from, double to) {
-    return boost::math::quadrature::gauss<double, 15>::integrate(speed, from, to);
+    const double length = boost::math::quadrature::gauss<double, 15>::integrate(speed, from, to);
+    return std::isfinite(length) ? length : 0;
 }
 
 }  // namespace
@@ -33,7 +37,7 @@ void ArcLengths::addPiece(double from, double to, double length, double toleranc
     if (!(to > from)) return;
     const double middle = from + (to - from) / 2;
     const double first = integral(speed, from, middle), second = integral(speed, middle, to);
-    if (depth == 0 || std::fabs(first + second - length) <= tolerance) {
+    if (depth == 0 || pieces_.size() >= kMostPieces || std::fabs(first + second - length) <= tolerance) {
         const double before = whole();
         pieces_.push_back({middle, before + first});
         pieces_.push_back({to, before + first + second});

@@ -288,6 +288,13 @@ OdDbObjectId OdDbBlockReference::blockTableRecord() const {
     }
     return database_ ? OdDbObjectId(database_->core().blockByRawName(blockName_.raw)) : OdDbObjectId();
 }
+OdDbObjectId OdDbBlockReference::blockTableRecordOf(OdDbObjectId reference) {
+    if (!reference.isValid() || !reference.isKindOf(desc())) return {};
+    Stub& stub = *reference.stub();
+    if (stub.live()) return static_cast<const OdDbBlockReference*>(stub.object())->blockTableRecord();
+    Core& core = coreOf(&stub);
+    return OdDbObjectId(core.blockByRawName(core.groupText(stub, 2)));
+}
 void OdDbBlockReference::setBlockTableRecord(OdDbObjectId block) {
     assertWriteEnabled();
     assign(blockName_, block.openAs<OdDbBlockTableRecord>()->name());

@@ -463,12 +463,25 @@ void Core::refresh(OdDbObject& object) {
 // Header variables
 
 std::optional<Core::HeaderVariable> Core::headerVariable(std::string_view variable) {
-    Stub* header = sectionNamed("HEADER");
-    if (!header) return {};
+    if (!header_ && !(header_ = sectionNamed("HEADER"))) return {};
     // Bytes never change, so the table holds for as long as the header has the same ones.
-    if (const std::string_view bytes = bytesOf(*header); bytes.data() != headerBytes_) indexHeader(bytes);
+    if (const std::string_view bytes = bytesOf(*header_); bytes.data() != headerBytes_) indexHeader(bytes);
     const auto found = headerVariables_.find(variable);
     return found == headerVariables_.end() ? std::nullopt : std::optional(found->second);
+}
+
+const Core::EntityDefaults& Core::entityDefaults() {
+    const auto layer = headerVariable("$CLAYER");
+    if (entityDefaultsOf_ && entityDefaultsOf_ == headerBytes_) return entityDefaults_;
+    entityDefaultsOf_ = headerBytes_;
+    const auto linetype = headerVariable("$CELTYPE");
+    const bool named = linetype && !base::equalsNoCase(linetype->first, "BYLAYER");
+    entityDefaults_.layer = layer ? layer->first : std::string_view();
+    entityDefaults_.linetype = named ? linetype->first : std::string_view();
+    entityDefaults_.colorIndex = static_cast<std::int32_t>(database.headerInteger("$CECOLOR", 256));
+    entityDefaults_.linetypeScale = database.headerReal("$CELTSCALE", 1.0);
+    entityDefaults_.lineweight = static_cast<std::int32_t>(database.headerInteger("$CELWEIGHT", -1));
+    return entityDefaults_;
 }
 
 void Core::indexHeader(std::string_view bytes) {

@@ -129,6 +129,14 @@ class Core {
         int code = 0;
     };
     std::optional<HeaderVariable> headerVariable(std::string_view variable);
+    /// What new entities get, by the header.
+    struct EntityDefaults {
+        std::string_view layer, linetype;  // bytes of the file; empty: layer "0", linetype by layer
+        std::int32_t colorIndex = 256;
+        std::int32_t lineweight = -1;
+        double linetypeScale = 1;
+    };
+    const EntityDefaults& entityDefaults();
     void setHeaderVariable(std::string_view variable, const std::function<void(GroupWriter&)>& write);
 
     // ---- undo ----
@@ -144,6 +152,10 @@ class Core {
     std::size_t undoPosition();
     void undoTo(std::size_t position);
     bool modified() const { return changes_ != 0; }
+    std::uint64_t revision() {
+        flushAll();
+        return state_;
+    }
 
     // ---- the current space ----
     std::string currentLayout;  // UTF-8; empty: as the file says
@@ -197,8 +209,11 @@ class Core {
     bool blocksLinked_ = false;
     std::unordered_map<std::uint32_t, std::uint32_t> blockOfRecord_, recordOfBlock_;
     void indexHeader(std::string_view bytes);
-    const char* headerBytes_ = nullptr;
+    Stub* header_ = nullptr;             // the section, once it was found
+    const char* headerBytes_ = nullptr;  // of which the table is
     std::unordered_map<std::string_view, HeaderVariable> headerVariables_;
+    EntityDefaults entityDefaults_;
+    const char* entityDefaultsOf_ = nullptr;  // the header's bytes that they were read from
     std::unordered_set<const char*> toldFaults_;
     std::size_t liveObjects_ = 0;
     bool erasedEver_ = false;

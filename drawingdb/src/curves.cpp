@@ -520,15 +520,30 @@ BulgeSegment OdDbPolyline::segment(std::size_t index) const {
     return {from.point, vertices_[index + 1 == vertices_.size() ? 0 : index + 1].point, from.bulge};
 }
 
+// A width is measured across its segment, so an unequal scale gives each direction its own.
+void OdDbPolyline::widen(const OdGeMatrix3d& map) {
+    const double area = map.xAxis().crossProduct(map.yAxis()).length();
+    for (std::size_t i = 0; i < vertices_.size(); ++i) {
+        Vertex& vertex = vertices_[i];
+        const OdGeVector2d along = vertices_[i + 1 == vertices_.size() ? 0 : i + 1].point - vertex.point;
+        const double image = (map * OdGeVector3d(along.x, along.y, 0)).length();
+        const double scale = image > 0 ? area * along.length() / image : std::sqrt(area);
+        if (vertex.startWidth < 0) vertex.startWidth = constantWidth_ > 0 ? constantWidth_ : -1;
+        if (vertex.endWidth < 0) vertex.endWidth = constantWidth_ > 0 ? constantWidth_ : -1;
+        if (vertex.startWidth > 0) vertex.startWidth *= scale;
+        if (vertex.endWidth > 0) vertex.endWidth *= scale;
+    }
+    constantWidth_ = 0;
+}
+
 OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = mapPlane(matrix, normal_);
     if (!plane) return OdResult::transformRefused;
     const auto uniform = drawingdb::uniformScale(matrix);
     if (!uniform && hasBulges()) return OdResult::transformRefused;
     assertWriteEnabled();
-    // Widths have no direction: unequal scales give them their geometric mean.
-    const OdGeVector3d x = plane->map.xAxis(), y = plane->map.yAxis();
-    const double scale = uniform ? *uniform : std::sqrt(x.crossProduct(y).length());
+    if (!uniform) widen(plane->map);
+    const double scale = uniform ? *uniform : 1;
     const double elevation = (plane->map * OdGePoint3d(0, 0, elevation_)).z;
     for (Vertex& vertex : vertices_) {
         const OdGePoint3d image = plane->map * OdGePoint3d(vertex.point.x, vertex.point.y, elevation_);

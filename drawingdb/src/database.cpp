@@ -322,6 +322,7 @@ void OdDbDatabase::blockUndoRecording(bool begin) { begin ? core_->groupBegin() 
 bool OdDbDatabase::isUndoBlockStarted() const { return core_->groupDepth() > 0; }
 int OdDbDatabase::undoGroupDepth() const { return core_->groupDepth(); }
 void OdDbDatabase::rollBackUndoGroup() { core_->groupRollBack(); }
+std::uint64_t OdDbDatabase::revision() { return core_->revision(); }
 std::size_t OdDbDatabase::undoPosition() { return core_->undoPosition(); }
 void OdDbDatabase::undoTo(std::size_t position) { core_->undoTo(position); }
 

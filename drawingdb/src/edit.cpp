@@ -21,7 +21,13 @@ constexpr bool isReferenceCode(int code) { return isOwnerCode(code) || isPointer
 
 /// Kinds that have no owner groups of their own, so that an open one need not be searched for them.
 constexpr bool ownsOnlyItsDictionary(std::uint16_t type) {
-    return type == rtAttrib || type == rtAttdef || type == rtInsert || type == rtText || type == rtLine;
+    return type == rtAttrib || type == rtAttdef || type == rtInsert || type == rtText || type == rtLine ||
+           type == rtCircle || type == rtArc || type == rtPoint || type == rtLwpolyline;
+}
+
+/// Whether a record can own nothing: looking for one word is quicker than reading the groups.
+bool ownsNothing(std::uint16_t type, std::string_view bytes) {
+    return ownsOnlyItsDictionary(type) && bytes.find("{ACAD_XDICTIONARY") == std::string_view::npos;
 }
 
 /// The owner that a record names: its first group 330 outside of control strings.
@@ -141,10 +147,8 @@ void Core::eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more) {
             ownerHandle(bytesOf(*owned), format) == stub.handle)
             more.push_back(owned);
     };
-    if (ownsOnlyItsDictionary(stub.type) && bytesOf(stub).find("{ACAD_XDICTIONARY") == std::string_view::npos) {
-        // Nearly all of them have none, and looking for one word is quicker than reading the groups.
-    } else {
-        GroupCursor cursor(bytesOf(stub), format);
+    if (const std::string_view bytes = bytesOf(stub); !ownsNothing(stub.type, bytes)) {
+        GroupCursor cursor(bytes, format);
         Group group;
         while (cursor.next(group))
             if (isOwnerCode(group.code)) own(parseHandle(group.value));
@@ -421,7 +425,9 @@ void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMappin
             if (job.source->type == rtInsert || job.source->type == rtPolyline)
                 for (Stub* child = nextChild(*job.source, nullptr); child; child = nextChild(*job.source, child))
                     if (!child->gone()) add(*child, *job.copy, job.copy->handle, paper, false);
-            const std::string bytes(bytesOf(*job.source));
+            // Bytes stay where they are, whatever is added.
+            const std::string_view bytes = bytesOf(*job.source);
+            if (ownsNothing(job.source->type, bytes)) continue;
             GroupCursor cursor(bytes, format);
             Group group;
             while (cursor.next(group)) {

@@ -44,21 +44,21 @@ void OdDbEntity::setDatabaseDefaults(OdDbDatabase* database) {
     assertWriteEnabled();
     if (!database) return;
     if (!isDatabaseResident() && !database_) database_ = database;
-    const auto name = [&](std::string_view variable, FileText& to) {
-        const auto found = database->core().headerVariable(variable);
-        if (!found || found->first.empty()) return;
+    Core& core = database->core();
+    const Core::EntityDefaults& defaults = core.entityDefaults();
+    const auto take = [&](FileText& to, std::string_view raw) {
         if (database == database_) {
-            to.raw = found->first;  // bytes of the same file
+            to.raw = raw;  // bytes of the same file
             to.text.reset();
         } else {
-            assign(to, database->headerText(variable));
+            assign(to, decodeText(raw, core.format));
         }
     };
-    name("$CLAYER", layer_);
-    name("$CELTYPE", linetype_);
-    colorIndex_ = static_cast<std::int32_t>(database->headerInteger("$CECOLOR", 256));
-    linetypeScale_ = database->headerReal("$CELTSCALE", 1.0);
-    lineweight_ = static_cast<std::int32_t>(database->headerInteger("$CELWEIGHT", -1));
+    take(layer_, defaults.layer);
+    take(linetype_, defaults.linetype);
+    colorIndex_ = defaults.colorIndex;
+    linetypeScale_ = defaults.linetypeScale;
+    lineweight_ = defaults.lineweight;
 }
 
 namespace {

@@ -409,6 +409,13 @@ std::string encodeText(std::wstring_view text, const FileFormat& format) {
 void GroupWriter::code(int value) {
     if (!format_.binary) {
         // "  0\n": at least three places.
+        if (value >= 0 && value < 1000) {
+            const char usual[5] = {value < 100 ? ' ' : static_cast<char>('0' + value / 100),
+                                   value < 10 ? ' ' : static_cast<char>('0' + value / 10 % 10),
+                                   static_cast<char>('0' + value % 10), format_.crlf ? '\r' : '\n', '\n'};
+            out_.append(usual, format_.crlf ? 5 : 4);
+            return;
+        }
         char line[20];
         char* const end = line + sizeof line;
         char* p = end;

@@ -118,8 +118,12 @@ void OdDbWipeout::setBoundary(const std::vector<OdGePoint3d>& points) {
 std::vector<OdGePoint3d> OdDbWipeout::boundary() const {
     const double right = pixels_.x - 0.5, bottom = pixels_.y - 0.5;
     std::vector<OdGePoint2d> corners = clip_;
-    if (!clipping_ || corners.size() < 2) corners = {{-0.5, -0.5}, {right, bottom}};
-    if (corners.size() == 2 && (clipType_ == kRectangle || !clipping_ || clip_.size() < 2)) {
+    bool rectangle = clipType_ == kRectangle;
+    if (!clipping_ || corners.size() < 2) {
+        corners = {{-0.5, -0.5}, {right, bottom}};
+        rectangle = true;
+    }
+    if (rectangle) {
         const OdGePoint2d a = corners[0], b = corners[1];
         corners = {a, {b.x, a.y}, b, {a.x, b.y}};
     }
@@ -172,7 +176,7 @@ OdSmartPtr<OdDbWipeoutVariables> OdDbWipeoutVariables::openForWrite(OdDbDatabase
                       database.core().where(nullptr) + "a drawing of version " + database.version() +
                           " has no place for the frames of wipeouts. Remedy: save it in a newer version first");
     if (auto found = named->getAt(kVariablesKey).openIf<OdDbWipeoutVariables>(OdDb::forWrite)) return found;
-    const auto fresh = createObject();
+    auto fresh = createObject();
     named->setAt(kVariablesKey, fresh);
     return fresh;
 }

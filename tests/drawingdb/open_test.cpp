@@ -65,7 +65,8 @@ TEST(Open, SpacesAndBlocks) {
         door.push_back(id.handle().value());
     for (const auto id : objectOf(database, 0x50).openAs<OdDbBlockReference>()->attributes())
         attributes.push_back(id.handle().value());
-    EXPECT_EQ(model, (std::vector<std::uint64_t>{0x50, 0x5A, 0x60, 0x61, 0x62, 0x63, 0x64, 0x65, 0x66, 0x67}));
+    EXPECT_EQ(model, (std::vector<std::uint64_t>{0x50, 0x5A, 0x60, 0x61, 0x62, 0x63, 0x64, 0x65, 0x66, 0x68, 0x69, 0x6E,
+                                                 0x67}));
     EXPECT_EQ(paper, (std::vector<std::uint64_t>{0x70, 0x71, 0x72}));
     EXPECT_EQ(door, (std::vector<std::uint64_t>{0x34, 0x35, 0x36, 0x37, 0x38, 0x39}));
     EXPECT_EQ(attributes, (std::vector<std::uint64_t>{0x51, 0x52}));

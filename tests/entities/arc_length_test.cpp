@@ -179,6 +179,8 @@ TEST(ArcLengths, OfNothing) {
         "0|SPLINE|5|F|100|AcDbEntity|8|0|100|AcDbSpline|70|0|71|1|40|0|40|0|40|1|40|1|10|1|20|2|30|3|10|1|20|2|30|3|"
         "0|ELLIPSE|5|10|100|AcDbEntity|8|0|100|AcDbEllipse|10|1|20|2|30|3|11|0|21|0|31|0|40|1|41|0|42|6|"
         "0|CIRCLE|5|11|100|AcDbEntity|8|0|100|AcDbCircle|10|1|20|2|30|3|40|0|"
+        "0|SPLINE|5|14|100|AcDbEntity|8|0|100|AcDbSpline|70|0|71|1|40|0|40|0|40|1|40|1|10|1e308|20|2|30|3|10|-1e308|20|"
+        "2|30|3|"
         "0|POLYLINE|5|12|100|AcDbEntity|8|0|100|AcDb2dPolyline|66|1|10|0|20|0|30|0|0|SEQEND|5|13");
     for (const std::uint64_t handle : {0xA, 0xB, 0xC, 0xD, 0xE, 0xF, 0x10, 0x11, 0x12}) {
         const auto curve = opened<OdDbCurve>(database, handle);
@@ -187,6 +189,9 @@ TEST(ArcLengths, OfNothing) {
         EXPECT_TRUE(std::isfinite(point.x + point.y + point.z)) << std::hex << handle;
         EXPECT_EQ(curve->firstDerivAtParam(curve->startParam()).length(), 0) << std::hex << handle;
     }
+    const auto endless = opened<OdDbCurve>(database, 0x14);
+    EXPECT_EQ(endless->distAtParam(endless->endParam()), 0) << "longer than any number";
+    EXPECT_EQ(endless->paramAtDist(1), endless->endParam());
 }
 
 }  // namespace

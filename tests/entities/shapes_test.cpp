@@ -2,6 +2,7 @@
 #include "drawingdb/curves.h"
 #include "drawingdb/dictionary.h"
 #include "drawingdb/ellipse.h"
+#include "drawingdb/field.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/spline.h"
 #include "drawingdb/wipeout.h"
@@ -232,6 +233,13 @@ TEST(KindRecords, ComeWithNewObjects) {
     EXPECT_EQ(kindRecords(again->writeBytes()), records) << "they are there already";
     fresh->undoTo(position);
     EXPECT_EQ(fresh->writeBytes(), before);
+
+    const auto text = OdDbText::createObject();
+    fresh->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(text.get());
+    const auto field = OdDbField::createObject();
+    field->setFieldCode(L"\\AcVar Author");
+    text->setField(L"TEXT", field);
+    EXPECT_EQ(kindRecords(fresh->writeBytes()), "FIELD 1 FIELDLIST 1 ");
 
     std::string without = before;
     const std::size_t at = without.find("  2\r\nCLASSES\r\n");

@@ -1,4 +1,4 @@
-// Reading an attribute's record must say what the object says, however the record is written.
+// Reading a record must say what the object says, however the record is written.
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -17,7 +17,10 @@ void compareAttributes(const std::filesystem::path& path, int& count) {
     OdDbAttributeReader reader;
     for (const OdDbObjectId block : blocks->records()) {
         for (const OdDbObjectId entity : block.openAs<OdDbBlockTableRecord>()->entities()) {
+            const OdDbObjectId shown = OdDbBlockReference::blockTableRecordOf(entity);
             const auto reference = entity.openIf<OdDbBlockReference>();
+            EXPECT_EQ(shown, reference ? reference->blockTableRecord() : OdDbObjectId()) << path;
+            EXPECT_EQ(shown, OdDbBlockReference::blockTableRecordOf(entity)) << path;
             if (!reference) {
                 EXPECT_EQ(reader.read(entity), entity.isKindOf(OdDbAttribute::desc()));
                 continue;

@@ -120,6 +120,10 @@ TEST_F(DelimitedExtract, WritesWhatTheCodePageHoldsAndNamesTheRest) {
         open(drawingText(c.version, attributeRecord("52", "NOTE", c.text)));
         EXPECT_EQ(value("NOTE"), c.expected + "\r\n") << c.expected;
     }
+    // The page counts in drawings that are written in UTF-8 too.
+    open(drawingText("AC1032", attributeRecord("52", "NOTE", "\xE4\xB8\xAD\xC3\xBC"))
+             .replace(drawingText().find("ANSI_1252"), 9, "ANSI_932"));
+    EXPECT_EQ(value("NOTE"), "'\x92\x86\\U+00FC'\r\n");
     // Columns count bytes, and tags are known in either spelling of the template.
     open(drawingText("AC1032", attributeRecord("52", "GR\xC3\x96SSE", "\xC3\xBC") +
                                    attributeRecord("53", "\xE4\xB8\xAD", "middle")));

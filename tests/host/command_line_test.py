@@ -56,6 +56,16 @@ class CommandLine(unittest.TestCase):
         self.assertIn("--command TEXT", run.output)
         self.assertRegex(self.run_program("--version").output, r"^torvelhost \d+\.\d+\.\d+\n$")
 
+    def test_vslide_asks_by_a_dialog_unless_told_otherwise(self):
+        # A typed line answers the dialog with a file and cancels it when it is empty; the command line's empty line
+        # takes the default, which the dialog has no use for.
+        for options, text in (([], "VSlide\nchair\nVSlide\n\n"), (["--set", "FILEDIA=0"], "VSlide\nchair\nVSlide\n\n")):
+            run = self.run_program(*options, "plan.dxf", text=text.encode())
+            by_dialog = not options
+            # Only a dialog makes a full path of the name.
+            self.assertEqual("'chair': Can't find" not in run.output, by_dialog, run.output)
+            self.assertEqual(run.output.count("Can't find file"), 1 if by_dialog else 2, run.output)
+
     def test_wrong_usage_is_2(self):
         for arguments in (["--nothing"], ["-c"], ["a.dxf", "b.dxf"], ["--set", "NOSUCH=1", "-c", ""],
                           ["--set", "LUPREC=many", "-c", ""], ["--size", "9", "-c", ""], ["-p", "plot.pdf", "-c", ""]):

@@ -145,6 +145,10 @@ class PlotTest(unittest.TestCase):
         self.assertBox(sum(area.contours, []), (100, 90, 310, 300))
         (area,) = plot.areas(GREEN)
         self.assertBox(area.contours[0], (500, 80, 700, 120))
+        # The width counts for how far the drawing reaches, and for what reaches into the view.
+        shown = self.plot(zoom=None)
+        self.assertTrue(all(0 <= x <= 800 and 0 <= y <= 600 for area in shown.areas() for x, y in area.contours[0]))
+        self.assertTrue(self.plot("ZOOM|C|200,95|2", zoom=None).areas(RED))
 
     def test_dashes(self):
         self.doc.linetypes.add("DASHED", [30.0, 20.0, -10.0])
@@ -349,15 +353,33 @@ class PlotTest(unittest.TestCase):
         self.assertEqual(len(plot.areas(YELLOW)), 1)
         self.assertNotIn("not drawn", self.errors)
 
+    def test_meshes_and_multiple_lines(self):
+        grid = self.msp.add_polymesh((2, 3), dxfattribs={"color": 1})
+        for m in range(2):
+            for n in range(3):
+                grid.set_mesh_vertex((m, n), (100 + 10 * m, 100 + 10 * n, 5))
+        faces = self.msp.add_polyface(dxfattribs={"color": 3})
+        faces.append_faces([[(200, 100), (220, 100), (220, 120)], [(200, 100), (220, 120), (200, 120)]])
+        self.msp.add_mline([(300, 100), (400, 100)], dxfattribs={"color": 5, "scale_factor": 10})
+        plot = self.plot()
+        self.assertLines(plot, [[(100, 100), (100, 110), (100, 120)], [(110, 100), (110, 110), (110, 120)],
+                                [(100, 100), (110, 100)], [(100, 110), (110, 110)], [(100, 120), (110, 120)]], RED)
+        diagonal = [(200, 100), (220, 120)]
+        self.assertLines(plot, [[(200, 100), (220, 100)], [(220, 100), (220, 120)], diagonal, diagonal,
+                                [(220, 120), (200, 120)], [(200, 120), (200, 100)]], GREEN)
+        self.assertLines(plot, [[(300, y), (400, y)] for y in (100, 90)], BLUE)
+
     def test_what_cannot_be_drawn_is_counted_once(self):
         block = self.block("PART")
         block.add_body()
         for x in range(3):
             self.msp.add_blockref("PART", (x, 0))
-            self.msp.add_mline([(0, 0), (10, 10)])
+            self.msp.add_mesh()
+        self.doc.add_xref_def("other.dxf", "OTHER")
+        self.msp.add_blockref("OTHER", (0, 0))
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 3 MLINE", self.errors)
+        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 external reference", self.errors)
 
     # ---- layouts
 
@@ -386,7 +408,10 @@ class PlotTest(unittest.TestCase):
         block = self.block("LOOP", ((0, 0), (10, 0)), color=1)
         for x in range(8):
             block.add_blockref("LOOP", (x, 0))
-        inner = self.block("GRID", ((0, 0), (1, 0)), color=3)
+        for i in range(200):  # deep, but not without end
+            self.block(f"DEEP{i}", ((0, 0), (5, 5)), color=4).add_blockref(f"DEEP{i + 1}", (5, 0))
+        self.msp.add_blockref("DEEP0", (0, 300))
+        self.block("GRID", ((0, 0), (1, 0)), color=3)
         self.msp.add_blockref("LOOP", (0, 100))
         self.msp.add_blockref("GRID", (0, 0), dxfattribs={"column_count": 32767, "row_count": 32767,
                                                           "column_spacing": 200, "row_spacing": 200})
@@ -394,6 +419,7 @@ class PlotTest(unittest.TestCase):
         plot = self.plot()
         self.assertLess(time.monotonic() - start, 60)
         self.assertLines(plot, [[(0, 100), (10, 100)]], RED)
+        self.assertEqual(len(plot.lines("#00ffff")), 64)
         self.assertEqual(len(plot.lines(GREEN)), 5 * 4)
 
     def test_the_comparer_tells_plots_apart(self):

@@ -110,7 +110,7 @@ OdGeVector3d drawingPlaneNormal() {
 
 // The polyline's elevation counts from the world's origin, wherever the user coordinate system has its own.
 OdDbPolylinePtr beginBoundary(const OdGePoint3d& first) {
-    const auto boundary = OdDbPolyline::createObject();
+    auto boundary = OdDbPolyline::createObject();
     boundary->setNormal(drawingPlaneNormal());
     boundary->setElevation(OdGePlane(OdGePoint3d::kOrigin, boundary->normal()).signedDistanceTo(first));
     boundary->setClosed(true);

@@ -56,8 +56,8 @@ bool workDialog(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
 OdDbObjectIdArray orderedReferences(const OdDbObjectIdArray& selection) {
     std::vector<std::pair<OdDbObjectId, OdDbObjectId>> references;
     for (OdDbObjectId id : selection) {
-        if (const auto reference = id.openIf<OdDbBlockReference>()) {
-            references.emplace_back(reference->blockTableRecord(), id);
+        if (id.isValid() && id.isKindOf(OdDbBlockReference::desc())) {
+            references.emplace_back(OdDbBlockReference::blockTableRecordOf(id), id);
         }
     }
     std::sort(references.begin(), references.end());

@@ -69,17 +69,39 @@ void formLetters(OdDbMText& text, const OdGeVector3d& alongImage, const OdGeVect
     }
 }
 
-OdResult transformLike(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
-    if (!entity.isKindOf(OdDbMText::desc()) || matrix.isUniScaledOrtho()) {
+bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d writing =
+        OdGeMatrix3d::planeToWorld(text.normal()) * OdGeMatrix3d::rotation(text.rotation(), OdGeVector3d::kZAxis);
+    return (matrix * writing.xAxis()).isPerpendicularTo(matrix * writing.yAxis());
+}
+
+// Transforms an entity so that it looks as the matrix makes it, also where transformBy alone would only come near.
+OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
+    if (matrix.isUniScaledOrtho()) {
         return entity.transformBy(matrix);
     }
-    auto& text = static_cast<OdDbMText&>(entity);
-    const OdGeMatrix3d before = text.layoutToWorld();
-    const OdResult result = text.transformBy(matrix);
-    if (result == OdResult::ok) {
-        formLetters(text, matrix * before.xAxis(), matrix * before.yAxis());
+    if (entity.isKindOf(OdDbMText::desc())) {
+        auto& text = static_cast<OdDbMText&>(entity);
+        const OdGeMatrix3d before = text.layoutToWorld();
+        const OdResult result = text.transformBy(matrix);
+        if (result == OdResult::ok) {
+            formLetters(text, matrix * before.xAxis(), matrix * before.yAxis());
+        }
+        return result;
     }
-    return result;
+    if (entity.isKindOf(OdDbText::desc())) {
+        // Justified text hangs upright however it is slanted, which would shift one that is sheared. It gives up its
+        // justification for its place.
+        auto& text = static_cast<OdDbText&>(entity);
+        if (text.isJustified() && !leavesUpright(text, matrix)) {
+            text.adjustAlignment();
+            const OdGePoint3d start = text.position();
+            text.setHorizontalMode(OdDb::kTextLeft);
+            text.setVerticalMode(OdDb::kTextBase);
+            text.setPosition(start);
+        }
+    }
+    return entity.transformBy(matrix);
 }
 
 }  // namespace
@@ -166,7 +188,7 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
 // The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
 // left for them is the identity.
 bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) {
-    if (transformLike(entity, transform) != OdResult::transformRefused) {
+    if (transformExactly(entity, transform) != OdResult::transformRefused) {
         return true;
     }
     if (!explodeAndPlace(entity, transform)) {
@@ -222,7 +244,7 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
         text->setField(kTextFieldKey, field->copy());
     }
     if (transform != OdGeMatrix3d::kIdentity) {
-        transformLike(*text, transform);
+        transformExactly(*text, transform);
     }
 }
 

@@ -22,32 +22,27 @@ OdString defaultName(const OdDbDatabase& database) {
     return drawing.substr(0, drawing.size() - base::extensionOf(drawing).size());
 }
 
-std::int64_t integerVariable(const wchar_t* name) {
+std::int64_t variable(const wchar_t* name) {
     std::int64_t value = 0;
-    if (auto* const integer = hostService(hostapi::getIntegerVariable)) {
-        integer(name, value);
-    }
+    if (auto* const getVariable = hostService(hostapi::getIntegerVariable)) getVariable(name, value);
     return value;
 }
 
-// A script or a program answers on the command line, whatever FILEDIA says.
-bool wantsFileDialog() {
+bool asksByDialog() {
     constexpr std::int64_t kScript = 4;
     constexpr std::int64_t kProgram = 32;
-    return integerVariable(L"FILEDIA") != 0 && (integerVariable(L"CMDACTIVE") & (kScript | kProgram)) == 0;
+    return variable(L"FILEDIA") != 0 && (variable(L"CMDACTIVE") & (kScript | kProgram)) == 0;
 }
 
-// Empty when the user cancelled.
-OdString chooseFile() {
-    const ModuleResources resources;
+OdString chooseFile(const OdString& standard) {
     dialogs::FileRequest request;
     request.title = loadText(IDS_VSLIDE_SELECT_FILE);
+    request.fileName = standard;
     request.filter = L"SLD File (*.sld)|*.sld||";
     request.mustExist = true;
-    return dialogs::askFile(request).value_or(L"");
+    return dialogs::askFile(request).value_or(OdString());
 }
 
-// Empty when the user cancelled, or entered nothing where there is no default.
 OdString askName(HostEdInput& input, const OdString& standard) {
     const OdString prompt = standard.empty()
                                 ? loadText(IDS_VSLIDE_SELECT_FILE)
@@ -99,7 +94,10 @@ HostSlideView* currentView() {
 CMD_RUNSTATUS VSlideCmd::run() {
     setRunStatus(kCommandRunning);
     const RunFrame frame = reachDocument();
-    const OdString name = wantsFileDialog() ? chooseFile() : askName(*frame.input, defaultName(*frame.database));
+    const ModuleResources resources;
+    const OdString standard = defaultName(*frame.database);
+    // Empty when the user cancelled, or entered nothing where there is no default.
+    const OdString name = asksByDialog() ? chooseFile(standard) : askName(*frame.input, standard);
     HostSlideView* const view = currentView();
     if (name.empty() || view == nullptr) {
         return setRunStatus(kCommandCancelled);

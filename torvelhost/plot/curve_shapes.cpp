@@ -10,9 +10,25 @@ namespace {
 constexpr double kTolerance = 0.1;
 constexpr int kFinestSteps = 128;  // a turn, when nothing is known of pixels
 constexpr int kMostSteps = 20000;
-constexpr int kDeepestHalving = 12;
+constexpr int kDeepestHalving = 8;
 
 }  // namespace
+
+bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box) {
+    if (!entity.geomExtents(box)) return false;
+    double widest = 0;
+    if (entity.isKindOf(OdDbPolyline::desc())) {
+        const auto& polyline = static_cast<const OdDbPolyline&>(entity);
+        widest = polyline.constantWidth();
+        for (std::size_t i = 0; i < polyline.numVerts(); ++i)
+            widest = std::max({widest, polyline.vertexAt(i).startWidth, polyline.vertexAt(i).endWidth});
+    } else if (entity.isKindOf(OdDb2dPolyline::desc())) {
+        for (const OdDbOldPolyline::Vertex& vertex : static_cast<const OdDb2dPolyline&>(entity).vertices())
+            widest = std::max({widest, vertex.startWidth, vertex.endWidth});
+    }
+    if (widest > 0) box.grow(widest / 2);
+    return true;
+}
 
 int Shapes::stepsOf(double radius, double sweep) const {
     sweep = std::fabs(sweep);

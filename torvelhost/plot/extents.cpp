@@ -43,7 +43,9 @@ double reachOf(const OdDbText& text, const OdString& shown) {
 
 const Bounds& BlockBounds::of(OdDbObjectId block) {
     const auto [entry, isNew] = known_.try_emplace(block);
-    if (!isNew) return entry->second;  // also of a block that holds itself, which is empty so far
+    // Of a block that holds itself there is nothing so far.
+    if (!isNew || depth_ == kDeepestNesting) return entry->second;
+    ++depth_;
     Bounds bounds;
     if (const auto record = block.openIf<OdDbBlockTableRecord>()) {
         for (OdDbObjectId id : record->entities()) {
@@ -55,6 +57,7 @@ const Bounds& BlockBounds::of(OdDbObjectId block) {
             add(*entity, bounds);
         }
     }
+    --depth_;
     return known_[block] = bounds;
 }
 
@@ -99,7 +102,7 @@ void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
         return;
     }
     OdGeExtents3d box;
-    if (entity.geomExtents(box)) {
+    if (boxOf(entity, box)) {
         bounds.box.addExtents(box);
         return;
     }

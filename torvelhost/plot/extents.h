@@ -13,6 +13,9 @@ struct Bounds {
     bool endless = false;  // infinite lines are among it
 };
 
+// Blocks in blocks beyond that are not looked at: only faulty files have them.
+inline constexpr int kDeepestNesting = 64;
+
 class BlockBounds {
   public:
     explicit BlockBounds(Styles& styles) : styles_(styles) {}
@@ -29,6 +32,7 @@ class BlockBounds {
 
     Styles& styles_;
     std::unordered_map<OdDbObjectId, Bounds> known_;
+    int depth_ = 0;
 };
 
 // The box in all cells of a reference, given in the first.

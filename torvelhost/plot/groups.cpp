@@ -62,4 +62,16 @@ std::vector<PlotGroup> groupsOf(const OdDbObject& object) {
     return std::move(recorder->groups);
 }
 
+const PlotGroup* findGroup(std::span<const PlotGroup> groups, int code) {
+    for (const PlotGroup& group : groups)
+        if (group.code == code) return &group;
+    return nullptr;
+}
+
+const PlotGroup& groupOrZero(std::span<const PlotGroup> groups, int code) {
+    static const PlotGroup zero;
+    const PlotGroup* found = findGroup(groups, code);
+    return found ? *found : zero;
+}
+
 }  // namespace host

@@ -1,6 +1,7 @@
 // The groups of an object, for kinds that the database carries without understanding them.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "drawingdb/ge.h"
@@ -20,5 +21,10 @@ struct PlotGroup {
 
 // In the order of the file; subclass markers (100) are among them, the object's own handle and its extended data too.
 std::vector<PlotGroup> groupsOf(const OdDbObject& object);
+
+// The first with the code; null when there is none.
+const PlotGroup* findGroup(std::span<const PlotGroup> groups, int code);
+// The same, or one that is all zero.
+const PlotGroup& groupOrZero(std::span<const PlotGroup> groups, int code);
 
 }  // namespace host

@@ -37,13 +37,6 @@ std::vector<Groups> split(Groups groups, int first) {
     return parts;
 }
 
-const PlotGroup& get(Groups groups, int code) {
-    static const PlotGroup none;
-    for (const PlotGroup& group : groups)
-        if (group.code == code) return group;
-    return none;
-}
-
 void addSplineEdge(Groups edge, const AddPoint& add) {
     std::vector<double> knots, weights;
     Corners points;
@@ -54,7 +47,7 @@ void addSplineEdge(Groups edge, const AddPoint& add) {
     }
     const auto spline = OdDbSpline::createObject();
     try {
-        spline->setNurbs(static_cast<int>(get(edge, 94).integer), knots, points, weights);
+        spline->setNurbs(static_cast<int>(groupOrZero(edge, 94).integer), knots, points, weights);
     } catch (const OdError&) {
         return;  // no curve, so no edge
     }
@@ -75,8 +68,8 @@ class PatternLines {
     bool add(Groups line, const std::function<void(const OdGePoint2d&, const OdGePoint2d&)>& add) {
         const double angle = line.front().real;
         const OdGeVector2d along(std::cos(angle), std::sin(angle));
-        const OdGePoint2d base(get(line, 43).real, get(line, 44).real);
-        const OdGeVector2d step(get(line, 45).real, get(line, 46).real);
+        const OdGePoint2d base(groupOrZero(line, 43).real, groupOrZero(line, 44).real);
+        const OdGeVector2d step(groupOrZero(line, 45).real, groupOrZero(line, 46).real);
         const double spacing = along.crossProduct(step);
         if (std::fabs(spacing) < 1e-12 || std::fabs(spacing) < 2 * pixel_) return false;
         std::vector<double> dashes;
@@ -128,9 +121,11 @@ class PatternLines {
             return;
         }
         double place = std::floor(from / period) * period;
-        for (std::size_t i = 0; place < to; i = (i + 1) % dashes.size()) {
-            const double end = place + std::fabs(dashes[i]);
-            if (dashes[i] >= 0 && end >= from)
+        // So far out that a dash is lost beside the place, the count ends it.
+        const std::size_t most = static_cast<std::size_t>(kMostPatternLines + 2) * dashes.size();
+        for (std::size_t i = 0; place < to && i < most; ++i) {
+            const double dash = dashes[i % dashes.size()], end = place + std::fabs(dash);
+            if (dash >= 0 && end >= from)
                 add(origin + along * std::max(place, from), origin + along * std::min(end, to));
             place = end;
         }
@@ -167,19 +162,19 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
                 addBulge(corners[i].first, corners[(i + 1) % corners.size()].first, corners[i].second, add);
         } else {
             for (Groups edge : split(path, 72)) {
-                const OdGePoint2d from = get(edge, 10).point.xy();
-                const OdGeVector2d to = get(edge, 11).point.xy().asVector();
+                const OdGePoint2d from = groupOrZero(edge, 10).point.xy();
+                const OdGeVector2d to = groupOrZero(edge, 11).point.xy().asVector();
                 const std::int64_t kind = edge.front().integer;
                 if (kind == 1) {
                     add(from);
                     add(OdGePoint2d(to.x, to.y));
                 } else if (kind == 2 || kind == 3) {
-                    const OdGeVector2d x = kind == 2 ? OdGeVector2d(get(edge, 40).real, 0) : to;
-                    const OdGeVector2d y = kind == 2 ? x.perpVector() : x.perpVector() * get(edge, 40).real;
-                    double start = get(edge, 50).real, end = get(edge, 51).real;
+                    const OdGeVector2d x = kind == 2 ? OdGeVector2d(groupOrZero(edge, 40).real, 0) : to;
+                    const OdGeVector2d y = kind == 2 ? x.perpVector() : x.perpVector() * groupOrZero(edge, 40).real;
+                    double start = groupOrZero(edge, 50).real, end = groupOrZero(edge, 51).real;
                     if (end <= start) end += torvel::kTwoPi;
                     // Clockwise arcs have their angles counted clockwise too.
-                    const double turn = get(edge, 73).integer != 0 ? 1 : -1;
+                    const double turn = groupOrZero(edge, 73).integer != 0 ? 1 : -1;
                     const int steps = stepsOf(x.length(), end - start);
                     for (int i = 0; i <= steps; ++i) {
                         const double angle = turn * (start + (end - start) * i / steps);
@@ -195,11 +190,11 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
     if (contours.empty()) return;
 
     const OdGeVector3d normal = [&] {
-        const OdGePoint3d& point = get(head, 210).point;
+        const OdGePoint3d& point = groupOrZero(head, 210).point;
         return point == OdGePoint3d() ? OdGeVector3d::kZAxis : point.asVector();
     }();
     const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(normal);
-    const double elevation = get(head, 10).point.z;
+    const double elevation = groupOrZero(head, 10).point.z;
     const auto toWorld = [&](const OdGePoint2d& point) { return plane * OdGePoint3d(point.x, point.y, elevation); };
     const auto addContours = [&](DisplayList::Kind kind) {
         list_.begin(kind);
@@ -210,7 +205,7 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
         }
         list_.end();
     };
-    if (get(head, 70).integer != 0) return addContours(DisplayList::Kind::kArea);
+    if (groupOrZero(head, 70).integer != 0) return addContours(DisplayList::Kind::kArea);
 
     PatternLines pattern(contours, pixel_);
     std::vector<std::pair<OdGePoint2d, OdGePoint2d>> dashes;

@@ -97,6 +97,9 @@ const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
     setUp(shapes);
     shapes.setInBlock(true);
     forEachInDrawOrder(block, [&](OdDbObjectId id) { add(shapes, id); });
+    if (const auto record = block.openIf<OdDbBlockTableRecord>();
+        record && record->isFromExternalReference() && list.items().empty() && counted_.insert(block).second)
+        ++notDrawn_["external reference"];
     return blockLists_[{block, size}] = std::move(list);
 }
 
@@ -292,7 +295,7 @@ void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const S
         return;
     }
     // A block inside itself is a fault of the file.
-    if (std::find(inside_.begin(), inside_.end(), block) != inside_.end()) return;
+    if (inside_.size() == kDeepestNesting || std::find(inside_.begin(), inside_.end(), block) != inside_.end()) return;
     if (++cells_ > kMostCells) {
         ++notDrawn_["INSERT"];
         return;

@@ -1,20 +1,11 @@
 // Block references, and the kinds that the database carries without understanding them.
-#include <cmath>
-
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
 namespace {
 
-// The first group with the code, or null.
-const PlotGroup* find(const std::vector<PlotGroup>& groups, int code) {
-    for (const PlotGroup& group : groups)
-        if (group.code == code) return &group;
-    return nullptr;
-}
-
 OdGePoint3d pointOf(const std::vector<PlotGroup>& groups, int code, const OdGePoint3d& fallback = {}) {
-    const PlotGroup* group = find(groups, code);
+    const PlotGroup* group = findGroup(groups, code);
     return group ? group->point : fallback;
 }
 
@@ -50,7 +41,7 @@ bool Shapes::add(const OdDbEntity& entity) {
     }
     if (window_ && is(OdDbCurve::desc())) {
         OdGeExtents3d box;
-        if (entity.geomExtents(box) && !window_->intersects(box)) return true;
+        if (boxOf(entity, box) && !window_->intersects(box)) return true;
     }
     list_.setStyle(style);
     if (is(OdDbLine::desc())) {
@@ -128,7 +119,13 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     else if (is("ACAD_TABLE"))
         addTable(groupsOf(entity));
     else if (is("LEADER"))
-        addLeader(entity, groupsOf(entity));
+        addLeader(groupsOf(entity));
+    else if (is("MULTILEADER"))
+        addMultiLeader(groupsOf(entity));
+    else if (is("MLINE"))
+        addMultiLine(groupsOf(entity));
+    else if (is("POLYLINE"))
+        return addMesh(entity, groupsOf(entity));
     else
         return false;
     return true;
@@ -145,7 +142,7 @@ void Shapes::addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement) {
 
 // Its block is drawn in its place already; a copy that was moved along says by how much.
 void Shapes::addDimension(const std::vector<PlotGroup>& groups) {
-    const PlotGroup* name = find(groups, 2);
+    const PlotGroup* name = findGroup(groups, 2);
     if (!name) return;
     const OdDbObjectId block = styles_.database().findBlock(name->text);
     const OdGePoint3d moved = OdGeMatrix3d::planeToWorld(normalOf(groups)) * pointOf(groups, 12);
@@ -153,7 +150,7 @@ void Shapes::addDimension(const std::vector<PlotGroup>& groups) {
 }
 
 void Shapes::addTable(const std::vector<PlotGroup>& groups) {
-    const PlotGroup* name = find(groups, 2);
+    const PlotGroup* name = findGroup(groups, 2);
     if (!name) return;
     const OdGeVector3d normal = normalOf(groups).normal();
     const OdGeVector3d along = pointOf(groups, 11, OdGePoint3d(1, 0, 0)).asVector().normal();
@@ -173,41 +170,11 @@ void Shapes::addSolid(const std::vector<PlotGroup>& groups) {
 void Shapes::addFace(const std::vector<PlotGroup>& groups) {
     const OdGePoint3d third = pointOf(groups, 12);
     const OdGePoint3d corners[4] = {pointOf(groups, 10), pointOf(groups, 11), third, pointOf(groups, 13, third)};
-    const PlotGroup* hidden = find(groups, 70);
+    const PlotGroup* hidden = findGroup(groups, 70);
     for (int i = 0; i < 4; ++i) {
         if (hidden && (hidden->integer >> i & 1)) continue;
         list_.add(DisplayList::Kind::kPolyline, Corners{corners[i], corners[(i + 1) % 4]});
     }
-}
-
-// A line with a closed, filled arrowhead, whatever arrow its dimension style names.
-void Shapes::addLeader(const OdDbEntity& leader, const std::vector<PlotGroup>& groups) {
-    Corners corners;
-    for (const PlotGroup& group : groups)
-        if (group.code == 10) corners.push_back(group.point);
-    if (corners.size() < 2) return;
-    const PlotGroup* arrow = find(groups, 71);
-    if (!arrow || arrow->integer != 0) {
-        double size = 0.18, scale = 1.0;
-        const PlotGroup* name = find(groups, 3);
-        const auto table = leader.database()->tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
-        if (const auto style = name && table ? table->getAt(name->text).open() : OdDbObjectPtr()) {
-            for (const PlotGroup& group : groupsOf(*style)) {
-                if (group.code == 41) size = group.real;
-                if (group.code == 40 && group.real > 0) scale = group.real;
-            }
-        }
-        const OdGeVector3d along = corners[1] - corners[0];
-        const double length = size * scale;
-        if (along.length() > 2 * length) {
-            const OdGeVector3d unit = along.normal();
-            const OdGeVector3d side = normalOf(groups).normal().crossProduct(unit) * (length / 6);
-            const OdGePoint3d base = corners[0] + unit * length;
-            list_.add(DisplayList::Kind::kArea, Corners{corners[0], base + side, base - side});
-            corners[0] = base;
-        }
-    }
-    list_.add(DisplayList::Kind::kPolyline, corners);
 }
 
 }  // namespace host

@@ -20,6 +20,9 @@ DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 // made it begin.
 torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
 
+// The box around an entity's geometry and the width of a polyline's line; false for what has none.
+bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box);
+
 class Shapes {
   public:
     // `pixel` is the length of a pixel in the coordinates of what is added; 0: everything as fine as it gets.
@@ -77,7 +80,17 @@ class Shapes {
     void addTable(const std::vector<PlotGroup>& groups);
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
-    void addLeader(const OdDbEntity& leader, const std::vector<PlotGroup>& groups);
+
+    // leader_shapes.cpp
+    void addLeader(const std::vector<PlotGroup>& groups);
+    void addMultiLeader(const std::vector<PlotGroup>& groups);
+    void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
+    void addMultiLine(const std::vector<PlotGroup>& groups);
+
+    // mesh_shapes.cpp. False for another kind of polyline.
+    bool addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups);
+    void addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups, std::int64_t flags);
+    void addPolyfaceMesh(const OdDbEntity& polyline);
 
     // hatch_shapes.cpp
     void addHatch(const std::vector<PlotGroup>& groups);

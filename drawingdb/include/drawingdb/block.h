@@ -125,6 +125,8 @@ class DRAWINGDB_API OdDbBlockReference : public OdDbEntity {
     OD_DECLARE_CONCRETE_CLASS(OdDbBlockReference)
   public:
     OdDbObjectId blockTableRecord() const;
+    /// The same for the reference of that id, which is not opened for it; null when the id names none.
+    static OdDbObjectId blockTableRecordOf(OdDbObjectId reference);
     OdString blockName() const;
     void setBlockTableRecord(OdDbObjectId block);
     OdGePoint3d position() const;  ///< world coordinates

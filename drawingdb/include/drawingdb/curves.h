@@ -215,6 +215,7 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     void clearRuns() override;
     void beforeEncode() override;
     void verticesChanged();
+    void widen(const OdGeMatrix3d& map);
     std::size_t numSegments() const;
     const drawingdb::SegmentLengths& lengths() const;
     bool hasBulges() const;

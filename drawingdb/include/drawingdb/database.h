@@ -68,6 +68,9 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     const std::wstring& fileName() const;
     bool isReadOnly() const;
     bool isModified() const;
+    /// Another number after every change, also one that takes a change back: what was derived from the drawing at the
+    /// same revision still holds.
+    std::uint64_t revision();
     /// "AC1032" and the like.
     std::string version() const;
     bool isBinary() const;

@@ -1,0 +1,164 @@
+#include "torvelcmd2/extract/burst_reference.h"
+
+#include <gtest/gtest.h>
+
+#include "drawingdb/curves.h"
+#include "drawingdb/database.h"
+#include "drawingdb/ellipse.h"
+
+namespace {
+
+class BurstReference : public testing::Test {
+  protected:
+    // Blocks come with the drawing; this program makes no new ones.
+    BurstReference() {
+        std::string bytes = OdDbDatabase::createNew()->writeBytes();
+        std::erase(bytes, '\r');
+        const auto insert = [&bytes](const std::string& table, const std::string& closer, const std::string& text) {
+            const std::size_t begin = bytes.find("\n  2\n" + table + "\n");
+            bytes.insert(bytes.find("  0\n" + closer + "\n", begin), text);
+        };
+        int handle = 0x500;
+        for (const char* name : {"A", "B", "LOCKED_UP"}) {
+            const std::string first = hex(handle++), record = hex(handle++), end = hex(handle++);
+            insert("BLOCK_RECORD", "ENDTAB",
+                   "  0\nBLOCK_RECORD\n  5\n" + record +
+                       "\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\n" + name +
+                       "\n340\n0\n280\n" + (name[1] ? "0" : "1") + "\n");
+            insert("BLOCKS", "ENDSEC",
+                   "  0\nBLOCK\n  5\n" + first + "\n330\n" + record +
+                       "\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockBegin\n  2\n" + name +
+                       "\n 70\n0\n 10\n0\n 20\n0\n 30\n0\n  3\n" + name + "\n  1\n\n  0\nENDBLK\n  5\n" + end +
+                       "\n330\n" + record + "\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockEnd\n");
+        }
+        database_ = OdDbDatabase::readBytes(bytes, L"blocks.dxf");
+    }
+    static std::string hex(int value) { return OdDbHandle(static_cast<std::uint64_t>(value)).ascii(); }
+
+    OdSmartPtr<OdDbBlockTableRecord> block(const wchar_t* name) {
+        return database_->findBlock(name).openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+    }
+    OdSmartPtr<OdDbBlockTableRecord> model() {
+        return database_->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+    }
+    template <class Entity>
+    OdSmartPtr<Entity> add(const OdSmartPtr<OdDbBlockTableRecord>& to, const OdSmartPtr<Entity>& entity) {
+        to->appendOdDbEntity(entity.get());
+        return entity;
+    }
+    OdSmartPtr<OdDbBlockReference> reference(const OdSmartPtr<OdDbBlockTableRecord>& to, const wchar_t* name,
+                                             const OdGeScale3d& scale = OdGeScale3d(1), double rotation = 0) {
+        const auto made = OdDbBlockReference::createObject();
+        made->setBlockTableRecord(database_->findBlock(name));
+        made->setScaleFactors(scale);
+        made->setRotation(rotation);
+        return add(to, made);
+    }
+    template <class Entity>
+    std::vector<OdSmartPtr<Entity>> entities(const OdSmartPtr<OdDbBlockTableRecord>& of) {
+        std::vector<OdSmartPtr<Entity>> found;
+        for (const OdDbObjectId id : of->entities())
+            if (auto entity = id.openIf<Entity>()) found.push_back(entity);
+        return found;
+    }
+
+    OdDbDatabasePtr database_;
+};
+
+TEST_F(BurstReference, WorksInsideAnyBlockAndLeavesTheReference) {
+    const auto line = add(block(L"A"), OdDbLine::createObject());
+    line->setEndPoint({1, 0, 0});
+    const auto inner = reference(block(L"B"), L"A", OdGeScale3d(2));
+    EXPECT_TRUE(burstBlockReference(*inner, *block(L"B")));
+    EXPECT_FALSE(inner->isErased()) << "the caller erases it";
+    const auto lines = entities<OdDbLine>(block(L"B"));
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0]->endPoint(), OdGePoint3d(2, 0, 0));
+    EXPECT_EQ(lines[0]->blockId(), block(L"B")->objectId());
+}
+
+TEST_F(BurstReference, UnequalScalesMakeEllipsesOfCircularArcs) {
+    add(block(L"A"), OdDbCircle::createObject())->setRadius(3);
+    const auto arc = add(block(L"A"), OdDbArc::createObject());
+    arc->setAngles(0.5, 2);
+    const auto polyline = add(block(L"A"), OdDbPolyline::createObject());
+    polyline->addVertexAt(0, {{0, 0}, 1});
+    polyline->addVertexAt(1, {{2, 0}, -0.4});
+    polyline->addVertexAt(2, {{5, 1}});
+    // Where points of the curves must come to lie.
+    std::vector<OdGePoint3d> wanted;
+    const auto made = reference(model(), L"A", OdGeScale3d(2, 0.5, 1), 0.3);
+    for (const auto& curve : entities<OdDbCurve>(block(L"A")))
+        for (const double part : {0.0, 0.1, 0.37, 0.62, 0.99})
+            wanted.push_back(
+                made->blockTransform() *
+                curve->pointAtParam(curve->startParam() + (curve->endParam() - curve->startParam()) * part));
+
+    EXPECT_TRUE(burstBlockReference(*made, *model()));
+    EXPECT_TRUE(entities<OdDbCircle>(model()).empty());
+    const auto ellipses = entities<OdDbEllipse>(model());
+    ASSERT_EQ(ellipses.size(), 4u) << "the circle, the arc, two bulges";
+    for (const OdGePoint3d& point : wanted) {
+        double nearest = 1e9;
+        for (const auto& ellipse : ellipses) {
+            const OdGeVector3d offset = point - ellipse->center();
+            const double x = offset.dotProduct(ellipse->majorAxis()) / ellipse->majorAxis().lengthSquared();
+            const double y = offset.dotProduct(ellipse->minorAxis()) / ellipse->minorAxis().lengthSquared();
+            const double angle = torvel::normalizedAngle(std::atan2(y, x) - ellipse->startParam());
+            const double sweep = ellipse->endParam() - ellipse->startParam();
+            if (angle <= sweep + 1e-9 || angle >= torvel::kTwoPi - 1e-9)
+                nearest = std::min(nearest, ellipse->pointAtParam(ellipse->startParam() + angle).distanceTo(point));
+        }
+        EXPECT_LT(nearest, 1e-9) << point.x << "," << point.y;
+    }
+}
+
+TEST_F(BurstReference, LeavesWholeWhatCannotBeBurst) {
+    add(block(L"A"), OdDbLine::createObject());
+    EXPECT_FALSE(burstBlockReference(*reference(model(), L"LOCKED_UP"), *model()));
+
+    const auto frozen = reference(model(), L"A");
+    database_->findLayer(L"0").openAs<OdDbLayerTableRecord>(OdDb::forWrite)->setIsFrozen(true);
+    EXPECT_FALSE(burstBlockReference(*frozen, *model()));
+    database_->findLayer(L"0").openAs<OdDbLayerTableRecord>(OdDb::forWrite)->setIsFrozen(false);
+
+    // A block that holds itself, sheared: a viewer shows no end of it.
+    reference(block(L"A"), L"A", OdGeScale3d(1), 0.5);
+    const auto cyclic = reference(model(), L"A", OdGeScale3d(2, 1, 1));
+    EXPECT_FALSE(burstBlockReference(*cyclic, *model()));
+    EXPECT_TRUE(entities<OdDbLine>(model()).empty()) << "what had been added is gone again";
+    EXPECT_EQ(entities<OdDbBlockReference>(model()).size(), 3u);
+
+    // Without a shear there is one more of it for each burst.
+    const auto straight = reference(model(), L"A");
+    EXPECT_TRUE(burstBlockReference(*straight, *model()));
+    EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
+}
+
+TEST_F(BurstReference, ShowsConstantsAndSkipsWhatIsHidden) {
+    const auto define = [&](const wchar_t* tag, const wchar_t* value, auto&& set) {
+        const auto definition = OdDbAttributeDefinition::createObject();
+        definition->setTag(tag);
+        definition->setTextString(value);
+        set(*definition);
+        add(block(L"A"), definition);
+    };
+    define(L"VARIABLE", L"default", [](auto&) {});
+    define(L"CONSTANT", L"constant", [](auto& d) { d.setConstant(true); });
+    define(L"SECRET", L"secret", [](auto& d) { d.setConstant(true), d.setInvisible(true); });
+    const auto made = reference(model(), L"A", OdGeScale3d(2));
+    for (const wchar_t* value : {L"shown", L"invisible", L"hidden"}) {
+        const auto attribute = OdDbAttribute::createObject();
+        attribute->setTextString(value);
+        attribute->setInvisible(value[0] == L'i');
+        attribute->setVisibility(value[0] != L'h');
+        made->appendAttribute(attribute.get());
+    }
+    EXPECT_TRUE(burstBlockReference(*made, *model()));
+    std::vector<OdString> values;
+    for (const auto& text : entities<OdDbText>(model())) values.push_back(text->textString());
+    EXPECT_EQ(values, (std::vector<OdString>{L"constant", L"shown"}));
+    EXPECT_DOUBLE_EQ(entities<OdDbText>(model())[0]->height(), 0.4) << "definitions have their places in the block";
+}
+
+}  // namespace

@@ -1,0 +1,160 @@
+// Leaders of both kinds, and multiple lines.
+#include "torvelhost/plot/shapes.h"
+
+namespace host {
+namespace {
+
+// Colours of the kind that is one number: a method above the red, green and blue, or a colour number.
+OdCmColor colorOf(std::int64_t number) {
+    const auto bits = static_cast<std::uint32_t>(number);
+    switch (bits >> 24) {
+        case OdCmEntityColor::kByLayer:
+            return OdCmColor::fromIndex(256);
+        case OdCmEntityColor::kByRgb:
+            return OdCmColor::fromRgb(bits & 0xFFFFFF);
+        case OdCmEntityColor::kByIndex:
+            return OdCmColor::fromIndex(static_cast<int>(bits & 0xFF));
+        default:
+            return OdCmColor::fromIndex(0);
+    }
+}
+
+}  // namespace
+
+// The line from its arrowhead on. The head is closed and filled, whatever arrow is asked for.
+void Shapes::addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow) {
+    if (corners.size() < 2) return;
+    const OdGeVector3d along = corners[1] - corners[0];
+    if (arrow > 0 && along.length() > 2 * arrow) {
+        const OdGeVector3d unit = along.normal();
+        const OdGeVector3d side = normal.normal().crossProduct(unit) * (arrow / 6);
+        const OdGePoint3d base = corners[0] + unit * arrow;
+        list_.add(DisplayList::Kind::kArea, Corners{corners[0], base + side, base - side});
+        corners[0] = base;
+    }
+    list_.add(DisplayList::Kind::kPolyline, corners);
+}
+
+void Shapes::addLeader(const std::vector<PlotGroup>& groups) {
+    Corners corners;
+    for (const PlotGroup& group : groups)
+        if (group.code == 10) corners.push_back(group.point);
+    double size = 0.18, scale = 1.0;
+    const PlotGroup* name = findGroup(groups, 3);
+    const auto table = styles_.database().tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
+    if (const auto style = name && table ? table->getAt(name->text).open() : OdDbObjectPtr()) {
+        for (const PlotGroup& group : groupsOf(*style)) {
+            if (group.code == 41) size = group.real;
+            if (group.code == 40 && group.real > 0) scale = group.real;
+        }
+    }
+    const PlotGroup* arrow = findGroup(groups, 71);
+    const PlotGroup* normal = findGroup(groups, 210);
+    addLeaderLine(corners, normal ? normal->point.asVector() : OdGeVector3d::kZAxis,
+                  arrow && arrow->integer == 0 ? 0 : size * scale);
+}
+
+//   300 CONTEXT_DATA{   41 text height  140 arrowhead   290 text: 304 contents  11 normal  12 place  13 direction
+//                        42 rotation  43 width  90 colour  171 attachment      296 block: 341 which  15 place  16 scale
+//                        46 rotation
+//   302 LEADER{         10 end of its lines  11 direction of the landing  40 its length
+//   304 LEADER_LINE{    10 corner...
+//   305 } 303 } 301 }   170 kind of line, 0 none
+void Shapes::addMultiLeader(const std::vector<PlotGroup>& groups) {
+    std::size_t end = 0, firstLeader = groups.size();
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        if (groups[i].code == 302 && firstLeader == groups.size()) firstLeader = i;
+        if (groups[i].code == 301) end = i;
+    }
+    firstLeader = std::min(firstLeader, end);
+    const std::span<const PlotGroup> all(groups), content = all.first(firstLeader), after = all.subspan(end);
+    const auto real = [&](int code, double fallback) {
+        const PlotGroup* group = findGroup(content, code);
+        return group ? group->real : fallback;
+    };
+    const auto point = [&](int code, const OdGePoint3d& fallback) {
+        const PlotGroup* group = findGroup(content, code);
+        return group ? group->point : fallback;
+    };
+    const auto integer = [&](int code) { return groupOrZero(content, code).integer; };
+    const Style own = list_.style();
+    const OdGeVector3d normal = point(11, OdGePoint3d(0, 0, 1)).asVector();
+
+    const PlotGroup* kind = findGroup(after, 170);
+    Corners line;
+    OdGePoint3d landing, landingEnd;
+    for (std::size_t i = firstLeader; i < end && (!kind || kind->integer != 0); ++i) {
+        const PlotGroup& group = groups[i];
+        if (group.code == 302 || group.code == 304) {
+            if (group.code == 302) landing = landingEnd = OdGePoint3d();
+            const bool isLine = group.code == 304;
+            OdGeVector3d direction;
+            line.clear();
+            for (++i; i < end && groups[i].code < 300; ++i) {
+                if (groups[i].code == 10) {
+                    line.push_back(groups[i].point);
+                    if (!isLine) landing = landingEnd = groups[i].point;
+                }
+                if (groups[i].code == 11) direction = groups[i].point.asVector();
+                if (groups[i].code == 40 && !isLine) landingEnd = landing + direction * groups[i].real;
+            }
+            if (isLine) {
+                line.push_back(landing);
+                if (!landingEnd.isEqualTo(landing)) line.push_back(landingEnd);
+                addLeaderLine(line, normal, real(140, 0));
+            }
+            --i;
+        }
+    }
+
+    if (integer(290) != 0) {
+        const auto text = OdDbMText::createObject();
+        text->setNormal(normal);
+        text->setLocation(point(12, {}));
+        text->setDirection(point(13, OdGePoint3d(1, 0, 0)).asVector());
+        text->setTextHeight(real(41, 1));
+        text->setWidth(std::max(real(43, 0), 0.0));
+        text->setAttachment(std::clamp<int>(static_cast<int>(integer(171)), 1, 3));
+        const PlotGroup* contents = findGroup(content, 304);
+        if (contents) text->setContents(contents->text);
+        if (findGroup(content, 90)) list_.setStyle(styles_.colored(own, colorOf(integer(90))));
+        addMText(*text);
+        list_.setStyle(own);
+    } else if (const PlotGroup* block = findGroup(content, 341); block && integer(296) != 0) {
+        const OdGePoint3d place = point(15, {}), scale = point(16, OdGePoint3d(1, 1, 1));
+        addBlockAt(block->id, OdGeMatrix3d::translation(place.asVector()) * OdGeMatrix3d::planeToWorld(normal) *
+                                  OdGeMatrix3d::rotation(real(46, 0), OdGeVector3d::kZAxis) *
+                                  OdGeMatrix3d::scaling(OdGeScale3d(scale.x, scale.y, scale.z)));
+    }
+}
+
+// Each vertex (11) has the direction of its mitre (13) and, for each line, how far along that it passes (the first 41
+// behind a 74).
+void Shapes::addMultiLine(const std::vector<PlotGroup>& groups) {
+    std::vector<Corners> lines;
+    OdGePoint3d vertex;
+    OdGeVector3d mitre;
+    std::size_t line = 0;
+    bool first = false;
+    for (const PlotGroup& group : groups) {
+        if (group.code == 11) {
+            vertex = group.point;
+            line = 0;
+        } else if (group.code == 13) {
+            mitre = group.point.asVector();
+        } else if (group.code == 74) {
+            first = group.integer > 0;
+        } else if (group.code == 41 && first) {
+            if (lines.size() <= line) lines.emplace_back();
+            lines[line++].push_back(vertex + mitre * group.real);
+            first = false;
+        }
+    }
+    const PlotGroup* flags = findGroup(groups, 71);
+    for (Corners& corners : lines) {
+        if (flags && (flags->integer & 2)) corners.push_back(corners.front());
+        list_.add(DisplayList::Kind::kPolylineThroughout, corners);
+    }
+}
+
+}  // namespace host
