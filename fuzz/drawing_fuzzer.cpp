@@ -17,6 +17,7 @@
 #include "drawingdb/wipeout.h"
 #include "fuzz/fuzz.h"
 #include "torvelcmd2/attributes/sync_reference.h"
+#include "torvelcmd2/extract/burst_reference.h"
 
 namespace {
 
@@ -134,7 +135,7 @@ class Editor {
     OdDbObjectId anySpace() { return any(3) == 0 ? database_->paperSpaceId() : database_->modelSpaceId(); }
 
     void step() {
-        const std::size_t kind = any(15);
+        const std::size_t kind = any(16);
         if (trace_) std::fprintf(stderr, "edit of kind %zu\n", kind);
         switch (kind) {
             case 0:
@@ -204,6 +205,9 @@ class Editor {
             case 13:
                 if (const auto attribute = opened<OdDbAttribute>()) attribute->convertIntoMTextAttribute(any(2) == 0);
                 break;
+            case 15:
+                burst();
+                break;
             case 14:
                 switch (any(4)) {
                     case 0:
@@ -221,6 +225,14 @@ class Editor {
                 }
                 break;
         }
+    }
+
+    void burst() {
+        constexpr int kPlaces = 50;
+        const auto reference = opened<OdDbBlockReference>();
+        if (!reference || reference->rows() > kPlaces || reference->columns() > kPlaces) return;
+        const auto owner = reference->blockId().openIf<OdDbBlockTableRecord>(OdDb::forWrite);
+        if (owner && torvel::ReferenceBurster().burst(*reference, *owner)) reference->erase();
     }
 
     OdDbDatabasePtr database_;

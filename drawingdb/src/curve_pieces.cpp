@@ -15,7 +15,8 @@ constexpr int kFirstVersionWithPolylines = 1014;
 constexpr int kLinesPerTurn = 128;
 
 int linesFor(double angle) {
-    return std::max(1, static_cast<int>(std::ceil(std::fabs(angle) / torvel::kTwoPi * kLinesPerTurn)));
+    const double lines = std::ceil(std::fabs(angle) / torvel::kTwoPi * kLinesPerTurn);
+    return lines >= 1 ? static_cast<int>(std::min(lines, static_cast<double>(kLinesPerTurn))) : 1;
 }
 
 }  // namespace
@@ -42,9 +43,10 @@ void CurvePieces::addLine(const OdGePoint2d& from, const OdGePoint2d& to) {
 }
 
 void CurvePieces::addArc(const OdGePoint2d& center, double radius, double start, double end) {
-    if (radius > 0 && version_ >= kFirstVersionWithEllipses) {
+    const OdGeVector3d axis = toWorld_.xAxis() * radius;
+    // A radius of next to nothing makes no ellipse.
+    if (version_ >= kFirstVersionWithEllipses && normal_.isPerpendicularTo(axis)) {
         const OdSmartPtr<OdDbEllipse> ellipse = OdDbEllipse::createObject();
-        const OdGeVector3d axis = toWorld_.xAxis() * radius;
         ellipse->set(toWorld_ * OdGePoint3d(center.x, center.y, elevation_), normal_, axis, 1, start, end);
         add(OdDbEntityPtr(ellipse.get()));
         return;

@@ -12,6 +12,9 @@
 namespace torvel {
 namespace {
 
+// More than anybody wants to have in a drawing; blocks that hold each other many times over could come to any number.
+constexpr std::size_t kMostPieces = 1'000'000;
+
 // How the places of a multiple reference lie apart from the first. Rows and columns are counted in the reference's own
 // directions and not scaled.
 std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
@@ -128,11 +131,15 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0) {
         return false;
     }
+    if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces) {
+        return false;
+    }
     within_.push_back(block);
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     for (const OdGeMatrix3d& step : placesOf(reference)) {
         const OdGeMatrix3d place = outer * step;
-        if (!copyEntities(definition, place * blockTransform)) {
+        if (added_.size() + definition.entities.size() > kMostPieces ||
+            !copyEntities(definition, place * blockTransform)) {
             return false;
         }
         addConstants(definition, place * blockTransform);

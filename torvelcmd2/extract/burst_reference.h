@@ -18,7 +18,8 @@ class ReferenceBurster {
     /// that for each of its places. Both must be open for write; the reference itself stays, for the caller to erase.
     ///
     /// False, and nothing changed, for a reference whose block may not be exploded or is missing, for one on a frozen
-    /// layer, and for one with an entity that can be neither placed nor exploded.
+    /// layer, for one with an entity that can be neither placed nor exploded, and for one of more than a million
+    /// pieces.
     bool burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner);
 
   private:
