@@ -12,6 +12,12 @@ class OdDbUnknownObject : public OdDbObject {
 
 class OdDbUnknownEntity : public OdDbEntity {
     OD_DECLARE_CONCRETE_CLASS(OdDbUnknownEntity)
+  public:
+    /// Kinds that transformedCarried knows; all others refuse.
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// Dimensions and tables: a reference of the block that draws them.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
+
   protected:
     const drawingdb::ClassDescription* description() const override;
     static void describe(drawingdb::Describer& d);

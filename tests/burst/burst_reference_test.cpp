@@ -24,7 +24,7 @@ class BurstReference : public testing::Test {
             insert("BLOCK_RECORD", "ENDTAB",
                    "  0\nBLOCK_RECORD\n  5\n" + record +
                        "\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\n" + name +
-                       "\n340\n0\n280\n" + (name[1] ? "0" : "1") + "\n");
+                       "\n102\n{BLKREFS\n331\nABC\n102\n}\n340\n0\n280\n" + (name[1] ? "0" : "1") + "\n");
             insert("BLOCKS", "ENDSEC",
                    "  0\nBLOCK\n  5\n" + first + "\n330\n" + record +
                        "\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockBegin\n  2\n" + name +
@@ -75,6 +75,16 @@ TEST_F(BurstReference, WorksInsideAnyBlockAndLeavesTheReference) {
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0]->endPoint(), OdGePoint3d(2, 0, 0));
     EXPECT_EQ(lines[0]->blockId(), block(L"B")->objectId());
+
+    // The copy of a nested reference is told to its block.
+    EXPECT_TRUE(burstBlockReference(*reference(model(), L"B"), *model()));
+    std::string saved = database_->writeBytes();
+    std::erase(saved, '\r');
+    const auto nested = entities<OdDbBlockReference>(model());
+    ASSERT_EQ(nested.size(), 2u);
+    EXPECT_NE(saved.find("{BLKREFS\n331\nABC\n331\n" + inner->handle().ascii() + "\n331\n" +
+                         nested[1]->handle().ascii() + "\n102\n}\n"),
+              std::string::npos);
 }
 
 TEST_F(BurstReference, UnequalScalesMakeEllipsesOfCircularArcs) {

@@ -39,6 +39,7 @@ OdString chooseFile(const OdString& standard) {
     request.title = loadText(IDS_VSLIDE_SELECT_FILE);
     request.fileName = standard;
     request.filter = L"SLD File (*.sld)|*.sld||";
+    request.mustExist = true;
     return dialogs::askFile(request).value_or(OdString());
 }
 

@@ -62,3 +62,11 @@ bool changeField(OdDbFieldPtr& field) {
 }
 
 }  // extern "C"
+
+// The table of services and the functions say the same.
+template <class Signature>
+constexpr bool fits(const hostapi::Service<Signature>&, Signature*) {
+    return true;
+}
+static_assert(fits(hostapi::insertField, &insertField));
+static_assert(fits(hostapi::changeField, &changeField));
