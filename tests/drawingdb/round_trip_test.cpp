@@ -133,9 +133,10 @@ TEST(RoundTrip, MarkersAreReadWhateverTheVersionSays) {
     ASSERT_TRUE(arc);
     const double radius = arc->radius();
     arc->setLayer(L"WALLS");
-    const auto again = objectOf(OdDbDatabase::readBytes(database->writeBytes(), L""), 0x35).openAs<OdDbArc>();
-    EXPECT_EQ(again->radius(), radius);
-    EXPECT_EQ(again->layer(), L"WALLS");
+    const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"");
+    const auto read = objectOf(again, 0x35).openAs<OdDbArc>();
+    EXPECT_EQ(read->radius(), radius);
+    EXPECT_EQ(read->layer(), L"WALLS");
 }
 
 }  // namespace
