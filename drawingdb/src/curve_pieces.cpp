@@ -21,10 +21,11 @@ int linesFor(double angle) {
 }  // namespace
 
 CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation,
-                         std::vector<OdDbEntityPtr>& pieces)
+                         double thickness, std::vector<OdDbEntityPtr>& pieces)
     : source_(source),
       normal_(normal.normal()),
       elevation_(elevation),
+      thickness_(thickness),
       toWorld_(OdGeMatrix3d::planeToWorld(normal)),
       pieces_(pieces),
       version_(source.database() ? source.database()->core().format.version : kFirstVersionWithPolylines) {}
@@ -38,6 +39,7 @@ void CurvePieces::addLine(const OdGePoint2d& from, const OdGePoint2d& to) {
     const OdSmartPtr<OdDbLine> line = OdDbLine::createObject();
     line->setStartPoint(toWorld_ * OdGePoint3d(from.x, from.y, elevation_));
     line->setEndPoint(toWorld_ * OdGePoint3d(to.x, to.y, elevation_));
+    if (thickness_ != 0) line->setExtrusion(normal_, thickness_);
     add(OdDbEntityPtr(line.get()));
 }
 
@@ -74,6 +76,7 @@ bool CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed)
     const OdSmartPtr<OdDbPolyline> polyline = OdDbPolyline::createObject();
     polyline->setNormal(normal_);
     polyline->setElevation(elevation_);
+    polyline->setThickness(thickness_);
     polyline->setClosed(closed);
     for (const WideSegment& wide : segments) {
         const int count = linesFor(wide.segment.angle());
