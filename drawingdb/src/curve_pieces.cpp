@@ -20,8 +20,8 @@ int linesFor(double angle) {
 
 }  // namespace
 
-CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation,
-                         double thickness, std::vector<OdDbEntityPtr>& pieces)
+CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation, double thickness,
+                         std::vector<OdDbEntityPtr>& pieces)
     : source_(source),
       normal_(normal.normal()),
       elevation_(elevation),
