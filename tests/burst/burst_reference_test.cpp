@@ -145,6 +145,27 @@ TEST_F(BurstReference, LeavesWholeWhatCannotBeBurst) {
     EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
 }
 
+TEST_F(BurstReference, WhatShowsNothingKeepsNothingBack) {
+    add(block(L"A"), OdDbLine::createObject());
+    add(block(L"B"), OdDbLine::createObject());
+    const auto sheared = reference(block(L"B"), L"A", OdGeScale3d(1), 0.5);
+    sheared->setLayer(L"FROZEN");
+    const auto layer = OdDbLayerTableRecord::createObject();
+    layer->setName(L"FROZEN");
+    layer->setIsFrozen(true);
+    database_->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
+    EXPECT_TRUE(burstBlockReference(*reference(model(), L"B", OdGeScale3d(2, 1, 1)), *model()));
+    EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
+
+    // What does show something does, and the user is told.
+    reference(block(L"B"), L"LOCKED_UP", OdGeScale3d(1), 0.5);
+    torvel::ReferenceBurster burster;
+    EXPECT_FALSE(burster.burst(*reference(model(), L"B", OdGeScale3d(2, 1, 1)), *model()));
+    EXPECT_EQ(burster.obstacle(), L"block B has a reference of LOCKED_UP, which cannot be exploded");
+    EXPECT_FALSE(burster.burst(*reference(model(), L"LOCKED_UP"), *model()));
+    EXPECT_EQ(burster.obstacle(), L"");
+}
+
 TEST_F(BurstReference, ShowsConstantsAndSkipsWhatIsHidden) {
     const auto define = [&](const wchar_t* tag, const wchar_t* value, auto&& set) {
         const auto definition = OdDbAttributeDefinition::createObject();

@@ -54,18 +54,25 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
 void formLetters(OdDbMText& text, const OdGeVector3d& alongImage, const OdGeVector3d& upImage) {
     const double widthScale = alongImage.length();
     const double heightScale = alongImage.crossProduct(upImage).length() / widthScale;
-    double widthFactor = 1, slant = 0;
+    double styleWidth = 1, styleSlant = 0;
     if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
-        widthFactor = style->xScale();
-        slant = std::tan(style->obliquingAngle());
+        styleWidth = style->xScale();
+        styleSlant = std::tan(style->obliquingAngle());
     }
-    widthFactor *= widthScale / heightScale;
+    const double stretch = widthScale / heightScale;
     const double lean = alongImage.dotProduct(upImage) / widthScale;
-    const double oblique = std::atan((lean + slant * widthScale) / heightScale) * 180 / torvel::kPi;
+    const double slant = (lean + styleSlant * widthScale) / heightScale;
+    constexpr double kSame = 1e-9;
+    OdString codes;
+    if (std::fabs(stretch - 1) > kSame) {
+        codes = L"\\W" + base::widen(base::realToText(styleWidth * stretch)) + L";";
+    }
+    if (std::fabs(slant - styleSlant) > kSame) {
+        codes += L"\\Q" + base::widen(base::realToText(std::atan(slant) * 180 / torvel::kPi)) + L";";
+    }
     // New contents would take away a field, which brings the old ones back anyway.
-    if (!text.getField(kTextFieldKey)) {
-        text.setContents(L"\\W" + base::widen(base::realToText(widthFactor)) + L";\\Q" +
-                         base::widen(base::realToText(oblique)) + L";" + text.contents());
+    if (!codes.empty() && !text.getField(kTextFieldKey)) {
+        text.setContents(codes + text.contents());
     }
 }
 
@@ -93,6 +100,10 @@ OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
         // Justified text hangs upright however it is slanted, which would shift one that is sheared. It gives up its
         // justification for its place.
         auto& text = static_cast<OdDbText&>(entity);
+        // Between two points these give the rotation, and what the text says of it may be anything.
+        if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) {
+            text.adjustAlignment();
+        }
         if (text.isJustified() && !leavesUpright(text, matrix)) {
             text.adjustAlignment();
             const OdGePoint3d start = text.position();
@@ -110,6 +121,7 @@ bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTable
     owner_ = &owner;
     added_.clear();
     within_.clear();
+    obstacle_.clear();
     if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
         return true;
     }
@@ -151,7 +163,8 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
     }
     // What an external drawing shows is not in this one.
     definition.explodable = record->explodable() && !record->isFromExternalReference();
-    for (OdDbObjectId id : record->entities()) {
+    // The copies cover each other as the originals do.
+    for (OdDbObjectId id : record->entitiesInDrawOrder()) {
         if (auto attribute = id.openIf<OdDbAttributeDefinition>()) {
             if (attribute->isConstant()) {
                 definition.constants.push_back(std::move(attribute));
@@ -180,9 +193,32 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
             added_.push_back(pair.copy);
         }
     }
-    return std::ranges::all_of(mapping.pairs(), [&](const OdDbIdMapping::Pair& pair) {
-        return !pair.primary || place(*pair.copy.openAs<OdDbEntity>(OdDb::forWrite), transform);
-    });
+    for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
+        if (!pair.primary) {
+            continue;
+        }
+        const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
+        if (!place(*copy, transform)) {
+            noteObstacle(*copy);
+            return false;
+        }
+    }
+    return true;
+}
+
+// The innermost one has been noted first, and stays.
+void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
+    if (!obstacle_.empty()) {
+        return;
+    }
+    const OdString block = within_.back().openAs<OdDbBlockTableRecord>()->name();
+    obstacle_ = L"block " + block + L" has a ";
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        obstacle_ += L"reference of " + static_cast<const OdDbBlockReference&>(entity).blockName() +
+                     L", which cannot be exploded";
+    } else {
+        obstacle_ += base::widen(entity.dxfName());
+    }
 }
 
 // The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
@@ -201,7 +237,10 @@ bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) 
 bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform) {
     // A reference that would be sheared. Its pieces are made from its block as its own burst would make them.
     if (entity.isKindOf(OdDbBlockReference::desc())) {
-        return burstContents(static_cast<const OdDbBlockReference&>(entity), transform);
+        const auto& nested = static_cast<const OdDbBlockReference&>(entity);
+        // What shows nothing needs no pieces, and must not keep the rest from being burst.
+        const bool showsNothing = isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
+        return showsNothing || burstContents(nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;
     if (entity.explode(pieces) != OdResult::ok) {
