@@ -50,8 +50,9 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
 }
 
 // Multi-line text keeps the proportions of its letters whatever the matrix. Where that is not what the reference
-// showed, codes in front of the contents stretch and slant them.
-void formLetters(OdDbMText& text, const OdGeVector3d& alongImage, const OdGeVector3d& upImage) {
+// showed, these codes in front of the contents stretch and slant them. `before` is the text's layout before the matrix.
+OdString letterCodes(const OdDbMText& text, const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
+    const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
     const double widthScale = alongImage.length();
     const double heightScale = alongImage.crossProduct(upImage).length() / widthScale;
     double styleWidth = 1, styleSlant = 0;
@@ -70,10 +71,7 @@ void formLetters(OdDbMText& text, const OdGeVector3d& alongImage, const OdGeVect
     if (std::fabs(slant - styleSlant) > kSame) {
         codes += L"\\Q" + base::widen(base::realToText(std::atan(slant) * 180 / torvel::kPi)) + L";";
     }
-    // New contents would take away a field, which brings the old ones back anyway.
-    if (!codes.empty() && !text.getField(kTextFieldKey)) {
-        text.setContents(codes + text.contents());
-    }
+    return codes;
 }
 
 bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
@@ -82,35 +80,70 @@ bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
     return (matrix * writing.xAxis()).isPerpendicularTo(matrix * writing.yAxis());
 }
 
+// Justified text hangs upright however it is slanted, which would shift one that the matrix shears. It gives up its
+// justification for its place.
+void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
+    // Between two points these give the rotation, and what the text says of it may be anything.
+    if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) {
+        text.adjustAlignment();
+    }
+    if (text.isJustified() && !leavesUpright(text, matrix)) {
+        text.adjustAlignment();
+        const OdGePoint3d start = text.position();
+        text.setHorizontalMode(OdDb::kTextLeft);
+        text.setVerticalMode(OdDb::kTextBase);
+        text.setPosition(start);
+    }
+}
+
+// New contents would take away a field, which brings the old ones back anyway.
+bool takesCodes(const OdDbEntity& text) { return !text.getField(kTextFieldKey); }
+
+OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d before = text.layoutToWorld();
+    const OdResult result = text.transformBy(matrix);
+    if (result == OdResult::ok && takesCodes(text)) {
+        if (const OdString codes = letterCodes(text, before, matrix); !codes.empty()) {
+            text.setContents(codes + text.contents());
+        }
+    }
+    return result;
+}
+
+// A reference takes its attributes along, which are texts like any other.
+OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& matrix) {
+    std::vector<std::pair<OdSmartPtr<OdDbAttribute>, OdString>> withCodes;
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openAs<OdDbAttribute>(OdDb::forWrite);
+        if (!attribute->isMTextAttribute()) {
+            giveUpJustification(*attribute, matrix);
+        } else if (takesCodes(*attribute)) {
+            const auto lines = attribute->getMTextAttribute();
+            withCodes.emplace_back(attribute, letterCodes(*lines, lines->layoutToWorld(), matrix) + lines->contents());
+        }
+    }
+    const OdResult result = reference.transformBy(matrix);
+    if (result == OdResult::ok) {
+        for (const auto& [attribute, contents] : withCodes) {
+            attribute->setTextString(contents);
+        }
+    }
+    return result;
+}
+
 // Transforms an entity so that it looks as the matrix makes it, also where transformBy alone would only come near.
 OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
     if (matrix.isUniScaledOrtho()) {
         return entity.transformBy(matrix);
     }
     if (entity.isKindOf(OdDbMText::desc())) {
-        auto& text = static_cast<OdDbMText&>(entity);
-        const OdGeMatrix3d before = text.layoutToWorld();
-        const OdResult result = text.transformBy(matrix);
-        if (result == OdResult::ok) {
-            formLetters(text, matrix * before.xAxis(), matrix * before.yAxis());
-        }
-        return result;
+        return transformMText(static_cast<OdDbMText&>(entity), matrix);
+    }
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        return transformReference(static_cast<OdDbBlockReference&>(entity), matrix);
     }
     if (entity.isKindOf(OdDbText::desc())) {
-        // Justified text hangs upright however it is slanted, which would shift one that is sheared. It gives up its
-        // justification for its place.
-        auto& text = static_cast<OdDbText&>(entity);
-        // Between two points these give the rotation, and what the text says of it may be anything.
-        if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) {
-            text.adjustAlignment();
-        }
-        if (text.isJustified() && !leavesUpright(text, matrix)) {
-            text.adjustAlignment();
-            const OdGePoint3d start = text.position();
-            text.setHorizontalMode(OdDb::kTextLeft);
-            text.setVerticalMode(OdDb::kTextBase);
-            text.setPosition(start);
-        }
+        giveUpJustification(static_cast<OdDbText&>(entity), matrix);
     }
     return entity.transformBy(matrix);
 }
