@@ -42,6 +42,11 @@ class ICmdProcess : public ICmdRun {
 /// Stores a new command object, or null when there is no memory for it; returns 1 either way.
 using CommandCreator = int (*)(ICmdProcess** command);
 
+namespace hostapi {
+/// Flag of a command that takes the pick-first set, when there is one, for its first selection set.
+inline constexpr int kUsesPickFirst = 2;
+}  // namespace hostapi
+
 /// The host's list of commands. Names are ASCII and found without case; the first registration of a name stands.
 class ICmdFactory {
   public:
@@ -51,7 +56,7 @@ class ICmdFactory {
     virtual void reserved3() {}
     virtual void reserved4() {}
     virtual void reserved5() {}
-    /// Slot 6. `flags` is the host's business; 2 marks commands that use the pick-first set.
+    /// Slot 6. Of the flags only kUsesPickFirst has an effect.
     virtual int addCommandInGroup(const char* name, CommandCreator creator, const wchar_t* group, int flags,
                                   std::uintptr_t reserved1, std::uintptr_t reserved2) = 0;
     virtual void reserved7() {}

@@ -108,7 +108,8 @@ inline constexpr Service<int(const wchar_t* prompt, const wchar_t* keywords, int
 inline constexpr Service<int(const wchar_t* prompt, int flags, const Pick* at, HostGsSelectionReactor* reactor,
                              Pick& pick)>
     selectNested{kSelectionLibrary, "hostSelectNested"};
-/// Asks for any number of entities until Enter. kValue, also for an empty set, or kCancel.
+/// Asks for any number of entities until Enter. kValue, also for an empty set, or kCancel. A command that uses the
+/// pick-first set gets that, when it is not empty, without a question the first time.
 inline constexpr Service<int(const wchar_t* prompt, int flags, OdDbObjectIdArray& entities)> selectSet{
     kSelectionLibrary, "hostSelectSet"};
 /// The entities selected before the command began. Setting replaces them.

@@ -60,7 +60,8 @@ bool CommandLoop::runLine(const Reply& reply) {
         runCommand(command->name, [&] { return (context.*command->body)(); });
         if (command->changesView) application_.refresh();
     } else if (const RegisteredCommand* registered = CommandFactory::instance().find(text)) {
-        runCommand(registered->name, [registered] { return runRegistered(*registered); });
+        runCommand(
+            registered->name, [registered] { return runRegistered(*registered); }, registered->flags);
     } else {
         refuse(L"unknown command \"" + text + L"\"");
     }
@@ -78,7 +79,8 @@ void CommandLoop::doubleClick(std::wstring_view handle) {
         if (!registered) continue;
         session_.selection.setPickFirst(OdDbObjectIdArray{pick->nested});
         session_.selection.setStartingPick(std::move(pick));
-        return runCommand(registered->name, [registered] { return runRegistered(*registered); });
+        return runCommand(
+            registered->name, [registered] { return runRegistered(*registered); }, registered->flags);
     }
     refuse(L"no command is there for a double click");
 }
@@ -89,7 +91,7 @@ void CommandLoop::refuse(const std::wstring& what) {
     terminal_.error(what);
 }
 
-void CommandLoop::runCommand(const std::wstring& name, const Body& body) {
+void CommandLoop::runCommand(const std::wstring& name, const Body& body, int flags) {
     const std::size_t position = session_.document.undoPosition();
     const auto takeBack = [&] {
         session_.document.database()->undoTo(position);
@@ -101,7 +103,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body) {
         terminal_.error(name + L": " + what);
         status_ = std::max(status_, status);
     };
-    session_.selection.beginCommand();
+    session_.selection.beginCommand((flags & hostapi::kUsesPickFirst) != 0);
     session_.commandActive = true;
     try {
         const Progress progress(terminal_, name);

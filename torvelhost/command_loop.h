@@ -22,7 +22,7 @@ class CommandLoop {
 
     // False: no more lines are wanted.
     bool runLine(const Reply& reply);
-    void runCommand(const std::wstring& name, const Body& body);
+    void runCommand(const std::wstring& name, const Body& body, int flags = 0);
     void doubleClick(std::wstring_view handle);
     // A line that names nothing: the end of a script, a hint for a person.
     void refuse(const std::wstring& what);

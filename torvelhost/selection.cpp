@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
@@ -247,6 +248,11 @@ bool Selection::addToSet(const Reply& reply, Entities& entities, std::wstring& r
 }
 
 int Selection::pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities) {
+    if (std::exchange(offersPickFirst_, false) && !pickFirst_.empty()) {
+        entities = pickFirst_;
+        input_.terminal().notice(std::to_wstring(entities.size()) + L" found");
+        return hostapi::kValue;
+    }
     OdDbObjectIdArray set;
     std::unordered_set<OdDbObjectId> known;
     for (;;) {

@@ -31,8 +31,12 @@ class Selection {
     void setPickFirst(OdDbObjectIdArray entities);
     // From a line of handles; false, and a reason, when one names nothing.
     bool setPickFirst(const std::vector<OdDbHandle>& handles, std::wstring& reason);
-    // A command uses up the set that was there when it began, unless it made one of its own.
-    void beginCommand() { pickFirstChanged_ = false; }
+    // A command uses up the set that was there when it began, unless it made one of its own. One that uses the
+    // pick-first set gets it from pickSet, the first time, without being asked.
+    void beginCommand(bool usesPickFirst) {
+        pickFirstChanged_ = false;
+        offersPickFirst_ = usesPickFirst;
+    }
     void endCommand();
 
     // ---- the pick that started the command
@@ -66,6 +70,7 @@ class Selection {
     Document& document_;
     OdDbObjectIdArray pickFirst_;
     bool pickFirstChanged_ = false;
+    bool offersPickFirst_ = false;
     std::optional<hostapi::Pick> startingPick_;
     std::set<OdDbObjectId> highlighted_;
     HighlightWatcher highlightWatcher_;

@@ -1,11 +1,15 @@
 #include "drawingdb/block.h"
 
+#include <algorithm>
 #include <cmath>
+#include <unordered_map>
 
 #include "base/text.h"
 #include "core.h"
+#include "curve_math.h"
 #include "description.h"
 #include "drawingdb/attribute.h"
+#include "drawingdb/dictionary.h"
 #include "object_access.h"
 
 using namespace drawingdb;
@@ -179,6 +183,33 @@ const ClassDescription* OdDbBlockTableRecord::description() const {
 }
 OdDbObjectIdRange OdDbBlockTableRecord::entities(bool skipErased) const {
     return stub_ ? coreOf(stub_).entitiesOf(*stub_, skipErased) : OdDbObjectIdRange();
+}
+OdDbObjectIdArray OdDbBlockTableRecord::entitiesInDrawOrder() const {
+    OdDbObjectIdArray ids;
+    for (const OdDbObjectId id : entities()) ids.push_back(id);
+    const auto dictionary = extensionDictionary().openIf<OdDbDictionary>();
+    const auto table = dictionary ? dictionary->getAt(L"ACAD_SORTENTS").open() : OdDbObjectPtr();
+    if (!table) return ids;
+
+    // Pairs of an entity (331) and the handle that stands in for its own (5).
+    std::unordered_map<std::uint64_t, std::uint64_t> places;
+    Core& core = coreOf(stub_);
+    core.flushAll();
+    std::uint64_t entity = 0;
+    GroupCursor cursor(core.bytesOf(*table->objectId().stub()), core.format);
+    for (Group group; cursor.next(group);) {
+        if (group.code == 331) entity = parseHandle(group.value);
+        if (group.code == 5 && entity != 0) {
+            places[entity] = parseHandle(group.value);
+            entity = 0;
+        }
+    }
+    std::ranges::stable_sort(ids, {}, [&](OdDbObjectId id) {
+        const std::uint64_t own = id.handle().value();
+        const auto found = places.find(own);
+        return found != places.end() ? found->second : own;
+    });
+    return ids;
 }
 OdGePoint3d OdDbBlockTableRecord::origin() const { return stub_ ? coreOf(stub_).blockOrigin(*stub_) : OdGePoint3d(); }
 bool OdDbBlockTableRecord::isLayout() const {
@@ -381,6 +412,11 @@ OdResult OdDbBlockReference::transformBy(const OdGeMatrix3d& matrix) {
     const double signY = normal.crossProduct(axisX).dotProduct(y) < 0 ? -1 : 1;
     const OdGeMatrix3d toPlane = OdGeMatrix3d::worldToPlane(normal);
     const OdGeVector3d flat = toPlane * axisX;
+    // Rows and columns lie apart along the reference's own directions, whose images are the new ones or their
+    // opposites.
+    const double stretchX = lx / std::fabs(scale_.x), stretchY = ly / std::fabs(scale_.y);
+    columnSpacing_ *= withoutNoise(stretchX);
+    rowSpacing_ *= withoutNoise(stretchY) * (signY * scale_.y < 0 ? -1 : 1);
     normal_ = normal;
     rotation_ = torvel::normalizedAngle(std::atan2(flat.y, flat.x));
     scale_ = OdGePoint3d(signX * lx, signY * ly, signZ * lz);

@@ -141,8 +141,9 @@ bool transformSolid(GroupList& groups, const OdGeMatrix3d& matrix) {
 
 class HatchTransform {
   public:
-    HatchTransform(GroupList& groups, const OdGeMatrix3d& matrix) : groups_(groups), uniform_(uniformScale(matrix)) {
-        plane_ = mapPlane(matrix, groups.normal());
+    HatchTransform(GroupList& groups, const OdGeMatrix3d& matrix)
+        : groups_(groups), plane_(mapPlane(matrix, groups.normal())) {
+        if (plane_) uniform_ = planarScale(*plane_);
     }
 
     bool run() {
@@ -269,8 +270,8 @@ class HatchTransform {
 
     static constexpr std::int64_t kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
     GroupList& groups_;
-    std::optional<double> uniform_;
     std::optional<PlaneMap> plane_;
+    std::optional<double> uniform_;
     double elevation_ = 0;
 };
 

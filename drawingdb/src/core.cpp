@@ -284,8 +284,8 @@ void Core::forgetNames() {
 Stub* Core::findRecord(std::string_view table, const std::wstring& recordName) {
     auto it = names_.find(table);
     if (it == names_.end()) {
-        it = names_.try_emplace(std::string(table)).first;
-        auto& map = it->second;
+        // Reading a name may write a new record down first, which forgets all names: the list is made aside.
+        decltype(names_)::mapped_type map;
         Stub* container = tableNamed(table);
         int wanted = -1;
         if (!container && table == "BLOCK_RECORD") {
@@ -298,6 +298,7 @@ Stub* Core::findRecord(std::string_view table, const std::wstring& recordName) {
                 map.emplace(folded(groupWide(*stub, 2)), indexOf(stub));
             }
         }
+        it = names_.insert_or_assign(std::string(table), std::move(map)).first;
     }
     const auto found = it->second.find(folded(recordName));
     return found == it->second.end() ? nullptr : &stubs[found->second];

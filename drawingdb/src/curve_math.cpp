@@ -28,9 +28,14 @@ std::optional<PlaneMap> mapPlane(const OdGeMatrix3d& matrix, const OdGeVector3d&
     return result;
 }
 
-std::optional<double> uniformScale(const OdGeMatrix3d& matrix) {
-    const auto scale = matrix.isUniScaledOrtho({1e-9, 1e-9});
-    return scale ? std::optional(withoutNoise(*scale)) : std::nullopt;
+std::optional<double> planarScale(const PlaneMap& plane, double thickness) {
+    constexpr double kTolerance = 1e-9;
+    const OdGeVector3d x = plane.map.xAxis(), y = plane.map.yAxis(), rise = plane.map.zAxis();
+    const double scale = x.length();
+    if (std::fabs(y.length() - scale) > kTolerance * scale || std::fabs(x.dotProduct(y)) > kTolerance * scale * scale)
+        return std::nullopt;
+    if (thickness != 0 && torvel::euclideanLength(rise.x, rise.y) > kTolerance * rise.length()) return std::nullopt;
+    return withoutNoise(scale);
 }
 
 double withoutNoise(double factor) { return std::fabs(factor - 1) < 1e-12 ? 1 : factor; }

@@ -23,8 +23,9 @@ struct PlaneMap {
 /// nothing. Nothing when the matrix squeezes the plane to a line or is not finite.
 std::optional<PlaneMap> mapPlane(const OdGeMatrix3d& matrix, const OdGeVector3d& normal);
 
-/// The scale of a matrix that turns, mirrors, moves and scales equally, to within 1e-9 of its scale; else nothing.
-std::optional<double> uniformScale(const OdGeMatrix3d& matrix);
+/// The scale within the plane, when it is the same in all its directions to within 1e-9, whatever happens across it;
+/// else nothing. What has a thickness must also still rise at right angles from its plane.
+std::optional<double> planarScale(const PlaneMap& plane, double thickness = 0);
 
 /// 1 when the factor is 1 but for rounding: what was only turned keeps its sizes to the last digit.
 double withoutNoise(double factor);

@@ -21,11 +21,12 @@ int linesFor(double angle) {
 
 }  // namespace
 
-CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation,
+CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation, double thickness,
                          std::vector<OdDbEntityPtr>& pieces)
     : source_(source),
       normal_(OdGeMatrix3d::planeToWorld(normal).zAxis()),  // also of a damaged one without length
       elevation_(elevation),
+      thickness_(thickness),
       toWorld_(OdGeMatrix3d::planeToWorld(normal)),
       pieces_(pieces),
       version_(source.database() ? source.database()->core().format.version : kFirstVersionWithPolylines) {}
@@ -39,6 +40,7 @@ void CurvePieces::addLine(const OdGePoint2d& from, const OdGePoint2d& to) {
     const OdSmartPtr<OdDbLine> line = OdDbLine::createObject();
     line->setStartPoint(toWorld_ * OdGePoint3d(from.x, from.y, elevation_));
     line->setEndPoint(toWorld_ * OdGePoint3d(to.x, to.y, elevation_));
+    if (thickness_ != 0) line->setExtrusion(normal_, thickness_);
     add(OdDbEntityPtr(line.get()));
 }
 
@@ -76,6 +78,7 @@ bool CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed)
     const OdSmartPtr<OdDbPolyline> polyline = OdDbPolyline::createObject();
     polyline->setNormal(normal_);
     polyline->setElevation(elevation_);
+    polyline->setThickness(thickness_);
     polyline->setClosed(closed);
     for (const WideSegment& wide : segments) {
         const int count = linesFor(wide.segment.angle());

@@ -8,10 +8,10 @@
 namespace drawingdb {
 
 /// Makes pieces with the properties of `source`, in the plane of `normal` at `elevation`. Arcs become parts of
-/// ellipses; in drawings of versions that have none, short lines.
+/// ellipses, which have no thickness; in drawings of versions that have none, short lines.
 class CurvePieces {
   public:
-    CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation,
+    CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation, double thickness,
                 std::vector<OdDbEntityPtr>& pieces);
 
     /// Counter-clockwise between two angles; the whole circle when they are 2 pi apart.
@@ -33,6 +33,7 @@ class CurvePieces {
     const OdDbEntity& source_;
     OdGeVector3d normal_;
     double elevation_;
+    double thickness_;
     OdGeMatrix3d toWorld_;
     std::vector<OdDbEntityPtr>& pieces_;
     int version_;

@@ -78,6 +78,12 @@ void OdDbLine::setEndPoint(const OdGePoint3d& point) {
     assertWriteEnabled();
     end_ = point;
 }
+void OdDbLine::setExtrusion(const OdGeVector3d& normal, double thickness) {
+    if (normal.isZeroLength()) throw OdError(OdResult::invalidInput, "a normal without length");
+    assertWriteEnabled();
+    normal_ = normal.normal();
+    thickness_ = thickness;
+}
 
 OdResult OdDbLine::transformBy(const OdGeMatrix3d& matrix) {
     assertWriteEnabled();
@@ -290,9 +296,9 @@ void OdDbCircle::setNormal(const OdGeVector3d& normal) {
 }
 
 OdResult OdDbCircle::transformBy(const OdGeMatrix3d& matrix) {
-    const auto scale = drawingdb::uniformScale(matrix);
     const auto plane = mapPlane(matrix, normal_);
-    if (!scale || !plane) return OdResult::transformRefused;
+    const auto scale = plane ? drawingdb::planarScale(*plane, thickness_) : std::nullopt;
+    if (!scale) return OdResult::transformRefused;
     assertWriteEnabled();
     center_.transformBy(plane->map);
     radius_ *= *scale;
@@ -302,7 +308,8 @@ OdResult OdDbCircle::transformBy(const OdGeMatrix3d& matrix) {
 }
 
 OdResult OdDbCircle::explode(std::vector<OdDbEntityPtr>& pieces) const {
-    drawingdb::CurvePieces(*this, normal_, center_.z, pieces).addArc(center_.xy(), radius_, startParam(), endParam());
+    drawingdb::CurvePieces(*this, normal_, center_.z, thickness_, pieces)
+        .addArc(center_.xy(), radius_, startParam(), endParam());
     return OdResult::ok;
 }
 
@@ -497,6 +504,10 @@ void OdDbPolyline::setElevation(double elevation) {
     assertWriteEnabled();
     elevation_ = elevation;
 }
+void OdDbPolyline::setThickness(double thickness) {
+    assertWriteEnabled();
+    thickness_ = thickness;
+}
 void OdDbPolyline::setNormal(const OdGeVector3d& normal) {
     if (normal.isZeroLength()) throw OdError(OdResult::invalidInput, "a normal without length");
     assertWriteEnabled();
@@ -539,7 +550,7 @@ void OdDbPolyline::widen(const OdGeMatrix3d& map) {
 OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = mapPlane(matrix, normal_);
     if (!plane) return OdResult::transformRefused;
-    const auto uniform = drawingdb::uniformScale(matrix);
+    const auto uniform = drawingdb::planarScale(*plane, hasBulges() ? thickness_ : 0);
     if (!uniform && hasBulges()) return OdResult::transformRefused;
     assertWriteEnabled();
     if (!uniform) widen(plane->map);
@@ -561,7 +572,7 @@ OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
 }
 
 OdResult OdDbPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
-    drawingdb::CurvePieces maker(*this, normal_, elevation_, pieces);
+    drawingdb::CurvePieces maker(*this, normal_, elevation_, thickness_, pieces);
     std::vector<drawingdb::CurvePieces::WideSegment> segments;
     bool wide = false;
     for (std::size_t i = 0; i < numSegments(); ++i) {

@@ -98,8 +98,9 @@ OdResult OdDbEllipse::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = drawingdb::mapPlane(matrix, normal_);
     if (!plane) return OdResult::transformRefused;
     const OdGeVector3d a = matrix * majorAxis_, b = matrix * minorAxis();
+    const bool uniform = drawingdb::planarScale(*plane).has_value();
     double turn = 0;
-    if (!drawingdb::uniformScale(matrix)) {
+    if (!uniform) {
         turn = std::atan2(2 * a.dotProduct(b), a.lengthSquared() - b.lengthSquared()) / 2;
     }
     const OdGeVector3d major = a * std::cos(turn) + b * std::sin(turn);
@@ -118,7 +119,7 @@ OdResult OdDbEllipse::transformBy(const OdGeMatrix3d& matrix) {
         end_ = torvel::kTwoPi - start;
     }
     center_.transformBy(matrix);
-    if (!drawingdb::uniformScale(matrix)) ratio_ = std::min(minor.length() / length, 1.0);
+    if (!uniform) ratio_ = std::min(minor.length() / length, 1.0);
     majorAxis_ = major;
     normal_ = plane->normal;
     lengths_.reset();

@@ -196,8 +196,8 @@ OdGeVector3d OdDb2dPolyline::firstDerivAtParam(double parameter) const {
 OdResult OdDb2dPolyline::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = drawingdb::mapPlane(matrix, normal_);
     if (!plane) return OdResult::transformRefused;
-    const auto uniform = drawingdb::uniformScale(matrix);
     const bool bulged = std::any_of(vertices_.begin(), vertices_.end(), [](const Vertex& v) { return v.bulge != 0; });
+    const auto uniform = drawingdb::planarScale(*plane, bulged ? thickness_ : 0);
     if (!uniform && bulged) return OdResult::transformRefused;
     assertWriteEnabled();
     // Widths have no direction: unequal scales give them their geometric mean.
@@ -212,7 +212,7 @@ OdResult OdDb2dPolyline::transformBy(const OdGeMatrix3d& matrix) {
 }
 
 OdResult OdDb2dPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
-    drawingdb::CurvePieces maker(*this, normal_, elevation_.z, pieces);
+    drawingdb::CurvePieces maker(*this, normal_, elevation_.z, thickness_, pieces);
     std::vector<drawingdb::CurvePieces::WideSegment> segments;
     bool wide = false;
     for (std::size_t i = 0; i < numSegments(); ++i) {

@@ -141,6 +141,14 @@ void OdDbSpline::setFitPoints(std::vector<OdGePoint3d> points, const OdGeVector3
 
 OdResult OdDbSpline::transformBy(const OdGeMatrix3d& matrix) {
     assertWriteEnabled();
+    // The distances between fit points make the knots: under an unequal scale the curve through their images is another
+    // one than the image of the curve.
+    if (controlPoints_.empty() && shape() && !matrix.isUniScaledOrtho()) {
+        degree_ = static_cast<std::int16_t>(shape_->degree);
+        knots_ = shape_->knots;
+        weights_ = shape_->weights;
+        controlPoints_ = shape_->points;
+    }
     for (std::vector<OdGePoint3d>* points : {&controlPoints_, &fitPoints_})
         for (OdGePoint3d& point : *points) point.transformBy(matrix);
     startTangent_.transformBy(matrix);

@@ -76,6 +76,23 @@ TEST_F(TextTransfer, AFieldThatTheTextDoesNotNameTakesNoIndex) {
     EXPECT_EQ(captured.fields[0]->getFieldCode(OdDbField::kRawCode), codeOfSum(L"2+3"));
 }
 
+// Some programs store a single field as the text itself, without a text around it.
+TEST_F(TextTransfer, ATextThatIsOneFieldBecomesATextThatHoldsIt) {
+    const auto source = append<OdDbText>();
+    const OdDbFieldPtr product = OdDbField::createObject();
+    source->setField(L"TEXT", product);
+    product->setFieldCode(L"\\AcExpr (2*%<\\_FldIdx 0>%)", 0, {sum(L"1+2")});
+    product->evaluate(63, database_.get());
+    ASSERT_EQ(source->textString(), L"6.0000");
+
+    const CapturedText captured = captureText(*source);
+    EXPECT_EQ(captured.text, L"%<\\_FldIdx 0>%");
+    const auto target = append<OdDbText>();
+    applyText(captured, *target);
+    EXPECT_EQ(target->textString(), L"6.0000");
+    EXPECT_EQ(target->getField(L"TEXT")->getChild(0)->childCount(), 1u);
+}
+
 TEST_F(TextTransfer, PlainValuesPassBetweenTheKindsOfText) {
     const auto singleLine = append<OdDbText>();
     singleLine->setTextString(L"5%% \\P {x}");

@@ -145,6 +145,49 @@ TEST_F(BurstReference, LeavesWholeWhatCannotBeBurst) {
     EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
 }
 
+TEST_F(BurstReference, CopiesCoverEachOtherAsTheOriginalsDo) {
+    const auto first = add(block(L"A"), OdDbLine::createObject());
+    const auto second = add(block(L"A"), OdDbCircle::createObject());
+    const auto last = add(block(L"A"), OdDbLine::createObject());
+    // A table that draws the last one first, in the extension dictionary of the block.
+    std::string bytes = database_->writeBytes();
+    std::erase(bytes, '\r');
+    const std::string record = block(L"A")->handle().ascii();
+    const std::string head = "BLOCK_RECORD\n  5\n" + record + "\n";
+    bytes.insert(bytes.find(head) + head.size(), "102\n{ACAD_XDICTIONARY\n360\n600\n102\n}\n");
+    const std::size_t objects = bytes.find("  0\nENDSEC\n", bytes.find("\n  2\nOBJECTS\n"));
+    bytes.insert(objects, "  0\nDICTIONARY\n  5\n600\n330\n" + record +
+                              "\n100\nAcDbDictionary\n280\n1\n281\n1\n  3\nACAD_SORTENTS\n360\n601\n"
+                              "  0\nSORTENTSTABLE\n  5\n601\n330\n600\n100\nAcDbSortentsTable\n330\n" +
+                              record + "\n331\n" + last->handle().ascii() + "\n  5\n1\n");
+    database_ = OdDbDatabase::readBytes(bytes, L"sorted.dxf");
+    EXPECT_TRUE(burstBlockReference(*reference(model(), L"A"), *model()));
+    std::vector<std::string> kinds;
+    for (const auto& entity : entities<OdDbCurve>(model())) kinds.push_back(entity->dxfName());
+    EXPECT_EQ(kinds, (std::vector<std::string>{"LINE", "LINE", "CIRCLE"}));
+}
+
+TEST_F(BurstReference, WhatShowsNothingKeepsNothingBack) {
+    add(block(L"A"), OdDbLine::createObject());
+    add(block(L"B"), OdDbLine::createObject());
+    const auto sheared = reference(block(L"B"), L"A", OdGeScale3d(1), 0.5);
+    sheared->setLayer(L"FROZEN");
+    const auto layer = OdDbLayerTableRecord::createObject();
+    layer->setName(L"FROZEN");
+    layer->setIsFrozen(true);
+    database_->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
+    EXPECT_TRUE(burstBlockReference(*reference(model(), L"B", OdGeScale3d(2, 1, 1)), *model()));
+    EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
+
+    // What does show something does, and the user is told.
+    reference(block(L"B"), L"LOCKED_UP", OdGeScale3d(1), 0.5);
+    torvel::ReferenceBurster burster;
+    EXPECT_FALSE(burster.burst(*reference(model(), L"B", OdGeScale3d(2, 1, 1)), *model()));
+    EXPECT_EQ(burster.obstacle(), L"block B has a reference of LOCKED_UP, which cannot be exploded");
+    EXPECT_FALSE(burster.burst(*reference(model(), L"LOCKED_UP"), *model()));
+    EXPECT_EQ(burster.obstacle(), L"");
+}
+
 TEST_F(BurstReference, ShowsConstantsAndSkipsWhatIsHidden) {
     const auto define = [&](const wchar_t* tag, const wchar_t* value, auto&& set) {
         const auto definition = OdDbAttributeDefinition::createObject();

@@ -19,7 +19,7 @@ import plots  # noqa: E402
 # Drawing, window to plot, references that stay.
 CASES = [
     ("plan.dxf", "-160,-70|145,155", {"KEEP": 1, "PART": 3}),
-    ("r12.dxf", "-160,-70|145,155", {"PART": 3}),
+    ("r12.dxf", "-160,-70|145,155", {"PART": 3, "WIDE": 2}),
     ("../attsync/fields.dxf", "-50,-50|250,175", {}),
     ("carried.dxf", "-60,-30|120,105", {"*D1": 5, "FILLED": 1}),
     ("multi_line.dxf", "-50,-50|150,100", {}),

@@ -136,6 +136,26 @@ TEST_F(Curves, UnequalScalesBendWhatIsStraightAndAreRefusedByWhatIsRound) {
         EXPECT_EQ(pointsAlong(*curve, 5), before) << curve->isA()->name();
         EXPECT_EQ(curve->transformBy(nearly), OdResult::ok) << curve->isA()->name();
     }
+    // Only the scale within the plane counts, and that what rises from it still does so at right angles.
+    auto flatArc = arc();
+    flatArc->setNormal(OdGeVector3d::kZAxis);
+    flatArc->setRadius(3);
+    EXPECT_EQ(flatArc->transformBy(OdGeMatrix3d::scaling(OdGeScale3d(2, 2, 1))), OdResult::ok);
+    EXPECT_DOUBLE_EQ(flatArc->radius(), 6);
+    OdGeMatrix3d leaning;
+    leaning.entry[0][2] = 1;
+    auto bulged = OdDbPolyline::createObject();
+    bulged->addVertexAt(0, {{0, 0}, 1});
+    bulged->addVertexAt(1, {{2, 0}});
+    bulged->addVertexAt(2, {{5, 1}});
+    EXPECT_EQ(bulged->transformBy(leaning), OdResult::ok);
+    bulged->setThickness(4);
+    EXPECT_EQ(bulged->transformBy(leaning), OdResult::transformRefused);
+    std::vector<OdDbEntityPtr> pieces;
+    ASSERT_EQ(bulged->explode(pieces), OdResult::ok);
+    ASSERT_EQ(pieces.size(), 2u);
+    ASSERT_EQ(pieces[1]->isA(), OdDbLine::desc());
+    EXPECT_EQ(static_cast<OdDbLine&>(*pieces[1]).thickness(), 4);
     for (int i = 0; i < 100; ++i) {
         const auto straight = polyline(false);
         const OdGeMatrix3d matrix = affine();

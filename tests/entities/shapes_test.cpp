@@ -69,6 +69,18 @@ TEST_F(Shapes, EveryMatrixTakesThePointsAlong) {
     }
 }
 
+// Other than the curve through the transformed points, whose distances are others.
+TEST_F(Shapes, SplinesOfFitPointsAloneTakeUnequalScales) {
+    const auto database = drawing("AC1032",
+                                  "0|SPLINE|5|A|100|AcDbEntity|8|0|100|AcDbSpline|70|8|71|3|72|0|73|0|74|4|"
+                                  "11|0|21|0|31|0|11|4|21|9|31|0|11|5|21|0|31|2|11|20|21|3|31|0");
+    const auto curve = opened<OdDbSpline>(database, 0xA, OdDb::forWrite);
+    const OdGeMatrix3d squeeze = OdGeMatrix3d::scaling(OdGeScale3d(3, 0.5, 1));
+    const Strokes expected = transformed(along(*curve, 30), squeeze);
+    ASSERT_EQ(curve->transformBy(squeeze), OdResult::ok);
+    expectSameDrawing(along(*curve, 30), expected, "spline");
+}
+
 TEST_F(Shapes, WhatIsNoCurveIsRefused) {
     const auto curve = OdDbEllipse::createObject();
     curve->set({}, OdGeVector3d::kZAxis, {1e-12, 0, 0}, 1);

@@ -87,6 +87,8 @@ TEST_F(FieldEditTest, ShowsWhatTheEntityHolds) {
         << "each of equal code claims a place of its own; adjacent runs stay two";
     EXPECT_EQ(loaded(*equal).entries().size(), 3u);
     EXPECT_EQ(owners(loaded(*equal, false)), L"......");
+    const auto path = textWith(L"C:\\Plans %<\\_FldIdx 0>%", {sum(L"1")});
+    EXPECT_EQ(loaded(*path, false).text(), L"C:\\Plans 1") << "a single line has no escapes";
 
     const auto unnamed = textWith(L"only %<\\_FldIdx 1>%", {sum(L"1"), sum(L"2")});
     EXPECT_EQ(owners(loaded(*unnamed)), L".....b");

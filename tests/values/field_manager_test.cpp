@@ -53,6 +53,7 @@ TEST(FieldManager, MakesTheFieldThatWasAskedFor) {
     } rows[] = {
         {{L"%<\\AcVar Title \\f \"%tc1\">%"}, L"%<\\AcVar Title \\f \"%tc1\">%", L"PLAN"},
         {{L"\\AcVar Title"}, L"%<\\AcVar Title>%", L"Plan"},
+        {{L"\\NoSuch Title"}, L"%<\\NoSuch Title>%", L"####"},
         {{L"of %<\\AcVar Title>%!"}, L"of %<\\AcVar Title>%!", L"of Plan!"},
         {{L"Property", L"Title", L"%tc1"}, L"%<\\AcVar Title \\f \"%tc1\">%", L"PLAN"},
         {{L"Property", L"Client", L""}, L"%<\\AcVar CustomDP.Client>%", L"####"},
@@ -76,7 +77,8 @@ TEST(FieldManager, MakesTheFieldThatWasAskedFor) {
 
 TEST(FieldManager, GivesUpWhenAskedTo) {
     const OdDbDatabasePtr database = OdDbDatabase::createNew();
-    for (const std::deque<OdString>& given : {std::deque<OdString>{}, {L""}, {L"Formula", L""}, {L"Object"}}) {
+    for (const std::deque<OdString>& given :
+         {std::deque<OdString>{}, {L""}, {L"Formula", L""}, {L"Object"}, {L"Formula", L"1+1"}}) {
         Answers answers(given);
         EXPECT_FALSE(fieldmanager::askField(
             {answers, *database, [](const wchar_t*) { return OdDbObjectId(); }, [](const OdString&) {}}));

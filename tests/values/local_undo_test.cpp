@@ -48,6 +48,12 @@ TEST_F(LocalUndo, StepsGoBackOneByOne) {
     EXPECT_EQ(database_->writeBytes(), before);
 }
 
+TEST_F(LocalUndo, WithoutADrawingThereIsNothingToUndo) {
+    HostLocalUndo undo;
+    undo.recordStep();
+    EXPECT_FALSE(undo.undo());
+}
+
 TEST_F(LocalUndo, OpensAGroupOnlyWhereThereIsNone) {
     {
         const HostLocalUndo undo(database_);

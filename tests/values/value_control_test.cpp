@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "base/text.h"
+#include "dialogs/boxes.h"
 #include "dialogs/dialog.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
@@ -73,6 +74,19 @@ TEST_P(ValueControl, IsShownAndTypedInto) {
 TEST_P(ValueControl, FieldsGoAndComeWhole) {
     EXPECT_EQ(edited({"caret Value 9", "key Backspace", "key Delete"}), "Sheet of 7");
     EXPECT_EQ(code_, "Sheet of %<\\_FldIdx 0>%");
+}
+
+// As rich edits do at the beginning and with nothing to paste.
+TEST_P(ValueControl, NothingInPlaceOfNothingChangesNothing) {
+    CFEdCtrl value(database_.get());
+    value.load(*text_);
+    value.replace(3, 3, L"");
+    value.paste(0, 5, L"");
+    EXPECT_EQ(value.text(), L"Sheet 120 of 7");
+    dialogs::setClipboardText(L"kept");
+    dialogs::TextSelection caret{3, 3};
+    value.onMenu(torvel::FieldEdit::kCopy, caret);
+    EXPECT_EQ(dialogs::clipboardText(), L"kept");
 }
 
 TEST_P(ValueControl, TheMenuWorksOnFields) {

@@ -1,6 +1,7 @@
 #include "torvelcmd2/attributes/field_edit.h"
 
 #include "base/text.h"
+#include "drawingdb/attribute.h"
 #include "torvelcmd2/attributes/text_escapes.h"
 #include "torvelcmd2/attributes/text_transfer.h"
 #include "torvelcmd2/frame/host_binding.h"
@@ -8,12 +9,21 @@
 namespace torvel {
 namespace {
 
-constexpr const wchar_t* kTextEvaluator = L"_text";
-
 // A field of no characters could be neither seen nor picked, and would be lost with the next edit.
 OdString shownText(const OdDbField& field) {
     OdString text = field.getFieldCode(OdDbField::kEvaluatedText);
     return text.empty() ? OdString(L"----") : text;
+}
+
+// In a single line a backslash is a backslash.
+bool hasEscapes(const OdDbEntity& entity) {
+    if (entity.isKindOf(OdDbAttribute::desc())) {
+        return static_cast<const OdDbAttribute&>(entity).isMTextAttribute();
+    }
+    if (entity.isKindOf(OdDbAttributeDefinition::desc())) {
+        return static_cast<const OdDbAttributeDefinition&>(entity).isMTextAttributeDefinition();
+    }
+    return entity.isKindOf(OdDbMText::desc());
 }
 
 OdString inOneLine(const OdString& text) {
@@ -48,7 +58,8 @@ void FieldEdit::load(const OdDbEntity& entity, bool enabled) {
     if (!field) {
         setText(captureText(entity).text);
     } else if (!enabled) {
-        setText(withoutEscapes(field->getFieldCode(OdDbField::kEvaluatedText)));
+        const OdString value = field->getFieldCode(OdDbField::kEvaluatedText);
+        setText(hasEscapes(entity) ? withoutEscapes(value) : value);
     } else {
         clear();
         loadFields(*field);
@@ -288,6 +299,9 @@ OdString FieldEdit::copy() {
 
 // What another program has copied since has another text, most likely.
 void FieldEdit::paste(const OdString& text) {
+    if (text.empty()) {
+        return;
+    }
     if (text == copied_.text) {
         replace(selection(), copied_);
     } else {

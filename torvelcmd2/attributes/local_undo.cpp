@@ -8,23 +8,37 @@
 
 namespace torvel {
 
-HostLocalUndo::HostLocalUndo() : HostLocalUndo(OdDbDatabasePtr(hostApplication()->activeDocument()->database())) {}
+namespace {
+
+// Null when no drawing is open.
+OdDbDatabasePtr activeDatabase() {
+    auto* const application = hostApplication();
+    auto* const document = application != nullptr ? application->activeDocument() : nullptr;
+    return document != nullptr ? OdDbDatabasePtr(document->database()) : OdDbDatabasePtr();
+}
+
+}  // namespace
+
+HostLocalUndo::HostLocalUndo() : HostLocalUndo(activeDatabase()) {}
 
 HostLocalUndo::HostLocalUndo(OdDbDatabasePtr database)
-    : database_(std::move(database)), outerGroup_(database_->isUndoBlockStarted()) {
-    if (!outerGroup_) {
+    : database_(std::move(database)), outerGroup_(database_ && database_->isUndoBlockStarted()) {
+    if (database_ && !outerGroup_) {
         database_->blockUndoRecording(true);
     }
 }
 
 HostLocalUndo::~HostLocalUndo() {
-    if (!outerGroup_) {
+    if (database_ && !outerGroup_) {
         database_->blockUndoRecording(false);
     }
 }
 
 // A record before the mark and one behind it, so that neither has changes of both sides.
 void HostLocalUndo::recordStep() {
+    if (!database_) {
+        return;
+    }
     database_->startUndoRecord();
     database_->setUndoMark();
     database_->startUndoRecord();

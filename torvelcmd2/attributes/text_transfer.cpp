@@ -10,6 +10,13 @@ namespace {
 CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
     CapturedText captured;
     captured.hasField = true;
+    // A text is nearly always a field of its own that holds the others; where it is one field alone, its code has no
+    // text around it that could be kept.
+    if (field.evaluatorId() != kTextEvaluator) {
+        captured.text = fieldIndexMarker(0);
+        captured.fields.push_back(newFieldLike(field, database));
+        return captured;
+    }
     captured.text = field.getFieldCode(OdDbField::kRawCode);
     for (std::size_t i = 0; i < field.childCount(); ++i) {
         const OdDbFieldPtr child = field.getChild(i);

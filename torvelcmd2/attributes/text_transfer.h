@@ -11,6 +11,9 @@ namespace torvel {
 /// The key under which a text keeps its field.
 inline const OdString kTextFieldKey = L"TEXT";
 
+/// The evaluator of a field that is a text with other fields in it.
+inline const OdString kTextEvaluator = L"_text";
+
 /// The value of a text object, taken off the object.
 struct CapturedText {
     bool hasField = false;

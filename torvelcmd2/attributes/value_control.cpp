@@ -24,6 +24,9 @@ std::vector<dialogs::RichText::Run> CFEdCtrl::runs() const {
 }
 
 void CFEdCtrl::replace(std::size_t begin, std::size_t end, std::wstring_view plain) {
+    if (plain.empty() && begin == end) {
+        return;
+    }
     value_.select(begin, end);
     if (plain.empty()) {
         value_.deleteBack();
@@ -60,7 +63,8 @@ void CFEdCtrl::onMenu(int command, dialogs::TextSelection& selection) {
         clipboard = dialogs::clipboardText();
     }
     value_.run(static_cast<FieldEdit::Command>(command), clipboard);
-    if (command == FieldEdit::kCopy) {
+    // Nothing was copied when nothing is selected.
+    if (command == FieldEdit::kCopy && !clipboard.empty()) {
         dialogs::setClipboardText(clipboard);
     }
     selection = {value_.anchor(), value_.caret()};

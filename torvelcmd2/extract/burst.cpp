@@ -1,6 +1,7 @@
 #include "torvelcmd2/extract/burst.h"
 
 #include "torvelcmd2/extract/burst_reference.h"
+#include "torvelcmd2/frame/module_dialog.h"
 
 namespace torvel {
 namespace {
@@ -33,6 +34,8 @@ void burstObject(OdDbObjectId id, ReferenceBurster& burster) {
     const auto owner = reference->blockId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
     if (burster.burst(*reference, *owner)) {
         reference->erase();
+    } else if (!burster.obstacle().empty()) {
+        notifyUser(L"reference #" + reference->handle().text() + L" stays: its " + burster.obstacle());
     }
 }
 

@@ -53,23 +53,28 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
 }
 
 // Multi-line text keeps the proportions of its letters whatever the matrix. Where that is not what the reference
-// showed, codes in front of the contents stretch and slant them.
-void formLetters(OdDbMText& text, const OdGeVector3d& alongImage, const OdGeVector3d& upImage) {
+// showed, these codes in front of the contents stretch and slant them. `before` is the text's layout before the matrix.
+OdString letterCodes(const OdDbMText& text, const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
+    const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
     const double widthScale = alongImage.length();
     const double heightScale = alongImage.crossProduct(upImage).length() / widthScale;
-    double widthFactor = 1, slant = 0;
+    double styleWidth = 1, styleSlant = 0;
     if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
-        widthFactor = style->xScale();
-        slant = std::tan(style->obliquingAngle());
+        styleWidth = style->xScale();
+        styleSlant = std::tan(style->obliquingAngle());
     }
-    widthFactor *= widthScale / heightScale;
+    const double stretch = widthScale / heightScale;
     const double lean = alongImage.dotProduct(upImage) / widthScale;
-    const double oblique = std::atan((lean + slant * widthScale) / heightScale) * 180 / torvel::kPi;
-    // New contents would take away a field, which brings the old ones back anyway.
-    if (!text.getField(kTextFieldKey)) {
-        text.setContents(L"\\W" + base::widen(base::realToText(widthFactor)) + L";\\Q" +
-                         base::widen(base::realToText(oblique)) + L";" + text.contents());
+    const double slant = (lean + styleSlant * widthScale) / heightScale;
+    constexpr double kSame = 1e-9;
+    OdString codes;
+    if (std::fabs(stretch - 1) > kSame) {
+        codes = L"\\W" + base::widen(base::realToText(styleWidth * stretch)) + L";";
     }
+    if (std::fabs(slant - styleSlant) > kSame) {
+        codes += L"\\Q" + base::widen(base::realToText(std::atan(slant) * 180 / torvel::kPi)) + L";";
+    }
+    return codes;
 }
 
 bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
@@ -78,31 +83,70 @@ bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
     return (matrix * writing.xAxis()).isPerpendicularTo(matrix * writing.yAxis());
 }
 
+// Justified text hangs upright however it is slanted, which would shift one that the matrix shears. It gives up its
+// justification for its place.
+void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
+    // Between two points these give the rotation, and what the text says of it may be anything.
+    if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) {
+        text.adjustAlignment();
+    }
+    if (text.isJustified() && !leavesUpright(text, matrix)) {
+        text.adjustAlignment();
+        const OdGePoint3d start = text.position();
+        text.setHorizontalMode(OdDb::kTextLeft);
+        text.setVerticalMode(OdDb::kTextBase);
+        text.setPosition(start);
+    }
+}
+
+// New contents would take away a field, which brings the old ones back anyway.
+bool takesCodes(const OdDbEntity& text) { return !text.getField(kTextFieldKey); }
+
+OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d before = text.layoutToWorld();
+    const OdResult result = text.transformBy(matrix);
+    if (result == OdResult::ok && takesCodes(text)) {
+        if (const OdString codes = letterCodes(text, before, matrix); !codes.empty()) {
+            text.setContents(codes + text.contents());
+        }
+    }
+    return result;
+}
+
+// A reference takes its attributes along, which are texts like any other.
+OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& matrix) {
+    std::vector<std::pair<OdSmartPtr<OdDbAttribute>, OdString>> withCodes;
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openAs<OdDbAttribute>(OdDb::forWrite);
+        if (!attribute->isMTextAttribute()) {
+            giveUpJustification(*attribute, matrix);
+        } else if (takesCodes(*attribute)) {
+            const auto lines = attribute->getMTextAttribute();
+            withCodes.emplace_back(attribute, letterCodes(*lines, lines->layoutToWorld(), matrix) + lines->contents());
+        }
+    }
+    const OdResult result = reference.transformBy(matrix);
+    if (result == OdResult::ok) {
+        for (const auto& [attribute, contents] : withCodes) {
+            attribute->setTextString(contents);
+        }
+    }
+    return result;
+}
+
 // Transforms an entity so that it looks as the matrix makes it, also where transformBy alone would only come near.
 OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
     if (matrix.isUniScaledOrtho()) {
         return entity.transformBy(matrix);
     }
     if (entity.isKindOf(OdDbMText::desc())) {
-        auto& text = static_cast<OdDbMText&>(entity);
-        const OdGeMatrix3d before = text.layoutToWorld();
-        const OdResult result = text.transformBy(matrix);
-        if (result == OdResult::ok) {
-            formLetters(text, matrix * before.xAxis(), matrix * before.yAxis());
-        }
-        return result;
+        return transformMText(static_cast<OdDbMText&>(entity), matrix);
+    }
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        return transformReference(static_cast<OdDbBlockReference&>(entity), matrix);
     }
     if (entity.isKindOf(OdDbText::desc())) {
-        // Justified text hangs upright however it is slanted, which would shift one that is sheared. It gives up its
-        // justification for its place.
-        auto& text = static_cast<OdDbText&>(entity);
-        if (text.isJustified() && !leavesUpright(text, matrix)) {
-            text.adjustAlignment();
-            const OdGePoint3d start = text.position();
-            text.setHorizontalMode(OdDb::kTextLeft);
-            text.setVerticalMode(OdDb::kTextBase);
-            text.setPosition(start);
-        }
+        giveUpJustification(static_cast<OdDbText&>(entity), matrix);
     }
     return entity.transformBy(matrix);
 }
@@ -113,6 +157,7 @@ bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTable
     owner_ = &owner;
     added_.clear();
     within_.clear();
+    obstacle_.clear();
     if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
         return true;
     }
@@ -158,7 +203,8 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
     }
     // What an external drawing shows is not in this one.
     definition.explodable = record->explodable() && !record->isFromExternalReference();
-    for (OdDbObjectId id : record->entities()) {
+    // The copies cover each other as the originals do.
+    for (OdDbObjectId id : record->entitiesInDrawOrder()) {
         if (auto attribute = id.openIf<OdDbAttributeDefinition>()) {
             if (attribute->isConstant()) {
                 definition.constants.push_back(std::move(attribute));
@@ -187,9 +233,32 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
             added_.push_back(pair.copy);
         }
     }
-    return std::ranges::all_of(mapping.pairs(), [&](const OdDbIdMapping::Pair& pair) {
-        return !pair.primary || place(*pair.copy.openAs<OdDbEntity>(OdDb::forWrite), transform);
-    });
+    for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
+        if (!pair.primary) {
+            continue;
+        }
+        const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
+        if (!place(*copy, transform)) {
+            noteObstacle(*copy);
+            return false;
+        }
+    }
+    return true;
+}
+
+// The innermost one has been noted first, and stays.
+void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
+    if (!obstacle_.empty()) {
+        return;
+    }
+    const OdString block = within_.back().openAs<OdDbBlockTableRecord>()->name();
+    obstacle_ = L"block " + block + L" has a ";
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        obstacle_ += L"reference of " + static_cast<const OdDbBlockReference&>(entity).blockName() +
+                     L", which cannot be exploded";
+    } else {
+        obstacle_ += base::widen(entity.dxfName());
+    }
 }
 
 // The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
@@ -208,7 +277,10 @@ bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) 
 bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform) {
     // A reference that would be sheared. Its pieces are made from its block as its own burst would make them.
     if (entity.isKindOf(OdDbBlockReference::desc())) {
-        return burstContents(static_cast<const OdDbBlockReference&>(entity), transform);
+        const auto& nested = static_cast<const OdDbBlockReference&>(entity);
+        // What shows nothing needs no pieces, and must not keep the rest from being burst.
+        const bool showsNothing = isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
+        return showsNothing || burstContents(nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;
     if (entity.explode(pieces) != OdResult::ok) {

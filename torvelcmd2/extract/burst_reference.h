@@ -21,6 +21,9 @@ class ReferenceBurster {
     /// layer, for one with an entity that can be neither placed nor exploded, and for one of more than a million
     /// pieces.
     bool burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner);
+    /// What could be neither placed nor exploded when burst() returned false, as "block DOOR has a MULTILEADER"; empty
+    /// when it had another reason.
+    const OdString& obstacle() const { return obstacle_; }
 
   private:
     /// What is taken from a block. Definitions of other than constant attributes are left out: the references'
@@ -35,6 +38,7 @@ class ReferenceBurster {
 
     bool burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer);
     bool copyEntities(const Definition& definition, const OdGeMatrix3d& transform);
+    void noteObstacle(const OdDbEntity& entity);
     bool place(OdDbEntity& entity, const OdGeMatrix3d& transform);
     bool explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform);
     void addConstants(const Definition& definition, const OdGeMatrix3d& transform);
@@ -46,6 +50,7 @@ class ReferenceBurster {
     std::unordered_map<OdDbObjectId, bool> frozenLayers_;
 
     // Of the reference at work.
+    OdString obstacle_;
     OdDbBlockTableRecord* owner_ = nullptr;
     OdDbObjectIdArray added_;           // everything added so far, to be taken back when an entity cannot be placed
     std::vector<OdDbObjectId> within_;  // the blocks that hold the contents at work, outermost first

@@ -38,7 +38,6 @@ class CommandRegistration {
 };
 
 constexpr const wchar_t* kGroup = L"HOST";
-constexpr int kUsesPickFirst = 2;
 
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);
 const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
@@ -47,7 +46,7 @@ const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
 const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);
 const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
-const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, kUsesPickFirst);
+const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, hostapi::kUsesPickFirst);
 const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);
 
 // The attach step comes after the registrations.

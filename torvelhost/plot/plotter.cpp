@@ -5,7 +5,6 @@
 #include "drawingdb/dictionary.h"
 #include "torvelhost/plot/cut.h"
 #include "torvelhost/plot/dashes.h"
-#include "torvelhost/plot/draw_order.h"
 
 namespace host {
 namespace {
@@ -90,15 +89,17 @@ void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double
     Shapes shapes(styles_, list, 1 / scale);
     setUp(shapes);
     if (const auto window = windowOf(picture_, toPixels)) shapes.setWindow(*window);
-    forEachInDrawOrder(space, [&](OdDbObjectId id) {
+    const auto record = space.openIf<OdDbBlockTableRecord>();
+    if (!record) return;
+    for (const OdDbObjectId id : record->entitiesInDrawOrder()) {
         if (id.isKindOf(OdDbViewport::desc())) {
             if (!inViewport_) drawViewport(*id.openAs<OdDbViewport>(), toPixels);
-            return;
+            continue;
         }
         list.clear();
         add(shapes, id);
         drawList(list, toPixels, nullptr);
-    });
+    }
 }
 
 const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
@@ -110,10 +111,10 @@ const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
     Shapes shapes(styles_, list, 1 / std::ldexp(1.0, size));
     setUp(shapes);
     shapes.setInBlock(true);
-    forEachInDrawOrder(block, [&](OdDbObjectId id) { add(shapes, id); });
-    if (const auto record = block.openIf<OdDbBlockTableRecord>();
-        record && record->isFromExternalReference() && list.items().empty())
-        count(block, "external reference");
+    if (const auto record = block.openIf<OdDbBlockTableRecord>()) {
+        for (const OdDbObjectId id : record->entitiesInDrawOrder()) add(shapes, id);
+        if (record->isFromExternalReference() && list.items().empty()) count(block, "external reference");
+    }
     return blockLists_[{block, size}] = std::move(list);
 }
 

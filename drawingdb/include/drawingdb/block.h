@@ -97,6 +97,9 @@ class DRAWINGDB_API OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   public:
     /// The entities in order. Attributes, vertices and end marks belong to their entity and do not appear.
     OdDbObjectIdRange entities(bool skipErased = true) const;
+    /// The same in the order in which they are drawn, one over the other: that of the file, unless the block has a
+    /// table that says otherwise.
+    OdDbObjectIdArray entitiesInDrawOrder() const;
     /// Adds a new entity (with the attributes that were appended to it). The record must be open for write. Throws
     /// OdError(notHeldByVersion) for a kind that the file's version does not know.
     OdDbObjectId appendOdDbEntity(OdDbEntity* entity);

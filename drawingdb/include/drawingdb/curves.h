@@ -18,6 +18,7 @@ class DRAWINGDB_API OdDbLine : public OdDbCurve {
     void setEndPoint(const OdGePoint3d& point);
     double thickness() const { return thickness_; }
     OdGeVector3d normal() const { return normal_; }
+    void setExtrusion(const OdGeVector3d& normal, double thickness);
 
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     bool geomExtents(OdGeExtents3d& extents) const override;
@@ -192,6 +193,7 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     void setElevation(double elevation);
     OdGeVector3d normal() const { return normal_; }
     void setNormal(const OdGeVector3d& normal);
+    void setThickness(double thickness);
 
     /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move. Without: takes any matrix that
     /// leaves the plane a plane.

@@ -14,17 +14,22 @@ constexpr const wchar_t* kProperties =
     L"Title Subject Author Comments Keywords LastSavedBy RevisionNumber HyperlinkBase Filename Filesize Login";
 constexpr const wchar_t* kDates = L"Date CreateDate SaveDate PlotDate";
 
-// A text, or the keyword that was given by an abbreviation. Nothing for an empty answer and for a cancel.
-Answer ask(const Desk& desk, const wchar_t* prompt, const wchar_t* keywords = L"") {
+// A text, or the keyword that was given by an abbreviation. Nothing for an empty answer and for a cancel, which
+// `cancelled` tells apart.
+Answer ask(const Desk& desk, const wchar_t* prompt, const wchar_t* keywords = L"", bool* cancelled = nullptr) {
     OdString text;
     const int result = desk.input.getKeyword(prompt, keywords, 0, reinterpret_cast<std::uintptr_t>(&text), 0);
+    if (cancelled != nullptr) {
+        *cancelled = result == hostapi::kCancel;
+    }
     if (result >= hostapi::kFirstKeyword) {
         return base::split(keywords, L' ')[static_cast<std::size_t>(result - hostapi::kFirstKeyword)];
     }
     return result == hostapi::kValue && !text.empty() ? Answer(text) : Answer();
 }
 
-bool isFieldCode(const OdString& text) { return text.find(L"%<") != OdString::npos || text.starts_with(L'\\'); }
+// Bracketed codes may also lie within a code that has no brackets itself.
+bool holdsField(const OdString& text) { return text.find(L"%<") != OdString::npos; }
 
 // The code of a variable field; a name that is none of the keywords stands for a property that the user has named.
 OdString variableCode(const OdString& name) { return L"\\AcVar " + name; }
@@ -81,8 +86,12 @@ OdString quoted(const OdString& text) {
 Answer askCode(const Desk& desk) {
     for (;;) {
         const Answer answer = ask(desk, L"Enter field code or kind of field [%s]", kKindKeywords);
-        if (!answer || isFieldCode(*answer)) {
+        if (!answer || holdsField(*answer)) {
             return answer;
+        }
+        // Without brackets it is a code all the same, also one whose evaluator is not there.
+        if (answer->starts_with(L'\\')) {
+            return L"%<" + *answer + L">%";
         }
         const auto kind = std::ranges::find(kKinds, *answer, [](const Kind& k) { return OdString(k.keyword); });
         if (kind == std::end(kKinds)) {
@@ -94,7 +103,11 @@ Answer askCode(const Desk& desk) {
         if (!code) {
             return {};
         }
-        const Answer format = ask(desk, L"Enter format <none>");
+        bool cancelled = false;
+        const Answer format = ask(desk, L"Enter format <none>", L"", &cancelled);
+        if (cancelled) {
+            return {};
+        }
         return L"%<" + *code + (format ? L" \\f " + quoted(*format) : OdString()) + L">%";
     }
 }
