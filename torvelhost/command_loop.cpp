@@ -106,6 +106,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body) {
     try {
         const Progress progress(terminal_, name);
         if (body() != kCommandFinished) status_ = std::max(status_, kSomeFailed);
+        session_.document.undoPosition();  // throws when a change could not be stored
     } catch (const ScriptError&) {
         takeBack();
         throw;
