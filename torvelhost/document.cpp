@@ -98,13 +98,35 @@ View Document::view() {
 
 void Document::setView(const View& view) {
     this->view();
-    std::vector<View>& views = views_[viewedSpaceId()];
+    keep(views_[viewedSpaceId()], view);
+}
+
+void Document::keep(std::vector<View>& views, const View& view) {
     constexpr std::size_t kKept = 10;
     if (views.size() == kKept) views.erase(views.begin());
     views.push_back(view);
 }
 
+View Document::zoomedView() {
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    return viewport ? View{viewport->viewCenter(), viewport->viewHeight()} : view();
+}
+
+void Document::setZoomedView(const View& view) {
+    const OdDbObjectId viewport = floatingViewportId();
+    if (!viewport) return setView(view);
+    keep(views_[viewport], zoomedView());
+    viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(view.center, view.height);
+}
+
 bool Document::setPreviousView() {
+    if (const OdDbObjectId viewport = floatingViewportId()) {
+        std::vector<View>& before = views_[viewport];
+        if (before.empty()) return false;
+        viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(before.back().center, before.back().height);
+        before.pop_back();
+        return true;
+    }
     std::vector<View>& views = views_[viewedSpaceId()];
     if (views.size() < 2) return false;
     views.pop_back();
@@ -119,10 +141,22 @@ View Document::viewToPlot() {
     return box ? viewOf(*box) : view();
 }
 
-View Document::viewOf(const OdGeExtents3d& box) const {
+View Document::viewOf(const OdGeExtents3d& box, double aspect) {
     const OdGeVector3d size = box.diagonal();
-    const double height = std::max(size.y, size.x / viewAspect());
+    const double height = std::max(size.y, size.x / aspect);
     return {box.center().xy(), height > 0 ? height * 1.02 : kEmptyViewHeight};
+}
+
+OdGeExtents3d Document::seenInZoomedView(const OdGeExtents3d& box) const {
+    OdGeExtents3d seen = box;
+    if (const auto viewport = floatingViewportId().openIf<OdDbViewport>()) seen.transformBy(viewport->worldToView());
+    return seen;
+}
+
+View Document::zoomedViewOf(const OdGeExtents3d& seen) const {
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    if (!viewport || !(viewport->width() > 0) || !(viewport->height() > 0)) return viewOf(seen);
+    return viewOf(seen, viewport->width() / viewport->height());
 }
 
 double Document::pixelSize() {

@@ -52,12 +52,20 @@ class Document final : public HostDocument {
     // Of the active space; inside a floating viewport, of the paper space around it.
     View view();
     void setView(const View& view);
+    // What zooming changes: inside a floating viewport, what that shows, a part of the drawing like any other; else the
+    // view.
+    View zoomedView();
+    void setZoomedView(const View& view);
     // False when there was none.
     bool setPreviousView();
+    // The box in the coordinates that the zoomed view is counted in.
+    OdGeExtents3d seenInZoomedView(const OdGeExtents3d& box) const;
+    // The zoomed view that shows such a box.
+    View zoomedViewOf(const OdGeExtents3d& seen) const;
     // The whole of what can be seen of the active space; nothing when it is empty.
     std::optional<OdGeExtents3d> extents() const;
     // The view that shows this box.
-    View viewOf(const OdGeExtents3d& box) const;
+    View viewOf(const OdGeExtents3d& box) const { return viewOf(box, viewAspect()); }
     // What a plot shows: the view that was set, or all there is now.
     View viewToPlot();
     int width() const { return width_; }
@@ -82,12 +90,15 @@ class Document final : public HostDocument {
         std::size_t position;
     };
     OdDbObjectId viewedSpaceId() const;
+    static View viewOf(const OdGeExtents3d& box, double aspect);
+    static void keep(std::vector<View>& views, const View& view);
 
     OdDbDatabasePtr database_;
     HostEdInput* input_ = nullptr;
     int width_, height_;
     OdGePoint3d lastPoint_;
-    std::map<OdDbObjectId, std::vector<View>> views_;  // the last one is shown
+    // Of a space the last one is shown; of a floating viewport they are those before the one it shows.
+    std::map<OdDbObjectId, std::vector<View>> views_;
     std::vector<Done> done_;
 };
 

@@ -107,27 +107,27 @@ CMD_RUNSTATUS HostCommands::zoom() {
     if (result == kCancel) return kCommandCancelled;
     if (result == kEmpty) return kCommandFinished;
     if (result == kValue && !corner) {
-        View view = document.view();
+        View view = document.zoomedView();
         view.height /= factor;
-        document.setView(view);
+        document.setZoomedView(view);
         return kCommandFinished;
     }
     switch (result) {
         case kFirstKeyword + kAll:
         case kFirstKeyword + kExtents: {
             const auto extents = document.extents();
-            if (extents) document.setView(document.viewOf(*extents));
+            if (extents) document.setZoomedView(document.zoomedViewOf(document.seenInZoomedView(*extents)));
             return kCommandFinished;
         }
         case kFirstKeyword + kPrevious:
             return document.setPreviousView() ? kCommandFinished : refused(L"There is no view before this one");
         case kFirstKeyword + kCenter: {
             OdGePoint3d center;
-            double height = document.view().height;
+            double height = document.zoomedView().height;
             if (session.input.askPoint(L"Specify center point", nullptr, center) != kValue) return kCommandCancelled;
             if (askNumber(L"Enter height", height) == kCancel) return kCommandCancelled;
             if (!(height > 0)) return refused(L"a height is more than 0");
-            document.setView({center.xy(), height});
+            document.setZoomedView({document.seenInZoomedView({center, center}).center().xy(), height});
             return kCommandFinished;
         }
         case kFirstKeyword + kWindow: {
@@ -140,9 +140,11 @@ CMD_RUNSTATUS HostCommands::zoom() {
     document.setLastPoint(*corner);
     OdGePoint3d opposite;
     if (session.input.askPoint(L"Specify opposite corner", nullptr, opposite) != kValue) return kCommandCancelled;
-    const OdGeExtents3d window(*corner, opposite);
+    // The corners as they are seen: the box around a turned box would be larger.
+    const auto seen = [&](const OdGePoint3d& point) { return document.seenInZoomedView({point, point}).center(); };
+    const OdGeExtents3d window(seen(*corner), seen(opposite));
     if (window.diagonal().xy().isZeroLength()) return refused(L"the window has no size");
-    document.setView(document.viewOf(window));
+    document.setZoomedView(document.zoomedViewOf(window));
     return kCommandFinished;
 }
 
