@@ -177,31 +177,40 @@ void HostCommands::changeLayers(int option) {
             session.input.printMessage(L"%s", id.openAs<OdDbLayerTableRecord>()->name().c_str());
         return;
     }
-    int color = 0;
-    if (option == kColor && session.input.getInteger(color, L"New color number (1-255)", nullptr, 0, 0) != kValue)
+    std::int64_t color = 0;
+    const auto isColor = [&](const Reply& reply, std::wstring&) {
+        const auto typed = base::parseInteger(std::wstring_view(reply.text));
+        if (typed) color = *typed;
+        return color >= 1 && color <= 255;
+    };
+    if (option == kColor &&
+        session.input.ask(L"New color number (1-255)", nullptr, L"a color number between 1 and 255", isColor) != kValue)
         return;
-    if (option == kColor && (color < 1 || color > 255)) {
-        refused(L"a color number is between 1 and 255");
-        return;
-    }
     OdString name;
-    const bool onlyOne = option == kMakeLayer || option == kSetLayer || option == kNewLayer;
-    if (session.input.askText(onlyOne ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr, name) != kValue)
+    const bool isNew = option == kMakeLayer || option == kNewLayer, onlyOne = isNew || option == kSetLayer;
+    const auto isUsable = [&](const Reply& reply, std::wstring& reason) {
+        name = reply.text;
+        const bool known = !database->findLayer(name).isNull() || (!onlyOne && name == L"*");
+        if (option == kNewLayer && known)
+            reason = L"the drawing has a layer \"" + name + L"\" already";
+        else if (!isNew && !known)
+            reason = L"the drawing has no layer \"" + name + L"\"";
+        else if (!known && (name.empty() || name.find_first_of(L"<>/\\\":;?*|,=`") != name.npos))
+            reason = L"\"" + name + L"\" is no name for a layer";
+        return reason.empty();
+    };
+    if (session.input.ask(onlyOne ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr, L"a layer name",
+                          isUsable, Input::Asked::kText) != kValue)
         return;
-    if (option == kMakeLayer || option == kNewLayer) {
-        addLayer(name, option == kMakeLayer);
-        return;
-    }
-    std::wstring reason;
-    if (option == kSetLayer) {
+    if (isNew) addLayer(name);
+    if (option == kMakeLayer || option == kSetLayer) {
+        std::wstring reason;
         if (!session.variables.set(L"CLAYER", name, reason)) refused(reason);
-        return;
     }
-    bool found = false;
+    if (onlyOne) return;
     for (OdDbObjectId id : table->records()) {
         const auto record = id.openAs<OdDbLayerTableRecord>();
         if (name != L"*" && !base::equalsNoCase(record->name(), name)) continue;
-        found = true;
         record->upgradeOpen();
         switch (option) {
             case kOn:
@@ -219,33 +228,25 @@ void HostCommands::changeLayers(int option) {
                 record->setIsLocked(option == kLock);
                 break;
             case kColor:
-                record->setColor(OdCmColor::fromIndex(color));
+                record->setColor(OdCmColor::fromIndex(static_cast<int>(color)));
                 break;
         }
     }
-    if (!found) refused(L"the drawing has no layer \"" + name + L"\"");
 }
 
-// A layer that is made is wanted; one that is there already is as good.
-void HostCommands::addLayer(const OdString& name, bool makeCurrent) {
+// One that is there already is as good.
+void HostCommands::addLayer(const OdString& name) {
     OdDbDatabase* database = session.document.database();
-    if (const OdDbObjectId known = database->findLayer(name); known.isNull()) {
-        if (name.empty() || name.find_first_of(L"<>/\\\":;?*|,=`") != name.npos)
-            return static_cast<void>(refused(L"\"" + name + L"\" is no name for a layer"));
-        const auto layer = OdDbLayerTableRecord::createObject();
-        if (const auto standard = database->findLayer(L"0").openIf<OdDbLayerTableRecord>()) {
-            layer->setPropertiesFrom(*standard);
-            layer->setIsOff(false);
-            layer->setIsFrozen(false);
-            layer->setIsLocked(false);
-        }
-        layer->setName(name);
-        database->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
-    } else if (!makeCurrent) {
-        refused(L"the drawing has a layer \"" + name + L"\" already");
+    if (database->findLayer(name)) return;
+    const auto layer = OdDbLayerTableRecord::createObject();
+    if (const auto standard = database->findLayer(L"0").openIf<OdDbLayerTableRecord>()) {
+        layer->setPropertiesFrom(*standard);
+        layer->setIsOff(false);
+        layer->setIsFrozen(false);
+        layer->setIsLocked(false);
     }
-    std::wstring reason;
-    if (makeCurrent && !session.variables.set(L"CLAYER", name, reason)) refused(reason);
+    layer->setName(name);
+    database->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
 }
 
 // ---- UCS

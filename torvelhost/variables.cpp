@@ -195,9 +195,10 @@ void Variables::addHeaderRows() {
             std::wstring refusal = rangeRefusal(value, variable.low, variable.high);
             if (!refusal.empty()) return refusal;
             if (const auto* text = std::get_if<std::wstring>(&value)) {
-                const bool missing = (name == "$CLAYER" && !database->findLayer(*text)) ||
-                                     (name == "$TEXTSTYLE" && !database->findTextStyle(*text));
-                if (missing) return L"the drawing has no \"" + *text + L"\"";
+                if (name == "$CLAYER" && !database->findLayer(*text))
+                    return L"the drawing has no layer \"" + *text + L"\"";
+                if (name == "$TEXTSTYLE" && !database->findTextStyle(*text))
+                    return L"the drawing has no text style \"" + *text + L"\"";
                 database->setHeaderText(name, variable.group, *text);
             } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
                 database->setHeaderInteger(name, variable.group, *integer);

@@ -246,6 +246,20 @@ TEST(Prompts, RepliesThatDoNotFitEndAScript) {
     EXPECT_EQ(ended.scriptError(), "--command:1: the script ends, at the prompt \"Go on? [Yes/No]:\"");
 }
 
+TEST(Commands, LayerRefusesWhatThereIsNoLayerFor) {
+    for (const auto& [script, message] : {
+             std::pair{L"LAYER|Set|x", "the drawing has no layer \"x\", at the prompt \"Enter layer name:\""},
+             {L"LAYER|Freeze|x", "the drawing has no layer \"x\""},
+             {L"LAYER|New|0", "the drawing has a layer \"0\" already"},
+             {L"LAYER|Make|A*B", "\"A*B\" is no name for a layer"},
+             {L"LAYER|Color|300|0|", "\"300\" is not a color number between 1 and 255"},
+         })
+        EXPECT_THAT(Host(script).scriptError(), HasSubstr(message));
+    Host host(L"LAYER|Make|A|Make|0|Freeze|*|Color|255|a|");
+    EXPECT_EQ(host.run(), kAllFinished);
+    EXPECT_TRUE(host.database()->findLayer(L"A").openAs<OdDbLayerTableRecord>()->isFrozen());
+}
+
 // ---- trackers
 
 TEST(Trackers, MoveLikeACursor) {
