@@ -159,7 +159,7 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
 }
 
 int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick) {
-    return input_.ask(prompt, keywords, L"a pick", [&](const Reply& reply, std::wstring& reason) {
+    const int result = input_.ask(prompt, keywords, L"a pick", [&](const Reply& reply, std::wstring& reason) {
         const auto typed = reply.quoted ? std::nullopt : parsePick(reply.text);
         std::optional<hostapi::Pick> found;
         if (typed) found = toPick(*typed, reason);
@@ -167,6 +167,8 @@ int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostap
         pick = std::move(*found);
         return true;
     });
+    if (result == hostapi::kValue && !pick.entity) input_.terminal().notice(L"Nothing was found there.");
+    return result;
 }
 
 std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
