@@ -1,6 +1,7 @@
 #include "torvelhost/document.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/files.h"
 #include "drawingdb/block.h"
@@ -68,11 +69,21 @@ void Document::setUcs(const OdGeMatrix3d& toWorld) {
     if (!database_->headerText(prefix + "NAME").empty()) database_->setHeaderText(prefix + "NAME", 2, L"");
 }
 
-OdGePoint3d Document::toWorld(const TypedPoint& point) const {
+std::optional<OdGePoint3d> Document::toWorld(const TypedPoint& point, std::wstring& reason) const {
     const OdGeMatrix3d toWorld = ucs();
-    if (point.relative) return lastPoint_ + toWorld * point.value;
-    return toWorld * OdGePoint3d(point.value.x, point.value.y, point.value.z);
+    const double z = point.flat ? elevation() : point.value.z;
+    const OdGePoint3d world =
+        point.relative ? lastPoint_ + toWorld * point.value : toWorld * OdGePoint3d(point.value.x, point.value.y, z);
+    for (const double coordinate : {world.x, world.y, world.z}) {
+        // Written so that what is no number is refused too.
+        if (std::fabs(coordinate) <= kFarthest) continue;
+        reason = L"the point lies too far away";
+        return std::nullopt;
+    }
+    return world;
 }
+
+double Document::elevation() const { return database_->headerReal(elevationName(), 0.0); }
 
 OdDbObjectId Document::viewedSpaceId() const { return database_->currentSpaceId(); }
 

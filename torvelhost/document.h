@@ -18,6 +18,9 @@ struct View {
     double height = 1.0;
 };
 
+// No coordinate or distance that is typed lies beyond; squares and cubes of it are finite.
+constexpr double kFarthest = 1e100;
+
 class Document final : public HostDocument {
   public:
     // `width` and `height` are the view's size in pixels.
@@ -43,8 +46,12 @@ class Document final : public HostDocument {
     OdGeMatrix3d ucs() const;
     // Its axes must be unit vectors at right angles.
     void setUcs(const OdGeMatrix3d& toWorld);
-    // Relative points count from the last one.
-    OdGePoint3d toWorld(const TypedPoint& point) const;
+    // The Z of points that are typed without one.
+    double elevation() const;
+    const char* elevationName() const { return isModelSpaceActive() ? "$ELEVATION" : "$PELEVATION"; }
+    // Relative points count from the last one. Points so far away that the geometry could not be worked out are
+    // refused.
+    std::optional<OdGePoint3d> toWorld(const TypedPoint& point, std::wstring& reason) const;
     OdGePoint3d lastPoint() const { return lastPoint_; }
     void setLastPoint(const OdGePoint3d& point) { lastPoint_ = point; }
 

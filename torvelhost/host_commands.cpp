@@ -92,10 +92,10 @@ CMD_RUNSTATUS HostCommands::zoom() {
     double factor = 0;
     const int result = session.input.ask(L"Specify corner of window, enter a scale factor (nX), or [%s]",
                                          L"All Center Extents Previous Window", L"a point or a scale factor",
-                                         [&](const Reply& reply, std::wstring&) {
+                                         [&](const Reply& reply, std::wstring& reason) {
                                              if (const auto typed = parsePoint(reply.text)) {
-                                                 corner = document.toWorld(*typed);
-                                                 return true;
+                                                 corner = document.toWorld(*typed, reason);
+                                                 return corner.has_value();
                                              }
                                              std::wstring_view number = reply.text;
                                              if (number.ends_with(L'x') || number.ends_with(L'X'))

@@ -142,7 +142,9 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
         pick.nested = inner;
     }
     if (typed.point) {
-        pick.point = document_.toWorld(*typed.point);
+        const auto world = document_.toWorld(*typed.point, reason);
+        if (!world) return std::nullopt;
+        pick.point = *world;
         pick.hasPoint = true;
         const Rectangle box = pickRectangle(pick.point);
         if (typed.path.empty()) pick.entity = entityAt(box);
@@ -229,7 +231,9 @@ bool Selection::addToSet(const Reply& reply, Entities& entities, std::wstring& r
         OdGePoint3d corners[2];
         for (int i = 0; i < 2; ++i) {
             if (window->corners[i]) {
-                corners[i] = document_.toWorld(*window->corners[i]);
+                const auto world = document_.toWorld(*window->corners[i], reason);
+                if (!world) return false;
+                corners[i] = *world;
                 document_.setLastPoint(corners[i]);
             } else if (input_.askPoint(i == 0 ? L"Specify first corner" : L"Specify opposite corner", nullptr,
                                        corners[i]) != hostapi::kValue) {
