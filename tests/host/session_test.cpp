@@ -390,6 +390,20 @@ TEST(Commands, AnEscapedExceptionTakesTheChangesBack) {
     EXPECT_EQ(host.database()->undoGroupDepth(), 0);
 }
 
+TEST(Commands, NumbersThatCannotBeStoredAreTakenBackWithTheirCommand) {
+    Host host(L"TestCommand|TestCommand");
+    const double infinity = std::numeric_limits<double>::infinity();
+    int runs = 0;
+    TestCommand::body = [&] {
+        addLine(host.database(), {}, {++runs == 1 ? infinity : 1, 0, 0});
+        return kCommandFinished;
+    };
+    EXPECT_EQ(host.run(), kSomeFailed);
+    EXPECT_EQ(runs, 2);
+    EXPECT_EQ(entityCount(host.database()), 1u);
+    EXPECT_NO_THROW(host.database()->writeBytes());
+}
+
 TEST(Commands, UndoTakesBackWholeCommands) {
     Host host(L"TestCommand|TestCommand|TestCommand|UNDO|UNDO|2|UNDO");
     int runs = 0;
