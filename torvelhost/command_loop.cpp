@@ -108,6 +108,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, int fla
     try {
         const Progress progress(terminal_, name);
         if (body() != kCommandFinished) status_ = std::max(status_, kSomeFailed);
+        session_.document.undoPosition();  // throws when a change could not be stored
     } catch (const ScriptError&) {
         takeBack();
         throw;

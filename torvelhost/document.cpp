@@ -1,6 +1,7 @@
 #include "torvelhost/document.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/files.h"
 #include "drawingdb/block.h"
@@ -68,11 +69,21 @@ void Document::setUcs(const OdGeMatrix3d& toWorld) {
     if (!database_->headerText(prefix + "NAME").empty()) database_->setHeaderText(prefix + "NAME", 2, L"");
 }
 
-OdGePoint3d Document::toWorld(const TypedPoint& point) const {
+std::optional<OdGePoint3d> Document::toWorld(const TypedPoint& point, std::wstring& reason) const {
     const OdGeMatrix3d toWorld = ucs();
-    if (point.relative) return lastPoint_ + toWorld * point.value;
-    return toWorld * OdGePoint3d(point.value.x, point.value.y, point.value.z);
+    const double z = point.flat ? elevation() : point.value.z;
+    const OdGePoint3d world =
+        point.relative ? lastPoint_ + toWorld * point.value : toWorld * OdGePoint3d(point.value.x, point.value.y, z);
+    for (const double coordinate : {world.x, world.y, world.z}) {
+        // Written so that what is no number is refused too.
+        if (std::fabs(coordinate) <= kFarthest) continue;
+        reason = L"the point lies too far away";
+        return std::nullopt;
+    }
+    return world;
 }
+
+double Document::elevation() const { return database_->headerReal(elevationName(), 0.0); }
 
 OdDbObjectId Document::viewedSpaceId() const { return database_->currentSpaceId(); }
 
@@ -98,13 +109,35 @@ View Document::view() {
 
 void Document::setView(const View& view) {
     this->view();
-    std::vector<View>& views = views_[viewedSpaceId()];
+    keep(views_[viewedSpaceId()], view);
+}
+
+void Document::keep(std::vector<View>& views, const View& view) {
     constexpr std::size_t kKept = 10;
     if (views.size() == kKept) views.erase(views.begin());
     views.push_back(view);
 }
 
+View Document::zoomedView() {
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    return viewport ? View{viewport->viewCenter(), viewport->viewHeight()} : view();
+}
+
+void Document::setZoomedView(const View& view) {
+    const OdDbObjectId viewport = floatingViewportId();
+    if (!viewport) return setView(view);
+    keep(views_[viewport], zoomedView());
+    viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(view.center, view.height);
+}
+
 bool Document::setPreviousView() {
+    if (const OdDbObjectId viewport = floatingViewportId()) {
+        std::vector<View>& before = views_[viewport];
+        if (before.empty()) return false;
+        viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(before.back().center, before.back().height);
+        before.pop_back();
+        return true;
+    }
     std::vector<View>& views = views_[viewedSpaceId()];
     if (views.size() < 2) return false;
     views.pop_back();
@@ -119,10 +152,22 @@ View Document::viewToPlot() {
     return box ? viewOf(*box) : view();
 }
 
-View Document::viewOf(const OdGeExtents3d& box) const {
+View Document::viewOf(const OdGeExtents3d& box, double aspect) {
     const OdGeVector3d size = box.diagonal();
-    const double height = std::max(size.y, size.x / viewAspect());
+    const double height = std::max(size.y, size.x / aspect);
     return {box.center().xy(), height > 0 ? height * 1.02 : kEmptyViewHeight};
+}
+
+OdGeExtents3d Document::seenInZoomedView(const OdGeExtents3d& box) const {
+    OdGeExtents3d seen = box;
+    if (const auto viewport = floatingViewportId().openIf<OdDbViewport>()) seen.transformBy(viewport->worldToView());
+    return seen;
+}
+
+View Document::zoomedViewOf(const OdGeExtents3d& seen) const {
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    if (!viewport || !(viewport->width() > 0) || !(viewport->height() > 0)) return viewOf(seen);
+    return viewOf(seen, viewport->width() / viewport->height());
 }
 
 double Document::pixelSize() {

@@ -18,6 +18,9 @@ struct View {
     double height = 1.0;
 };
 
+// No coordinate or distance that is typed lies beyond; squares and cubes of it are finite.
+constexpr double kFarthest = 1e100;
+
 class Document final : public HostDocument {
   public:
     // `width` and `height` are the view's size in pixels.
@@ -43,8 +46,12 @@ class Document final : public HostDocument {
     OdGeMatrix3d ucs() const;
     // Its axes must be unit vectors at right angles.
     void setUcs(const OdGeMatrix3d& toWorld);
-    // Relative points count from the last one.
-    OdGePoint3d toWorld(const TypedPoint& point) const;
+    // The Z of points that are typed without one.
+    double elevation() const;
+    const char* elevationName() const { return isModelSpaceActive() ? "$ELEVATION" : "$PELEVATION"; }
+    // Relative points count from the last one. Points so far away that the geometry could not be worked out are
+    // refused.
+    std::optional<OdGePoint3d> toWorld(const TypedPoint& point, std::wstring& reason) const;
     OdGePoint3d lastPoint() const { return lastPoint_; }
     void setLastPoint(const OdGePoint3d& point) { lastPoint_ = point; }
 
@@ -52,12 +59,20 @@ class Document final : public HostDocument {
     // Of the active space; inside a floating viewport, of the paper space around it.
     View view();
     void setView(const View& view);
+    // What zooming changes: inside a floating viewport, what that shows, a part of the drawing like any other; else the
+    // view.
+    View zoomedView();
+    void setZoomedView(const View& view);
     // False when there was none.
     bool setPreviousView();
+    // The box in the coordinates that the zoomed view is counted in.
+    OdGeExtents3d seenInZoomedView(const OdGeExtents3d& box) const;
+    // The zoomed view that shows such a box.
+    View zoomedViewOf(const OdGeExtents3d& seen) const;
     // The whole of what can be seen of the active space; nothing when it is empty.
     std::optional<OdGeExtents3d> extents() const;
     // The view that shows this box.
-    View viewOf(const OdGeExtents3d& box) const;
+    View viewOf(const OdGeExtents3d& box) const { return viewOf(box, viewAspect()); }
     // What a plot shows: the view that was set, or all there is now.
     View viewToPlot();
     int width() const { return width_; }
@@ -82,12 +97,15 @@ class Document final : public HostDocument {
         std::size_t position;
     };
     OdDbObjectId viewedSpaceId() const;
+    static View viewOf(const OdGeExtents3d& box, double aspect);
+    static void keep(std::vector<View>& views, const View& view);
 
     OdDbDatabasePtr database_;
     HostEdInput* input_ = nullptr;
     int width_, height_;
     OdGePoint3d lastPoint_;
-    std::map<OdDbObjectId, std::vector<View>> views_;  // the last one is shown
+    // Of a space the last one is shown; of a floating viewport they are those before the one it shows.
+    std::map<OdDbObjectId, std::vector<View>> views_;
     std::vector<Done> done_;
 };
 

@@ -92,10 +92,10 @@ CMD_RUNSTATUS HostCommands::zoom() {
     double factor = 0;
     const int result = session.input.ask(L"Specify corner of window, enter a scale factor (nX), or [%s]",
                                          L"All Center Extents Previous Window", L"a point or a scale factor",
-                                         [&](const Reply& reply, std::wstring&) {
+                                         [&](const Reply& reply, std::wstring& reason) {
                                              if (const auto typed = parsePoint(reply.text)) {
-                                                 corner = document.toWorld(*typed);
-                                                 return true;
+                                                 corner = document.toWorld(*typed, reason);
+                                                 return corner.has_value();
                                              }
                                              std::wstring_view number = reply.text;
                                              if (number.ends_with(L'x') || number.ends_with(L'X'))
@@ -107,27 +107,27 @@ CMD_RUNSTATUS HostCommands::zoom() {
     if (result == kCancel) return kCommandCancelled;
     if (result == kEmpty) return kCommandFinished;
     if (result == kValue && !corner) {
-        View view = document.view();
+        View view = document.zoomedView();
         view.height /= factor;
-        document.setView(view);
+        document.setZoomedView(view);
         return kCommandFinished;
     }
     switch (result) {
         case kFirstKeyword + kAll:
         case kFirstKeyword + kExtents: {
             const auto extents = document.extents();
-            if (extents) document.setView(document.viewOf(*extents));
+            if (extents) document.setZoomedView(document.zoomedViewOf(document.seenInZoomedView(*extents)));
             return kCommandFinished;
         }
         case kFirstKeyword + kPrevious:
             return document.setPreviousView() ? kCommandFinished : refused(L"There is no view before this one");
         case kFirstKeyword + kCenter: {
             OdGePoint3d center;
-            double height = document.view().height;
+            double height = document.zoomedView().height;
             if (session.input.askPoint(L"Specify center point", nullptr, center) != kValue) return kCommandCancelled;
             if (askNumber(L"Enter height", height) == kCancel) return kCommandCancelled;
             if (!(height > 0)) return refused(L"a height is more than 0");
-            document.setView({center.xy(), height});
+            document.setZoomedView({document.seenInZoomedView({center, center}).center().xy(), height});
             return kCommandFinished;
         }
         case kFirstKeyword + kWindow: {
@@ -140,9 +140,11 @@ CMD_RUNSTATUS HostCommands::zoom() {
     document.setLastPoint(*corner);
     OdGePoint3d opposite;
     if (session.input.askPoint(L"Specify opposite corner", nullptr, opposite) != kValue) return kCommandCancelled;
-    const OdGeExtents3d window(*corner, opposite);
+    // The corners as they are seen: the box around a turned box would be larger.
+    const auto seen = [&](const OdGePoint3d& point) { return document.seenInZoomedView({point, point}).center(); };
+    const OdGeExtents3d window(seen(*corner), seen(opposite));
     if (window.diagonal().xy().isZeroLength()) return refused(L"the window has no size");
-    document.setView(document.viewOf(window));
+    document.setZoomedView(document.zoomedViewOf(window));
     return kCommandFinished;
 }
 
@@ -175,31 +177,40 @@ void HostCommands::changeLayers(int option) {
             session.input.printMessage(L"%s", id.openAs<OdDbLayerTableRecord>()->name().c_str());
         return;
     }
-    int color = 0;
-    if (option == kColor && session.input.getInteger(color, L"New color number (1-255)", nullptr, 0, 0) != kValue)
+    std::int64_t color = 0;
+    const auto isColor = [&](const Reply& reply, std::wstring&) {
+        const auto typed = base::parseInteger(std::wstring_view(reply.text));
+        if (typed) color = *typed;
+        return color >= 1 && color <= 255;
+    };
+    if (option == kColor &&
+        session.input.ask(L"New color number (1-255)", nullptr, L"a color number between 1 and 255", isColor) != kValue)
         return;
-    if (option == kColor && (color < 1 || color > 255)) {
-        refused(L"a color number is between 1 and 255");
-        return;
-    }
     OdString name;
-    const bool onlyOne = option == kMakeLayer || option == kSetLayer || option == kNewLayer;
-    if (session.input.askText(onlyOne ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr, name) != kValue)
+    const bool isNew = option == kMakeLayer || option == kNewLayer, onlyOne = isNew || option == kSetLayer;
+    const auto isUsable = [&](const Reply& reply, std::wstring& reason) {
+        name = reply.text;
+        const bool known = !database->findLayer(name).isNull() || (!onlyOne && name == L"*");
+        if (option == kNewLayer && known)
+            reason = L"the drawing has a layer \"" + name + L"\" already";
+        else if (!isNew && !known)
+            reason = L"the drawing has no layer \"" + name + L"\"";
+        else if (!known && (name.empty() || name.find_first_of(L"<>/\\\":;?*|,=`") != name.npos))
+            reason = L"\"" + name + L"\" is no name for a layer";
+        return reason.empty();
+    };
+    if (session.input.ask(onlyOne ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr, L"a layer name",
+                          isUsable, Input::Asked::kText) != kValue)
         return;
-    if (option == kMakeLayer || option == kNewLayer) {
-        addLayer(name, option == kMakeLayer);
-        return;
-    }
-    std::wstring reason;
-    if (option == kSetLayer) {
+    if (isNew) addLayer(name);
+    if (option == kMakeLayer || option == kSetLayer) {
+        std::wstring reason;
         if (!session.variables.set(L"CLAYER", name, reason)) refused(reason);
-        return;
     }
-    bool found = false;
+    if (onlyOne) return;
     for (OdDbObjectId id : table->records()) {
         const auto record = id.openAs<OdDbLayerTableRecord>();
         if (name != L"*" && !base::equalsNoCase(record->name(), name)) continue;
-        found = true;
         record->upgradeOpen();
         switch (option) {
             case kOn:
@@ -217,33 +228,25 @@ void HostCommands::changeLayers(int option) {
                 record->setIsLocked(option == kLock);
                 break;
             case kColor:
-                record->setColor(OdCmColor::fromIndex(color));
+                record->setColor(OdCmColor::fromIndex(static_cast<int>(color)));
                 break;
         }
     }
-    if (!found) refused(L"the drawing has no layer \"" + name + L"\"");
 }
 
-// A layer that is made is wanted; one that is there already is as good.
-void HostCommands::addLayer(const OdString& name, bool makeCurrent) {
+// One that is there already is as good.
+void HostCommands::addLayer(const OdString& name) {
     OdDbDatabase* database = session.document.database();
-    if (const OdDbObjectId known = database->findLayer(name); known.isNull()) {
-        if (name.empty() || name.find_first_of(L"<>/\\\":;?*|,=`") != name.npos)
-            return static_cast<void>(refused(L"\"" + name + L"\" is no name for a layer"));
-        const auto layer = OdDbLayerTableRecord::createObject();
-        if (const auto standard = database->findLayer(L"0").openIf<OdDbLayerTableRecord>()) {
-            layer->setPropertiesFrom(*standard);
-            layer->setIsOff(false);
-            layer->setIsFrozen(false);
-            layer->setIsLocked(false);
-        }
-        layer->setName(name);
-        database->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
-    } else if (!makeCurrent) {
-        refused(L"the drawing has a layer \"" + name + L"\" already");
+    if (database->findLayer(name)) return;
+    const auto layer = OdDbLayerTableRecord::createObject();
+    if (const auto standard = database->findLayer(L"0").openIf<OdDbLayerTableRecord>()) {
+        layer->setPropertiesFrom(*standard);
+        layer->setIsOff(false);
+        layer->setIsFrozen(false);
+        layer->setIsLocked(false);
     }
-    std::wstring reason;
-    if (makeCurrent && !session.variables.set(L"CLAYER", name, reason)) refused(reason);
+    layer->setName(name);
+    database->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite)->add(layer);
 }
 
 // ---- UCS

@@ -29,7 +29,7 @@ struct HostCommands {
     int askNumber(const wchar_t* prompt, double& number);
     CMD_RUNSTATUS refused(const std::wstring& why);
     void changeLayers(int option);
-    void addLayer(const OdString& name, bool makeCurrent);
+    void addLayer(const OdString& name);
     bool fillAttributes(OdDbObjectId reference, OdDbObjectId block);
 };
 

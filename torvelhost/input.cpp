@@ -1,6 +1,7 @@
 #include "torvelhost/input.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdarg>
 #include <limits>
 
@@ -11,6 +12,11 @@
 #include "torvelhost/units.h"
 
 namespace host {
+namespace {
+
+constexpr int kNotNegative = 8;  // a flag of distances
+
+}  // namespace
 
 // ---- trackers
 
@@ -128,11 +134,12 @@ int Input::getPoint(const OdGePoint3d*, OdGePoint3d& point, const wchar_t* promp
                     std::uintptr_t, HostEdInputTracker* tracker) {
     TrackerSession session(tracker, *this);
     OdGePoint3d picked;
-    const int result = ask(prompt, keywords, L"a point", [&](const Reply& reply, std::wstring&) {
+    const int result = ask(prompt, keywords, L"a point", [&](const Reply& reply, std::wstring& reason) {
         const auto typed = parsePoint(reply.text);
         if (!typed || reply.quoted) return false;
-        picked = document_.toWorld(*typed);
-        return true;
+        const auto world = document_.toWorld(*typed, reason);
+        if (world) picked = *world;
+        return world.has_value();
     });
     if (result != hostapi::kValue) return result;
     session.click(document_.lastPoint(), picked);
@@ -153,12 +160,12 @@ int Input::secondPoint(const OdGePoint3d& first, OdGePoint3d& second) {
 int Input::getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t) {
     std::optional<double> angle;
     std::optional<OdGePoint3d> first;
-    const int result = ask(prompt, keywords, L"an angle or a point", [&](const Reply& reply, std::wstring&) {
+    const int result = ask(prompt, keywords, L"an angle or a point", [&](const Reply& reply, std::wstring& reason) {
         if (reply.quoted) return false;
         // A lone "S" is more likely a keyword than south.
         if (reply.text.find_first_of(L"0123456789") != reply.text.npos) angle = textToAngle(reply.text, kDegrees);
         if (angle) return true;
-        if (const auto typed = parsePoint(reply.text)) first = document_.toWorld(*typed);
+        if (const auto typed = parsePoint(reply.text)) first = document_.toWorld(*typed, reason);
         return first.has_value();
     });
     if (result != hostapi::kValue) return result;
@@ -174,15 +181,19 @@ int Input::getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywo
     return result;
 }
 
-int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t* prompt, const wchar_t* keywords, int,
-                       std::uintptr_t) {
+int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t* prompt, const wchar_t* keywords,
+                       int flags, std::uintptr_t) {
     std::optional<double> length;
     std::optional<OdGePoint3d> point;
-    const int result = ask(prompt, keywords, L"a distance or a point", [&](const Reply& reply, std::wstring&) {
+    const int result = ask(prompt, keywords, L"a distance or a point", [&](const Reply& reply, std::wstring& reason) {
         if (reply.quoted) return false;
         length = textToLength(reply.text);
-        if (length) return true;
-        if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed);
+        if (length) {
+            if (std::fabs(*length) > kFarthest) reason = L"the distance is too long";
+            if (*length < 0 && (flags & kNotNegative) != 0) reason = L"a distance is not negative";
+            return reason.empty();
+        }
+        if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed, reason);
         return point.has_value();
     });
     if (result != hostapi::kValue) return result;
@@ -199,15 +210,14 @@ int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t*
     return result;
 }
 
+// Numbers beyond the limits count as the limits: whoever asks knows what range is wanted, and says so.
 int Input::getInteger(int& value, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t) {
-    return ask(prompt, keywords, L"an integer", [&](const Reply& reply, std::wstring& reason) {
-        const auto number = reply.quoted ? std::nullopt : base::parseInteger(std::wstring_view(reply.text));
+    return ask(prompt, keywords, L"an integer", [&](const Reply& reply, std::wstring&) {
+        const bool isWhole = !reply.quoted && reply.text.find_first_not_of(L"+-0123456789") == reply.text.npos;
+        const auto number = isWhole ? base::parseReal(std::wstring_view(reply.text)) : std::nullopt;
         if (!number) return false;
-        if (*number < std::numeric_limits<int>::min() || *number > std::numeric_limits<int>::max()) {
-            reason = L"\"" + reply.text + L"\" is too large an integer";
-            return false;
-        }
-        value = static_cast<int>(*number);
+        using Limits = std::numeric_limits<int>;
+        value = static_cast<int>(std::clamp<double>(*number, Limits::min(), Limits::max()));
         return true;
     });
 }

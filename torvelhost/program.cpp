@@ -23,7 +23,7 @@ void loadCommandModule(Terminal& terminal) {
     const std::wstring fileName = base::libraryFileName(L"torvelcmd2");
     std::wstring reason;
     base::ModuleReference module = base::loadModule(fileName, &reason);
-    if (!module) return terminal.warning(L"the commands of " + fileName + L" are missing: " + reason);
+    if (!module) return terminal.error(L"the commands of " + fileName + L" are missing: " + reason);
     module.release();
 }
 

@@ -117,6 +117,7 @@ std::optional<TypedPoint> parsePoint(std::wstring_view text) {
         const auto angle = base::parseReal(text.substr(polar + 1));
         if (!distance || !angle) return std::nullopt;
         point.value = directionAt(*angle) * *distance;
+        point.flat = true;
         return point;
     }
     const std::vector<std::wstring> pieces = base::split(text, L',');
@@ -128,6 +129,7 @@ std::optional<TypedPoint> parsePoint(std::wstring_view text) {
         numbers[i] = *number;
     }
     point.value = {numbers[0], numbers[1], numbers[2]};
+    point.flat = pieces.size() == 2;
     return point;
 }
 

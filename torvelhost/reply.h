@@ -56,6 +56,7 @@ std::wstring promptText(const wchar_t* prompt, const Keywords& keywords);
 // A point as typed, in the user coordinate system.
 struct TypedPoint {
     bool relative = false;
+    bool flat = false;  // no Z was given, and 0 stands there
     OdGeVector3d value;
 };
 std::optional<TypedPoint> parsePoint(std::wstring_view text);

@@ -143,7 +143,9 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
         pick.nested = inner;
     }
     if (typed.point) {
-        pick.point = document_.toWorld(*typed.point);
+        const auto world = document_.toWorld(*typed.point, reason);
+        if (!world) return std::nullopt;
+        pick.point = *world;
         pick.hasPoint = true;
         const Rectangle box = pickRectangle(pick.point);
         if (typed.path.empty()) pick.entity = entityAt(box);
@@ -160,7 +162,7 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
 }
 
 int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick) {
-    return input_.ask(prompt, keywords, L"a pick", [&](const Reply& reply, std::wstring& reason) {
+    const int result = input_.ask(prompt, keywords, L"a pick", [&](const Reply& reply, std::wstring& reason) {
         const auto typed = reply.quoted ? std::nullopt : parsePick(reply.text);
         std::optional<hostapi::Pick> found;
         if (typed) found = toPick(*typed, reason);
@@ -168,6 +170,8 @@ int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostap
         pick = std::move(*found);
         return true;
     });
+    if (result == hostapi::kValue && !pick.entity) input_.terminal().notice(L"Nothing was found there.");
+    return result;
 }
 
 std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
@@ -228,7 +232,9 @@ bool Selection::addToSet(const Reply& reply, Entities& entities, std::wstring& r
         OdGePoint3d corners[2];
         for (int i = 0; i < 2; ++i) {
             if (window->corners[i]) {
-                corners[i] = document_.toWorld(*window->corners[i]);
+                const auto world = document_.toWorld(*window->corners[i], reason);
+                if (!world) return false;
+                corners[i] = *world;
                 document_.setLastPoint(corners[i]);
             } else if (input_.askPoint(i == 0 ? L"Specify first corner" : L"Specify opposite corner", nullptr,
                                        corners[i]) != hostapi::kValue) {

@@ -40,7 +40,6 @@ const HeaderVariable kHeaderVariables[] = {
     {"CLAYER", Kind::kText, 8, 0, 0, 0, L"0"},
     {"DIMSCALE", Kind::kReal, 40, 1},
     {"DWGCODEPAGE", Kind::kText, 0, 0, 0, 0, L"ANSI_1252"},
-    {"ELEVATION", Kind::kReal, 40},
     {"FILLMODE", Kind::kInteger, 70, 1, 0, 1},
     {"INSBASE", Kind::kPoint, 10},
     {"INSUNITS", Kind::kInteger, 70, 0, 0, 24},
@@ -195,9 +194,10 @@ void Variables::addHeaderRows() {
             std::wstring refusal = rangeRefusal(value, variable.low, variable.high);
             if (!refusal.empty()) return refusal;
             if (const auto* text = std::get_if<std::wstring>(&value)) {
-                const bool missing = (name == "$CLAYER" && !database->findLayer(*text)) ||
-                                     (name == "$TEXTSTYLE" && !database->findTextStyle(*text));
-                if (missing) return L"the drawing has no \"" + *text + L"\"";
+                if (name == "$CLAYER" && !database->findLayer(*text))
+                    return L"the drawing has no layer \"" + *text + L"\"";
+                if (name == "$TEXTSTYLE" && !database->findTextStyle(*text))
+                    return L"the drawing has no text style \"" + *text + L"\"";
                 database->setHeaderText(name, variable.group, *text);
             } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
                 database->setHeaderInteger(name, variable.group, *integer);
@@ -284,7 +284,7 @@ void Variables::addRows() {
             return L"the current layout has no viewport " + std::to_wstring(wanted);
         });
 
-    // The user coordinate system belongs to the active space.
+    // The user coordinate system belongs to the active space, and the elevation in it.
     const auto ucsName = [this](const char* model, const char* paper) {
         return document_.isModelSpaceActive() ? model : paper;
     };
@@ -298,6 +298,12 @@ void Variables::addRows() {
         };
     };
     const auto asPoint = [](const OdGeVector3d& v) { return OdGePoint3d(v.x, v.y, v.z); };
+    add(
+        L"ELEVATION", [this] { return document_.elevation(); },
+        [this](const VariableValue& value) {
+            document_.database()->setHeaderReal(document_.elevationName(), 40, std::get<double>(value));
+            return std::wstring();
+        });
     add(
         L"UCSORG", [this] { return document_.ucs().origin(); }, setPoint("$UCSORG", "$PUCSORG"));
     add(

@@ -413,7 +413,18 @@ void Core::flush(OdDbObject& object) {
     bytes.clear();
     const std::string_view old = ObjectAccess::source(object);
     bool moved = false;  // a reference that may name another block now
-    encodeObject(object, *ObjectAccess::description(object), old, format, bytes);
+    try {
+        encodeObject(object, *ObjectAccess::description(object), old, format, bytes);
+    } catch (const OdError& error) {
+        // Objects are closed by destructors, which throw nothing: the object stays as it was, and the next to ask for
+        // the undo position or the file is told.
+        bytes = old;
+        if (!fault_) {
+            fault_.emplace(error.code(),
+                           where(nullptr) + object.dxfName() + " #" + object.handle().ascii() + ": " + error.what());
+            faultPosition_ = log_.size();
+        }
+    }
     if (bytes != old) {
         const bool fresh = old.empty() && stub.has(Stub::appended) && ObjectAccess::closedContent(object) == 0;
         // The creation of a new object is already in the log; its first bytes belong to it.
@@ -445,6 +456,11 @@ void Core::flushAll() {
         const OdDbObjectPtr hold(object);
         flush(*object);
     }
+}
+
+void Core::requireStored() {
+    flushAll();
+    if (fault_) throw OdError(*fault_);
 }
 
 void Core::refresh(OdDbObject& object) {

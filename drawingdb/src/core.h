@@ -105,6 +105,8 @@ class Core {
     /// Makes the object's changes part of the drawing; it stays open.
     void flush(OdDbObject& object);
     void flushAll();
+    /// Throws what a change could not be stored for, until it is taken back.
+    void requireStored();
     /// Reads an open object again from what its stub says.
     void refresh(OdDbObject& object);
 
@@ -231,6 +233,9 @@ class Core {
     bool undoing_ = false;
     Arena arena_;
     std::string scratch_;
+    // What a change could not be stored for, and where the undo log ended then.
+    std::optional<OdError> fault_;
+    std::size_t faultPosition_ = 0;
 };
 
 inline Core& coreOf(const Stub* stub) { return StubTable::coreOf(stub); }

@@ -285,9 +285,10 @@ void OdDbDatabase::setHeaderPoint(std::string_view name, const OdGePoint3d& valu
 OdDbObjectId OdDbDatabase::addObject(const OdDbObjectPtr& object, OdDbObjectId owner) {
     Stub* section = core_->sectionNamed("OBJECTS");
     if (!section)
-        throw OdError(OdResult::notHeldByVersion, core_->where(nullptr) + "a drawing of version " + version() +
-                                                      " without an OBJECTS section cannot hold a " + object->dxfName() +
-                                                      ". Remedy: save it in a newer version first");
+        throw OdError(OdResult::notHeldByVersion,
+                      core_->where(nullptr) + "no " + object->dxfName() + " fits into a drawing of version " +
+                          version() +
+                          " without an OBJECTS section. Remedy: open it with a program that can save newer versions");
     core_->appendObject(*object, *section);
     ObjectAccess::owner(*object).handle = owner.handle().value();
     if (object->isKindOf(OdDbField::desc())) ObjectAccess::fieldEntered(static_cast<OdDbField&>(*object));

@@ -154,6 +154,15 @@ const ClassDescription* OdDbViewport::description() const {
     static const ClassDescription d = drawingdb::describe<OdDbViewport>("VIEWPORT", &OdDbViewport::describe);
     return &d;
 }
+void OdDbViewport::setView(const OdGePoint2d& center, double height) {
+    assertWriteEnabled();
+    viewCenter_ = OdGePoint3d(center.x, center.y, 0);
+    viewHeight_ = height;
+}
+OdGeMatrix3d OdDbViewport::worldToView() const {
+    return OdGeMatrix3d::rotation(twist_, OdGeVector3d::kZAxis) * OdGeMatrix3d::worldToPlane(viewDirection_) *
+           OdGeMatrix3d::translation(OdGePoint3d() - viewTarget_);
+}
 bool OdDbViewport::geomExtents(OdGeExtents3d& extents) const {
     const OdGeVector3d half(width_ / 2, height_ / 2, 0);
     extents.addPoint(center_ - half);

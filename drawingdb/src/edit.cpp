@@ -84,9 +84,10 @@ void Core::requireHeld(const OdDbObject& object) const {
     const std::string kind = object.dxfName();
     for (const auto& row : kSince) {
         if (kind == row.name && format.version < row.since)
-            throw OdError(OdResult::notHeldByVersion, where(nullptr) + "a drawing of version AC" +
-                                                          std::to_string(format.version) + " cannot hold a " + kind +
-                                                          ". Remedy: save it in a newer version first");
+            throw OdError(OdResult::notHeldByVersion,
+                          where(nullptr) + "no " + kind + " fits into a drawing of version AC" +
+                              std::to_string(format.version) +
+                              ". Remedy: open it with a program that can save newer versions");
     }
 }
 

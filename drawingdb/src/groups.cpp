@@ -10,6 +10,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "drawingdb/error.h"
 
 namespace drawingdb {
 
@@ -453,6 +454,9 @@ void GroupWriter::text(int groupCode, std::string_view encoded) {
 }
 
 void GroupWriter::real(int groupCode, double value) {
+    if (!std::isfinite(value))
+        throw OdError(OdResult::invalidInput,
+                      "the number of group " + std::to_string(groupCode) + " is not finite and cannot be stored");
     code(groupCode);
     if (format_.binary) {
         out_.append(reinterpret_cast<const char*>(&value), 8);

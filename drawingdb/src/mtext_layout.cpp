@@ -337,7 +337,9 @@ MTextLayout mtextLayout(std::wstring_view contents, double height, double width,
 std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run) {
     std::vector<Polyline2d> strokes;
     const MTextFormat& f = run.format;
-    const StrokePen pen{f.height, f.widthFactor, slantOf(f.oblique), run.position};
+    // There is one font; its italic is the upright one leaning.
+    constexpr double kItalicLean = kPi / 12;
+    const StrokePen pen{f.height, f.widthFactor, slantOf(f.oblique + (f.italic ? kItalicLean : 0.0)), run.position};
     if (run.kind == MTextRunKind::Tab) return strokes;
     if (run.kind == MTextRunKind::Text) {
         appendStrokes(rowOf(run.text, f), f.tracking, pen, strokes);

@@ -381,7 +381,7 @@ class Saver {
 };
 
 void Core::write(const std::function<void(std::string_view)>& sink) {
-    flushAll();
+    requireStored();
     Saver(*this, sink).run();
 }
 

@@ -129,12 +129,13 @@ void Core::groupRollBack() {
 }
 
 std::size_t Core::undoPosition() {
-    flushAll();
+    requireStored();
     return log_.size();
 }
 
 void Core::undoTo(std::size_t position) {
     flushAll();
+    if (position <= faultPosition_) fault_.reset();
     while (log_.size() > position) {
         const Step step = log_.back();
         log_.pop_back();

@@ -172,9 +172,10 @@ void OdDbWipeoutVariables::setShowFrame(bool on) {
 OdSmartPtr<OdDbWipeoutVariables> OdDbWipeoutVariables::openForWrite(OdDbDatabase& database) {
     const auto named = database.namedObjectsDictionaryId().openIf<OdDbDictionary>(OdDb::forWrite);
     if (!named)
-        throw OdError(OdResult::notHeldByVersion,
-                      database.core().where(nullptr) + "a drawing of version " + database.version() +
-                          " has no place for the frames of wipeouts. Remedy: save it in a newer version first");
+        throw OdError(OdResult::notHeldByVersion, database.core().where(nullptr) + "a drawing of version " +
+                                                      database.version() +
+                                                      " has no place for the frames of wipeouts. Remedy: open it with "
+                                                      "a program that can save newer versions");
     if (auto found = named->getAt(kVariablesKey).openIf<OdDbWipeoutVariables>(OdDb::forWrite)) return found;
     auto fresh = createObject();
     named->setAt(kVariablesKey, fresh);

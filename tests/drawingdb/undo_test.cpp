@@ -1,5 +1,6 @@
 // Undo: marks, records and groups, and that undoing everything gives the bytes back.
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 
 #include "drawingdb/attribute.h"
@@ -33,6 +34,31 @@ TEST(Undo, MarksNest) {
     setRadius(database, 4);
     database->undoBack();
     EXPECT_EQ(radius(database), 15);
+    EXPECT_EQ(database->writeBytes(), sampleBytes());
+}
+
+// Objects are closed by destructors, so it is the undo position and the file that refuse what cannot be stored.
+TEST(Undo, NumbersThatAreNotFiniteAreNotStored) {
+    const auto database = sample();
+    const std::size_t before = database->undoPosition();
+    objectOf(database, 0x65)
+        .openAs<OdDbCircle>(OdDb::forWrite)
+        ->setCenter({0, std::numeric_limits<double>::infinity(), 0});
+    {
+        const auto line = OdDbLine::createObject();
+        line->setEndPoint({0, std::numeric_limits<double>::quiet_NaN(), 0});
+        database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(line.get());
+    }
+    try {
+        database->writeBytes();
+        ADD_FAILURE() << "written";
+    } catch (const OdError& error) {
+        EXPECT_EQ(std::string(error.what()).rfind("sample.dxf: CIRCLE #65: the number of group 10 is not finite", 0),
+                  0u)
+            << error.what();
+    }
+    EXPECT_THROW(database->undoPosition(), OdError);
+    database->undoTo(before);
     EXPECT_EQ(database->writeBytes(), sampleBytes());
 }
 

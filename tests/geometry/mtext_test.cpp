@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -233,6 +235,19 @@ TEST(MTextLayout, Justifies) {
     EXPECT_NEAR(mixed.lines[1].position.x, (width - a) / 2, 1e-12);
     EXPECT_NEAR(mixed.lines[2].position.x, width - a, 1e-12);
     EXPECT_EQ(mtextLayout(L"\\pi1,l2,r3;aa aa aa", 1.0, 9.0, 1).lines[1].position.x, 2.0);
+}
+
+TEST(MTextLayout, ItalicsLeanWhereTheyStand) {
+    const auto stem = [](const wchar_t* contents) {  // of an l
+        const MTextLayout layout = mtextLayout(contents, 1.0, 0, 1);
+        const Polyline2d stroke = mtextRunStrokes(layout.lines[0].runs[0])[0];
+        const auto [low, high] =
+            std::minmax_element(stroke.begin(), stroke.end(), [](const auto& a, const auto& b) { return a.y < b.y; });
+        return std::atan2(high->x - low->x, high->y - low->y);
+    };
+    EXPECT_NEAR(stem(L"\\fArial|i0;I"), 0.0, 1e-9);
+    EXPECT_NEAR(stem(L"\\fArial|i1;I"), kPi / 12, 1e-9);
+    EXPECT_NEAR(stem(L"\\Q15;\\fArial|i1;I"), kPi / 6, 1e-9);
 }
 
 TEST(MTextLayout, StrokesStayInTheirRun) {

@@ -42,6 +42,8 @@ TEST(StrokeFont, GlyphsKeepToTheirRoom) {
     }
 }
 
+TEST(StrokeFont, SectionSignIsDrawn) { EXPECT_NE(strokeGlyph(U'§').strokes, strokeGlyph(U'\u6F22').strokes); }
+
 TEST(StrokeFont, HeightsOfLetters) {
     for (const char32_t c : std::u32string_view(U"ABCDEFGHIJKLMNOPRSTUVWXYZ0123456789bdfhkl")) {
         EXPECT_DOUBLE_EQ(strokeGlyph(c).top, 1.0) << static_cast<char>(c);

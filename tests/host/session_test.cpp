@@ -4,6 +4,7 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
@@ -159,10 +160,21 @@ TEST(Prompts, PointsAreTypedInTheUserCoordinateSystem) {
     EXPECT_EQ(askedPoint(host), OdGePoint3d(10, 1, 0));
     EXPECT_EQ(askedPoint(host), OdGePoint3d(10, 2, 0));
     EXPECT_EQ(askedPoint(host), OdGePoint3d(8, 0, 0));
+
+    // The elevation is the Z of points without one; it is each space's own.
+    Host raised(L"1,2|@1,0|1,2,0|2<0|1,2");
+    std::wstring reason;
+    EXPECT_TRUE(raised.session().variables.set(L"ELEVATION", L"4.5", reason));
+    EXPECT_EQ(askedPoint(raised), OdGePoint3d(1, 2, 4.5));
+    EXPECT_EQ(askedPoint(raised), OdGePoint3d(2, 2, 4.5));
+    EXPECT_EQ(askedPoint(raised), OdGePoint3d(1, 2, 0));
+    EXPECT_EQ(askedPoint(raised), OdGePoint3d(2, 0, 4.5));
+    EXPECT_TRUE(raised.session().variables.set(L"TILEMODE", L"0", reason));
+    EXPECT_EQ(askedPoint(raised), OdGePoint3d(1, 2, 0));
 }
 
 TEST(Prompts, NumbersAnglesDistancesAndTexts) {
-    Host host(L"90|0,0|0,5|2.5|0,0|3,4|3,4|Through|17|B|S");
+    Host host(L"90|0,0|0,5|2.5|0,0|3,4|3,4|Through|17|-99999999999999999999|B|S");
     double angle = 0, distance = 0;
     EXPECT_EQ(host.input().getAngle(angle, L"Angle", L"Reference", 4, 0), hostapi::kValue);
     EXPECT_DOUBLE_EQ(angle, torvel::kPi / 2);
@@ -180,6 +192,8 @@ TEST(Prompts, NumbersAnglesDistancesAndTexts) {
     int number = 0;
     EXPECT_EQ(host.input().getInteger(number, L"Segments", L"Block", 0, 0), hostapi::kValue);
     EXPECT_EQ(number, 17);
+    EXPECT_EQ(host.input().getInteger(number, L"Segments", L"Block", 0, 0), hostapi::kValue);
+    EXPECT_EQ(number, std::numeric_limits<int>::min());
     EXPECT_EQ(host.input().getInteger(number, L"Segments", L"Block", 0, 0), 2);
     EXPECT_EQ(host.input().getAngle(angle, L"Angle", L"Scale", 4, 0), 2);  // no south without a number
 }
@@ -223,7 +237,20 @@ TEST(Prompts, RepliesThatDoNotFitEndAScript) {
              Case{L"O", [&](Input& i) { i.getKeyword(L"Mode [%s]", L"ON OFF", 4, 0, 0); },
                   "\"O\" may mean more than one of ON/OFF, at the prompt \"Mode [ON/OFF]:\""},
              Case{L"1.5", [&](Input& i) { i.getInteger(number, L"Count", nullptr, 0, 0); }, "is not an integer"},
-             Case{L"3000000000", [&](Input& i) { i.getInteger(number, L"Count", nullptr, 0, 0); }, "too large"},
+             Case{L"30000000000000000000x", [&](Input& i) { i.getInteger(number, L"Count", nullptr, 0, 0); },
+                  "is not an integer"},
+             Case{L"1e101,0", [&](Input& i) { i.getPoint(nullptr, point, L"From", nullptr, 4, 0, nullptr); },
+                  "the point lies too far away"},
+             Case{L"@1e308,0",
+                  [&](Input& i) {
+                      i.document().setLastPoint({1e308, 0, 0});
+                      i.getDistance(nullptr, angle, L"Distance", nullptr, 12, 0);
+                  },
+                  "the point lies too far away"},
+             Case{L"-1", [&](Input& i) { i.getDistance(nullptr, angle, L"Distance", nullptr, 12, 0); },
+                  "a distance is not negative"},
+             Case{L"-1e101", [&](Input& i) { i.getDistance(nullptr, angle, L"Distance", nullptr, 4, 0); },
+                  "the distance is too long"},
              Case{L"\"45\"", [&](Input& i) { i.getAngle(angle, L"Angle", nullptr, 0, 0); }, "is not an angle"},
          }) {
         Host host((std::wstring(L"TestCommand|") + c.reply + L"|QUIT").c_str());
@@ -244,6 +271,20 @@ TEST(Prompts, RepliesThatDoNotFitEndAScript) {
         return kCommandFinished;
     };
     EXPECT_EQ(ended.scriptError(), "--command:1: the script ends, at the prompt \"Go on? [Yes/No]:\"");
+}
+
+TEST(Commands, LayerRefusesWhatThereIsNoLayerFor) {
+    for (const auto& [script, message] : {
+             std::pair{L"LAYER|Set|x", "the drawing has no layer \"x\", at the prompt \"Enter layer name:\""},
+             {L"LAYER|Freeze|x", "the drawing has no layer \"x\""},
+             {L"LAYER|New|0", "the drawing has a layer \"0\" already"},
+             {L"LAYER|Make|A*B", "\"A*B\" is no name for a layer"},
+             {L"LAYER|Color|300|0|", "\"300\" is not a color number between 1 and 255"},
+         })
+        EXPECT_THAT(Host(script).scriptError(), HasSubstr(message));
+    Host host(L"LAYER|Make|A|Make|0|Freeze|*|Color|255|a|");
+    EXPECT_EQ(host.run(), kAllFinished);
+    EXPECT_TRUE(host.database()->findLayer(L"A").openAs<OdDbLayerTableRecord>()->isFrozen());
 }
 
 // ---- trackers
@@ -347,6 +388,20 @@ TEST(Commands, AnEscapedExceptionTakesTheChangesBack) {
     EXPECT_EQ(TestCommand::alive, 0);
     EXPECT_EQ(host.database()->writeBytes(), before);
     EXPECT_EQ(host.database()->undoGroupDepth(), 0);
+}
+
+TEST(Commands, NumbersThatCannotBeStoredAreTakenBackWithTheirCommand) {
+    Host host(L"TestCommand|TestCommand");
+    const double infinity = std::numeric_limits<double>::infinity();
+    int runs = 0;
+    TestCommand::body = [&] {
+        addLine(host.database(), {}, {++runs == 1 ? infinity : 1, 0, 0});
+        return kCommandFinished;
+    };
+    EXPECT_EQ(host.run(), kSomeFailed);
+    EXPECT_EQ(runs, 2);
+    EXPECT_EQ(entityCount(host.database()), 1u);
+    EXPECT_NO_THROW(host.database()->writeBytes());
 }
 
 TEST(Commands, UndoTakesBackWholeCommands) {

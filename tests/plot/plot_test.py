@@ -349,6 +349,14 @@ class PlotTest(unittest.TestCase):
         expected += [[(x, y), (x + 40, y)] for y in (150, 160) for x in (300, 360)]
         self.assertLines(plot, expected, GREEN)
 
+    def test_styles_of_hatches_choose_their_paths(self):
+        for style, size in (0, 3), (1, 2), (2, 1):
+            hatch = self.msp.add_hatch(color=1, dxfattribs={"hatch_style": style})
+            for depth, flags in enumerate((1, 16, 0)):
+                low, high = 100 + 10 * depth, 200 - 10 * depth
+                hatch.paths.add_polyline_path([(low, low), (high, low), (high, high), (low, high)], flags=flags)
+        self.assertEqual([len(area.contours) for area in self.plot().areas(RED)], [3, 2, 1])
+
     def test_solids_faces_dimensions_leaders(self):
         self.msp.add_solid([(0, 0), (10, 0), (0, 10), (10, 10)], dxfattribs={"color": 1})
         face = self.msp.add_3dface([(100, 0), (110, 0), (110, 10), (100, 10)], dxfattribs={"color": 3})
@@ -389,11 +397,15 @@ class PlotTest(unittest.TestCase):
             self.msp.add_mesh()
         self.doc.add_xref_def("other.dxf", "OTHER")
         self.msp.add_blockref("OTHER", (0, 0))
+        # What they show is not there.
+        self.msp.add_blockref("GONE", (0, 0))
+        self.msp.add_linear_dim(base=(0, 50), p1=(0, 10), p2=(40, 10)).dimension.dxf.geometry = "GONE"
+        self.msp.add_hatch()
         clipped = self.msp.add_blockref("PART", (0, 0)).new_extension_dict()
         clipped.dictionary.add_new_dict("ACAD_FILTER").add_xrecord("SPATIAL")
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 clip of INSERT, 1 external reference", self.errors)
+        self.assertIn("not drawn: 1 BODY, 1 DIMENSION, 1 HATCH, 1 INSERT, 3 MESH, 1 clip of INSERT, 1 external reference", self.errors)
 
     # ---- layouts
 

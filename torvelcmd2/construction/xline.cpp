@@ -19,6 +19,7 @@ constexpr int kNoEntity = 0;
 constexpr int kNewEntity = 1;
 constexpr double kStraightBulge = 1e-10;
 constexpr double kSideTolerance = 1e-10;
+constexpr double kEdgeOn = 1e-9;  // sine of the angle between a plane and the direction it is seen in
 
 using OdDbXlinePtr = OdSmartPtr<OdDbXline>;
 
@@ -110,6 +111,8 @@ OdGeVector3d axisVariable(const wchar_t* name, const OdGeVector3d& standard) {
 OdGeVector3d xAxis() { return axisVariable(L"UCSXDIR", OdGeVector3d::kXAxis); }
 OdGeVector3d yAxis() { return axisVariable(L"UCSYDIR", OdGeVector3d::kYAxis); }
 
+OdGeVector3d drawingNormal() { return xAxis().crossProduct(yAxis()).normal(); }
+
 OdGeVector3d directionAt(double angle) {
     return xAxis().normal() * std::cos(angle) + yAxis().normal() * std::sin(angle);
 }
@@ -131,9 +134,21 @@ double distanceTo(const OdGePoint2d& point, const OdGePoint2d& from, const OdGeP
     return point.distanceTo(from + along * foot);
 }
 
-// As seen from above. Arcs count too: who picks an arc does not mean the segment beside it.
+/// The point in the plane that is seen where `point` is, from above; beside it when the plane is seen from its edge.
+OdGePoint2d inPlane(const OdGeMatrix3d& toPlane, double elevation, const OdGePoint3d& point) {
+    const OdGePoint3d there = toPlane * point;
+    const OdGeVector3d down = toPlane * OdGeVector3d::kZAxis;
+    if (std::fabs(down.z) < kEdgeOn) {
+        return there.xy();
+    }
+    return (there + down * ((elevation - there.z) / down.z)).xy();
+}
+
+// In the polyline's own plane. Arcs count too: who picks an arc does not mean the segment beside it.
 std::size_t nearestSegment(const OdDbPolyline& polyline, const OdGePoint3d& point) {
     constexpr int kChords = 32;
+    const OdGeMatrix3d toPlane = OdGeMatrix3d::worldToPlane(polyline.normal());
+    const OdGePoint2d picked = inPlane(toPlane, polyline.elevation(), point);
     std::size_t nearest = 0;
     double least = std::numeric_limits<double>::infinity();
     const auto count = static_cast<std::size_t>(polyline.endParam());
@@ -141,9 +156,10 @@ std::size_t nearestSegment(const OdDbPolyline& polyline, const OdGePoint3d& poin
         const int chords = std::fabs(polyline.vertexAt(i).bulge) < kStraightBulge ? 1 : kChords;
         for (int k = 0; k < chords; ++k) {
             const auto at = [&](int step) {
-                return polyline.pointAtParam(static_cast<double>(i) + static_cast<double>(step) / chords).xy();
+                return (toPlane * polyline.pointAtParam(static_cast<double>(i) + static_cast<double>(step) / chords))
+                    .xy();
             };
-            const double distance = distanceTo(point.xy(), at(k), at(k + 1));
+            const double distance = distanceTo(picked, at(k), at(k + 1));
             if (distance < least) {
                 least = distance;
                 nearest = i;
@@ -174,7 +190,9 @@ std::optional<PickedLine> usableLine(const hostapi::Pick& pick) {
     } else if (const auto polyline = pick.entity.openIf<OdDbPolyline>()) {
         line = straightSegment(*polyline, pick.point);
     }
-    if (line && line->direction.isZeroLength()) {
+    // Along the drawing plane's normal it has neither an angle nor a side.
+    if (line &&
+        (line->direction.isZeroLength() || line->direction.normal().crossProduct(drawingNormal()).length() < kEdgeOn)) {
         line.reset();
     }
     return line;
@@ -344,7 +362,7 @@ class XlineRun {
         OdGePoint3d side;
         const int result = askPoint(IDS_SPECIFY_SIDE_TO_OFFSET, side, nullptr, nullptr);
         if (result == hostapi::kEmpty || result == hostapi::kCancel) return kRunFailed;
-        const OdGeVector3d normal = xAxis().crossProduct(yAxis()).normal();
+        const OdGeVector3d normal = drawingNormal();
         const double turn = xline->unitDir().crossProduct(side - xline->basePoint()).dotProduct(normal);
         const double distance = turn < -kSideTolerance ? -offsetMemory.distance : offsetMemory.distance;
         std::vector<OdDbCurvePtr> offsets;

@@ -37,6 +37,16 @@ std::vector<Groups> split(Groups groups, int first) {
     return parts;
 }
 
+// The paths that the style hatches between: 0 all of them, 1 the outermost (16) and the outer ones (1), 2 the outer
+// ones alone. Where none is marked, all count.
+std::vector<Groups> pathsOfStyle(Groups paths, std::int64_t style) {
+    std::vector<Groups> all = split(paths, 92), chosen;
+    const std::int64_t flags = style == 1 ? 1 | 16 : style == 2 ? 1 : 0;
+    for (Groups path : all)
+        if (path.front().integer & flags) chosen.push_back(path);
+    return chosen.empty() ? all : chosen;
+}
+
 void addSplineEdge(Groups edge, const AddPoint& add) {
     std::vector<double> knots, weights;
     Corners points;
@@ -138,7 +148,7 @@ class PatternLines {
 
 }  // namespace
 
-void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
+bool Shapes::addHatch(const std::vector<PlotGroup>& groups) {
     // What belongs to the paths ends where the hatch's style (75) begins.
     std::size_t firstPath = groups.size(), style = groups.size();
     for (std::size_t i = 0; i < groups.size(); ++i) {
@@ -149,7 +159,7 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
                               tail = all.subspan(style);
 
     std::vector<Contour> contours;
-    for (Groups path : split(paths, 92)) {
+    for (Groups path : pathsOfStyle(paths, style < groups.size() ? groups[style].integer : 0)) {
         Contour contour;
         const AddPoint add = [&](const OdGePoint2d& point) { contour.push_back(point); };
         if (path.front().integer & 2) {
@@ -187,7 +197,7 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
         }
         if (contour.size() > 2) contours.push_back(std::move(contour));
     }
-    if (contours.empty()) return;
+    if (contours.empty()) return false;
 
     const OdGeVector3d normal = [&] {
         const OdGePoint3d& point = groupOrZero(head, 210).point;
@@ -204,6 +214,7 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
             list_.endContour();
         }
         list_.end();
+        return true;
     };
     if (groupOrZero(head, 70).integer != 0) return addContours(DisplayList::Kind::kArea);
 
@@ -225,6 +236,7 @@ void Shapes::addHatch(const std::vector<PlotGroup>& groups) {
         list_.endContour();
     }
     list_.end();
+    return true;
 }
 
 }  // namespace host

@@ -374,14 +374,11 @@ void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& pap
 
     // From the model to what is seen along the view direction, twisted, then onto the paper.
     const double scale = viewport.customScale();
-    const OdGeMatrix3d seen = OdGeMatrix3d::rotation(viewport.twistAngle(), OdGeVector3d::kZAxis) *
-                              OdGeMatrix3d::worldToPlane(viewport.viewDirection()) *
-                              OdGeMatrix3d::translation(OdGePoint3d() - viewport.viewTarget());
     const OdGePoint3d center = viewport.centerPoint();
     const OdGeMatrix3d ontoPaper =
         OdGeMatrix3d::translation(center.asVector()) * OdGeMatrix3d::scaling(scale) *
         OdGeMatrix3d::translation(OdGeVector3d(-viewport.viewCenter().x, -viewport.viewCenter().y, 0));
-    OdGeMatrix3d toPixels = paperToPixels * ontoPaper * seen;
+    OdGeMatrix3d toPixels = paperToPixels * ontoPaper * viewport.worldToView();
 
     const double paperScale = pixelsPerUnit_;
     inViewport_ = true;

@@ -48,7 +48,7 @@ bool Shapes::add(const OdDbEntity& entity) {
         const auto& line = static_cast<const OdDbLine&>(entity);
         list_.add(DisplayList::Kind::kPolyline, Corners{line.startPoint(), line.endPoint()});
     } else if (is(OdDbBlockReference::desc())) {
-        addReference(static_cast<const OdDbBlockReference&>(entity));
+        return addReference(static_cast<const OdDbBlockReference&>(entity));
     } else if (is(OdDbAttributeText::desc())) {
         addAttributeText(static_cast<const OdDbAttributeText&>(entity));
     } else if (is(OdDbText::desc())) {
@@ -84,7 +84,7 @@ bool Shapes::add(const OdDbEntity& entity) {
     return true;
 }
 
-void Shapes::addReference(const OdDbBlockReference& reference) {
+bool Shapes::addReference(const OdDbBlockReference& reference) {
     const Style own = list_.style();
     const DisplayList::Reference item = referenceOf(reference);
     const std::size_t number = list_.addReference(item);
@@ -96,6 +96,7 @@ void Shapes::addReference(const OdDbBlockReference& reference) {
         addAttributeText(*attribute);
     }
     list_.endAttributes(number);
+    return item.block.isKindOf(OdDbBlockTableRecord::desc());
 }
 
 void Shapes::addWipeout(const OdDbWipeout& wipeout) {
@@ -109,15 +110,15 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     // The plotter shows what viewports show; the rest are parts of others, or nothing to look at.
     if (is("VIEWPORT") || is("SEQEND") || is("ENDBLK")) return true;
     if (is("HATCH"))
-        addHatch(groupsOf(entity));
+        return addHatch(groupsOf(entity));
     else if (is("SOLID") || is("TRACE"))
         addSolid(groupsOf(entity));
     else if (is("3DFACE"))
         addFace(groupsOf(entity));
     else if (is("DIMENSION") || is("ARC_DIMENSION") || is("LARGE_RADIAL_DIMENSION"))
-        addDimension(groupsOf(entity));
+        return addDimension(groupsOf(entity));
     else if (is("ACAD_TABLE"))
-        addTable(groupsOf(entity));
+        return addTable(groupsOf(entity));
     else if (is("LEADER"))
         addLeader(groupsOf(entity));
     else if (is("MULTILEADER"))
@@ -131,31 +132,32 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     return true;
 }
 
-void Shapes::addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement) {
+bool Shapes::addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement) {
     const auto record = block.openIf<OdDbBlockTableRecord>();
-    if (!record) return;
+    if (!record) return false;
     DisplayList::Reference item;
     item.block = block;
     item.transform = placement * OdGeMatrix3d::translation(OdGePoint3d() - record->origin());
     list_.addReference(item);
+    return true;
 }
 
 // Its block is drawn in its place already; a copy that was moved along says by how much.
-void Shapes::addDimension(const std::vector<PlotGroup>& groups) {
+bool Shapes::addDimension(const std::vector<PlotGroup>& groups) {
     const PlotGroup* name = findGroup(groups, 2);
-    if (!name) return;
+    if (!name) return false;
     const OdDbObjectId block = styles_.database().findBlock(name->text);
     const OdGePoint3d moved = OdGeMatrix3d::planeToWorld(normalOf(groups)) * pointOf(groups, 12);
-    addBlockAt(block, OdGeMatrix3d::translation(moved.asVector()));
+    return addBlockAt(block, OdGeMatrix3d::translation(moved.asVector()));
 }
 
-void Shapes::addTable(const std::vector<PlotGroup>& groups) {
+bool Shapes::addTable(const std::vector<PlotGroup>& groups) {
     const PlotGroup* name = findGroup(groups, 2);
-    if (!name) return;
+    if (!name) return false;
     const OdGeVector3d normal = normalOf(groups).normal();
     const OdGeVector3d along = pointOf(groups, 11, OdGePoint3d(1, 0, 0)).asVector().normal();
-    addBlockAt(styles_.database().findBlock(name->text),
-               OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
+    return addBlockAt(styles_.database().findBlock(name->text),
+                      OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
 }
 
 // The third and fourth corner are stored crosswise.

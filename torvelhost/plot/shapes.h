@@ -36,7 +36,8 @@ class Shapes {
     // Leaves out what lies beside a box, seen from above, as far as that is quickly told.
     void setWindow(const OdGeExtents3d& window) { window_ = window; }
 
-    // False when the entity's kind cannot be drawn. What is invisible, or has nothing to show, is no such kind.
+    // False when the entity cannot be drawn: its kind is not known, or what it shows (its block, its boundary) is not
+    // there. What is invisible, or empty, is drawn.
     bool add(const OdDbEntity& entity);
 
   private:
@@ -72,12 +73,12 @@ class Shapes {
     bool isTooSmall(double height) const { return height < 1.3 * pixel_; }
 
     // reference_shapes.cpp
-    void addReference(const OdDbBlockReference& reference);
+    bool addReference(const OdDbBlockReference& reference);
     void addWipeout(const OdDbWipeout& wipeout);
     bool addCarried(const OdDbEntity& entity, const std::string& kind);
-    void addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement);
-    void addDimension(const std::vector<PlotGroup>& groups);
-    void addTable(const std::vector<PlotGroup>& groups);
+    bool addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement);
+    bool addDimension(const std::vector<PlotGroup>& groups);
+    bool addTable(const std::vector<PlotGroup>& groups);
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
 
@@ -93,7 +94,7 @@ class Shapes {
     void addPolyfaceMesh(const OdDbEntity& polyline);
 
     // hatch_shapes.cpp
-    void addHatch(const std::vector<PlotGroup>& groups);
+    bool addHatch(const std::vector<PlotGroup>& groups);
 
     Styles& styles_;
     DisplayList& list_;

@@ -156,7 +156,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     int undoGroupDepth() const;
     /// Takes back what the innermost open group has done, and closes it.
     void rollBackUndoGroup();
-    /// A position in the undo log, for undoTo. Positions only grow while changes are made.
+    /// A position in the undo log, for undoTo; grows with every change. Throws when a change could not be stored.
     std::size_t undoPosition();
     /// Takes everything back to that position, with the marks, records and groups that lie behind it.
     void undoTo(std::size_t position);

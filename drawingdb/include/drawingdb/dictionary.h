@@ -74,6 +74,10 @@ class DRAWINGDB_API OdDbViewport : public OdDbEntity {
     OdGeVector3d viewDirection() const { return viewDirection_; }
     double viewHeight() const { return viewHeight_; }
     double twistAngle() const { return twist_; }
+    /// What the viewport shows: the point in its middle, in coordinates of the view, and the height in model units.
+    void setView(const OdGePoint2d& center, double height);
+    /// From the world to the coordinates of the view: seen along its direction, twisted, the target at the origin.
+    OdGeMatrix3d worldToView() const;
     /// Paper units per model unit.
     double customScale() const { return viewHeight_ > 0 ? height_ / viewHeight_ : 1.0; }
 
