@@ -1,10 +1,10 @@
 // Real windows, message boxes and file dialogs.
 #include <windows.h>
-#include <cderr.h>
 #include <commdlg.h>
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cderr.h>
 
 #include "base/text.h"
 #include "dialogs/windows/window_view.h"
