@@ -53,6 +53,24 @@ std::wstring withExtension(std::wstring name, std::wstring_view extension) {
     return name;
 }
 
+// That of the filter's first pattern: "txt" of "Texts|*.txt;*.asc|All files|*.*||". Empty when it names none.
+std::wstring filterExtension(const std::wstring& filter) {
+    const std::vector<std::wstring> parts = base::split(filter, L'|');
+    std::wstring_view pattern = parts.size() < 2 ? std::wstring_view() : parts[1];
+    pattern = pattern.substr(0, pattern.find(L';'));
+    if (!pattern.starts_with(L"*.") || pattern.find_first_of(L"*?", 1) != pattern.npos) return {};
+    return std::wstring(pattern.substr(2));
+}
+
+// The file meant by a name that may lack its extension.
+std::optional<std::wstring> existingFile(const std::wstring& name, const FileRequest& request) {
+    for (const std::wstring& extension : {std::wstring(), request.defaultExtension, filterExtension(request.filter)}) {
+        std::wstring path = base::absolutePath(withExtension(name, extension));
+        if (base::isFile(path)) return path;
+    }
+    return std::nullopt;
+}
+
 // Whether the file may be replaced. A script is taken at its word when it goes on with something else.
 bool mayReplace(const std::wstring& fileName) {
     LineSource& lines = *Process::instance().lines;
@@ -112,15 +130,18 @@ void refuseLine(const std::wstring& why) { Process::instance().lines->refuse(why
 std::optional<std::wstring> askFile(const FileRequest& request) {
     if (!asksLines()) return askPerson([&](Maker& maker) { return maker.askFile(request); });
     std::wstring prompt = !request.title.empty() ? request.title : request.save ? L"Save as" : L"Open";
-    if (!request.fileName.empty()) prompt += L" <" + request.fileName + L">";
+    // A pattern says which files to list, and is no file's name.
+    if (request.fileName.find_first_of(L"*?") == request.fileName.npos && !request.fileName.empty())
+        prompt += L" (now " + request.fileName + L"; empty cancels)";
     for (;;) {
         const auto answer = askLine(prompt);
         if (!answer) return std::nullopt;
-        std::wstring path = base::absolutePath(withExtension(*answer, request.defaultExtension));
-        if (!request.save && request.mustExist && !base::isFile(path)) {
+        if (!request.save && request.mustExist) {
+            if (auto found = existingFile(*answer, request)) return found;
             refuseLine(L"there is no file \"" + *answer + L"\"");
             continue;
         }
+        std::wstring path = base::absolutePath(withExtension(*answer, request.defaultExtension));
         if (request.save && request.askOverwrite && base::isFile(path) && !mayReplace(path)) continue;
         return path;
     }

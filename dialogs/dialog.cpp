@@ -152,7 +152,7 @@ void Dialog::focus(int id) {
     if (run_)
         run_->setFocus(target);
     else
-        lastFocus_ = id;
+        firstFocus_ = id;
 }
 
 int Dialog::focused() const {

@@ -55,7 +55,8 @@ class DIALOGS_API Dialog {
     Dialog& operator=(const Dialog&) = delete;
 
     /// Shows the dialog and works it until it ends; returns the end code. A dialog that ended (for a pick, say) can be
-    /// run again and comes back with what its controls held. What a handler throws ends the dialog and comes out here.
+    /// run again and comes back with what its controls held, the focus at the first tab stop. What a handler throws
+    /// ends the dialog and comes out here.
     int runModal();
     /// Ends the run. In a page, the run of the dialog around it. The first code counts.
     void end(int code);
@@ -76,7 +77,7 @@ class DIALOGS_API Dialog {
     void setTooltip(int id, std::wstring_view text);
     /// A bitmap of the dialog's resources for a picture button.
     void setPicture(int id, int bitmap);
-    /// Moves the focus there without asking the field that has it.
+    /// Moves the focus there without asking the field that has it. Before a run, that run begins there.
     void focus(int id);
     /// 0: none of this dialog's controls has the focus.
     int focused() const;
@@ -155,6 +156,7 @@ class DIALOGS_API Dialog {
     virtual bool onLeave([[maybe_unused]] int control, [[maybe_unused]] int next) { return true; }
     /// A row of a list view was selected.
     virtual void onSelect([[maybe_unused]] int list, [[maybe_unused]] int row) {}
+    /// A row of a list view, or a choice of a list box.
     virtual void onDoubleClick([[maybe_unused]] int list, [[maybe_unused]] int row) {}
     /// Another page is shown.
     virtual void onPage([[maybe_unused]] int tab, [[maybe_unused]] int page) {}
@@ -179,7 +181,7 @@ class DIALOGS_API Dialog {
     std::vector<std::unique_ptr<Control>> controls_;
     Dialog* parent_ = nullptr;
     Run* run_ = nullptr;
-    int lastFocus_ = 0;
+    int firstFocus_ = 0;        // of the next run; 0: the first tab stop
     bool initialized_ = false;  // in this run
 };
 

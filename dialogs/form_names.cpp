@@ -67,12 +67,14 @@ bool liesInside(const UnitRect& inner, const UnitRect& outer) {
 bool isCalled(const Control& control, std::wstring_view name, std::wstring_view wanted) {
     if (name.empty()) return false;
     if (base::equalsNoCase(name, wanted)) return true;
-    if (wanted.size() <= name.size() + 1) return false;
-    const std::size_t slash = wanted.size() - name.size() - 1;
-    if (wanted[slash] != L'/' || !base::equalsNoCase(wanted.substr(slash + 1), name)) return false;
+    if (wanted.size() <= name.size()) return false;
+    const std::size_t begin = wanted.size() - name.size();
+    std::wstring_view front = base::trimmed(wanted.substr(0, begin));
+    if (!front.ends_with(L'/') || !base::equalsNoCase(wanted.substr(begin), name)) return false;
+    front = base::trimmed(front.substr(0, front.size() - 1));
     for (const auto& group : control.dialog->controls())
         if (group->kind() == ControlKind::kGroup && group.get() != &control && group->visible &&
-            base::equalsNoCase(plainName(group->text), wanted.substr(0, slash)) &&
+            base::equalsNoCase(plainName(group->text), front) &&
             liesInside(control.design->place, group->design->place))
             return true;
     return false;

@@ -128,7 +128,7 @@ void FormScript::end() {
 
 void FormScript::perform(std::wstring_view line) {
     if (performAssignment(line)) return;
-    const std::size_t blank = std::min(line.find(L' '), line.size());
+    const std::size_t blank = std::min(line.find_first_of(L" \t"), line.size());
     const std::wstring_view verb = line.substr(0, blank);
     const std::wstring_view rest = base::trimmed(line.substr(blank));
     const auto is = [verb](std::wstring_view word) { return base::equalsNoCase(verb, word); };
@@ -137,7 +137,8 @@ void FormScript::perform(std::wstring_view line) {
     if (is(L"check")) return check(rest, true);
     if (is(L"uncheck")) return check(rest, false);
     if (is(L"row")) return chooseRow(rest, false);
-    if (is(L"double") && base::startsWithNoCase(rest, L"row ")) return chooseRow(base::trimmed(rest.substr(4)), true);
+    if (is(L"double") && (base::startsWithNoCase(rest, L"row ") || base::startsWithNoCase(rest, L"row\t")))
+        return chooseRow(base::trimmed(rest.substr(4)), true);
     if (is(L"tab")) return chooseTab(rest);
     if (is(L"key")) return pressKey(rest);
     if (is(L"type")) return type(rest);
@@ -253,7 +254,7 @@ void FormScript::placeCaret(std::wstring_view argument) {
     const auto isTyped = [](const Control& control) { return control.isTyped(); };
     std::vector<std::size_t> positions;
     for (std::wstring_view name = argument; positions.size() < 2;) {
-        const std::size_t blank = name.rfind(L' ');
+        const std::size_t blank = name.find_last_of(L" \t");
         const auto number =
             blank == name.npos ? std::nullopt : base::parseInteger(name.substr(std::min(blank, name.size())));
         if (!number || *number < 0) break;

@@ -1,6 +1,7 @@
 #include "dialogs/run.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "dialogs/styles.h"
 #include "dialogs/text_editing.h"
@@ -13,7 +14,6 @@ Run::Run(Dialog& root) : root_(root), outer_(Process::instance().current) {
 }
 
 Run::~Run() {
-    root_.lastFocus_ = focus_ && focus_->dialog == &root_ ? focus_->id() : 0;
     Process::instance().current = outer_;
     attach(root_, nullptr);
 }
@@ -37,8 +37,9 @@ int Run::execute() {
     initialize(root_);
     view_->restorePlacement(root_.savedPlacement());
     if (!hasEnded() && !focus_) {
-        const auto before = root_.owns(root_.lastFocus_) ? &root_.control(root_.lastFocus_) : nullptr;
-        Control* const first = before && isShown(*before) && before->canHaveFocus() ? before : nextInTabOrder(false);
+        const int wantedId = std::exchange(root_.firstFocus_, 0);
+        Control* const wanted = wantedId != 0 ? &root_.control(wantedId) : nullptr;
+        Control* const first = wanted && isShown(*wanted) && wanted->canHaveFocus() ? wanted : nextInTabOrder(false);
         if (first) setFocus(*first);
     }
     if (!hasEnded()) view_->work();

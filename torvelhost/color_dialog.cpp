@@ -28,6 +28,8 @@ void ColorDialog::onCommand(int control, dialogs::Event event) {
         setText(IDC_COLOR_NAME, choiceText(IDC_COLOR_LIST, selected(IDC_COLOR_LIST)));
 }
 
+void ColorDialog::onDoubleClick(int, int) { onOk(); }
+
 void ColorDialog::onOk() {
     const auto color = OdCmColor::fromDisplayName(text(IDC_COLOR_NAME));
     if (!color) {

@@ -14,6 +14,7 @@ class ColorDialog final : public dialogs::Dialog {
 
   private:
     void onCommand(int control, dialogs::Event event) override;
+    void onDoubleClick(int list, int row) override;
     void onOk() override;
 
     OdCmColor color_;

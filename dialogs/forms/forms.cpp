@@ -1,5 +1,6 @@
 // Dialogs without windows: what the user does comes as lines, and is done to the controls' state.
-#include "base/format.h"
+#include <algorithm>
+
 #include "base/text.h"
 #include "dialogs/form_script.h"
 #include "dialogs/maker.h"
@@ -24,15 +25,13 @@ class FormView final : public View {
     // The state is all there is.
     void titleChanged() override {}
     void changed(Control&, Aspect) override {}
-    void pageShown(Control&) override {}
+    void pageShown(Control& tab) override {
+        if (run_.focus() && !run_.isShown(*run_.focus())) run_.setFocus(tab);  // it was on the page shown before
+    }
     void focusChanged(Control&) override {}
     int listWidth(const Control& list) override { return list.design->place.width * 3 / 2; }
     void restorePlacement(const std::wstring& placement) override { placement_ = placement; }
-    std::wstring placement() override {
-        if (!placement_.empty()) return placement_;
-        const UnitRect& place = run_.root().design().place;
-        return base::format(L"%d,%d,%d,%d", place.x, place.y, place.width, place.height);
-    }
+    std::wstring placement() override { return placement_; }  // a form has no place of its own
     void savePicture(const std::wstring&) override {
         Process::instance().lines->refuse(L"a form has no picture; show the dialog as a window");
     }
@@ -118,8 +117,10 @@ class FormView final : public View {
 
     void enter() {
         Control* const focus = run_.focus();
-        if (focus && focus->isMultiLine() && (focus->design->style & kWantReturnStyle) != 0)
-            return typeText(*focus, L"\r\n");
+        if (focus && focus->isMultiLine() && (focus->design->style & kWantReturnStyle) != 0) {
+            if (!focus->readOnly) typeText(*focus, L"\r\n");
+            return;
+        }
         Control* const button = run_.buttonOfEnter();
         if (button && button->canHaveFocus() && mayLeaveFor(button)) run_.pressed(*button);
     }
@@ -132,23 +133,42 @@ class FormView final : public View {
 
     void keyOf(Control& focus, Key key, bool shift) {
         if (focus.isTyped()) return fieldKey(focus, key, shift);
+        if (focus.kind() == ControlKind::kRadio && (isBack(key) || isForward(key))) return radioKey(focus, isBack(key));
         if (focus.isButton() || focus.isCheckable()) {
             if (key == Key::kSpace) press(focus);
             return;
         }
-        const int count = focus.itemCount();
-        const bool back = key == Key::kUp || key == Key::kLeft;
-        const bool forward = key == Key::kDown || key == Key::kRight;
-        int item = focus.selected;
+        itemKey(focus, key);
+    }
+
+    static bool isBack(Key key) { return key == Key::kUp || key == Key::kLeft; }
+    static bool isForward(Key key) { return key == Key::kDown || key == Key::kRight; }
+
+    // To the next of the group that is enabled, which is clicked.
+    void radioKey(Control& focus, bool back) {
+        std::vector<Control*> group = radioGroup(focus);
+        if (back) std::reverse(group.begin(), group.end());
+        std::rotate(group.begin(), std::find(group.begin(), group.end(), &focus) + 1, group.end());
+        const auto next = std::find_if(group.begin(), group.end(), [](Control* c) { return c->canHaveFocus(); });
+        if (next != group.end() && *next != &focus && moveFocus(**next)) press(**next);
+    }
+
+    void itemKey(Control& list, Key key) {
+        const int count = list.itemCount();
+        int item = list.selected;
         if (key == Key::kHome) item = 0;
         if (key == Key::kEnd) item = count - 1;
-        if (back) --item;
-        if (forward) ++item;
-        if (item != focus.selected && item >= 0 && item < count) choose(focus, item);
+        if (isBack(key)) --item;
+        if (isForward(key)) ++item;
+        if (item != list.selected && item >= 0 && item < count) choose(list, item);
     }
 
     void fieldKey(Control& field, Key key, bool shift) {
         if (field.readOnly && (key == Key::kBackspace || key == Key::kDelete || key == Key::kSpace)) return;
+        if (key == Key::kUp || key == Key::kDown) {
+            if (field.kind() == ControlKind::kEditCombo) itemKey(field, key);
+            return;
+        }
         static const struct {
             Key key;
             TextKey textKey;

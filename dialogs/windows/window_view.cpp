@@ -530,6 +530,9 @@ INT_PTR WindowView::onDialogMessage(HWND window, UINT message, WPARAM word, LPAR
         case WM_CLOSE:
             cancelled();
             return TRUE;
+        case WM_HELP:
+            run_.helpWanted();
+            return TRUE;
         case WM_COMMAND: {
             Control* control = controlOf(reinterpret_cast<HWND>(data));
             const int id = LOWORD(word);
@@ -541,6 +544,7 @@ INT_PTR WindowView::onDialogMessage(HWND window, UINT message, WPARAM word, LPAR
                     clicked(*button);
                 return TRUE;
             }
+            if (!control && id == IDHELP) run_.helpWanted();  // by no button
             if (control && applying_ == 0) onCommand(*control, HIWORD(word));
             return TRUE;
         }
@@ -588,6 +592,8 @@ void WindowView::onCommand(Control& control, int code) {
             control.text = control.choices[static_cast<std::size_t>(control.selected)].text;
             return run_.chosen(control);
         case ControlKind::kListBox:
+            if (code == LBN_DBLCLK && control.selected >= 0 && settle())
+                return run_.doubleClicked(control, control.selected);
             if (code != LBN_SELCHANGE || !settle()) return;
             control.selected = send(window, LB_GETCURSEL);
             return run_.chosen(control);
@@ -903,6 +909,11 @@ void WindowView::choose(Control& list, int item) {
 }
 
 void WindowView::doubleClick(Control& list, int row) {
+    if (list.kind() == ControlKind::kListBox) {
+        SendMessageW(GetParent(windowOf(list)), WM_COMMAND, MAKEWPARAM(list.id(), LBN_DBLCLK),
+                     reinterpret_cast<LPARAM>(windowOf(list)));
+        return;
+    }
     NMITEMACTIVATE click = {};
     click.hdr = {windowOf(list), static_cast<UINT_PTR>(list.id()), static_cast<UINT>(NM_DBLCLK)};
     click.iItem = row;

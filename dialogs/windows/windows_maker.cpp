@@ -4,6 +4,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cderr.h>
 
 #include "base/text.h"
 #include "dialogs/windows/window_view.h"
@@ -102,7 +103,11 @@ class WindowsMaker final : public Maker {
         dialog.Flags = OFN_HIDEREADONLY | OFN_ENABLESIZING | OFN_EXPLORER | OFN_NOCHANGEDIR;
         if (request.mustExist) dialog.Flags |= OFN_FILEMUSTEXIST;
         if (request.askOverwrite) dialog.Flags |= OFN_OVERWRITEPROMPT;
-        if (!(request.save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog))) return std::nullopt;
+        while (!(request.save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog))) {
+            // A first name that can be none keeps the dialog from opening at all.
+            if (CommDlgExtendedError() != FNERR_INVALIDFILENAME || name.front() == L'\0') return std::nullopt;
+            name.front() = L'\0';
+        }
         return std::wstring(name.c_str());
     }
 

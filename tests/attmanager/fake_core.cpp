@@ -22,6 +22,7 @@ void hostTranslateText(const wchar_t* text, CXStringW& translated) {
 }
 
 bool hostSelectColor(OdCmColor& color) {
+    state.shownFirst = color;
     if (state.chosen) color = *state.chosen;
     return state.chosen.has_value();
 }

@@ -28,6 +28,13 @@ class PropertyControls : public testing::Test {
 
     static FakeCoreState& state() { return *base::findFunction<FakeCoreStateFunction>(core_.get(), "fakeCoreState")(); }
 
+    std::optional<std::int32_t> metricWeight(const OdString& text) {
+        const std::int64_t units = std::exchange(state().lineWeightUnits, 1);
+        const auto weight = weight_.fromText(text);
+        state().lineWeightUnits = units;
+        return weight;
+    }
+
     CTLineWeightProperty weight_;
     COdColorProperty color_;
 
@@ -65,6 +72,9 @@ TEST_F(PropertyControls, LineweightsToTextAndBack) {
     EXPECT_EQ(imperial[3], L"0.000''");
     EXPECT_EQ(imperial[10], L"0.010''");
     EXPECT_EQ(imperial.back(), L"0.083''");
+    for (std::size_t i = 0; i < imperial.size(); ++i) {
+        EXPECT_EQ(weight_.fromText(imperial[i]), metricWeight(metric[i])) << base::toUtf8(imperial[i]);
+    }
     state().lineWeightUnits = 2;  // anything but 0 is millimetres
     for (const OdString& text : metric) {
         ASSERT_TRUE(weight_.setText(text));
@@ -98,6 +108,8 @@ TEST_F(PropertyControls, ColorsToTextAndBack) {
     EXPECT_FALSE(color_.setText(L"mauve"));
     EXPECT_FALSE(color_.setText(L"More Colors..."));
     EXPECT_EQ(color_.value(), OdCmColor::fromIndex(30));
+    EXPECT_EQ(state().shownFirst, OdCmColor::fromIndex(30));
+    EXPECT_EQ(color_.fromText(L"MAGENTA"), OdCmColor::fromRgb(0xFF00FF));
     state().chosen = OdCmColor::fromIndex(3);
     EXPECT_TRUE(color_.setText(L"More Colors..."));
     EXPECT_EQ(color_.value(), OdCmColor::fromIndex(3));

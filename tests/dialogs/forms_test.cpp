@@ -175,9 +175,9 @@ INSTANTIATE_TEST_SUITE_P(Makers, Forms, testing::Values(false, true),
 
 TEST_P(Forms, FieldsAreFilledByTheirNames) {
     Fields dialog;
-    EXPECT_EQ(run(dialog, {"tag = DOOR", "Text height= 2.5", "TEXT HEIGHT: = \" 3 \"", "First point/X = 1", "X(2) = 2",
-                           "check invisible", "check Right", "Style = romans", "Layer = WALLS", "Colors = green",
-                           "Value = plain", "press OK"}),
+    EXPECT_EQ(run(dialog, {"tag = DOOR", "Text height= 2.5", "TEXT HEIGHT: = \" 3 \"", "First point/X = 1",
+                           "second point / X = 2", "check invisible", "check\tRight", "Style = romans", "Layer = WALLS",
+                           "Colors = green", "Value = plain", "press OK"}),
               kOkButton);
     EXPECT_EQ(dialog.text(IDC_TAG), L"DOOR");
     EXPECT_EQ(dialog.text(IDC_HEIGHT), L" 3 ");
@@ -217,6 +217,13 @@ TEST_P(Forms, ActionsCauseTheEventsOfAHand) {
          {"init", "leave 101 for 122", "menu 122 5", "leave 122 for 109", "leave 109 for 2", "cancel"}},
         {{"press Help", "key F1", "key Enter", "close"},
          {"init", "leave 101 for 9", "help", "help", "help", "leave 9 for 2", "cancel"}},
+        {{"Colors = red", "double row 2", "close"},
+         {"init", "leave 101 for 127", "chosen 127", "chosen 127", "double 127 row 1", "leave 127 for 2", "cancel"}},
+        {{"check Middle", "key Right", "key Down", "key Up", "close"},
+         {"init", "leave 101 for 105", "pressed 105", "leave 105 for 106", "pressed 106", "leave 106 for 104",
+          "pressed 104", "leave 104 for 106", "pressed 106", "leave 106 for 2", "cancel"}},
+        {{"Layer = 0", "key Down", "key Up", "close"},
+         {"init", "leave 101 for 108", "chosen 108", "chosen 108", "chosen 108", "leave 108 for 2", "cancel"}},
         {{"key Tab", "key Tab", "key Shift+Tab", "close"},
          {"init", "leave 101 for 102", "leave 102 for 121", "leave 121 for 102", "leave 102 for 2", "cancel"}},
     };
@@ -329,12 +336,12 @@ TEST_P(Forms, EndsForAPickAndComesBackAsItWas) {
     EXPECT_FALSE(dialog.isOpen());
     EXPECT_EQ(dialog.text(IDC_TAG), L"DOOR");
     dialog.setText(IDC_HEIGHT, L"picked");
-    EXPECT_EQ(run(dialog, {"show", "press Set text height on screen"}), 77);
+    EXPECT_EQ(run(dialog, {"show", "key Enter"}), kOkButton);
     EXPECT_EQ(dialog.text(IDC_HEIGHT), L"picked");
     EXPECT_THAT(script_.printed, HasSubstr("Tag = \"DOOR\""));
     EXPECT_THAT(script_.printed, HasSubstr("(o) Middle"));
     EXPECT_THAT(script_.printed, HasSubstr("*  2!"));
-    EXPECT_THAT(script_.printed, HasSubstr("> [ Text height"));
+    EXPECT_THAT(script_.printed, HasSubstr("> Tag"));
 }
 
 TEST_P(Forms, ADialogOpensAnother) {
@@ -393,6 +400,19 @@ TEST_P(Forms, QuestionsFilesAndTheClipboard) {
     request.mustExist = true;
     script_.lines = {"no such file"};
     EXPECT_THROW(askFile(request), ScriptFault);
+    request.filter = L"Tables (*.tbl)|*.tbl;*.csv|All files (*.*)|*.*||";
+    request.fileName = L"*.tbl";
+    base::writeFile(base::absolutePath(L"dialogs_test_doors.tbl"), "");
+    script_.lines = {"dialogs_test_doors"};
+    EXPECT_TRUE(askFile(request)->ends_with(L"dialogs_test_doors.tbl"));
+    EXPECT_EQ(script_.prompt, "Open: ");
+    std::filesystem::remove("dialogs_test_doors.tbl");
+    request = {};
+    request.save = true;
+    request.fileName = L"parts.txt";
+    script_.lines = {""};
+    EXPECT_FALSE(askFile(request));
+    EXPECT_EQ(script_.prompt, "Save as (now parts.txt; empty cancels): ");
 
     setClipboardText(L"Größe");
     EXPECT_EQ(clipboardText(), L"Größe");
@@ -433,6 +453,9 @@ TEST_P(Forms, TypingGoesWhereTheCaretIs) {
                  "key End", "key Backspace", "caret Note 3", "key Enter", "type Note: two", "press OK"});
     EXPECT_EQ(dialog.text(IDC_TAG), L"> ---O");
     EXPECT_EQ(dialog.text(IDC_NOTE), L"one\r\ntwo");
+    dialog.setReadOnly(IDC_NOTE);
+    run(dialog, {"caret Note 3", "key Enter", "close"});
+    EXPECT_EQ(dialog.text(IDC_NOTE), L"one\r\ntwo");
 }
 
 TEST_P(Forms, PagesAreDialogsLikeAnyOther) {
@@ -463,6 +486,34 @@ TEST_P(Forms, PagesAreDialogsLikeAnyOther) {
     EXPECT_EQ(inner.text(IDC_DEEP), L"down");
     EXPECT_EQ(one.parent(), &dialog);
     EXPECT_FALSE(inner.isOpen());
+}
+
+TEST_P(Forms, APageThatGoesLeavesTheFocusAtTheTab) {
+    class Page final : public Logged {
+      public:
+        Page() : Logged(IDD_PAGE_ONE) {}
+        void onCommand(int, Event) override { parent()->select(IDC_TAB, 1); }
+    } one;
+    Logged dialog(IDD_TABS), two(IDD_PAGE_TWO);
+    dialog.addPage(IDC_TAB, L"One", one);
+    dialog.addPage(IDC_TAB, L"Two", two);
+    EXPECT_EQ(run(dialog, {"Rotation = 4", "key Enter"}), kOkButton);
+    EXPECT_THAT(dialog.log, ElementsAre("init", "leave 130 for 131", "page 130 1", "leave 130 for 1", "ok"));
+}
+
+TEST_P(Forms, OnlyWindowsHaveAPlaceOfTheirOwn) {
+    class Placed final : public Logged {
+      public:
+        Placed() : Logged(IDD_FIELDS) {}
+        std::wstring savedPlacement() override { return place; }
+        void savePlacement(const std::wstring& saved) override { place = saved; }
+        std::wstring place;
+    } dialog;
+    run(dialog, {"close"});
+    EXPECT_EQ(dialog.place.empty(), !GetParam());
+    dialog.place = L"20,30,400,300";
+    run(dialog, {"close"});
+    EXPECT_TRUE(dialog.place.starts_with(L"20,30,"));
 }
 
 TEST_P(Forms, PicturesShowTheWindow) {

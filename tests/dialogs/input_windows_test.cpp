@@ -30,6 +30,7 @@ class InputDialog final : public Dialog {
     InputDialog() : Dialog(IDD_FIELDS) {
         setColumns(IDC_LIST, {{L"Tag", 60}, {L"Value", 80}});
         setRows(IDC_LIST, {{{L"WIDTH", L"12"}}, {{L"NAME", L"Door"}}});
+        for (const wchar_t* color : {L"red", L"green"}) addChoice(IDC_COLORS, color);
         addChoice(IDC_STYLE, L"Standard");
         addChoice(IDC_STYLE, L"ROMANS");
     }
@@ -49,6 +50,7 @@ class InputDialog final : public Dialog {
     }
     void onSelect(int, int row) override { note("row ", row); }
     void onDoubleClick(int, int row) override { note("double row ", row); }
+    void onHelp() override { note("help ", focused()); }
     void onOk() override {
         note("ok ", focused());
         Dialog::onOk();
@@ -161,6 +163,14 @@ TEST(RealInput, MouseKeysAndMnemonics) {
     press(VK_DOWN);
     press(VK_DOWN);
     press(VK_RETURN);
+    clickAt(
+        [&dialog] {
+            RECT place;
+            GetWindowRect(controlWindow(dialog, IDC_COLORS), &place);
+            return POINT{place.left + 10, place.top + 8};
+        },
+        2);
+    steps.push_back([&dialog] { SendMessageW(static_cast<HWND>(dialog.window()), WM_HELP, 0, 0); });
     clickRow(dialog, IDC_LIST, 1, 1);
     clickRow(dialog, IDC_LIST, 0, 2);
     pressWith(VK_SHIFT, VK_TAB);  // to a button, which Enter then presses
@@ -181,9 +191,10 @@ TEST(RealInput, MouseKeysAndMnemonics) {
     EXPECT_TRUE(dialog.isChecked(IDC_INVISIBLE));
     EXPECT_TRUE(dialog.isChecked(IDC_RIGHT));
     EXPECT_FALSE(dialog.isChecked(IDC_MIDDLE));
-    EXPECT_THAT(dialog.log, ElementsAre("bad height, going to 103", "bad height, going to 103", "pressed 103",
-                                        "pressed 105", "pressed 106", "chosen 107", "chosen 107", "row 1", "row 0",
-                                        "double row 0", "pressed 120", "ok 124"));
+    EXPECT_THAT(dialog.log,
+                ElementsAre("bad height, going to 103", "bad height, going to 103", "pressed 103", "pressed 105",
+                            "pressed 106", "chosen 107", "chosen 107", "chosen 127", "double row 0", "help 127",
+                            "row 1", "row 0", "double row 0", "pressed 120", "ok 124"));
 }
 
 }  // namespace

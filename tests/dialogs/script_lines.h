@@ -15,7 +15,8 @@ class ScriptFault : public std::runtime_error {
 
 class ScriptLines final : public dialogs::LineSource {
   public:
-    std::optional<std::wstring> next(const std::wstring&) override {
+    std::optional<std::wstring> next(const std::wstring& asked) override {
+        prompt = base::toUtf8(asked);
         const auto line = peek();
         if (line) lines.pop_front();
         return line;
@@ -29,4 +30,5 @@ class ScriptLines final : public dialogs::LineSource {
 
     std::deque<std::string> lines;
     std::string printed;
+    std::string prompt;  // the last one
 };

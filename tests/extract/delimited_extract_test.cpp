@@ -170,8 +170,26 @@ TEST_F(DelimitedExtract, LeavesTheOldFileWhenItFails) {
     database_ = OdDbDatabase::readFile(folder_ / L"plan.dxf");
     EXPECT_EQ(writeTo(folder_ / L"./plan.dxf"), 0);
     EXPECT_EQ(base::readFile(folder_ / L"plan.dxf").view(), drawingText());
-    EXPECT_EQ(writeTo(output()), 1);
-    EXPECT_EQ(written(), "'42'\r\n");
+    // Another drawing is left as well; what only speaks of sections is no drawing.
+    const struct {
+        std::string file;
+        int records;
+    } files[] = {
+        {"  0\r\nSECTION\r\n  2\r\nHEADER\r\n", 0},
+        {"999\nmade by hand\n0\nSECTION\n2\nENTITIES\n", 0},
+        {"\xEF\xBB\xBF"
+         "0\nSECTION \n2\nHEADER\n",
+         0},
+        {" 0 SECTION A\r\n", 1},
+        {"   0\r\nSECTION A\r\n", 1},
+        {"0\nSECTION", 1},
+        {"10\nSECTION\n", 1},
+    };
+    for (const auto& [file, records] : files) {
+        base::writeFile(output(), file);
+        EXPECT_EQ(writeTo(output()), records) << file;
+        EXPECT_EQ(written(), records == 0 ? file : "'42'\r\n");
+    }
 }
 
 }  // namespace

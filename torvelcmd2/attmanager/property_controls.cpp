@@ -5,6 +5,7 @@
 
 #include "base/format.h"
 #include "base/number.h"
+#include "base/text.h"
 #include "torvelcmd2/frame/module_dialog.h"
 
 namespace torvel {
@@ -76,9 +77,9 @@ std::optional<double> leadingReal(std::wstring_view text) {
     return base::parseReal(text.substr(start, end - start));
 }
 
-std::optional<OdCmColor> askHostForColor() {
+// The chooser begins at `color`.
+std::optional<OdCmColor> askHostForColor(OdCmColor color) {
     auto* const select = hostService(hostapi::selectColor);
-    OdCmColor color;
     if (select == nullptr || !select(color)) {
         return std::nullopt;
     }
@@ -119,10 +120,10 @@ std::optional<OdCmColor> COdColorProperty::fromText(const OdString& text) const 
         return OdCmColor::fromMethod(OdCmEntityColor::kByBlock);
     }
     if (text == translate(kMoreColors)) {
-        return askHostForColor();
+        return askHostForColor(value());
     }
     for (const BasicColor& basic : kBasicColors) {
-        if (text == basic.name) {
+        if (base::equalsNoCase(text, basic.name)) {
             return OdCmColor::fromRgb(basic.rgb);
         }
     }
@@ -165,6 +166,12 @@ std::optional<std::int32_t> CTLineWeightProperty::fromText(const OdString& text)
     }
     if (text == translate(kByBlock)) {
         return kLineWeightByBlock;
+    }
+    // In inches a listed text has too few digits to give its weight back as a number.
+    for (std::int32_t weight : kStandardWeights) {
+        if (text == toText(weight)) {
+            return weight;
+        }
     }
     const std::optional<double> number = text == translate(kDefault) ? std::nullopt : leadingReal(text);
     if (!number) {

@@ -17,8 +17,9 @@ constexpr wchar_t kDxxFilter[] = L"Output files (*.dxx)|*.dxx|All Files (*.*)|*.
 
 // The place of the last separator, unless it is the path's first character.
 std::size_t lastSeparator(const OdString& path) {
-    const std::size_t at = path.rfind(base::pathSeparator());
-    return at == 0 ? OdString::npos : at;
+    std::size_t at = path.size();
+    while (at > 0 && !base::isPathSeparator(path[at - 1])) --at;
+    return at <= 1 ? OdString::npos : at - 1;
 }
 
 OdString documentsFolder() {
