@@ -78,17 +78,33 @@ bool isCalled(const Control& control, std::wstring_view name, std::wstring_view 
     return false;
 }
 
-Control* findNth(const std::vector<Control*>& candidates, std::wstring_view wanted, std::size_t n) {
-    constexpr std::size_t kNames = std::tuple_size_v<Names>;
-    for (std::size_t precedence = 0; precedence < kNames; ++precedence) {
-        std::vector<Control*> alike;
-        for (Control* control : candidates) {
-            if (isCalled(*control, namesOf(*control)[precedence], wanted)) alike.push_back(control);
-        }
-        if (alike.size() >= n) return alike[n - 1];
+// The names of the controls that may be meant.
+class NameTable {
+  public:
+    NameTable(Run& run, const ControlTest& test) {
+        for (Control* control : run.shownControls())
+            if (test(*control)) entries_.push_back({control, namesOf(*control)});
     }
-    return nullptr;
-}
+
+    Control* find(std::wstring_view name) const;
+
+  private:
+    struct Entry {
+        Control* control;
+        Names names;
+    };
+
+    Control* findNth(std::wstring_view wanted, std::size_t n) const {
+        for (std::size_t precedence = 0; precedence < std::tuple_size_v<Names>; ++precedence) {
+            std::size_t alike = 0;
+            for (const Entry& entry : entries_)
+                if (isCalled(*entry.control, entry.names[precedence], wanted) && ++alike == n) return entry.control;
+        }
+        return nullptr;
+    }
+
+    std::vector<Entry> entries_;
+};
 
 // The number in "Name(2)", and the name without it.
 std::optional<std::size_t> takeNumber(std::wstring_view& name) {
@@ -99,6 +115,13 @@ std::optional<std::size_t> takeNumber(std::wstring_view& name) {
     if (!number || *number < 1) return std::nullopt;
     name = base::trimmed(name.substr(0, open));
     return static_cast<std::size_t>(*number);
+}
+
+Control* NameTable::find(std::wstring_view name) const {
+    if (Control* const found = findNth(plainName(name), 1)) return found;
+    std::wstring_view withoutNumber = base::trimmed(name);
+    const auto number = takeNumber(withoutNumber);
+    return number ? findNth(plainName(withoutNumber), *number) : nullptr;
 }
 
 }  // namespace
@@ -127,17 +150,14 @@ std::wstring nameOf(const Control& control) {
 }
 
 Control* findByName(Run& run, std::wstring_view name, const ControlTest& test) {
-    std::vector<Control*> candidates = run.shownControls();
-    std::erase_if(candidates, [&](Control* control) { return !test(*control); });
-    if (Control* const found = findNth(candidates, plainName(name), 1)) return found;
-    std::wstring_view withoutNumber = base::trimmed(name);
-    const auto number = takeNumber(withoutNumber);
-    return number ? findNth(candidates, plainName(withoutNumber), *number) : nullptr;
+    return NameTable(run, test).find(name);
 }
 
 NamedPart splitAtName(Run& run, std::wstring_view line, wchar_t separator, const ControlTest& test) {
+    if (line.find(separator) == line.npos) return {};
+    const NameTable table(run, test);
     for (std::size_t at = line.rfind(separator); at != line.npos && at > 0; at = line.rfind(separator, at - 1))
-        if (Control* const found = findByName(run, line.substr(0, at), test)) return {found, line.substr(at + 1)};
+        if (Control* const found = table.find(line.substr(0, at))) return {found, line.substr(at + 1)};
     return {};
 }
 

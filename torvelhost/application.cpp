@@ -20,7 +20,8 @@ Application::Application(const Options& options, Terminal& terminal)
       messages_(terminal),
       help_(terminal),
       folders_(*this),
-      slideView_(options.width, options.height, profile_) {
+      slideView_(options.width, options.height, profile_,
+                 [this] { return session_ && !session_->document.isModelSpaceActive(); }) {
     g_current = this;
 }
 

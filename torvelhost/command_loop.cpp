@@ -58,6 +58,7 @@ bool CommandLoop::runLine(const Reply& reply) {
     if (const HostCommand* command = findHostCommand(text)) {
         HostCommands context{application_, session_};
         runCommand(command->name, [&] { return (context.*command->body)(); });
+        if (command->changesView) application_.refresh();
     } else if (const RegisteredCommand* registered = CommandFactory::instance().find(text)) {
         runCommand(registered->name, [registered] { return runRegistered(*registered); });
     } else {

@@ -1,5 +1,6 @@
 #include "torvelhost/dialog_lines.h"
 
+#include "base/console.h"
 #include "base/text.h"
 #include "torvelhost/progress.h"
 
@@ -17,11 +18,13 @@ void DialogLines::refuse(const std::wstring& why) {
 
 DialogUse::DialogUse(bool windows, DialogLines& lines) {
     const bool scripted = lines.isScript();
+    // Lines that come through a pipe are typed by nobody who could use a window.
+    const bool person = !scripted && base::isTerminal(base::Stream::kInput);
     const dialogs::Waiting waiting = [](const std::function<void()>& wait) {
         const Progress::Pause pause;
         wait();
     };
-    if ((windows || !scripted) && dialogs::useWindows(scripted ? &lines : nullptr, waiting)) return;
+    if ((windows || person) && dialogs::useWindows(scripted ? &lines : nullptr, waiting)) return;
     dialogs::useForms(lines);
 }
 

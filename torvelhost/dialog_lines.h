@@ -22,8 +22,8 @@ class DialogLines final : public dialogs::LineSource {
     Terminal& terminal_;
 };
 
-// Dialogs are windows or forms while this lives: windows where the user wants them, and for a person where there are
-// some.
+// Dialogs are windows or forms while this lives: windows where the options want them, and for a person at a terminal
+// where there are some.
 class DialogUse {
   public:
     DialogUse(bool windows, DialogLines& lines);

@@ -20,16 +20,16 @@ using hostapi::kFirstKeyword;
 using hostapi::kValue;
 
 const HostCommand kHostCommands[] = {
-    {kUndoCommand, &HostCommands::undo},
-    {L"ZOOM", &HostCommands::zoom},
-    {L"REGEN", &HostCommands::regen},
+    {kUndoCommand, &HostCommands::undo, true},
+    {L"ZOOM", &HostCommands::zoom, true},
+    {L"REGEN", &HostCommands::regen, true},
     {L"LAYER", &HostCommands::layer},
     {L"UCS", &HostCommands::ucs},
     {L"INSERT", &HostCommands::insert},
     {L"SETVAR", &HostCommands::setVariable},
-    {L"LAYOUT", &HostCommands::layout},
-    {L"MSPACE", &HostCommands::enterViewport},
-    {L"PSPACE", &HostCommands::leaveViewport},
+    {L"LAYOUT", &HostCommands::layout, true},
+    {L"MSPACE", &HostCommands::enterViewport, true},
+    {L"PSPACE", &HostCommands::leaveViewport, true},
     {L"SAVE", &HostCommands::save},
 };
 

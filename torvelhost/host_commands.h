@@ -36,6 +36,7 @@ struct HostCommands {
 struct HostCommand {
     const wchar_t* name;
     CMD_RUNSTATUS (HostCommands::*body)();
+    bool changesView = false;  // it shows the drawing anew, so that a slide goes
 };
 // In any case; null when there is none.
 const HostCommand* findHostCommand(std::wstring_view name);

@@ -24,7 +24,7 @@ int linesFor(double angle) {
 CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, double elevation,
                          std::vector<OdDbEntityPtr>& pieces)
     : source_(source),
-      normal_(normal.normal()),
+      normal_(OdGeMatrix3d::planeToWorld(normal).zAxis()),  // also of a damaged one without length
       elevation_(elevation),
       toWorld_(OdGeMatrix3d::planeToWorld(normal)),
       pieces_(pieces),
@@ -65,6 +65,8 @@ void CurvePieces::addSegment(const BulgeSegment& segment) {
     const OdGePoint2d center =
         segment.start + chord * 0.5 + chord.perpVector() * ((1 - segment.bulge * segment.bulge) / (4 * segment.bulge));
     const OdGeVector2d radius = segment.start - center;
+    // Too flat an arc for its radius to be a number.
+    if (!std::isfinite(radius.length())) return addLine(segment.start, segment.end);
     const double start = segment.bulge > 0 ? radius.angle() : (segment.end - center).angle();
     addArc(center, radius.length(), start, start + std::fabs(segment.angle()));
 }

@@ -39,8 +39,9 @@ OdGeVector3d OdDbEllipse::minorAxis() const { return normal_.normal().crossProdu
 
 void OdDbEllipse::set(const OdGePoint3d& center, const OdGeVector3d& normal, const OdGeVector3d& majorAxis,
                       double radiusRatio, double start, double end) {
-    if (!normal.isPerpendicularTo(majorAxis) || !(radiusRatio > 0) || radiusRatio > 1 || !std::isfinite(start) ||
-        !std::isfinite(end))
+    // However small: the angle counts, not the length.
+    if (!normal.isPerpendicularTo(majorAxis.normal()) || !(radiusRatio > 0) || radiusRatio > 1 ||
+        !std::isfinite(start) || !std::isfinite(end))
         throw OdError(OdResult::invalidInput, "these axes and parameters make no ellipse");
     assertWriteEnabled();
     center_ = center;

@@ -312,12 +312,31 @@ std::vector<std::uint8_t> chunkBytes(std::string_view value, bool binary) {
     return bytes;
 }
 
+bool isScaleCode(int code) { return code >= 41 && code <= 43; }
+
+/// The scale whose first group was just read; factors that do not stand there are 1.
+OdGeScale3d takeScale(Group group, GroupCursor& cursor, const FileFormat& format) {
+    OdGeScale3d scale;
+    double* const factors[] = {&scale.sx, &scale.sy, &scale.sz};
+    for (;;) {
+        *factors[group.code - 41] = groupReal(group, format.binary).value_or(1);
+        GroupCursor ahead = cursor;
+        if (!ahead.next(group) || !isScaleCode(group.code)) return scale;
+        cursor = ahead;
+    }
+}
+
 void replay(std::string_view bytes, const FileFormat& format, OdDbDatabase& database, OdDbDxfFiler& filer) {
     GroupCursor cursor(bytes, format);
     Group group;
     if (!cursor.next(group)) return;
+    const bool isReference = group.value == "INSERT";
     while (cursor.next(group)) {
         const int code = group.code;
+        if (isReference && isScaleCode(code)) {
+            filer.wrScale3d(41, takeScale(group, cursor, format));
+            continue;
+        }
         switch (valueKind(code)) {
             case ValueKind::text:
                 if (code == 100)

@@ -1,14 +1,13 @@
 // Colours and lineweights as texts, in both units, and in the drop-downs of a dialog.
 #include "torvelcmd2/attmanager/property_controls.h"
 
-#include <deque>
 #include <gmock/gmock.h>
 
 #include "base/paths.h"
 #include "base/text.h"
-#include "dialogs/process.h"
 #include "fake_core.h"
 #include "property_controls_test.h"
+#include "tests/dialogs/script_lines.h"
 
 using namespace torvel;
 using testing::ElementsAre;
@@ -106,20 +105,6 @@ TEST_F(PropertyControls, ColorsToTextAndBack) {
                                               L"magenta", L"More Colors..."));
 }
 
-class Lines final : public dialogs::LineSource {
-  public:
-    std::optional<std::wstring> next(const std::wstring&) override {
-        if (lines.empty()) return std::nullopt;
-        std::wstring line = lines.front();
-        lines.pop_front();
-        return line;
-    }
-    void print(std::wstring_view) override {}
-    void refuse(const std::wstring& why) override { throw std::runtime_error(base::toUtf8(why)); }
-    bool isScript() const override { return true; }
-    std::deque<std::wstring> lines;
-};
-
 class PropertiesDialog final : public dialogs::Dialog {
   public:
     PropertiesDialog() : Dialog(IDD_PROPERTIES) {
@@ -146,34 +131,34 @@ class PropertiesDialog final : public dialogs::Dialog {
 };
 
 TEST_F(PropertyControls, InTheDropDownsOfADialog) {
-    Lines lines;
-    const auto run = [&](PropertiesDialog& dialog, std::deque<std::wstring> script) {
+    ScriptLines lines;
+    const auto run = [&](PropertiesDialog& dialog, std::deque<std::string> script) {
         lines.lines = std::move(script);
         ASSERT_EQ(dialog.runModal(), dialogs::kOkButton);
     };
     dialogs::useForms(lines);
     const dialogs::ResourceScope resources(base::processImage());
     PropertiesDialog chosen;
-    run(chosen, {L"Color = blue", L"Lineweight = 0.50 mm", L"press OK"});
+    run(chosen, {"Color = blue", "Lineweight = 0.50 mm", "press OK"});
     EXPECT_EQ(chosen.color.color(), OdCmColor::fromRgb(0x0000FF));
     EXPECT_EQ(chosen.weight.lineWeight(), 50);
     EXPECT_THAT(chosen.written, ElementsAre(IDC_COLOR, IDC_WEIGHT));
 
     PropertiesDialog typed;  // a typed text counts when its field is left
-    run(typed, {L"Color = 1,2,3", L"Lineweight = .3", L"press OK"});
+    run(typed, {"Color = 1,2,3", "Lineweight = .3", "press OK"});
     EXPECT_EQ(typed.color.color(), OdCmColor::fromRgb(1, 2, 3));
     EXPECT_EQ(typed.text(IDC_WEIGHT), L"0.30 mm");
     EXPECT_THAT(typed.written, ElementsAre(IDC_COLOR, IDC_WEIGHT));
 
     PropertiesDialog refused;  // no value: the old one is shown again and nothing is written
-    run(refused, {L"Color = mauve", L"Lineweight = thick", L"Color = More Colors...", L"press OK"});
+    run(refused, {"Color = mauve", "Lineweight = thick", "Color = More Colors...", "press OK"});
     EXPECT_EQ(refused.text(IDC_COLOR), L"color 30");
     EXPECT_EQ(refused.text(IDC_WEIGHT), L"Default");
     EXPECT_THAT(refused.written, ElementsAre(IDC_WEIGHT));
 
     state().chosen = OdCmColor::fromIndex(5);
     PropertiesDialog more;
-    run(more, {L"Color = More Colors...", L"press OK"});
+    run(more, {"Color = More Colors...", "press OK"});
     EXPECT_EQ(more.text(IDC_COLOR), L"blue");
     EXPECT_THAT(more.written, ElementsAre(IDC_COLOR));
     dialogs::useStandard();

@@ -3,44 +3,20 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <set>
-#include <stdexcept>
 
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "dialogs/boxes.h"
 #include "dialogs/dialog.h"
-#include "dialogs/process.h"
 #include "dialogs_test.h"
+#include "script_lines.h"
 
 using namespace dialogs;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
-
-class ScriptFault : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
-class Script final : public LineSource {
-  public:
-    std::optional<std::wstring> next(const std::wstring&) override {
-        const auto line = peek();
-        if (line) lines.pop_front();
-        return line;
-    }
-    std::optional<std::wstring> peek() override {
-        return lines.empty() ? std::nullopt : std::optional(base::fromUtf8(lines.front()));
-    }
-    void print(std::wstring_view text) override { printed += base::toUtf8(text); }
-    void refuse(const std::wstring& why) override { throw ScriptFault(base::toUtf8(why)); }
-    bool isScript() const override { return true; }
-
-    std::deque<std::string> lines;
-    std::string printed;
-};
 
 // Text with "{" and "}" around runs when it is made.
 class Value final : public RichText {
@@ -190,7 +166,7 @@ class Forms : public testing::TestWithParam<bool> {
     }
 
     ResourceScope resources_{base::processImage()};
-    Script script_;
+    ScriptLines script_;
 };
 INSTANTIATE_TEST_SUITE_P(Makers, Forms, testing::Values(false, true),
                          [](const auto& maker) { return maker.param ? "Windows" : "Forms"; });

@@ -69,6 +69,19 @@ TEST_F(Shapes, EveryMatrixTakesThePointsAlong) {
     }
 }
 
+TEST_F(Shapes, WhatIsNoCurveIsRefused) {
+    const auto curve = OdDbEllipse::createObject();
+    curve->set({}, OdGeVector3d::kZAxis, {1e-12, 0, 0}, 1);
+    EXPECT_EQ(curve->pointAtParam(0), OdGePoint3d(1e-12, 0, 0)) << "however small";
+    EXPECT_THROW(curve->set({}, OdGeVector3d::kZAxis, {}, 1), OdError);
+    EXPECT_THROW(curve->set({}, OdGeVector3d::kZAxis, {1, 0, 1}, 1), OdError);
+    EXPECT_THROW(curve->set({}, OdGeVector3d::kZAxis, {1, 0, 0}, 1.5), OdError);
+    EXPECT_THROW(curve->set({}, OdGeVector3d::kZAxis, {1, 0, 0}, 0), OdError);
+    EXPECT_THROW(OdDbSpline::createObject()->setFitPoints({{1, 1, 1}, {1, 1, 1}}), OdError);
+    EXPECT_THROW(OdDbSpline::createObject()->setNurbs(2, {0, 0, 0, 1, 1}, {{}, {}, {}}), OdError)
+        << "a knot is missing";
+}
+
 TEST_F(Shapes, ExtentsAreTight) {
     for (int i = 0; i < 50; ++i)
         for (const OdSmartPtr<OdDbCurve>& curve :

@@ -30,7 +30,7 @@ const std::string k70 = textFile(
     ">10|4.000000|>20|0.000000|>30|0.000000|EOF|");
 const std::string k50 = textFile(
     ">5|50|wrSubclassMarker: AcDbEntity|>8|WALLS|wrSubclassMarker: AcDbBlockReference|>66|1|>2|door|"
-    ">10|12.500000|>20|-3.000000|>30|0.250000|>41|2.0000|>42|-1.0000|>43|3.0000|>50|1.57|EOF|");
+    ">10|12.500000|>20|-3.000000|>30|0.250000|>10|2.000000|>20|-1.000000|>30|3.000000|>50|1.57|EOF|");
 
 TEST_F(DxfExtract, WritesTheReferencesOfASelectionInItsOrder) {
     EXPECT_EQ(writeDxfExtract(objects({0x60, 0x80, 0x70, 0x51, 0x50}), output(), L""), 3);

@@ -139,5 +139,27 @@ TEST(Picture, CutsAtAClip) {
     EXPECT_EQ(pixels.at(15, 20), kWhite);
 }
 
+TEST(Picture, CutsAreasAtAClipThatIsNotConvex) {
+    // A frame between two contours, in a clip that looks like a U, by both rules.
+    const Picture::Contour clip = {{10, 10}, {30, 10}, {30, 60}, {60, 60}, {60, 10}, {80, 10}, {80, 90}, {10, 90}};
+    const std::vector<Picture::Contour> frame = {{{0, 0}, {100, 0}, {100, 100}, {0, 100}},
+                                                 {{20, 20}, {20, 80}, {70, 80}, {70, 20}}};
+    for (const FillRule rule : {FillRule::kEvenOdd, FillRule::kNonZero}) {
+        for (const bool reversed : {false, true}) {
+            Picture picture(100, 100, kWhite);
+            picture.setClip(reversed ? Picture::Contour(clip.rbegin(), clip.rend()) : clip);
+            picture.addArea(frame, kBlue, rule);
+            const Pixels pixels(picture);
+            for (int y = 0; y < 100; ++y) {
+                for (int x = 0; x < 100; ++x) {
+                    const bool inClip = x >= 10 && x < 80 && y >= 10 && y < 90 && !(x >= 30 && x < 60 && y < 60);
+                    const bool inHole = x >= 20 && x < 70 && y >= 20 && y < 80;
+                    ASSERT_EQ(pixels.at(x, y), inClip && !inHole ? kBlue : kWhite) << x << ',' << y;
+                }
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace host

@@ -169,6 +169,18 @@ class PlotTest(unittest.TestCase):
         self.assertTrue(any(math.dist(points[-1], (640, 500)) < 0.1 for points, _, _ in plot.lines(YELLOW)))
         self.assertEqual(len(plot.lines(YELLOW)), 6)
 
+    def test_dashes_run_round_bends_and_begin_anew_at_corners(self):
+        self.doc.linetypes.add("DASHED", [30.0, 20.0, -10.0])
+        bent = [(100, 100, 1), (300, 100, 0), (300, 200, 0)]
+        for shift, color, flags in ((0, 1, 0), (200, 3, 128)):
+            polyline = self.msp.add_lwpolyline([(x, y + shift, bulge) for x, y, bulge in bent], format="xyb",
+                                               dxfattribs={"linetype": "DASHED", "color": color})
+            polyline.dxf.flags = flags
+        plot = self.plot()
+        arc = math.pi * 100
+        self.assertEqual(len(plot.lines(RED)), int(arc // 30) + 1 + 100 // 30 + 1)
+        self.assertEqual(len(plot.lines(GREEN)), int((arc + 100) // 30) + 1)
+
     def test_points_as_the_drawing_wants_them(self):
         self.msp.add_point((100, 100), dxfattribs={"color": 1})
         (area,) = self.plot().areas(RED)
@@ -377,9 +389,11 @@ class PlotTest(unittest.TestCase):
             self.msp.add_mesh()
         self.doc.add_xref_def("other.dxf", "OTHER")
         self.msp.add_blockref("OTHER", (0, 0))
+        clipped = self.msp.add_blockref("PART", (0, 0)).new_extension_dict()
+        clipped.dictionary.add_new_dict("ACAD_FILTER").add_xrecord("SPATIAL")
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 external reference", self.errors)
+        self.assertIn("not drawn: 1 BODY, 3 MESH, 1 clip of INSERT, 1 external reference", self.errors)
 
     # ---- layouts
 
@@ -398,9 +412,24 @@ class PlotTest(unittest.TestCase):
         self.assertLines(plot, [[(0, 0), (10, 0)]], BLUE)
         self.assertLines(plot, [[(100, 300), (300, 300)], [(600, 250), (600, 350)]], GREEN, tolerance=0.6)
         self.assertLines(plot, [[(200, 300), (200, 350)]], RED, tolerance=0.6)
+        self.assertEqual(len(plot.areas()), 0)
         frames = [sorted(points[:4]) for points, _, _ in plot.lines() if len(points) == 5]
         self.assertIn(sorted([(100, 250), (100, 350), (300, 250), (300, 350)]), frames)
         self.assertEqual(plot.lines("#00ffff"), [])
+
+    def test_viewports_may_have_any_outline(self):
+        self.msp.add_line((-100, 0), (100, 0), dxfattribs={"color": 3})
+        hatch = self.msp.add_hatch(color=1)
+        hatch.paths.add_polyline_path([(-100, 10), (100, 10), (100, 20), (-100, 20)])
+        layout = self.doc.layout("Layout1")
+        outline = layout.add_lwpolyline([(300, 200), (500, 200), (400, 400)], close=True, dxfattribs={"color": 5})
+        viewport = layout.add_viewport(center=(400, 300), size=(200, 200), view_center_point=(0, 0), view_height=200)
+        viewport.dxf.flags = viewport.dxf.flags | 0x10000
+        viewport.dxf.clipping_boundary_handle = outline.dxf.handle
+        plot = self.plot("LAYOUT|Layout1")
+        self.assertLines(plot, [[(350, 300), (450, 300)]], GREEN, tolerance=0.6)
+        self.assertBox(plot.areas(RED)[0].contours[0], (355, 310, 445, 320), tolerance=0.6)
+        self.assertEqual(len(plot.lines()), 2)  # the outline shows by itself
 
     # ---- faults and sizes
 

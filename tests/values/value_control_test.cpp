@@ -1,35 +1,19 @@
 // A value with fields in the rich edit of a dialog: as a form, and on Windows as a window too.
 #include "torvelcmd2/attributes/value_control.h"
 
-#include <deque>
 #include <gmock/gmock.h>
 
 #include "base/text.h"
 #include "dialogs/dialog.h"
-#include "dialogs/process.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/text.h"
+#include "tests/dialogs/script_lines.h"
 #include "value_control_test.h"
 
 using torvel::CFEdCtrl;
 
 namespace {
-
-class Lines final : public dialogs::LineSource {
-  public:
-    std::optional<std::wstring> next(const std::wstring&) override {
-        if (lines.empty()) return std::nullopt;
-        std::wstring line = base::fromUtf8(lines.front());
-        lines.pop_front();
-        return line;
-    }
-    void print(std::wstring_view text) override { printed += base::toUtf8(text); }
-    void refuse(const std::wstring& why) override { throw std::runtime_error(base::toUtf8(why)); }
-    bool isScript() const override { return true; }
-    std::deque<std::string> lines;
-    std::string printed;
-};
 
 class ValueControl : public testing::TestWithParam<bool> {
   protected:
@@ -73,7 +57,7 @@ class ValueControl : public testing::TestWithParam<bool> {
 
     OdDbDatabasePtr database_ = OdDbDatabase::createNew();
     OdSmartPtr<OdDbText> text_ = OdDbText::createObject();
-    Lines lines_;
+    ScriptLines lines_;
     std::string code_;
 };
 INSTANTIATE_TEST_SUITE_P(Makers, ValueControl, testing::Values(false, true),

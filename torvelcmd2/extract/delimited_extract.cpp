@@ -198,12 +198,12 @@ ExtractSettings& extractSettings() {
     return settings;
 }
 
-std::string delimitedText(std::string_view templateBytes, const OdDbObjectIdArray& references,
-                          ExtractSettings& settings) {
+std::optional<std::string> delimitedText(std::string_view templateBytes, const OdDbObjectIdArray& references,
+                                         ExtractSettings& settings) {
     const std::string text = inCodePage(base::untilEndMark(templateBytes), drawingOf(references));
     const std::vector<ExtractField> fields = parseExtractTemplate(text, settings);
+    if (fields.empty()) return std::nullopt;
     std::string bytes;
-    if (fields.empty()) return bytes;
     if (settings.format == ExtractFormat::spaceDelimited) appendHeader(bytes, fields);
     Records records(fields);
     for (const OdDbObjectId id : references) appendRecord(bytes, fields, records.fill(id), settings);
@@ -213,11 +213,11 @@ std::string delimitedText(std::string_view templateBytes, const OdDbObjectIdArra
 int writeDelimitedExtract(const OdString& templatePath, const OdString& outputPath,
                           const OdDbObjectIdArray& references) {
     try {
-        const std::string bytes = delimitedText(base::readFile(templatePath).view(), references, extractSettings());
-        if (bytes.empty()) return 0;
+        const auto bytes = delimitedText(base::readFile(templatePath).view(), references, extractSettings());
+        if (!bytes) return 0;
         const auto output = openExtractOutput(outputPath, drawingOf(references));
         if (output == nullptr) return 0;
-        output->write(bytes);
+        output->write(*bytes);
         output->commit();
         return static_cast<int>(references.size());
     } catch (const base::FileError&) {

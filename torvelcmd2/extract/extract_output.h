@@ -14,7 +14,7 @@ namespace torvel {
 void appendLines(std::string& bytes, std::string_view text);
 
 /// Opens the output without touching what is there yet. Null when it cannot be written, or when it is the file of the
-/// drawing that the extract is made from.
+/// drawing that the extract is made from or any other drawing.
 std::unique_ptr<base::AtomicFile> openExtractOutput(const OdString& path, const OdDbDatabase* drawing);
 
 }  // namespace torvel

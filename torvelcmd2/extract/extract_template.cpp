@@ -50,7 +50,7 @@ std::string_view takeWord(std::string_view& text) {
 }
 
 int leadingInteger(std::string_view digits) {
-    if (digits.starts_with('+')) digits.remove_prefix(1);
+    if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
     int number = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), number);
     return number;

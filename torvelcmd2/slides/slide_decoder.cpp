@@ -158,5 +158,5 @@ void decodeSlide(std::string_view bytes, slidePainter& painter) {
 }  // namespace torvel
 
 void loadAndDrawVSlide(const CXStringW& name, slidePainter* painter) {
-    torvel::decodeSlide(torvel::loadSlide(name), *painter);
+    if (painter != nullptr) torvel::decodeSlide(torvel::loadSlide(name), *painter);
 }

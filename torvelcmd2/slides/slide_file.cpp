@@ -31,6 +31,9 @@ std::uint32_t offsetAt(std::string_view bytes) {
 }
 
 base::FileBuffer readSlideFile(const OdString& path) {
+    // A device may have no end.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(base::toPath(path), error)) fail(CXException::kNotASlide, path);
     try {
         return base::readFile(path);
     } catch (const base::FileError&) {

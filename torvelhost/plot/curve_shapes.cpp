@@ -48,7 +48,7 @@ void Shapes::addCircle(const OdDbCircle& circle, double start, double sweep) {
     const double radius = circle.radius();
     const OdGeVector3d x = plane.xAxis() * radius, y = plane.yAxis() * radius;
     const int steps = stepsOf(radius, sweep);
-    list_.begin(DisplayList::Kind::kPolylineThroughout);
+    list_.begin(DisplayList::Kind::kPolyline);
     for (int i = 0; i <= steps; ++i) {
         const double angle = start + sweep * i / steps;
         list_.addPoint(center + x * std::cos(angle) + y * std::sin(angle));
@@ -63,7 +63,7 @@ void Shapes::addCurve(const OdDbCurve& curve) {
     OdGeExtents3d box;
     double tolerance = kTolerance * pixel_;
     if (!(tolerance > 0)) tolerance = curve.geomExtents(box) ? box.diagonal().length() / 2000 : 0;
-    list_.begin(DisplayList::Kind::kPolylineThroughout);
+    list_.begin(DisplayList::Kind::kPolyline);
     const std::function<void(double, const OdGePoint3d&, double, const OdGePoint3d&, int)> halve =
         [&](double from, const OdGePoint3d& a, double to, const OdGePoint3d& b, int depth) {
             const double middle = (from + to) / 2;
@@ -139,6 +139,7 @@ void Shapes::addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, b
                              const OdGeMatrix3d& toWorld, double elevation) {
     if (vertices.empty()) return;
     std::vector<WideSegment> segments;
+    std::vector<std::size_t> sides;  // where each begins among the segments
     bool isWide = false;
     std::vector<OdGePoint2d> ends;
     for (std::size_t i = 0; i + (closed ? 0 : 1) < vertices.size(); ++i) {
@@ -148,6 +149,7 @@ void Shapes::addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, b
         ends.assign(1, from.point);
         addBulge(from.point, to.point, from.bulge, [&](const OdGePoint2d& point) { ends.push_back(point); });
         const double widening = (from.endWidth - from.startWidth) / static_cast<double>(ends.size() - 1);
+        sides.push_back(segments.size());
         for (std::size_t k = 1; k < ends.size(); ++k)
             segments.push_back({ends[k - 1], ends[k], from.startWidth + widening * static_cast<double>(k - 1),
                                 from.startWidth + widening * static_cast<double>(k)});
@@ -156,9 +158,17 @@ void Shapes::addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, b
     const auto add = [&](const OdGePoint2d& point) {
         list_.addPoint(toWorld * OdGePoint3d(point.x, point.y, elevation));
     };
-    list_.begin(throughout ? DisplayList::Kind::kPolylineThroughout : DisplayList::Kind::kPolyline);
+    list_.begin(throughout ? DisplayList::Kind::kPolyline : DisplayList::Kind::kSides);
+    std::size_t side = 0;
     add(vertices[0].point);
-    for (const WideSegment& segment : segments) add(segment.end);
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        if (!throughout && i > 0 && side + 1 < sides.size() && i == sides[side + 1]) {
+            ++side;
+            list_.endContour();
+            add(segments[i].start);
+        }
+        add(segments[i].end);
+    }
     list_.end();
 }
 

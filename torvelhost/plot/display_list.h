@@ -14,13 +14,13 @@ namespace host {
 class DisplayList {
   public:
     enum class Kind : std::uint8_t {
-        kPolyline,            // in the entity's linetype, which begins anew at each corner
-        kPolylineThroughout,  // the linetype runs on round the corners
-        kStrokes,             // many polylines, always continuous
-        kArea,                // even-odd
-        kUnion,               // areas that overlap
-        kMask,                // an area of the paper's colour
-        kRay,                 // two points: where it begins, and another
+        kPolyline,  // in the entity's linetype, which runs on round corners
+        kSides,     // the same, but the linetype begins anew at each side: a contour a side, end to end
+        kStrokes,   // many polylines, always continuous
+        kArea,      // even-odd
+        kUnion,     // areas that overlap
+        kMask,      // an area of the paper's colour
+        kRay,       // two points: where it begins, and another
         kInfiniteLine,
         kMarker,  // a point
         kReference,

@@ -153,7 +153,7 @@ void Shapes::addMultiLine(const std::vector<PlotGroup>& groups) {
     const PlotGroup* flags = findGroup(groups, 71);
     for (Corners& corners : lines) {
         if (flags && (flags->integer & 2)) corners.push_back(corners.front());
-        list_.add(DisplayList::Kind::kPolylineThroughout, corners);
+        list_.add(DisplayList::Kind::kPolyline, corners);
     }
 }
 

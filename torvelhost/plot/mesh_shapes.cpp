@@ -41,7 +41,7 @@ void Shapes::addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGr
     }
     if (m == 0 || n == 0 || corners.size() < m * n) return;
     const auto addLine = [&](std::size_t first, std::size_t count, std::size_t step, bool closed) {
-        list_.begin(DisplayList::Kind::kPolylineThroughout);
+        list_.begin(DisplayList::Kind::kPolyline);
         for (std::size_t i = 0; i < count; ++i) list_.addPoint(corners[first + i * step]);
         if (closed) list_.addPoint(corners[first]);
         list_.end();

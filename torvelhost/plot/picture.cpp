@@ -25,14 +25,25 @@ bool isSame(const Picture::Point& a, const OdGePoint2d& b) {
 
 // Keeps of a polygon what lies on the inner side of a line: `side` is not negative there.
 template <typename Side>
-void cutPolygon(const Picture::Contour& polygon, Picture::Contour& kept, const Side& side) {
-    kept.clear();
+void cutBySide(Picture::Contour& polygon, const Side& side) {
+    Picture::Contour kept;
     for (std::size_t i = 0, last = polygon.size() - 1; i < polygon.size(); last = i++) {
         const double before = side(polygon[last]), here = side(polygon[i]);
         if ((before < 0.0) != (here < 0.0))
             kept.push_back(polygon[last] + (polygon[i] - polygon[last]) * (before / (before - here)));
         if (here >= 0.0) kept.push_back(polygon[i]);
     }
+    polygon = std::move(kept);
+}
+
+// What lies in a convex polygon that turns left.
+Picture::Contour cutByPolygon(Picture::Contour contour, const Picture::Contour& convex) {
+    for (std::size_t i = 0, last = convex.size() - 1; i < convex.size(); last = i++) {
+        const OdGePoint2d corner = convex[last];
+        const OdGeVector2d side = convex[i] - corner;
+        cutBySide(contour, [&](const OdGePoint2d& point) { return side.crossProduct(point - corner); });
+    }
+    return contour;
 }
 
 double signedArea(const Picture::Contour& polygon) {
@@ -218,29 +229,41 @@ void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, Fi
     shapes_.back().rule = rule;
     for (const Contour& contour : contours) {
         if (contour.size() < 3 || !std::all_of(contour.begin(), contour.end(), canBeCut)) continue;
-        scratch_ = contour;
-        const auto cut = [this](const auto& side) {
-            if (scratch_.empty()) return;
-            cutPolygon(scratch_, scratch2_, side);
-            scratch_.swap(scratch2_);
-        };
-        cut([this](const OdGePoint2d& point) { return point.x - low_.x; });
-        cut([this](const OdGePoint2d& point) { return high_.x - point.x; });
-        cut([this](const OdGePoint2d& point) { return point.y - low_.y; });
-        cut([this](const OdGePoint2d& point) { return high_.y - point.y; });
-        for (std::size_t i = 0, last = clip_.size() - 1; clipIsConvex_ && i < clip_.size(); last = i++) {
-            const OdGePoint2d corner = clip_[last];
-            const OdGeVector2d side = clip_[i] - corner;
-            cut([&](const OdGePoint2d& point) { return side.crossProduct(point - corner); });
-        }
-        const std::size_t begin = points_.size();
-        for (const OdGePoint2d& point : scratch_) addPoint(point);
-        if (points_.size() - begin < 3)
-            points_.resize(begin);
+        Contour inBox = contour;
+        cutBySide(inBox, [this](const OdGePoint2d& point) { return point.x - low_.x; });
+        cutBySide(inBox, [this](const OdGePoint2d& point) { return high_.x - point.x; });
+        cutBySide(inBox, [this](const OdGePoint2d& point) { return point.y - low_.y; });
+        cutBySide(inBox, [this](const OdGePoint2d& point) { return high_.y - point.y; });
+        if (clip_.empty() || inBox.empty())
+            addContour(inBox);
+        else if (clipIsConvex_)
+            addContour(cutByPolygon(inBox, clip_));
         else
-            endContour();
+            addInTriangles(inBox);
     }
     if (shapes_.back().contourCount == 0) shapes_.pop_back();
+}
+
+// What lies in any polygon is what lies in the triangles between its first corner and its sides, where those that turn
+// the other way round take away.
+void Picture::addInTriangles(const Contour& contour) {
+    for (std::size_t i = 2; i < clip_.size(); ++i) {
+        Contour triangle = {clip_[0], clip_[i - 1], clip_[i]};
+        const bool takesAway = signedArea(triangle) < 0;
+        if (takesAway) std::swap(triangle[1], triangle[2]);
+        Contour part = cutByPolygon(contour, triangle);
+        if (takesAway) std::reverse(part.begin(), part.end());
+        addContour(part);
+    }
+}
+
+void Picture::addContour(const Contour& contour) {
+    const std::size_t begin = points_.size();
+    for (const OdGePoint2d& point : contour) addPoint(point);
+    if (points_.size() - begin < 3)
+        points_.resize(begin);
+    else
+        endContour();
 }
 
 bool isPictureFileName(std::wstring_view path) {

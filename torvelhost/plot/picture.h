@@ -53,7 +53,7 @@ class Picture {
     // Each contour is closed by itself.
     void addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule = FillRule::kEvenOdd);
 
-    // Cuts off what is drawn from now on at a simple polygon; an area is cut at the box around one that is not convex.
+    // Cuts off what is drawn from now on at a polygon.
     void setClip(const Contour& polygon);
     void clearClip();
     // What can be seen of the picture: nothing outside this box shows.
@@ -72,6 +72,8 @@ class Picture {
     void endPolyline(const Pen& pen, std::size_t firstPoint);
     void addDot(const OdGePoint2d& center, const Pen& pen);
     void endContour();
+    void addContour(const Contour& contour);
+    void addInTriangles(const Contour& contour);
 
     int width_, height_;
     std::uint32_t background_;
@@ -81,7 +83,6 @@ class Picture {
     std::vector<Shape> shapes_;
     std::vector<std::uint32_t> contourEnds_;
     std::vector<Point> points_;
-    Contour scratch_, scratch2_;
 };
 
 // The file's contents.

@@ -117,6 +117,8 @@ void append(void* out, void* data, int size) {
 
 std::string pngBytes(const Picture& picture) {
     Painter painter(picture);
+    // Rows of one colour, and the edges of thin lines, are smallest as they stand.
+    stbi_write_force_png_filter = 0;
     std::string bytes;
     stbi_write_png_to_func(append, &bytes, picture.width(), picture.height(), 3, painter.paint().data(),
                            picture.width() * 3);

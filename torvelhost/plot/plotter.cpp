@@ -26,6 +26,14 @@ double scaleOf(const OdGeMatrix3d& m) {
         std::max({m.xAxis().xy().lengthSquared(), m.yAxis().xy().lengthSquared(), m.zAxis().xy().lengthSquared()}));
 }
 
+// A reference may show a part of its block only; here it shows all of it.
+bool hasClip(const OdDbEntity& entity) {
+    if (!entity.isKindOf(OdDbBlockReference::desc())) return false;
+    const auto dictionary = entity.extensionDictionary().openIf<OdDbDictionary>();
+    const auto filters = dictionary ? dictionary->getAt(L"ACAD_FILTER").openIf<OdDbDictionary>() : OdDbDictionaryPtr();
+    return filters && !filters->getAt(L"SPATIAL").isNull();
+}
+
 // What the picture shows of a plane seen from above, or nothing when the plane is seen at an angle.
 std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d& toPixels) {
     const OdGeVector2d x = toPixels.xAxis().xy(), y = toPixels.yAxis().xy();
@@ -65,7 +73,13 @@ void Plotter::setUp(Shapes& shapes) const {
 
 void Plotter::add(Shapes& shapes, OdDbObjectId id) {
     const auto entity = id.openIf<OdDbEntity>();
-    if (entity && !shapes.add(*entity) && counted_.insert(id).second) ++notDrawn_[entity->dxfName()];
+    if (!entity) return;
+    if (!shapes.add(*entity)) count(id, entity->dxfName());
+    if (hasClip(*entity)) count(id, "clip of INSERT");
+}
+
+void Plotter::count(OdDbObjectId id, const std::string& kind) {
+    if (counted_.insert(id).second) ++notDrawn_[kind];
 }
 
 void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit) {
@@ -98,8 +112,8 @@ const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
     shapes.setInBlock(true);
     forEachInDrawOrder(block, [&](OdDbObjectId id) { add(shapes, id); });
     if (const auto record = block.openIf<OdDbBlockTableRecord>();
-        record && record->isFromExternalReference() && list.items().empty() && counted_.insert(block).second)
-        ++notDrawn_["external reference"];
+        record && record->isFromExternalReference() && list.items().empty())
+        count(block, "external reference");
     return blockLists_[{block, size}] = std::move(list);
 }
 
@@ -139,11 +153,21 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
     };
     switch (item.kind) {
         case Kind::kPolyline:
-        case Kind::kPolylineThroughout:
             project(0);
-            if (item.kind == Kind::kPolylineThroughout || !look.dashes) return drawLine(points_, look);
-            for (std::size_t i = 1; i < points_.size(); ++i) drawLine(std::span(points_).subspan(i - 1, 2), look);
-            return;
+            return drawLine(points_, look);
+        case Kind::kSides: {
+            if (look.dashes) {
+                for (std::size_t i = 0; i < item.count; ++i) {
+                    project(i);
+                    drawLine(points_, look);
+                }
+                return;
+            }
+            points_.clear();
+            for (std::size_t i = 0; i < item.count; ++i)
+                for (const OdGePoint3d& point : list.contour(item.first + i)) points_.push_back(flat(toPixels, point));
+            return drawLine(points_, look);
+        }
         case Kind::kStrokes:
             for (std::size_t i = 0; i < item.count; ++i) {
                 project(i);
@@ -255,10 +279,10 @@ void Plotter::drawReference(const DisplayList& list, const DisplayList::Referenc
     if (styles_.isFrozen(style)) return;
     const Bounds block = bounds_.of(reference.block);
     double size = 0;
-    // Cells that are closer than half a pixel are not told apart.
+    // Cells that are closer than a pixel are not told apart.
     const auto strideOf = [&](const OdGeVector3d& step, int count) {
         const double pixels = (toPixels * step).xy().length();
-        return pixels > 0.5 ? 1 : pixels > 0 ? static_cast<int>(std::min(0.5 / pixels, 32767.0)) + 1 : count;
+        return pixels > 1 ? 1 : pixels > 0 ? static_cast<int>(std::min(1 / pixels, 32767.0)) + 1 : count;
     };
     const int columnStride = strideOf(reference.columnStep, reference.columns),
               rowStride = strideOf(reference.rowStep, reference.rows);
@@ -286,18 +310,18 @@ void Plotter::drawReference(const DisplayList& list, const DisplayList::Referenc
 void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style) {
     const double scale = scaleOf(toPixels);
     if (!(scale > 0) || !std::isfinite(scale)) return;
+    // A block inside itself is a fault of the file.
+    if (inside_.size() == kDeepestNesting || std::find(inside_.begin(), inside_.end(), block) != inside_.end()) return;
+    if (++cells_ > kMostCells) {
+        ++notDrawn_["INSERT"];
+        return;
+    }
     const Bounds& bounds = bounds_.of(block);
     double size = 0;
     if (!bounds.endless && bounds.box.isValid() && isVisible(bounds.box, toPixels, size) && size < 0.5) {
         // Whatever it holds, it is a dot.
         const OdGePoint2d place = flat(toPixels, bounds.box.center());
         if (!styles_.isHidden(style)) picture_.addPolyline(std::span(&place, 1), {styles_.lookOf(style).color, 1.0});
-        return;
-    }
-    // A block inside itself is a fault of the file.
-    if (inside_.size() == kDeepestNesting || std::find(inside_.begin(), inside_.end(), block) != inside_.end()) return;
-    if (++cells_ > kMostCells) {
-        ++notDrawn_["INSERT"];
         return;
     }
     inside_.push_back(block);
@@ -316,8 +340,13 @@ std::vector<OdGePoint2d> Plotter::viewportClip(const OdDbViewport& viewport, OdD
         shapes.setInBlock(true);  // clips on a hidden layer too
         shapes.add(*entity);
         for (const DisplayList::Item& item : list.items()) {
-            if (item.kind != Kind::kPolyline && item.kind != Kind::kPolylineThroughout) continue;
-            for (const OdGePoint3d& point : list.contour(item.first)) corners.push_back(flat(paperToPixels, point));
+            if (item.kind != Kind::kPolyline && item.kind != Kind::kSides) continue;
+            for (std::size_t i = 0; i < item.count; ++i) {
+                for (const OdGePoint3d& point : list.contour(item.first + i)) {
+                    const OdGePoint2d corner = flat(paperToPixels, point);
+                    if (corners.empty() || !corners.back().isEqualTo(corner, {1e-6, 1e-6})) corners.push_back(corner);
+                }
+            }
             if (corners.size() > 1 && corners.front().isEqualTo(corners.back(), {1e-6, 1e-6})) corners.pop_back();
             break;
         }

@@ -35,6 +35,7 @@ class Plotter {
 
     void setUp(Shapes& shapes) const;
     void add(Shapes& shapes, OdDbObjectId id);
+    void count(OdDbObjectId id, const std::string& kind);
     const DisplayList& blockList(OdDbObjectId block, double scale);
     void drawList(const DisplayList& list, const OdGeMatrix3d& toPixels, const Style* inside);
     void drawItem(const DisplayList& list, const DisplayList::Item& item, const OdGeMatrix3d& toPixels,

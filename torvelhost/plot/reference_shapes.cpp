@@ -46,7 +46,7 @@ bool Shapes::add(const OdDbEntity& entity) {
     list_.setStyle(style);
     if (is(OdDbLine::desc())) {
         const auto& line = static_cast<const OdDbLine&>(entity);
-        list_.add(DisplayList::Kind::kPolylineThroughout, Corners{line.startPoint(), line.endPoint()});
+        list_.add(DisplayList::Kind::kPolyline, Corners{line.startPoint(), line.endPoint()});
     } else if (is(OdDbBlockReference::desc())) {
         addReference(static_cast<const OdDbBlockReference&>(entity));
     } else if (is(OdDbAttributeText::desc())) {
@@ -64,7 +64,7 @@ bool Shapes::add(const OdDbEntity& entity) {
         const auto& polyline = static_cast<const OdDb3dPolyline&>(entity);
         for (const OdDbOldPolyline::Vertex& vertex : polyline.vertices()) corners.push_back(vertex.point);
         if (polyline.isClosed() && !corners.empty()) corners.push_back(corners.front());
-        list_.add(DisplayList::Kind::kPolylineThroughout, corners);
+        list_.add(DisplayList::Kind::kPolyline, corners);
     } else if (is(OdDbArc::desc())) {
         const auto& arc = static_cast<const OdDbArc&>(entity);
         addCircle(arc, arc.startParam(), arc.endParam() - arc.startParam());
@@ -101,7 +101,7 @@ void Shapes::addReference(const OdDbBlockReference& reference) {
 void Shapes::addWipeout(const OdDbWipeout& wipeout) {
     const Corners boundary = wipeout.boundary();
     list_.add(DisplayList::Kind::kMask, boundary);
-    if (wipeoutFrames_) list_.add(DisplayList::Kind::kPolylineThroughout, boundary);
+    if (wipeoutFrames_) list_.add(DisplayList::Kind::kPolyline, boundary);
 }
 
 bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {

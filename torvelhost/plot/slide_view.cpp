@@ -11,7 +11,7 @@ void SlideView::size(int& width, int& height) {
 
 void SlideView::prepare() {
     std::int32_t background = 0;
-    settings_.readInteger(L"Colors", L"Background", background);
+    settings_.readInteger(L"Colors", isPaper_() ? L"LayoutPaper" : L"Background", background);
     picture_.emplace(width_, height_, static_cast<std::uint32_t>(background) & 0xFFFFFF);
 }
 

@@ -1,7 +1,9 @@
 // The view as slides see it.
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 #include "hostapi/settings.h"
 #include "hostapi/slides.h"
@@ -11,8 +13,10 @@ namespace host {
 
 class SlideView final : public HostSlideView {
   public:
-    /// Size in pixels. The background is the settings' ("Colors", "Background"), else black.
-    SlideView(int width, int height, IProfile& settings) : width_(width), height_(height), settings_(settings) {}
+    /// Size in pixels. The background is the settings' ("Colors", "Background", or "LayoutPaper" where the user draws
+    /// on a layout's paper), else black.
+    SlideView(int width, int height, IProfile& settings, std::function<bool()> isPaper)
+        : width_(width), height_(height), settings_(settings), isPaper_(std::move(isPaper)) {}
 
     void size(int& width, int& height) override;
     void prepare() override;
@@ -29,6 +33,7 @@ class SlideView final : public HostSlideView {
 
     int width_, height_;
     IProfile& settings_;
+    std::function<bool()> isPaper_;
     std::uint32_t color_ = 0;
     std::optional<Picture> picture_;
 };
