@@ -54,6 +54,7 @@ function(torvel_fuzzer name)
     cmake_path(ABSOLUTE_PATH arg_DICTIONARY BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
     set(dictionary "-dict=${arg_DICTIONARY}")
   endif()
-  torvel_add_test(${name} ${name} -max_total_time=${TORVEL_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=4096
+  # Always the same row of inputs, so that a test that fails can be run again; runs by hand take another seed.
+  torvel_add_test(${name} ${name} -seed=1 -max_total_time=${TORVEL_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=4096
                   "-artifact_prefix=${CMAKE_CURRENT_BINARY_DIR}/${name}_" ${dictionary} "${found}" "${arg_CORPUS}")
 endfunction()

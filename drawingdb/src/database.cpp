@@ -130,11 +130,20 @@ OdDbObjectId OdDbDatabase::getObjectId(OdDbHandle handle) const {
     Stub* stub = core_->byHandle(handle.value());
     return stub && !stub->has(Stub::unborn) ? OdDbObjectId(stub) : OdDbObjectId();
 }
+namespace {
+/// A record in a damaged table may be of another kind.
+template <class Record>
+OdDbObjectId recordOf(Stub* found) {
+    const OdDbObjectId id(found);
+    return found && id.isKindOf(Record::desc()) ? id : OdDbObjectId();
+}
+}  // namespace
+
 OdDbObjectId OdDbDatabase::findBlock(const OdString& name) const {
-    return OdDbObjectId(core_->findRecord("BLOCK_RECORD", name));
+    return recordOf<OdDbBlockTableRecord>(core_->findRecord("BLOCK_RECORD", name));
 }
 OdDbObjectId OdDbDatabase::findLayer(const OdString& name) const {
-    return OdDbObjectId(core_->findRecord("LAYER", name));
+    return recordOf<OdDbLayerTableRecord>(core_->findRecord("LAYER", name));
 }
 OdDbObjectId OdDbDatabase::findTextStyle(const OdString& name) const {
     return OdDbObjectId(core_->findRecord("STYLE", name));

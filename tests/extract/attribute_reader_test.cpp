@@ -15,8 +15,10 @@ void compareAttributes(const std::filesystem::path& path, int& count) {
     const auto blocks = database->blockTableId().openIf<OdDbSymbolTable>();
     if (!blocks) return;
     OdDbAttributeReader reader;
-    for (const OdDbObjectId block : blocks->records()) {
-        for (const OdDbObjectId entity : block.openAs<OdDbBlockTableRecord>()->entities()) {
+    for (const OdDbObjectId record : blocks->records()) {
+        const auto block = record.openIf<OdDbBlockTableRecord>();
+        if (!block) continue;
+        for (const OdDbObjectId entity : block->entities()) {
             const OdDbObjectId shown = OdDbBlockReference::blockTableRecordOf(entity);
             const auto reference = entity.openIf<OdDbBlockReference>();
             EXPECT_EQ(shown, reference ? reference->blockTableRecord() : OdDbObjectId()) << path;
