@@ -90,12 +90,26 @@ void Describer::run(std::vector<int> codes) {
 int ClassDescription::findZone(std::string_view marker, int from, bool embedded) const {
     for (std::size_t i = static_cast<std::size_t>(std::max(from, 1)); i < zones.size(); ++i)
         if (zones[i].embedded == embedded &&
-            (marker == zones[i].marker || (*zones[i].alias && marker == zones[i].alias)))
+            (marker == zones[i].marker || (!zones[i].alias.empty() && marker == zones[i].alias)))
             return static_cast<int>(i);
     return -1;
 }
 
-int ClassDescription::findField(int zone, int code, int after) const {
+void ClassDescription::finish() {
+    zones.back().last = static_cast<std::uint16_t>(fields.size());
+    const int count = static_cast<int>(zones.size());
+    meanings_.reserve(static_cast<std::size_t>(count + 1) * kCodes);
+    for (int zone = -1; zone < count; ++zone) {
+        for (int code = 0; code < kCodes; ++code) {
+            const int first = findMeaning(zone, code, -1);
+            const bool several = first >= 0 && findMeaning(zone, code, first) != first;
+            meanings_.push_back(static_cast<std::int16_t>(several ? kSeveral : first));
+        }
+    }
+}
+
+int ClassDescription::findMeaning(int zone, int code, int after) const {
+    if (inRun(zone, code)) return kRun;
     const auto matches = [&](int i) {
         const FieldSpec& field = fields[static_cast<std::size_t>(i)];
         if (field.kind == FieldKind::run) return false;
@@ -110,7 +124,7 @@ int ClassDescription::findField(int zone, int code, int after) const {
     // A chunked text goes on with the code it has begun with.
     for (int i = first; i < start; ++i)
         if (matches(i)) return i;
-    return -1;
+    return kNoField;
 }
 
 bool ClassDescription::inRun(int zone, int code) const {
@@ -301,7 +315,7 @@ void writeZoneAnew(const OdDbObject& object, const ClassDescription& description
     }
     if (zone.embedded)
         writer.text(101, zone.marker);
-    else if (*zone.marker && markers)
+    else if (!zone.marker.empty() && markers)
         writer.text(100, zone.marker);
     for (int i = zone.first; i < zone.last; ++i) {
         const FieldSpec& field = description.fields[static_cast<std::size_t>(i)];
@@ -429,7 +443,7 @@ bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& descriptio
                 });
             } else if (!group.value.empty() && group.value.front() == '{') {
                 walkControlString(cursor, [](const Group&) {});
-            } else if (zone != kUnknownZone && description.inRun(zone, 102)) {
+            } else if (zone != kUnknownZone && description.meaningOf(zone, 102, after) == ClassDescription::kRun) {
                 ObjectAccess::readRunGroup(object, group, zone);
             }
             continue;
@@ -441,11 +455,8 @@ bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& descriptio
             handleSeen = true;
             continue;
         }
-        if (description.inRun(zone, group.code)) {
-            ObjectAccess::readRunGroup(object, group, zone);
-            continue;
-        }
-        const int found = description.findField(zone, group.code, after);
+        const int found = description.meaningOf(zone, group.code, after);
+        if (found == ClassDescription::kRun) ObjectAccess::readRunGroup(object, group, zone);
         if (found < 0) continue;
         const FieldSpec& field = description.fields[static_cast<std::size_t>(found)];
         char* base = holder(object, description.zones[field.zone]);
@@ -687,7 +698,8 @@ class Patch {
                 if (parseHandle(group.value) != object_.handle().value()) item.action = Do::handle;
                 continue;
             }
-            if (description_.inRun(zone, group.code)) {
+            const int found = description_.meaningOf(zone, group.code, after);
+            if (found == ClassDescription::kRun) {
                 if (!ObjectAccess::runsChanged(object_)) continue;
                 const int field = runField(zone);
                 item.action = place_[static_cast<std::size_t>(field)] < 0 ? Do::run : Do::drop;
@@ -695,7 +707,6 @@ class Patch {
                 if (item.action == Do::run) place_[static_cast<std::size_t>(field)] = index;
                 continue;
             }
-            const int found = description_.findField(zone, group.code, after);
             if (found < 0) continue;
             const FieldSpec& field = description_.fields[static_cast<std::size_t>(found)];
             if (field.kind == FieldKind::chunkedText) {
@@ -826,7 +837,7 @@ class Patch {
             const Group& g = items_[i].group;
             if (g.code == (description_.zones[z].embedded ? 101 : 100) && static_cast<int>(i) <= zoneEnd_[z] &&
                 (g.value == description_.zones[z].marker ||
-                 (*description_.zones[z].alias && g.value == description_.zones[z].alias))) {
+                 (!description_.zones[z].alias.empty() && g.value == description_.zones[z].alias))) {
                 // The last such marker at or before the zone's end.
                 std::size_t best = i;
                 for (std::size_t k = i + 1; k < items_.size() && static_cast<int>(k) <= zoneEnd_[z]; ++k)

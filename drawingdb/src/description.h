@@ -20,6 +20,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "drawingdb/ge.h"
@@ -57,8 +58,8 @@ struct FieldSpec {
 };
 
 struct Zone {
-    const char* marker = "";
-    const char* alias = "";       // another marker that means the same
+    std::string_view marker;
+    std::string_view alias;       // another marker that means the same
     bool embedded = false;        // opens with group 101; the fields lie in the object behind `pointer`
     std::ptrdiff_t pointer = -1;  // offset of the OdSmartPtr<OdDbMText>
     bool optional = false;        // written only when one of its fields is not the default
@@ -76,10 +77,27 @@ class ClassDescription {
 
     /// The zone that a marker opens, at or behind `from`; -1 when the class does not know it.
     int findZone(std::string_view marker, int from, bool embedded) const;
-    /// The field for a code: the first behind `after` in the zone, else the first before; -1 when there is none. Zone
-    /// -1 is a file without markers: all zones (embedded ones left out).
-    int findField(int zone, int code, int after) const;
+    static constexpr int kNoField = -1;
+    static constexpr int kRun = -2;
+    /// What a group with that code is in a zone: a field, the zone's run, or nothing known. Of several fields with one
+    /// code it is the first behind `after`, else the first before. Zone -1 is a file without markers: all zones
+    /// (embedded ones left out).
+    int meaningOf(int zone, int code, int after) const {
+        if (code < 0 || code >= kCodes) return findMeaning(zone, code, after);
+        const int meaning = meanings_[static_cast<std::size_t>((zone + 1) * kCodes + code)];
+        return meaning == kSeveral ? findMeaning(zone, code, after) : meaning;
+    }
+    /// To be called when zones and fields are complete.
+    void finish();
+
+  private:
+    static constexpr int kSeveral = -3;
+    static constexpr int kCodes = 512;  // larger ones are extended data, with few exceptions
+
+    int findMeaning(int zone, int code, int after) const;
     bool inRun(int zone, int code) const;
+
+    std::vector<std::int16_t> meanings_;  // by zone + 1 and code
 };
 
 /// Builds a description.
@@ -142,7 +160,7 @@ ClassDescription describe(const char* dxfName, void (*fill)(Describer&)) {
     OdSmartPtr<T> prototype = T::createObject();
     Describer describer(result, *prototype);
     fill(describer);
-    result.zones.back().last = static_cast<std::uint16_t>(result.fields.size());
+    result.finish();
     return result;
 }
 

@@ -1,12 +1,8 @@
 #include "groups.h"
 
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 #include "base/number.h"
 #include "base/text.h"
@@ -54,54 +50,16 @@ ValueKind valueKind(int code) {
     return text;
 }
 
-namespace {
-
-/// The end of the line that begins at `p`: its line feed, or `end`.
-inline const char* lineEnd(const char* p, const char* end) {
-#if defined(__SSE2__)
-    if (end - p >= 16) {
-        const __m128i line = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        if (const int feeds = _mm_movemask_epi8(_mm_cmpeq_epi8(line, _mm_set1_epi8('\n'))))
-            return p + std::countr_zero(static_cast<unsigned>(feeds));
-        p += 16;
-    }
-#endif
-    const void* feed = p < end ? std::memchr(p, '\n', static_cast<std::size_t>(end - p)) : nullptr;
-    return feed ? static_cast<const char*>(feed) : end;
-}
-
-inline unsigned digit(char c) { return static_cast<unsigned>(c) - unsigned{'0'}; }
-
-}  // namespace
-
-bool GroupCursor::nextAscii(Group& group) {
-    const char* p = at_;
-    if (p >= end_) return false;
-    group.begin = p;
-    // "  8", " 10", "100": nearly every code.
-    if (end_ - p > 4 && digit(p[2]) < 10 && (p[3] == '\n' || (p[3] == '\r' && p[4] == '\n')) &&
-        (digit(p[1]) < 10 ? digit(p[0]) < 10 || p[0] == ' ' : p[1] == ' ' && p[0] == ' ')) {
-        group.code = static_cast<int>((p[0] == ' ' ? 0 : digit(p[0]) * 100) + (p[1] == ' ' ? 0 : digit(p[1]) * 10) +
-                                      digit(p[2]));
-        p += p[3] == '\n' ? 4 : 5;
-    } else {
-        while (p < end_ && (*p == ' ' || *p == '\t')) ++p;
-        bool negative = false;
-        if (p < end_ && *p == '-') negative = true, ++p;
-        if (p >= end_ || digit(*p) >= 10) return false;
-        int code = 0;
-        for (; p < end_ && digit(*p) < 10; ++p)
-            if (code < 100000) code = code * 10 + static_cast<int>(digit(*p));
-        p = lineEnd(p, end_);
-        if (p == end_) return false;
-        ++p;
-        group.code = negative ? -code : code;
-    }
-    const char* stop = lineEnd(p, end_);
-    at_ = group.end = stop < end_ ? stop + 1 : end_;
-    if (stop > p && stop[-1] == '\r') --stop;
-    group.value = {p, static_cast<std::size_t>(stop - p)};
-    return true;
+int GroupCursor::unusualCode(const char* line, const char* lineEnd) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    while (line < lineEnd && (*line == ' ' || *line == '\t')) ++line;
+    const bool negative = line < lineEnd && *line == '-';
+    if (negative) ++line;
+    if (line == lineEnd || !isDigit(*line)) return kNoCode;
+    int code = 0;
+    for (; line < lineEnd && isDigit(*line); ++line)
+        if (code < 100000) code = code * 10 + (*line - '0');
+    return negative ? -code : code;
 }
 
 bool GroupCursor::nextBinary(Group& group) {
@@ -157,6 +115,36 @@ bool GroupCursor::nextBinary(Group& group) {
     return true;
 }
 
+namespace {
+
+/// Numbers like "23.4" or "-100.0": so few digits that the double holds them exactly, as it does the power of ten, and
+/// one division rounds as it should. Nothing for any other.
+std::optional<double> shortReal(const char* p, const char* end) {
+    static constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                         1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    constexpr std::ptrdiff_t kMostDigits = 15;
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const bool negative = p < end && *p == '-';
+    if (negative) ++p;
+    if (end - p > kMostDigits + 1) return {};
+    std::int64_t digits = 0;
+    const char* const whole = p;
+    for (; p < end && isDigit(*p); ++p) digits = digits * 10 + (*p - '0');
+    std::ptrdiff_t count = p - whole;
+    std::ptrdiff_t decimals = 0;
+    if (p < end && *p == '.') {
+        const char* const fraction = ++p;
+        for (; p < end && isDigit(*p); ++p) digits = digits * 10 + (*p - '0');
+        decimals = p - fraction;
+        count += decimals;
+    }
+    if (p != end || count == 0 || count > kMostDigits) return {};
+    const double value = static_cast<double>(digits) / kPowers[decimals];
+    return negative ? -value : value;
+}
+
+}  // namespace
+
 std::optional<double> groupReal(const Group& group, bool binary) {
     if (binary) {
         switch (valueKind(group.code)) {
@@ -179,6 +167,7 @@ std::optional<double> groupReal(const Group& group, bool binary) {
     while (p < end && (*p == ' ' || *p == '\t')) ++p;
     while (end > p && (end[-1] == ' ' || end[-1] == '\t' || end[-1] == '\r')) --end;
     if (p < end && *p == '+') ++p;
+    if (const auto quick = shortReal(p, end)) return quick;
     double value = 0;
     const auto [stop, error] = std::from_chars(p, end, value);
     if (error == std::errc::result_out_of_range && stop == end) return base::parseReal(group.value);
@@ -314,10 +303,12 @@ bool isPlain(std::string_view raw) {
 }  // namespace
 
 void decodeText(std::string_view raw, const FileFormat& format, std::wstring& out) {
-    if (isPlain(raw))
-        out.assign(raw.begin(), raw.end());
-    else
+    if (!isPlain(raw)) {
         out = decodeText(raw, format);
+        return;
+    }
+    out.resize(raw.size());
+    std::copy(raw.begin(), raw.end(), out.begin());
 }
 
 std::wstring decodeText(std::string_view raw, const FileFormat& format) {
@@ -407,132 +398,169 @@ std::string encodeText(std::wstring_view text, const FileFormat& format) {
     return format.utf8() ? base::toUtf8(text) : encodeNarrow(text, *format.codePage);
 }
 
-void GroupWriter::code(int value) {
-    if (!format_.binary) {
+// A group is put together here and appended at once.
+struct GroupWriter::Line {
+    static constexpr std::size_t kMostText = 200;
+
+    Line(int code, const FileFormat& format) {
+        if (format.binary)
+            binaryCode(code, format.wideCodes);
+        else
+            asciiCode(code, format.crlf);
+    }
+    void add(std::string_view text) {
+        std::memcpy(end, text.data(), text.size());
+        end += text.size();
+    }
+    void addLineEnd(bool crlf) {
+        if (crlf) *end++ = '\r';
+        *end++ = '\n';
+    }
+    std::string_view view() const { return {bytes, static_cast<std::size_t>(end - bytes)}; }
+
+    char bytes[kMostText + 20];
+    char* end = bytes;
+
+  private:
+    void asciiCode(int code, bool crlf) {
         // "  0\n": at least three places.
-        if (value >= 0 && value < 1000) {
-            const char usual[5] = {value < 100 ? ' ' : static_cast<char>('0' + value / 100),
-                                   value < 10 ? ' ' : static_cast<char>('0' + value / 10 % 10),
-                                   static_cast<char>('0' + value % 10), format_.crlf ? '\r' : '\n', '\n'};
-            out_.append(usual, format_.crlf ? 5 : 4);
+        if (code >= 0 && code < 1000) {
+            *end++ = code < 100 ? ' ' : static_cast<char>('0' + code / 100);
+            *end++ = code < 10 ? ' ' : static_cast<char>('0' + code / 10 % 10);
+            *end++ = static_cast<char>('0' + code % 10);
+        } else {
+            char* const begin = end;
+            end = std::to_chars(begin, begin + 12, code).ptr;
+            while (end - begin < 3) {
+                std::memmove(begin + 1, begin, static_cast<std::size_t>(end - begin));
+                *begin = ' ';
+                ++end;
+            }
+        }
+        addLineEnd(crlf);
+    }
+    void binaryCode(int code, bool wide) {
+        const auto low = static_cast<char>(code & 255), high = static_cast<char>((code >> 8) & 255);
+        if (!wide && code >= 0 && code < 255) {
+            *end++ = low;
             return;
         }
-        char line[20];
-        char* const end = line + sizeof line;
-        char* p = end;
-        *--p = '\n';
-        if (format_.crlf) *--p = '\r';
-        const char* const digitsEnd = p;
-        unsigned rest = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
-        do *--p = static_cast<char>('0' + rest % 10);
-        while (rest /= 10);
-        if (value < 0) *--p = '-';
-        while (digitsEnd - p < 3) *--p = ' ';
-        out_.append(p, static_cast<std::size_t>(end - p));
-    } else if (format_.wideCodes) {
-        out_.push_back(static_cast<char>(value & 255));
-        out_.push_back(static_cast<char>((value >> 8) & 255));
-    } else if (value >= 0 && value < 255) {
-        out_.push_back(static_cast<char>(value));
-    } else {
-        out_.push_back(static_cast<char>(255));
-        out_.push_back(static_cast<char>(value & 255));
-        out_.push_back(static_cast<char>((value >> 8) & 255));
+        if (!wide) *end++ = static_cast<char>(255);
+        *end++ = low;
+        *end++ = high;
     }
-}
+};
 
 void GroupWriter::text(int groupCode, std::string_view encoded) {
-    code(groupCode);
+    Line line(groupCode, format_);
     if (format_.binary) {
+        out_.append(line.view());
         for (const char c : encoded)
             if (c) out_.push_back(c);
         out_.push_back('\0');
-    } else {
-        out_.append(encoded);
-        lineEnd();
+        return;
+    }
+    if (encoded.size() <= Line::kMostText) {
+        line.add(encoded);
+        line.addLineEnd(format_.crlf);
+        out_.append(line.view());
+        return;
+    }
+    out_.append(line.view());
+    out_.append(encoded);
+    out_.append(format_.crlf ? "\r\n" : "\n");
+}
+
+namespace {
+
+/// Writes numbers of few decimals, whole ones as "5.0". Null, and nothing written, for any other.
+///
+/// Six decimals and nine digits before them make at most fifteen, which no two numbers share: if they give the number
+/// back, they are its shortest spelling once the zeros at the end are gone.
+char* writeShortReal(char* place, double value) {
+    constexpr double kLargest = 1e9, kSmallest = 1e-3;
+    constexpr std::int64_t kScale = 1000000;
+    const double size = std::fabs(value);
+    if (!(size < kLargest) || (size < kSmallest && size != 0) || (value == 0 && std::signbit(value))) return nullptr;
+    const auto scaled = static_cast<std::int64_t>(size * static_cast<double>(kScale) + 0.5);
+    if (static_cast<double>(scaled) / static_cast<double>(kScale) != size) return nullptr;
+    if (value < 0) *place++ = '-';
+    place = std::to_chars(place, place + 10, static_cast<std::uint32_t>(scaled / kScale)).ptr;
+    *place++ = '.';
+    auto decimals = static_cast<std::uint32_t>(scaled % kScale);
+    for (std::uint32_t unit = kScale / 10;; unit /= 10) {
+        *place++ = static_cast<char>('0' + decimals / unit);
+        decimals %= unit;
+        if (decimals == 0) return place;
     }
 }
+
+}  // namespace
 
 void GroupWriter::real(int groupCode, double value) {
     if (!std::isfinite(value))
         throw OdError(OdResult::invalidInput,
                       "the number of group " + std::to_string(groupCode) + " is not finite and cannot be stored");
-    code(groupCode);
+    Line line(groupCode, format_);
     if (format_.binary) {
-        out_.append(reinterpret_cast<const char*>(&value), 8);
+        line.add({reinterpret_cast<const char*>(&value), sizeof value});
+        out_.append(line.view());
         return;
     }
-    // Whole numbers are common (heights, elevations) and quick to write.
-    constexpr double kQuick = 1e9;
-    if (value > -kQuick && value < kQuick && value == static_cast<double>(static_cast<std::int32_t>(value)) &&
-        !(value == 0 && std::signbit(value))) {
-        char whole[20];
-        char* place = std::to_chars(whole, whole + sizeof whole, static_cast<std::int32_t>(value)).ptr;
-        *place++ = '.';
-        *place++ = '0';
-        if (format_.crlf) *place++ = '\r';
-        *place++ = '\n';
-        out_.append(whole, static_cast<std::size_t>(place - whole));
-        return;
-    }
-    char digits[40];
-    auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    (void)error;
-    std::string_view text(digits, static_cast<std::size_t>(end - digits));
-    if (text.find_first_of(".e") == std::string_view::npos) {
-        out_.append(text);
-        out_.append(".0");
-    } else if (text.find('e') != std::string_view::npos) {
-        out_.append(base::realToText(value));
+    if (char* const end = writeShortReal(line.end, value)) {
+        line.end = end;
     } else {
-        out_.append(text);
+        char* const begin = line.end;
+        line.end = std::to_chars(begin, begin + 40, value).ptr;
+        const std::string_view digits(begin, static_cast<std::size_t>(line.end - begin));
+        if (digits.find('e') != std::string_view::npos) {
+            line.end = begin;
+            line.add(base::realToText(value));
+        } else if (digits.find('.') == std::string_view::npos) {
+            line.add(".0");
+        }
     }
-    lineEnd();
+    line.addLineEnd(format_.crlf);
+    out_.append(line.view());
 }
 
 void GroupWriter::integer(int groupCode, std::int64_t value) {
-    code(groupCode);
+    Line line(groupCode, format_);
     if (format_.binary) {
-        std::size_t size = 0;
+        const auto add = [&](std::size_t size) {
+            line.add({reinterpret_cast<const char*>(&value), size});
+            out_.append(line.view());
+        };
         switch (valueKind(groupCode)) {
             case ValueKind::int8:
-                size = 1;
-                break;
+                return add(1);
             case ValueKind::int16:
-                size = 2;
-                break;
+                return add(2);
             case ValueKind::int32:
-                size = 4;
-                break;
+                return add(4);
             case ValueKind::int64:
-                size = 8;
-                break;
-            case ValueKind::real: {
-                const double real = static_cast<double>(value);
-                out_.append(reinterpret_cast<const char*>(&real), 8);
-                return;
-            }
+                return add(8);
+            case ValueKind::real:
+                return real(groupCode, static_cast<double>(value));
             default:
                 break;
         }
-        if (size) {
-            out_.append(reinterpret_cast<const char*>(&value), size);
-            return;
-        }
     }
-    char digits[24];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    (void)error;
-    out_.append(digits, end);
-    format_.binary ? out_.push_back('\0') : lineEnd();
+    line.end = std::to_chars(line.end, line.end + 24, value).ptr;
+    if (format_.binary)
+        *line.end++ = '\0';
+    else
+        line.addLineEnd(format_.crlf);
+    out_.append(line.view());
 }
 
 void GroupWriter::handle(int groupCode, std::uint64_t value) {
     char digits[20];
-    char* end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
-    for (char* p = digits; p < end; ++p)
-        if (*p >= 'a') *p = static_cast<char>(*p - 'a' + 'A');
-    text(groupCode, {digits, static_cast<std::size_t>(end - digits)});
+    char* const end = digits + sizeof digits;
+    char* begin = end;
+    do *--begin = "0123456789ABCDEF"[value & 15];
+    while (value >>= 4);
+    text(groupCode, {begin, static_cast<std::size_t>(end - begin)});
 }
 
 void GroupWriter::point(int groupCode, double x, double y, double z) {

@@ -6,14 +6,79 @@
 //   code a text
 //                                          ended by a zero, a double, an integer of 1, 2, 4 or 8 bytes, or a counted
 //                                          chunk
+#include <bit>
+#include <climits>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "base/code_page.h"
 
 namespace drawingdb {
+
+/// Finds the line feeds of a text one after the other. It looks at 64 bytes at once, so that where one line ends need
+/// not be known before the next is looked for.
+class LineFeeds {
+  public:
+    LineFeeds(const char* begin, const char* end) : begin_(begin), next_(begin), end_(end) {}
+
+    /// The next line feed; the end when there is no more.
+    [[gnu::always_inline]] const char* next() {
+        while (feeds_ == 0) {
+            if (next_ == end_) return end_;
+            fill();
+        }
+        const char* const feed = block_ + std::countr_zero(feeds_);
+        feeds_ &= feeds_ - 1;
+        return feed;
+    }
+
+  private:
+    static constexpr std::ptrdiff_t kBlock = 64;
+
+    void fill() {
+        if (end_ - next_ >= kBlock) {
+            block_ = next_;
+            feeds_ = feedsIn(block_);
+            next_ += kBlock;
+        } else if (end_ - begin_ >= kBlock) {
+            // The last block overlaps the one before it, for nothing may be read behind the end.
+            block_ = end_ - kBlock;
+            feeds_ = feedsIn(block_) >> (next_ - block_) << (next_ - block_);
+            next_ = end_;
+        } else {
+            block_ = begin_;
+            for (const char* p = begin_; p < end_; ++p) feeds_ |= std::uint64_t{*p == '\n'} << (p - begin_);
+            next_ = end_;
+        }
+    }
+
+    /// A bit for each line feed of a block.
+    static std::uint64_t feedsIn(const char* p) {
+        return feedsIn16(p) | feedsIn16(p + 16) << 16 | feedsIn16(p + 32) << 32 | feedsIn16(p + 48) << 48;
+    }
+    static std::uint64_t feedsIn16(const char* p) {
+#if defined(__SSE2__)
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))));
+#else
+        std::uint64_t bits = 0;
+        for (int i = 0; i < 16; ++i) bits |= std::uint64_t{p[i] == '\n'} << i;
+        return bits;
+#endif
+    }
+
+    const char* begin_;
+    const char* next_;  // not looked at yet
+    const char* end_;
+    const char* block_ = nullptr;
+    std::uint64_t feeds_ = 0;  // of the block, those not given yet
+};
 
 /// How a file spells things.
 struct FileFormat {
@@ -40,21 +105,56 @@ struct Group {
     std::string_view bytes() const { return {begin, static_cast<std::size_t>(end - begin)}; }
 };
 
+/// The code of a line as nearly all are written, in three places: "  8", " 10", "100". Negative for any other.
+inline int usualCode(const char* line, const char* lineEnd) {
+    const auto digit = [line](int i) { return static_cast<unsigned>(line[i]) - unsigned{'0'}; };
+    const std::ptrdiff_t length = lineEnd - line;
+    if (length != 3 && (length != 4 || line[3] != '\r')) return -1;
+    if (digit(2) >= 10) return -1;
+    if (digit(1) < 10 ? digit(0) >= 10 && line[0] != ' ' : line[1] != ' ' || line[0] != ' ') return -1;
+    return (line[0] & 15) * 100 + (line[1] & 15) * 10 + (line[2] & 15);  // a blank counts as 0
+}
+
 /// Reads group after group out of bytes that are known to be groups (a record as the index found it).
 class GroupCursor {
   public:
     GroupCursor(std::string_view bytes, const FileFormat& format)
-        : at_(bytes.data()), end_(bytes.data() + bytes.size()), binary_(format.binary), wide_(format.wideCodes) {}
+        : at_(bytes.data()),
+          end_(bytes.data() + bytes.size()),
+          feeds_(at_, format.binary ? at_ : end_),
+          binary_(format.binary),
+          wide_(format.wideCodes) {}
     /// False at the end, and where what is left is no whole group.
     bool next(Group& group) { return binary_ ? nextBinary(group) : nextAscii(group); }
     const char* place() const { return at_; }
 
   private:
-    bool nextAscii(Group& group);
+    bool nextAscii(Group& group) {
+        if (at_ >= end_) return false;
+        const char* const codeEnd = feeds_.next();
+        const int code = codeOf(at_, codeEnd);
+        if (code == kNoCode || codeEnd == end_) return false;
+        group.begin = at_;
+        group.code = code;
+        const char* const value = codeEnd + 1;
+        const char* const valueEnd = feeds_.next();
+        at_ = group.end = valueEnd < end_ ? valueEnd + 1 : end_;
+        group.value = {value, static_cast<std::size_t>(valueEnd - value)};
+        if (group.value.ends_with('\r')) group.value.remove_suffix(1);
+        return true;
+    }
     bool nextBinary(Group& group);
+
+    static constexpr int kNoCode = INT_MIN;
+    static int codeOf(const char* line, const char* lineEnd) {
+        const int usual = usualCode(line, lineEnd);
+        return usual >= 0 ? usual : unusualCode(line, lineEnd);
+    }
+    static int unusualCode(const char* line, const char* lineEnd);
 
     const char* at_;
     const char* end_;
+    LineFeeds feeds_;
     bool binary_;
     bool wide_;
 };
@@ -94,8 +194,7 @@ class GroupWriter {
     void raw(std::string_view groups) { out_.append(groups); }
 
   private:
-    void code(int value);
-    void lineEnd() { format_.crlf ? (void)out_.append("\r\n") : out_.push_back('\n'); }
+    struct Line;
 
     std::string& out_;
     const FileFormat& format_;

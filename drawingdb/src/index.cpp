@@ -13,29 +13,9 @@
 #include "base/text.h"
 #include "core.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace drawingdb {
 
 namespace {
-
-/// A bit for each line feed among 32 bytes.
-inline std::uint32_t lineFeeds(const char* p) {
-#if defined(__SSE2__)
-    const __m128i feed = _mm_set1_epi8('\n');
-    const auto low = static_cast<std::uint32_t>(
-        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), feed)));
-    const auto high = static_cast<std::uint32_t>(
-        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16)), feed)));
-    return low | high << 16;
-#else
-    std::uint32_t bits = 0;
-    for (int i = 0; i < 32; ++i) bits |= static_cast<std::uint32_t>(p[i] == '\n') << i;
-    return bits;
-#endif
-}
 
 /// "… Binary DXF", CR, LF, 1A, 0: 22 bytes at the front of a binary file, behind a name of seven.
 constexpr std::string_view kBinarySign{" Binary DXF\r\n\x1A\0", 15};
@@ -69,49 +49,32 @@ class Indexer {
         if (core_.file_.starts_with("\xEF\xBB\xBF")) p += 3;
         if (const char* feed = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end_ - p))))
             core_.format.crlf = feed > p && feed[-1] == '\r';
+        LineFeeds feeds(p, end_);
         while (p < end_) {
             const char* const record = p;
-            // Both lines of most groups end within 32 bytes.
-            std::uint32_t feeds = p + 32 <= end_ ? lineFeeds(p) : 0;
-            const char* codeEnd;
-            const char* valueEnd;
-            if (feeds) {
-                codeEnd = p + std::countr_zero(feeds);
-                feeds &= feeds - 1;
-                valueEnd = feeds ? p + std::countr_zero(feeds) : nextFeed(p + 32);
-            } else {
-                codeEnd = nextFeed(p);
-                valueEnd = codeEnd ? nextFeed(codeEnd + 1) : nullptr;
-            }
-            // The code.
-            const char* q = p;
-            const char* const codeStop = codeEnd ? codeEnd : end_;
-            while (q < codeStop && (*q == ' ' || *q == '\t')) ++q;
-            int code = 0;
-            bool negative = false;
-            if (q < codeStop && *q == '-') negative = true, ++q;
-            const char* const digits = q;
-            for (; q < codeStop && static_cast<unsigned>(*q - '0') < 10 && q - digits < 6; ++q)
-                code = code * 10 + (*q - '0');
-            const bool number = q > digits;
-            while (q < codeStop && (*q == ' ' || *q == '\t' || *q == '\r')) ++q;
-            if (!number || q != codeStop) {
-                if (trimmed({p, static_cast<std::size_t>(end_ - p)}).find_first_not_of("\n\r \t\x1A") ==
-                    std::string_view::npos) {
-                    stopAt_ = p;  // blank lines at the end
+            const char* const codeEnd = feeds.next();
+            const char* const valueEnd = feeds.next();
+            int code = usualCode(record, codeEnd);
+            if (code < 0) {
+                const auto read = readCode(record, codeEnd);
+                if (!read) {
+                    // Blank lines at the end are none.
+                    if (trimmed({p, static_cast<std::size_t>(end_ - p)}).find_first_not_of("\n\r \t\x1A") !=
+                        std::string_view::npos)
+                        badCode(record, codeEnd);
+                    else
+                        stopAt_ = record;
                     return;
                 }
-                badCode(p, codeStop);
-                return;
+                code = *read;
             }
-            if (!codeEnd || (!valueEnd && codeEnd + 1 >= end_)) {
+            if (codeEnd == end_ || codeEnd + 1 == end_) {
                 cutShort(record);
                 return;
             }
-            if (negative) code = -code;
-            const char* value = codeEnd + 1;
-            const char* stop = valueEnd ? valueEnd : end_;
-            p = valueEnd ? valueEnd + 1 : end_;
+            const char* const value = codeEnd + 1;
+            const char* stop = valueEnd;
+            p = valueEnd < end_ ? valueEnd + 1 : end_;
             if (code > 105 && code < 320) continue;
             if (code >= 10 && code < 67) continue;
             if (stop > value && stop[-1] == '\r') --stop;
@@ -146,8 +109,17 @@ class Indexer {
         stopAt_ = cursor.place();
     }
 
-    const char* nextFeed(const char* p) const {
-        return p < end_ ? static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end_ - p))) : nullptr;
+    /// A code that is not written as most are; blanks may stand around it. Nothing when the line is no number.
+    static std::optional<int> readCode(const char* line, const char* lineEnd) {
+        constexpr std::size_t kMostDigits = 6;
+        std::string_view text = trimmed({line, static_cast<std::size_t>(lineEnd - line)});
+        const bool negative = text.starts_with('-');
+        if (negative) text.remove_prefix(1);
+        if (text.empty() || text.size() > kMostDigits || text.find_first_not_of("0123456789") != std::string_view::npos)
+            return std::nullopt;
+        int code = 0;
+        for (const char digit : text) code = code * 10 + (digit - '0');
+        return negative ? -code : code;
     }
 
     /// One group; false behind the end-of-file record.

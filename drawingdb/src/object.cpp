@@ -22,6 +22,7 @@ const ClassDescription* OdDbObject::description() const {
     static const ClassDescription none = [] {
         ClassDescription d;
         d.zones.emplace_back();
+        d.finish();
         return d;
     }();
     return &none;
