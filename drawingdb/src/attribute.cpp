@@ -332,13 +332,13 @@ bool OdDbAttributeReader::read(OdDbObjectId attribute) {
 // Understands the record as nearly all attributes are written: the three subclasses in their order, no embedded text.
 // False for any other, which the class's description is there for.
 bool OdDbAttributeReader::readRecord(drawingdb::Core& core, drawingdb::Stub& stub) {
-    if (stub.live()) return false;
+    if (stub.live() || core.format.binary) return false;
     static constexpr std::string_view kMarkers[] = {"AcDbEntity", "AcDbText", "AcDbAttribute"};
     constexpr std::size_t kInText = 2;
     constexpr std::size_t kInAttribute = 3;
     std::size_t markers = 0;
     std::string_view tag, text;  // the first group counts; an empty one is null no more
-    drawingdb::GroupCursor cursor(core.bytesOf(stub), core.format);
+    drawingdb::AsciiGroupCursor cursor(core.bytesOf(stub));
     drawingdb::Group group;
     while (cursor.next(group) && group.code < 1000) {
         switch (group.code) {

@@ -97,13 +97,29 @@ int ClassDescription::findZone(std::string_view marker, int from, bool embedded)
 
 void ClassDescription::finish() {
     zones.back().last = static_cast<std::uint16_t>(fields.size());
-    const int count = static_cast<int>(zones.size());
-    meanings_.reserve(static_cast<std::size_t>(count + 1) * kCodes);
-    for (int zone = -1; zone < count; ++zone) {
-        for (int code = 0; code < kCodes; ++code) {
-            const int first = findMeaning(zone, code, -1);
-            const bool several = first >= 0 && findMeaning(zone, code, first) != first;
-            meanings_.push_back(static_cast<std::int16_t>(several ? kSeveral : first));
+    meanings_.assign((zones.size() + 1) * kCodes, kNoField);
+    const auto note = [this](std::size_t row, int code, int meaning) {
+        if (code < 0 || code >= kCodes) return;
+        std::int16_t& known = meanings_[row * kCodes + static_cast<std::size_t>(code)];
+        known = static_cast<std::int16_t>(known == kNoField || meaning == kRun ? meaning : kSeveral);
+    };
+    constexpr std::size_t kAllZones = 0;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const FieldSpec& field = fields[i];
+        if (field.kind == FieldKind::run) continue;
+        const std::size_t row = field.zone + std::size_t{1};
+        for (const int code : {field.code, field.kind == FieldKind::chunkedText ? field.chunkCode : std::int16_t{-1}}) {
+            note(row, code, static_cast<int>(i));
+            if (!zones[field.zone].embedded) note(kAllZones, code, static_cast<int>(i));
+        }
+    }
+    for (std::size_t z = 0; z < zones.size(); ++z) {
+        for (const int runCode : zones[z].runCodes) {
+            const bool every = runCode == -1;
+            for (int code = every ? 0 : runCode; code < (every ? kCodes : runCode + 1); ++code) {
+                note(z + 1, code, kRun);
+                note(kAllZones, code, kRun);
+            }
         }
     }
 }
@@ -291,16 +307,13 @@ void writeField(const OdDbObject& object, char* base, const FieldSpec& field, Gr
 
 bool knownTo(const FieldSpec& field, const FileFormat& format) { return format.version >= field.since; }
 
-/// Whether a field has to stand in a record that is written anew.
-bool wanted(char* base, const FieldSpec& field, const ClassDescription& description, const FileFormat& format) {
+/// Whether a field has to stand in a record that is written anew; a point stands there whole or not at all. `field` is
+/// its first part.
+bool wanted(char* base, const FieldSpec& field, const FileFormat& format) {
     if (!knownTo(field, format)) return false;
     if (field.required || field.kind == FieldKind::run) return true;
-    if (field.parts == 1) return !isDefault(base, field);
-    const auto* first = &field - field.part;
-    (void)description;
-    for (int part = 0; part < field.parts; ++part)
-        if (!isDefault(base, first[part])) return true;
-    return false;
+    const auto* const first = &field;
+    return std::any_of(first, first + field.parts, [base](const FieldSpec& part) { return !isDefault(base, part); });
 }
 
 void writeZoneAnew(const OdDbObject& object, const ClassDescription& description, const Zone& zone, GroupWriter& writer,
@@ -317,9 +330,11 @@ void writeZoneAnew(const OdDbObject& object, const ClassDescription& description
         writer.text(101, zone.marker);
     else if (!zone.marker.empty() && markers)
         writer.text(100, zone.marker);
+    bool isWanted = false;
     for (int i = zone.first; i < zone.last; ++i) {
         const FieldSpec& field = description.fields[static_cast<std::size_t>(i)];
-        if (wanted(base, field, description, writer.format())) writeField(object, base, field, writer);
+        if (field.part == 0) isWanted = wanted(base, field, writer.format());
+        if (isWanted) writeField(object, base, field, writer);
     }
 }
 
@@ -376,8 +391,8 @@ void writeXData(const OdDbObject& object, GroupWriter& writer) {
 bool isHandleCode(int code, std::string_view recordType) { return code == (recordType == "DIMSTYLE" ? 105 : 5); }
 
 /// Skips from behind a "{..." group 102 to behind its "}"; gives what `each` wants to see in between.
-template <class Each>
-void walkControlString(GroupCursor& cursor, Each each) {
+template <class Cursor, class Each>
+void walkControlString(Cursor& cursor, Each each) {
     Group group;
     while (cursor.next(group)) {
         if (group.code == 102) return;
@@ -393,9 +408,9 @@ void walkControlString(GroupCursor& cursor, Each each) {
 namespace {
 
 /// Reads the fields, beginning in `zone`. True when the record has markers; the reading without zones stops there.
-bool decodeFrom(int zone, OdDbObject& object, const ClassDescription& description, std::string_view bytes,
+template <class Cursor>
+bool decodeFrom(Cursor cursor, int zone, OdDbObject& object, const ClassDescription& description,
                 const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
-    GroupCursor cursor(bytes, format);
     Group group;
     std::bitset<kMaxFields> seen;
     bool markers = false;
@@ -519,10 +534,15 @@ void decodeObject(OdDbObject& object, const ClassDescription& description, std::
     // (drawings without a header have markers too) is read again.
     bool& without = ObjectAccess::withoutMarkers(object);
     const int likely = format.hasMarkers() ? 0 : kNoMarkers;
-    without = !decodeFrom(likely, object, description, bytes, format, fault);
+    const auto decode = [&](int zone) {
+        if (format.binary)
+            return decodeFrom(BinaryGroupCursor(bytes, format.wideCodes), zone, object, description, format, fault);
+        return decodeFrom(AsciiGroupCursor(bytes), zone, object, description, format, fault);
+    };
+    without = !decode(likely);
     if (without != (likely == kNoMarkers)) {
         resetObject(object, description);
-        decodeFrom(without ? kNoMarkers : 0, object, description, bytes, format, fault);
+        decode(without ? kNoMarkers : 0);
     }
     ObjectAccess::afterDecode(object);
 }

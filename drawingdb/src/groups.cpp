@@ -4,6 +4,10 @@
 #include <cmath>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/error.h"
@@ -50,7 +54,32 @@ ValueKind valueKind(int code) {
     return text;
 }
 
-int GroupCursor::unusualCode(const char* line, const char* lineEnd) {
+namespace {
+
+std::uint64_t feedsIn16(const char* p) {
+#if defined(__SSE2__)
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))));
+#else
+    std::uint64_t bits = 0;
+    for (int i = 0; i < 16; ++i) bits |= std::uint64_t{p[i] == '\n'} << i;
+    return bits;
+#endif
+}
+
+}  // namespace
+
+std::uint64_t LineFeeds::feedsFrom(const char* block, const char* next, const char* end) {
+    std::uint64_t bits = 0;
+    if (end - block >= kBlock)
+        bits =
+            feedsIn16(block) | feedsIn16(block + 16) << 16 | feedsIn16(block + 32) << 32 | feedsIn16(block + 48) << 48;
+    else
+        for (const char* p = block; p < end; ++p) bits |= std::uint64_t{*p == '\n'} << (p - block);
+    return bits >> (next - block) << (next - block);
+}
+
+int AsciiGroupCursor::unusualCode(const char* line, const char* lineEnd) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     while (line < lineEnd && (*line == ' ' || *line == '\t')) ++line;
     const bool negative = line < lineEnd && *line == '-';
@@ -62,7 +91,7 @@ int GroupCursor::unusualCode(const char* line, const char* lineEnd) {
     return negative ? -code : code;
 }
 
-bool GroupCursor::nextBinary(Group& group) {
+bool BinaryGroupCursor::next(Group& group) {
     const char* p = at_;
     const auto left = [&] { return static_cast<std::size_t>(end_ - p); };
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(p[i]); };

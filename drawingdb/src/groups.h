@@ -13,9 +13,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 #include "base/code_page.h"
 
@@ -31,7 +28,10 @@ class LineFeeds {
     [[gnu::always_inline]] const char* next() {
         while (feeds_ == 0) {
             if (next_ == end_) return end_;
-            fill();
+            // The last block overlaps the one before it, for nothing may be read behind the end.
+            block_ = end_ - next_ >= kBlock ? next_ : end_ - begin_ >= kBlock ? end_ - kBlock : begin_;
+            feeds_ = feedsFrom(block_, next_, end_);
+            next_ = end_ - next_ >= kBlock ? next_ + kBlock : end_;
         }
         const char* const feed = block_ + std::countr_zero(feeds_);
         feeds_ &= feeds_ - 1;
@@ -41,37 +41,8 @@ class LineFeeds {
   private:
     static constexpr std::ptrdiff_t kBlock = 64;
 
-    void fill() {
-        if (end_ - next_ >= kBlock) {
-            block_ = next_;
-            feeds_ = feedsIn(block_);
-            next_ += kBlock;
-        } else if (end_ - begin_ >= kBlock) {
-            // The last block overlaps the one before it, for nothing may be read behind the end.
-            block_ = end_ - kBlock;
-            feeds_ = feedsIn(block_) >> (next_ - block_) << (next_ - block_);
-            next_ = end_;
-        } else {
-            block_ = begin_;
-            for (const char* p = begin_; p < end_; ++p) feeds_ |= std::uint64_t{*p == '\n'} << (p - begin_);
-            next_ = end_;
-        }
-    }
-
-    /// A bit for each line feed of a block.
-    static std::uint64_t feedsIn(const char* p) {
-        return feedsIn16(p) | feedsIn16(p + 16) << 16 | feedsIn16(p + 32) << 32 | feedsIn16(p + 48) << 48;
-    }
-    static std::uint64_t feedsIn16(const char* p) {
-#if defined(__SSE2__)
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))));
-#else
-        std::uint64_t bits = 0;
-        for (int i = 0; i < 16; ++i) bits |= std::uint64_t{p[i] == '\n'} << i;
-        return bits;
-#endif
-    }
+    /// A bit for each line feed of a block, those before `next` left out.
+    static std::uint64_t feedsFrom(const char* block, const char* next, const char* end);
 
     const char* begin_;
     const char* next_;  // not looked at yet
@@ -115,24 +86,17 @@ inline int usualCode(const char* line, const char* lineEnd) {
     return (line[0] & 15) * 100 + (line[1] & 15) * 10 + (line[2] & 15);  // a blank counts as 0
 }
 
-/// Reads group after group out of bytes that are known to be groups (a record as the index found it).
-class GroupCursor {
+/// Reads group after group out of ASCII bytes that are known to be groups (a record as the index found it).
+class AsciiGroupCursor {
   public:
-    GroupCursor(std::string_view bytes, const FileFormat& format)
-        : at_(bytes.data()),
-          end_(bytes.data() + bytes.size()),
-          feeds_(at_, format.binary ? at_ : end_),
-          binary_(format.binary),
-          wide_(format.wideCodes) {}
+    explicit AsciiGroupCursor(std::string_view bytes)
+        : at_(bytes.data()), end_(bytes.data() + bytes.size()), feeds_(at_, end_) {}
     /// False at the end, and where what is left is no whole group.
-    bool next(Group& group) { return binary_ ? nextBinary(group) : nextAscii(group); }
-    const char* place() const { return at_; }
-
-  private:
-    bool nextAscii(Group& group) {
+    [[gnu::always_inline]] bool next(Group& group) {
         if (at_ >= end_) return false;
         const char* const codeEnd = feeds_.next();
-        const int code = codeOf(at_, codeEnd);
+        int code = usualCode(at_, codeEnd);
+        if (code < 0) code = unusualCode(at_, codeEnd);
         if (code == kNoCode || codeEnd == end_) return false;
         group.begin = at_;
         group.code = code;
@@ -143,20 +107,43 @@ class GroupCursor {
         if (group.value.ends_with('\r')) group.value.remove_suffix(1);
         return true;
     }
-    bool nextBinary(Group& group);
+    const char* place() const { return at_; }
 
+  private:
     static constexpr int kNoCode = INT_MIN;
-    static int codeOf(const char* line, const char* lineEnd) {
-        const int usual = usualCode(line, lineEnd);
-        return usual >= 0 ? usual : unusualCode(line, lineEnd);
-    }
     static int unusualCode(const char* line, const char* lineEnd);
 
     const char* at_;
     const char* end_;
     LineFeeds feeds_;
-    bool binary_;
+};
+
+/// The same for bytes of a binary file.
+class BinaryGroupCursor {
+  public:
+    BinaryGroupCursor(std::string_view bytes, bool wideCodes)
+        : at_(bytes.data()), end_(bytes.data() + bytes.size()), wide_(wideCodes) {}
+    bool next(Group& group);
+    const char* place() const { return at_; }
+
+  private:
+    const char* at_;
+    const char* end_;
     bool wide_;
+};
+
+/// Either of them, as the file is.
+class GroupCursor {
+  public:
+    GroupCursor(std::string_view bytes, const FileFormat& format)
+        : isBinary_(format.binary), binary_(bytes, format.wideCodes), ascii_(bytes) {}
+    bool next(Group& group) { return isBinary_ ? binary_.next(group) : ascii_.next(group); }
+    const char* place() const { return isBinary_ ? binary_.place() : ascii_.place(); }
+
+  private:
+    bool isBinary_;
+    BinaryGroupCursor binary_;
+    AsciiGroupCursor ascii_;
 };
 
 /// The number of a group; nothing when it is none, or not finite.

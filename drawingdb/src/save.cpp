@@ -61,16 +61,6 @@ class Saver {
             for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
                 if (stub.type == kKindRecords[kind].type) ++newObjects_[kind];
         }
-        if (core_.erasedEver_) {
-            for (std::uint32_t i = 1; i < core_.stubs.size(); ++i)
-                if (core_.stubs[i].gone() && core_.stubs[i].handle) erased_.push_back(core_.stubs[i].handle);
-            // A handle that a living record has too is not missing.
-            std::sort(erased_.begin(), erased_.end());
-            std::erase_if(erased_, [&](std::uint64_t h) {
-                const Stub* first = core_.byHandle(h);
-                return first && !first->gone();
-            });
-        }
         if (!newFields_.empty()) fieldList_ = core_.fieldList(false);
     }
 
@@ -88,7 +78,11 @@ class Saver {
         return false;
     }
 
-    bool isErased(std::uint64_t handle) const { return std::binary_search(erased_.begin(), erased_.end(), handle); }
+    /// A handle that a living record has too finds that one first.
+    bool isErased(std::uint64_t handle) const {
+        const Stub* const stub = core_.byHandle(handle);
+        return stub && stub->gone();
+    }
 
     /// Writes a record of the file; gives the index of the next one to write.
     std::uint32_t record(std::uint32_t i) {
@@ -231,7 +225,7 @@ class Saver {
             case rtSortents:
             case rtBlockRecord:
             case rtFieldList:
-                if (!erased_.empty() || &stub == fieldList_ || newReferences_.contains(core_.indexOf(&stub))) {
+                if (core_.erasedEver_ || &stub == fieldList_ || newReferences_.contains(core_.indexOf(&stub))) {
                     emit(broughtUpToDate(stub));
                     return;
                 }
@@ -372,7 +366,6 @@ class Saver {
     std::string piece_;
     std::string patched_;
     std::uint64_t largest_ = 0;
-    std::vector<std::uint64_t> erased_;
     std::vector<std::uint32_t> newFields_;
     std::unordered_map<std::uint32_t, std::vector<std::uint64_t>>
         newReferences_;  // by the stub of their block's record
