@@ -321,11 +321,13 @@ bool OdDbAttributeReader::read(OdDbObjectId attribute) {
     if (attribute.isNull() || attribute.isErased()) return false;
     drawingdb::Stub& stub = *attribute.stub();
     if (stub.type != drawingdb::rtAttrib) return false;
+    core_ = &drawingdb::coreOf(&stub);
     if (readRecord(drawingdb::coreOf(&stub), stub)) return true;
     const auto opened = attribute.openIf<OdDbAttribute>();
     if (!opened) return false;
-    tag_ = opened->tag();
-    text_ = opened->textString();
+    tag_.raw = text_.raw = {};
+    tag_.wide = opened->tag();
+    text_.wide = opened->textString();
     return true;
 }
 
@@ -362,7 +364,19 @@ bool OdDbAttributeReader::readRecord(drawingdb::Core& core, drawingdb::Stub& stu
         }
     }
     if (markers != std::size(kMarkers)) return false;
-    drawingdb::decodeText(tag, core.format, tag_);
-    drawingdb::decodeText(text, core.format, text_);
+    const auto notNull = [](std::string_view raw) { return raw.data() ? raw : std::string_view(""); };
+    tag_.raw = notNull(tag);
+    text_.raw = notNull(text);
     return true;
+}
+
+OdString OdDbAttributeReader::wide(const Text& text) const {
+    return text.raw.data() ? drawingdb::decodeText(text.raw, core_->format) : text.wide;
+}
+
+std::string_view OdDbAttributeReader::narrow(Text& text) const {
+    if (text.raw.data() && drawingdb::isPlainText(text.raw)) return text.raw;
+    text.converted.clear();
+    core_->database.appendNarrow(text.converted, wide(text));
+    return text.converted;
 }

@@ -264,7 +264,7 @@ OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdDbEntity* entity) {
     Stub* const model = core.modelSpace();
     Stub* const paper = core.paperSpace();
     const bool inEntities = stub_ == model || stub_ == paper;
-    Stub* container = inEntities ? core.sectionNamed("ENTITIES") : core.blockBegin(*stub_);
+    Stub* container = inEntities ? core.section(drawingdb::Section::entities) : core.blockBegin(*stub_);
     if (!container)
         throw OdError(OdResult::badFile, core.where(nullptr) + "the file has no place for the entities of this block");
     core.appendObject(*entity, *container);

@@ -114,11 +114,6 @@ Stub* Core::nextChild(Stub& container, Stub* stub) {
     return anchor && anchor->next ? &stubs[anchor->next] : nullptr;
 }
 
-Stub* Core::sectionNamed(std::string_view sectionName) const {
-    const auto it = sections_.find(sectionName);
-    return it == sections_.end() ? nullptr : it->second;
-}
-
 Stub* Core::tableNamed(std::string_view tableName) const {
     const auto it = tables_.find(tableName);
     return it == tables_.end() ? nullptr : it->second;
@@ -129,7 +124,7 @@ void Core::linkBlocks() {
     blocksLinked_ = true;
     blockOfRecord_.clear();
     recordOfBlock_.clear();
-    Stub* blocks = sectionNamed("BLOCKS");
+    Stub* blocks = section(Section::blocks);
     Stub* table = tableNamed("BLOCK_RECORD");
     if (blocks) {
         for (Stub* block = nextChild(*blocks, nullptr); block; block = nextChild(*blocks, block)) {
@@ -147,7 +142,7 @@ void Core::linkBlocks() {
         return findRecord("BLOCK_RECORD", once);
     };
     Stub* model = space(L"*Model_Space", L"$MODEL_SPACE");
-    if (!model) model = sectionNamed("ENTITIES");
+    if (!model) model = section(Section::entities);
     Stub* paper = space(L"*Paper_Space", L"$PAPER_SPACE");
     model_ = model ? indexOf(model) : 0;
     paper_ = paper ? indexOf(paper) : 0;
@@ -181,7 +176,7 @@ Stub* Core::blockOf(Stub& stub) {
         Stub& owner = stubs[inner->owner];
         if (owner.type == rtBlock) return recordOfBlock(owner);
         if (owner.type == rtSection) {
-            if (&owner != sectionNamed("ENTITIES")) return nullptr;
+            if (&owner != section(Section::entities)) return nullptr;
             return inner->has(Stub::paperSpace) ? paperSpace() : modelSpace();
         }
         inner = &owner;
@@ -192,7 +187,7 @@ Stub* Core::blockOf(Stub& stub) {
 OdDbObjectIdRange Core::entitiesOf(Stub& record, bool skipErased) {
     Stub* block = record.type == rtSection ? nullptr : blockBegin(record);
     const bool space = &record == modelSpace() || &record == paperSpace();
-    Stub* entities = space ? sectionNamed("ENTITIES") : nullptr;
+    Stub* entities = space ? section(Section::entities) : nullptr;
     return block ? OdDbObjectIdRange(block, entities, &record, skipErased)
                  : OdDbObjectIdRange(entities, nullptr, &record, skipErased);
 }
@@ -206,8 +201,8 @@ bool Core::isEntity(const Stub& stub) const {
         case rtPolyline:
             return true;
         case rtSection:
-            return &owner == sectionNamed("ENTITIES") ||
-                   (&owner == sectionNamed("BLOCKS") && stub.type != rtBlock && stub.type != rtEndblk);
+            return &owner == section(Section::entities) ||
+                   (&owner == section(Section::blocks) && stub.type != rtBlock && stub.type != rtEndblk);
         default:
             return false;
     }
@@ -233,7 +228,7 @@ const OdRxClass* Core::classOf(const Stub& stub) {
         const std::uint32_t index = indexOf(&stub);
         if (index == model_) return OdDbBlockTableRecord::desc();
         // Before there were block records, the blocks themselves were their table.
-        if (&stub == sectionNamed("BLOCKS")) return OdDbSymbolTable::desc();
+        if (&stub == section(Section::blocks)) return OdDbSymbolTable::desc();
         const auto it = recordOfBlock_.find(index);
         if (it != recordOfBlock_.end() && it->second == index) return OdDbBlockTableRecord::desc();
         return OdDbUnknownObject::desc();
@@ -289,7 +284,7 @@ Stub* Core::findRecord(std::string_view table, const std::wstring& recordName) {
         Stub* container = tableNamed(table);
         int wanted = -1;
         if (!container && table == "BLOCK_RECORD") {
-            container = sectionNamed("BLOCKS");
+            container = section(Section::blocks);
             wanted = rtBlock;
         }
         if (container) {
@@ -480,7 +475,7 @@ void Core::refresh(OdDbObject& object) {
 // Header variables
 
 std::optional<Core::HeaderVariable> Core::headerVariable(std::string_view variable) {
-    if (!header_ && !(header_ = sectionNamed("HEADER"))) return {};
+    if (!header_ && !(header_ = section(Section::header))) return {};
     // Bytes never change, so the table holds for as long as the header has the same ones.
     if (const std::string_view bytes = bytesOf(*header_); bytes.data() != headerBytes_) indexHeader(bytes);
     const auto found = headerVariables_.find(variable);
@@ -530,7 +525,7 @@ void Core::indexHeader(std::string_view bytes) {
 
 void Core::setHeaderVariable(std::string_view variable, const std::function<void(GroupWriter&)>& write) {
     requireWritable();
-    Stub* header = sectionNamed("HEADER");
+    Stub* header = section(Section::header);
     if (!header)
         throw OdError(OdResult::badFile, where(nullptr) + "the file has no HEADER section; " + std::string(variable) +
                                              " cannot be stored");

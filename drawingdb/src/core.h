@@ -7,6 +7,8 @@
 //   undo.cpp       the log
 //   clone.cpp      deep clone
 //   save.cpp       stubs -> file bytes
+#include <array>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -28,6 +30,10 @@ namespace drawingdb {
 class ClassDescription;
 class Indexer;
 class Saver;
+
+/// The sections that are looked for.
+enum class Section : std::uint8_t { header, classes, blocks, entities, objects };
+inline constexpr std::array<std::string_view, 5> kSectionNames = {"HEADER", "CLASSES", "BLOCKS", "ENTITIES", "OBJECTS"};
 
 class Core {
   public:
@@ -70,7 +76,7 @@ class Core {
     Stub* nextChild(Stub& container, Stub* stub);
     /// The block record that an entity lies in.
     Stub* blockOf(Stub& stub);
-    Stub* sectionNamed(std::string_view sectionName) const;
+    Stub* section(Section known) const { return knownSections_[static_cast<std::size_t>(known)]; }
     Stub* tableNamed(std::string_view tableName) const;
     /// BLOCK of a block record (for files without block records they are the same).
     Stub* blockBegin(Stub& record);
@@ -195,6 +201,7 @@ class Core {
     template <class Value>
     using ByName = std::unordered_map<std::string, Value, StringHash, std::equal_to<>>;
     ByName<Stub*> sections_;
+    std::array<Stub*, kSectionNames.size()> knownSections_{};
     ByName<Stub*> tables_;
     std::uint64_t largestHandle_ = 0;
     std::uint64_t firstNewHandle_ = 0;
@@ -223,7 +230,7 @@ class Core {
     void linkBlocks();
 
     std::vector<OdDbObject*> dirty_;
-    std::vector<Step> log_;
+    std::deque<Step> log_;  // grows by the million: nothing is copied for that
     std::vector<std::size_t> groups_;
     std::size_t changes_ = 0;
     std::uint64_t state_ = 0;  // another number after every step, forward or back

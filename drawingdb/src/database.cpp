@@ -108,7 +108,7 @@ std::size_t OdDbDatabase::touchEverything() {
 OdDbObjectId OdDbDatabase::tableId(std::string_view dxfName) const { return OdDbObjectId(core_->tableNamed(dxfName)); }
 OdDbObjectId OdDbDatabase::blockTableId() const {
     const OdDbObjectId table = tableId("BLOCK_RECORD");
-    return table.isNull() ? OdDbObjectId(core_->sectionNamed("BLOCKS")) : table;
+    return table.isNull() ? OdDbObjectId(core_->section(drawingdb::Section::blocks)) : table;
 }
 OdDbObjectId OdDbDatabase::layerTableId() const { return tableId("LAYER"); }
 OdDbObjectId OdDbDatabase::textStyleTableId() const { return tableId("STYLE"); }
@@ -116,7 +116,7 @@ OdDbObjectId OdDbDatabase::linetypeTableId() const { return tableId("LTYPE"); }
 
 OdDbObjectId OdDbDatabase::namedObjectsDictionaryId() const {
     // The first object of the section.
-    Stub* section = core_->sectionNamed("OBJECTS");
+    Stub* section = core_->section(drawingdb::Section::objects);
     Stub* first = section ? core_->nextChild(*section, nullptr) : nullptr;
     return first && first->type == rtDictionary ? OdDbObjectId(first) : OdDbObjectId();
 }
@@ -292,7 +292,7 @@ void OdDbDatabase::setHeaderPoint(std::string_view name, const OdGePoint3d& valu
 // ---- objects
 
 OdDbObjectId OdDbDatabase::addObject(const OdDbObjectPtr& object, OdDbObjectId owner) {
-    Stub* section = core_->sectionNamed("OBJECTS");
+    Stub* section = core_->section(drawingdb::Section::objects);
     if (!section)
         throw OdError(OdResult::notHeldByVersion,
                       core_->where(nullptr) + "no " + object->dxfName() + " fits into a drawing of version " +

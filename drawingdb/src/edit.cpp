@@ -401,10 +401,10 @@ void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMappin
     const bool toBlock = classOf(owner)->isDerivedFrom(OdDbBlockTableRecord::desc());
     const bool paper =
         toBlock && &owner != modelSpace() && base::startsWithNoCase(groupWide(owner, 2), L"*Paper_Space");
-    Stub* container = sectionNamed("OBJECTS");
+    Stub* container = section(Section::objects);
     if (toBlock) {
         const bool inEntities = &owner == modelSpace() || &owner == paperSpace();
-        container = inEntities ? sectionNamed("ENTITIES") : blockBegin(owner);
+        container = inEntities ? section(Section::entities) : blockBegin(owner);
     }
     if (!container)
         throw OdError(OdResult::invalidInput, where(nullptr) + "there is no place for the copies in this drawing");
@@ -437,7 +437,7 @@ void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMappin
                 if (!owned || owned->gone() || isEntity(*owned) || !mapping.find(OdDbObjectId(owned)).isNull())
                     continue;
                 if (ownerHandle(bytesOf(*owned), format) != job.source->handle) continue;
-                if (Stub* section = sectionNamed("OBJECTS")) add(*owned, *section, job.copy->handle, false, false);
+                if (Stub* place = section(Section::objects)) add(*owned, *place, job.copy->handle, false, false);
             }
         }
     }
@@ -460,8 +460,8 @@ Stub* Core::fieldList(bool make) {
     const OdDbDictionaryPtr dictionary = named.openIf<OdDbDictionary>();
     if (!dictionary) return nullptr;
     if (const OdDbObjectId found = dictionary->getAt(L"ACAD_FIELDLIST"); found.isValid()) return found.stub();
-    if (!make || !sectionNamed("OBJECTS")) return nullptr;
-    Stub& list = addStub(rtFieldList, *sectionNamed("OBJECTS"));
+    if (!make || !section(Section::objects)) return nullptr;
+    Stub& list = addStub(rtFieldList, *section(Section::objects));
     std::string bytes;
     GroupWriter writer(bytes, format);
     writer.text(0, "FIELDLIST");

@@ -142,7 +142,7 @@ OdString documentProperty(const OdDbDatabase& database, const DocumentProperty& 
 std::optional<OdString> customProperty(const OdDbDatabase& database, std::wstring_view name) {
     Core& core = database.core();
     std::optional<OdString> value;
-    if (Stub* header = core.sectionNamed("HEADER")) {
+    if (Stub* header = core.section(drawingdb::Section::header)) {
         GroupCursor cursor(core.bytesOf(*header), core.format);
         Group group;
         bool tagged = false;

@@ -322,26 +322,16 @@ void appendUnit(int unit, std::wstring& out) {
     out.push_back(static_cast<wchar_t>(unit));
 }
 
-/// Whether every byte is the character itself.
-bool isPlain(std::string_view raw) {
+}  // namespace
+
+bool isPlainText(std::string_view raw) {
     for (const char c : raw)
         if (c == '\\' || c == '^' || static_cast<unsigned char>(c) >= 0x80) return false;
     return true;
 }
 
-}  // namespace
-
-void decodeText(std::string_view raw, const FileFormat& format, std::wstring& out) {
-    if (!isPlain(raw)) {
-        out = decodeText(raw, format);
-        return;
-    }
-    out.resize(raw.size());
-    std::copy(raw.begin(), raw.end(), out.begin());
-}
-
 std::wstring decodeText(std::string_view raw, const FileFormat& format) {
-    if (isPlain(raw)) return std::wstring(raw.begin(), raw.end());
+    if (isPlainText(raw)) return std::wstring(raw.begin(), raw.end());
     const std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
     if (wide.find_first_of(L"\\^") == std::wstring::npos) return wide;
     std::wstring out;

@@ -154,8 +154,8 @@ std::uint64_t parseHandle(std::string_view text);
 
 /// Text of a file to wide text: code page, then "\U+XXXX", "\M+nXXXX" and "^" sequences.
 std::wstring decodeText(std::string_view raw, const FileFormat& format);
-/// The same into a text that has memory already.
-void decodeText(std::string_view raw, const FileFormat& format, std::wstring& out);
+/// Whether every byte of a file's text is the character itself.
+bool isPlainText(std::string_view raw);
 /// The reverse; what the code page cannot hold becomes "\U+XXXX", control characters "^" sequences.
 std::string encodeText(std::wstring_view text, const FileFormat& format);
 

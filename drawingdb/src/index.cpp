@@ -6,7 +6,7 @@
 //
 // Attributes, vertices and SEQEND belong to what they follow, whatever their groups 66 and 330 say.
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <cstring>
 
 #include "base/paths.h"
@@ -25,6 +25,20 @@ std::string_view trimmed(std::string_view text) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
     while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r')) text.remove_suffix(1);
     return text;
+}
+
+/// Groups that the index needs to know: kinds, names, handles and what refers to them.
+constexpr bool tellsTheIndex(int code) {
+    return code == 0 || code == 2 || code == 5 || code == 67 || code == 105 || (code >= 320 && code < 370) ||
+           (code >= 390 && code < 400) || code == 480 || code == 481 || code == 1005;
+}
+constexpr auto kLookedAt = [] {
+    std::array<bool, 1072> known{};
+    for (std::size_t code = 0; code < known.size(); ++code) known[code] = tellsTheIndex(static_cast<int>(code));
+    return known;
+}();
+inline bool isLookedAt(int code) {
+    return static_cast<unsigned>(code) < kLookedAt.size() && kLookedAt[static_cast<std::size_t>(code)];
 }
 
 }  // namespace
@@ -75,8 +89,7 @@ class Indexer {
             const char* const value = codeEnd + 1;
             const char* stop = valueEnd;
             p = valueEnd < end_ ? valueEnd + 1 : end_;
-            if (code > 105 && code < 320) continue;
-            if (code >= 10 && code < 67) continue;
+            if (!isLookedAt(code)) continue;
             if (stop > value && stop[-1] == '\r') --stop;
             if (!group(code, {value, static_cast<std::size_t>(stop - value)}, record)) {
                 stopAt_ = p;
@@ -146,8 +159,7 @@ class Indexer {
                     nameTable(trimmed(value));
                 break;
             default:
-                if (code >= 320 && type_ != rtSection &&
-                    (code < 370 || (code >= 390 && code < 400) || code == 480 || code == 481 || code == 1005))
+                if (code >= 320 && tellsTheIndex(code) && type_ != rtSection)
                     core_.largestHandle_ = std::max(core_.largestHandle_, parseHandle(value));
         }
         return true;
@@ -289,8 +301,13 @@ class Indexer {
         for (char& c : name)
             if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
         inEntities_ = name == "ENTITIES";
-        if (!core_.sections_.emplace(name, current_).second)
+        if (core_.sections_.emplace(name, current_).second) {
+            const auto known = std::find(kSectionNames.begin(), kSectionNames.end(), name);
+            if (known != kSectionNames.end())
+                core_.knownSections_[static_cast<std::size_t>(known - kSectionNames.begin())] = current_;
+        } else {
             fault(value.data(), "a second section " + name + "; the first one counts");
+        }
         ++sectionsSeen_;
     }
 

@@ -109,10 +109,10 @@ class Saver {
 
     std::uint32_t endOfSection(std::uint32_t i) {
         const auto closes = [&](const Stub* section) { return section && section->close == i; };
-        const Stub* classes = core_.sectionNamed("CLASSES");
+        const Stub* classes = core_.section(Section::classes);
         if (closes(classes)) emitKindRecords();
         if (!core_.stubs[i].gone()) bytes(core_.stubs[i]);
-        if (!classes && closes(core_.sectionNamed("HEADER")) && lacksKindRecords()) {
+        if (!classes && closes(core_.section(Section::header)) && lacksKindRecords()) {
             patched_.clear();
             GroupWriter writer(patched_, core_.format);
             writer.text(0, "SECTION");
@@ -132,7 +132,7 @@ class Saver {
 
     void emitKindRecords() {
         if (!lacksKindRecords()) return;
-        if (Stub* classes = core_.sectionNamed("CLASSES"))
+        if (Stub* classes = core_.section(Section::classes))
             for (Stub* known = core_.nextChild(*classes, nullptr); known; known = core_.nextChild(*classes, known))
                 for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
                     if (core_.groupText(*known, 1) == core_.types.name(kKindRecords[kind].type)) newObjects_[kind] = 0;
@@ -216,7 +216,7 @@ class Saver {
     void bytes(Stub& stub) {
         switch (stub.type) {
             case rtSection:
-                if (&stub == core_.sectionNamed("HEADER")) {
+                if (&stub == core_.section(Section::header)) {
                     emit(withSeed(core_.bytesOf(stub)));
                     return;
                 }

@@ -17,7 +17,10 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
+
+#include "base/memory.h"
 
 class OdDbObject;
 
@@ -66,6 +69,8 @@ class StubTable {
         std::uint32_t base;
     };
     static constexpr std::size_t kPerChunk = (kChunkBytes - 40) / sizeof(Stub);
+    // A small drawing has few chunks; a large one takes many at once, in large pages.
+    static constexpr std::size_t kFewChunks = 32, kManyChunks = 128;
     struct Free {
         void operator()(char* p) const { ::operator delete(p, std::align_val_t(kChunkBytes)); }
     };
@@ -75,7 +80,7 @@ class StubTable {
 
     std::uint32_t size() const { return size_; }
     Stub& operator[](std::uint32_t index) {
-        return reinterpret_cast<Stub*>(chunks_[index / kPerChunk].get() + 40)[index % kPerChunk];
+        return reinterpret_cast<Stub*>(chunks_[index / kPerChunk] + 40)[index % kPerChunk];
     }
     const Stub& operator[](std::uint32_t index) const { return const_cast<StubTable&>(*this)[index]; }
     /// A new stub, all zero.
@@ -96,12 +101,31 @@ class StubTable {
     }
     void addChunk() {
         static_assert(sizeof(Head) <= 40);
-        chunks_.emplace_back(static_cast<char*>(::operator new(kChunkBytes, std::align_val_t(kChunkBytes))));
-        new (chunks_.back().get()) Head{core_, size_};
+        char* const chunk = chunks_.size() < kFewChunks ? singleChunk() : nextOfMany();
+        new (chunk) Head{core_, size_};
+        chunks_.push_back(chunk);
+    }
+    char* singleChunk() {
+        single_.emplace_back(static_cast<char*>(::operator new(kChunkBytes, std::align_val_t(kChunkBytes))));
+        return single_.back().get();
+    }
+    char* nextOfMany() {
+        if (left_ == 0) {
+            many_.push_back(base::allocateLarge((kManyChunks + 1) * kChunkBytes));
+            const auto address = reinterpret_cast<std::uintptr_t>(many_.back().get());
+            place_ = many_.back().get() + (kChunkBytes - address % kChunkBytes) % kChunkBytes;
+            left_ = kManyChunks;
+        }
+        --left_;
+        return std::exchange(place_, place_ + kChunkBytes);
     }
 
     Core* core_;
-    std::vector<std::unique_ptr<char, Free>> chunks_;
+    std::vector<char*> chunks_;
+    std::vector<std::unique_ptr<char, Free>> single_;
+    std::vector<base::LargeMemory> many_;
+    char* place_ = nullptr;  // of the next chunk in the last of the many
+    std::size_t left_ = 0;
     std::uint32_t size_ = 0;
 };
 

@@ -33,7 +33,7 @@ void Core::undoStep(const Step& step) {
                 Group first;
                 if (stub.type != rtNone && cursor.next(first) && first.code == 0) stub.type = types.find(first.value);
             }
-            if (&stub == sectionNamed("HEADER")) {
+            if (&stub == section(Section::header)) {
                 currentLayout.clear();
                 activeViewport = 0;
             }

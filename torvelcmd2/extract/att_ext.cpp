@@ -1,6 +1,7 @@
 #include "torvelcmd2/extract/att_ext.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "base/paths.h"
@@ -52,19 +53,21 @@ bool workDialog(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
     }
 }
 
-// By block definition, so that all references of one block stand together.
+// By block definition, so that all references of one block stand together, and by reference. There are few blocks, and
+// a selection is nearly always in order, so that sorting all pairs would mostly be in vain.
 OdDbObjectIdArray orderedReferences(const OdDbObjectIdArray& selection) {
-    std::vector<std::pair<OdDbObjectId, OdDbObjectId>> references;
+    std::map<OdDbObjectId, OdDbObjectIdArray> byBlock;
     for (OdDbObjectId id : selection) {
         if (id.isValid() && id.isKindOf(OdDbBlockReference::desc())) {
-            references.emplace_back(OdDbBlockReference::blockTableRecordOf(id), id);
+            byBlock[OdDbBlockReference::blockTableRecordOf(id)].push_back(id);
         }
     }
-    std::sort(references.begin(), references.end());
     OdDbObjectIdArray ordered;
-    ordered.reserve(references.size());
-    for (const auto& [block, reference] : references) {
-        ordered.push_back(reference);
+    for (auto& [block, references] : byBlock) {
+        if (!std::ranges::is_sorted(references)) {
+            std::ranges::sort(references);
+        }
+        ordered.insert(ordered.end(), references.begin(), references.end());
     }
     return ordered;
 }

@@ -81,15 +81,10 @@ class Records {
     void fillAttributes(const OdDbBlockReference& reference) {
         for (const OdDbObjectId id : reference.attributes()) {
             if (!attribute_.read(id)) continue;
-            tag_.clear();
-            reference.database()->appendNarrow(tag_, attribute_.tag());
-            const auto found = tags_.find(std::string_view(tag_));
+            const auto found = tags_.find(attribute_.narrowTag());
             if (found == tags_.end()) continue;
             // Of equal tags the last one counts.
-            for (const std::size_t i : found->second) {
-                values_[i].clear();
-                reference.database()->appendNarrow(values_[i], attribute_.textString());
-            }
+            for (const std::size_t i : found->second) values_[i] = attribute_.narrowTextString();
         }
     }
 
@@ -162,7 +157,6 @@ class Records {
     std::vector<std::size_t> properties_;  // fields that are block properties
     std::unordered_map<std::string, std::vector<std::size_t>, Hash, std::equal_to<>> tags_;  // the others, by tag
     OdDbAttributeReader attribute_;
-    std::string tag_;
     OdDbObjectId namedBlock_;
     std::string blockName_;
 };
