@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "base/files.h"
 #include "base/modules.h"
 #include "tests/dialogs/script_lines.h"
 
@@ -58,6 +59,17 @@ TEST_P(ColorChooser, OneLineWhereLinesAnswer) {
     EXPECT_TRUE(host::chooseColor(color));
     EXPECT_EQ(color, OdCmColor::fromRgb(12, 0, 255));
     EXPECT_THROW(host::chooseColor(color), ScriptFault);
+}
+
+// docs/take_pictures takes it from here: in a script of the host's a line answers, and no window is seen.
+TEST(ColorChooserWindow, CanBePictured) {
+    ScriptLines lines;
+    if (!dialogs::useWindows(&lines)) GTEST_SKIP() << "there are no windows";
+    const dialogs::ResourceScope resources(base::processImage());
+    lines.lines = {"Color index = blue", "picture shot.bmp", "press Cancel"};
+    EXPECT_EQ(host::ColorDialog(OdCmColor::fromIndex(30)).runModal(), 2);
+    dialogs::useStandard();
+    EXPECT_TRUE(base::readFile(L"shot.bmp").view().starts_with("BM"));
 }
 
 }  // namespace

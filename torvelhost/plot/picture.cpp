@@ -229,6 +229,12 @@ void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, Fi
     shapes_.back().rule = rule;
     for (const Contour& contour : contours) {
         if (contour.size() < 3 || !std::all_of(contour.begin(), contour.end(), canBeCut)) continue;
+        if (clip_.empty() && std::all_of(contour.begin(), contour.end(), [this](const OdGePoint2d& point) {
+                return point.x >= low_.x && point.x <= high_.x && point.y >= low_.y && point.y <= high_.y;
+            })) {
+            addContour(contour);
+            continue;
+        }
         Contour inBox = contour;
         cutBySide(inBox, [this](const OdGePoint2d& point) { return point.x - low_.x; });
         cutBySide(inBox, [this](const OdGePoint2d& point) { return high_.x - point.x; });

@@ -1,8 +1,8 @@
 // Pictures as PNG: shapes become anti-aliased pixels with the Anti-Grain Geometry rasterizer.
 #include <agg2/agg_pixfmt_rgb.h>
-#include <agg2/agg_rasterizer_scanline_aa.h>
+#include <agg2/agg_rasterizer_scanline_aa_nogamma.h>
 #include <agg2/agg_renderer_scanline.h>
-#include <agg2/agg_scanline_u.h>
+#include <agg2/agg_scanline_p.h>
 #include <cmath>
 
 #include "torvelhost/plot/picture.h"
@@ -104,8 +104,8 @@ class Painter {
     agg::rendering_buffer buffer_;
     agg::pixfmt_rgb24 format_;
     agg::renderer_base<agg::pixfmt_rgb24> base_;
-    agg::rasterizer_scanline_aa<> rasterizer_;
-    agg::scanline_u8 scanline_;
+    agg::rasterizer_scanline_aa_nogamma<> rasterizer_;
+    agg::scanline_p8 scanline_;
     int corners_ = 0;
 };
 
@@ -117,8 +117,10 @@ void append(void* out, void* data, int size) {
 
 std::string pngBytes(const Picture& picture) {
     Painter painter(picture);
-    // Rows of one colour, and the edges of thin lines, are smallest as they stand.
+    // Rows of one colour, and the edges of thin lines, are smallest as they stand; looking longer for what repeats
+    // makes no difference either.
     stbi_write_force_png_filter = 0;
+    stbi_write_png_compression_level = 5;
     std::string bytes;
     stbi_write_png_to_func(append, &bytes, picture.width(), picture.height(), 3, painter.paint().data(),
                            picture.width() * 3);

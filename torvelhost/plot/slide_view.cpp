@@ -16,22 +16,23 @@ void SlideView::prepare() {
 }
 
 void SlideView::drawPolyline(const OdGePoint3d* points, int count) {
-    if (picture_) picture_->addPolyline(toPicture(points, count), Pen{color_, 1.0});
+    if (!picture_) return;
+    toPicture(points, count);
+    picture_->addPolyline(points_, Pen{color_, 1.0});
 }
 
 void SlideView::drawPolygon(const OdGePoint3d* points, int count) {
     if (!picture_) return;
-    const Picture::Contour contour = toPicture(points, count);
-    picture_->addArea({&contour, 1}, color_);
+    toPicture(points, count);
+    picture_->addArea({&points_, 1}, color_);
 }
 
 // From the view's middle with y up to the picture's corner with y down.
-Picture::Contour SlideView::toPicture(const OdGePoint3d* points, int count) const {
-    Picture::Contour contour;
+void SlideView::toPicture(const OdGePoint3d* points, int count) {
+    points_.clear();
     for (const OdGePoint3d& point : std::span(points, static_cast<std::size_t>(count))) {
-        contour.emplace_back(width_ / 2.0 + point.x, height_ / 2.0 - point.y);
+        points_.emplace_back(width_ / 2.0 + point.x, height_ / 2.0 - point.y);
     }
-    return contour;
 }
 
 }  // namespace host

@@ -29,13 +29,14 @@ class SlideView final : public HostSlideView {
     void showDrawing() { picture_.reset(); }
 
   private:
-    Picture::Contour toPicture(const OdGePoint3d* points, int count) const;
+    void toPicture(const OdGePoint3d* points, int count);
 
     int width_, height_;
     IProfile& settings_;
     std::function<bool()> isPaper_;
     std::uint32_t color_ = 0;
     std::optional<Picture> picture_;
+    Picture::Contour points_;  // of what is drawn, in the picture
 };
 
 }  // namespace host
