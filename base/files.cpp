@@ -1,7 +1,15 @@
 #include "base/files.h"
 
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
 #include <cstring>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
 
+#include "base/input_file.h"
 #include "base/output_file.h"
 #include "base/text.h"
 
@@ -29,6 +37,106 @@ FileBuffer::FileBuffer(std::string_view bytes) : FileBuffer(bytes.size()) {
 void FileBuffer::truncate(std::size_t size) {
     std::memset(bytes_.get() + size, 0, kPadding);
     size_ = size;
+}
+
+FileBuffer readFile(std::wstring_view path) {
+    InputFile file(path);
+    // One byte more than the size shows the end without growing the buffer.
+    FileBuffer buffer(file.size() + 1);
+    std::size_t filled = 0;
+    while (const std::size_t count = file.read(buffer.data() + filled, buffer.size() - filled)) {
+        filled += count;
+        if (filled == buffer.size()) {
+            FileBuffer larger(buffer.size() * 2 + 65536);
+            std::memcpy(larger.data(), buffer.data(), filled);
+            buffer = std::move(larger);
+        }
+    }
+    buffer.truncate(filled);
+    return buffer;
+}
+
+// What reader and thread share; `filled`, `ended` and `error` under the mutex.
+struct FileReading::Background {
+    explicit Background(std::wstring_view path) : file(path) {}
+
+    // A file that grows meanwhile is read as long as it was.
+    void read(char* bytes, std::size_t size) {
+        std::exception_ptr failure;
+        std::size_t place = 0;
+        try {
+            while (place < size && !isStopped) {
+                const std::size_t count = file.read(bytes + place, std::min(size - place, kPiece));
+                if (count == 0) break;
+                place += count;
+                const std::lock_guard lock(mutex);
+                filled = place;
+                changed.notify_one();
+            }
+        } catch (const FileError&) {
+            failure = std::current_exception();
+        }
+        const std::lock_guard lock(mutex);
+        ended = true;
+        error = failure;
+        changed.notify_one();
+    }
+
+    static constexpr std::size_t kPiece = std::size_t{1} << 21;
+    InputFile file;
+    std::atomic<bool> isStopped = false;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::size_t filled = 0;
+    bool ended = false;
+    std::exception_ptr error;
+    std::thread thread;
+};
+
+FileReading::FileReading(std::wstring_view path) {
+    // Below it, starting a thread costs more than it gains.
+    constexpr std::size_t kLarge = std::size_t{1} << 22;
+    background_ = std::make_unique<Background>(path);
+    const std::size_t size = background_->file.size();
+    if (size >= kLarge) {
+        buffer_ = FileBuffer(size);
+        try {
+            background_->thread = std::thread(&Background::read, background_.get(), buffer_.data(), size);
+            return;
+        } catch (const std::system_error&) {
+            // No more threads are to be had: this one reads.
+        }
+    }
+    background_.reset();
+    buffer_ = readFile(path);
+}
+
+FileReading::FileReading(FileBuffer bytes) : buffer_(std::move(bytes)) {}
+
+FileReading::~FileReading() {
+    if (!background_) return;
+    background_->isStopped = true;
+    if (background_->thread.joinable()) background_->thread.join();
+}
+
+std::string_view FileReading::beyond(std::size_t known) {
+    if (background_) {
+        std::unique_lock lock(background_->mutex);
+        background_->changed.wait(lock, [&] { return background_->filled > known || background_->ended; });
+        if (background_->error) std::rethrow_exception(background_->error);
+        if (!background_->ended) return {buffer_.data(), background_->filled};
+        buffer_.truncate(background_->filled);
+        lock.unlock();
+        background_->thread.join();
+        background_.reset();
+    }
+    isComplete_ = true;
+    return buffer_.view();
+}
+
+FileBuffer FileReading::take() {
+    while (!isComplete_) beyond(buffer_.size());
+    return std::move(buffer_);
 }
 
 std::string_view untilEndMark(std::string_view text) { return text.substr(0, text.find('\x1A')); }

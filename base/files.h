@@ -46,6 +46,34 @@ class FileBuffer {
     std::size_t size_;
 };
 
+// A file's bytes for a reader that goes through them from the front: a large file is read by a thread of its own, so
+// that the first bytes are worked on while the others are still on their way. All functions but the destructor throw
+// FileError.
+class FileReading {
+  public:
+    explicit FileReading(std::wstring_view path);
+    // Bytes that are all there.
+    explicit FileReading(FileBuffer bytes);
+    ~FileReading();
+    FileReading(const FileReading&) = delete;
+    FileReading& operator=(const FileReading&) = delete;
+
+    // Waits until more than `known` bytes are there, or all. The bytes stay where they are, also in the buffer of
+    // take().
+    std::string_view beyond(std::size_t known);
+    // Whether the last call of beyond() gave all bytes.
+    bool isComplete() const { return isComplete_; }
+    // All bytes; nothing is left here.
+    FileBuffer take();
+
+  private:
+    struct Background;
+
+    FileBuffer buffer_;
+    bool isComplete_ = false;
+    std::unique_ptr<Background> background_;  // while a thread reads
+};
+
 // Reads the whole file, also one that does not tell its size. Throws FileError.
 FileBuffer readFile(std::wstring_view path);
 // The same for text, which ends at the first byte 0x1A. A UTF-8 byte order mark is left out. Throws FileError.

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/input_file.h"
 #include "base/output_file.h"
 #include "base/paths.h"
 #include "base/text.h"
@@ -41,33 +42,25 @@ void syncFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
-FileBuffer readFile(std::wstring_view path) {
-    const Descriptor file(::open(toUtf8(path).c_str(), O_RDONLY | O_CLOEXEC));
+InputFile::InputFile(std::wstring_view path)
+    : name_(path), handle_(::open(toUtf8(path).c_str(), O_RDONLY | O_CLOEXEC)) {
     struct stat status;
-    if (file.number() < 0 || ::fstat(file.number(), &status) != 0) {
+    if (handle_ < 0) {
         throwSystemError(path, errno);
     }
-    // One byte more than the size shows the end without growing the buffer; pipes and the like tell no size.
-    FileBuffer buffer(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
-    std::size_t filled = 0;
-    for (;;) {
-        const ssize_t count = ::read(file.number(), buffer.data() + filled, buffer.size() - filled);
-        if (count < 0) {
-            if (errno == EINTR) continue;
-            throwSystemError(path, errno);
-        }
-        if (count == 0) {
-            break;
-        }
-        filled += static_cast<std::size_t>(count);
-        if (filled == buffer.size()) {
-            FileBuffer larger(buffer.size() * 2 + 65536);
-            std::memcpy(larger.data(), buffer.data(), filled);
-            buffer = std::move(larger);
-        }
+    if (::fstat(static_cast<int>(handle_), &status) == 0) {
+        size_ = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
     }
-    buffer.truncate(filled);
-    return buffer;
+}
+
+InputFile::~InputFile() { ::close(static_cast<int>(handle_)); }
+
+std::size_t InputFile::read(char* bytes, std::size_t most) {
+    for (;;) {
+        const ssize_t count = ::read(static_cast<int>(handle_), bytes, most);
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno != EINTR) throwSystemError(name_, errno);
+    }
 }
 
 AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced_(toPath(target)) {

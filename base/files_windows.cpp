@@ -5,16 +5,13 @@
 #include <memory>
 
 #include "base/format.h"
+#include "base/input_file.h"
 #include "base/output_file.h"
 #include "base/paths.h"
 #include "base/system_error_windows.h"
 
 namespace base {
 namespace {
-
-struct Closer {
-    void operator()(void* file) const { CloseHandle(file); }
-};
 
 HANDLE toHandle(std::intptr_t number) { return reinterpret_cast<HANDLE>(number); }
 std::intptr_t toNumber(HANDLE handle) { return reinterpret_cast<std::intptr_t>(handle); }
@@ -24,42 +21,31 @@ constexpr std::size_t kLargestTransfer = std::size_t{1} << 30;
 
 }  // namespace
 
-FileBuffer readFile(std::wstring_view path) {
-    const std::wstring name(path);
-    auto fail = [&]() { throw FileError(name, systemErrorText(GetLastError())); };
+InputFile::InputFile(std::wstring_view path) : name_(path) {
     const HANDLE opened =
-        CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+        CreateFileW(name_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                     OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
     if (opened == INVALID_HANDLE_VALUE) {
-        fail();
+        throw FileError(name_, systemErrorText(GetLastError()));
     }
-    const std::unique_ptr<void, Closer> file(opened);
+    handle_ = toNumber(opened);
     LARGE_INTEGER size{};
-    if (GetFileType(opened) == FILE_TYPE_DISK && !GetFileSizeEx(opened, &size)) {
-        fail();
+    if (GetFileType(opened) == FILE_TYPE_DISK && GetFileSizeEx(opened, &size)) {
+        size_ = static_cast<std::size_t>(size.QuadPart);
     }
-    // One byte more than the size shows the end without growing the buffer; pipes and the like tell no size.
-    FileBuffer buffer(static_cast<std::size_t>(size.QuadPart) + 1);
-    std::size_t filled = 0;
-    for (;;) {
-        DWORD count = 0;
-        const DWORD room = static_cast<DWORD>(std::min(buffer.size() - filled, kLargestTransfer));
-        if (!ReadFile(opened, buffer.data() + filled, room, &count, nullptr)) {
-            if (GetLastError() == ERROR_BROKEN_PIPE) break;
-            fail();
-        }
-        if (count == 0) {
-            break;
-        }
-        filled += count;
-        if (filled == buffer.size()) {
-            FileBuffer larger(buffer.size() * 2 + 65536);
-            std::memcpy(larger.data(), buffer.data(), filled);
-            buffer = std::move(larger);
+}
+
+InputFile::~InputFile() { CloseHandle(toHandle(handle_)); }
+
+std::size_t InputFile::read(char* bytes, std::size_t most) {
+    DWORD count = 0;
+    if (!ReadFile(toHandle(handle_), bytes, static_cast<DWORD>(std::min(most, kLargestTransfer)), &count, nullptr)) {
+        // A pipe whose other end is closed is at its end.
+        if (const DWORD error = GetLastError(); error != ERROR_BROKEN_PIPE) {
+            throw FileError(name_, systemErrorText(error));
         }
     }
-    buffer.truncate(filled);
-    return buffer;
+    return count;
 }
 
 AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced_(toPath(target)) {

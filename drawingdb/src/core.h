@@ -47,7 +47,8 @@ class Core {
     std::vector<OdDbWarning> warnings;
 
     // ---- the file ----
-    void readIndex(base::FileBuffer bytes);
+    /// Throws OdError(badFile) for what is no drawing, and base::FileError.
+    void readIndex(base::FileReading& reading);
     void write(const std::function<void(std::string_view)>& sink);
     void addWarning(std::uint64_t line, const std::string& text);
     /// A warning about a place in the file's bytes, with file name and line.

@@ -28,22 +28,22 @@ OdDbDatabase::~OdDbDatabase() = default;
 OdDbDatabasePtr OdDbDatabase::createNew() { return readBytes(newDrawing(), L""); }
 
 OdDbDatabasePtr OdDbDatabase::readFile(const std::wstring& path) {
-    base::FileBuffer bytes;
+    OdDbDatabasePtr database(new OdDbDatabase);
+    database->core_->name = path;
     try {
-        bytes = base::readFile(path);
+        base::FileReading reading(path);
+        database->core_->readIndex(reading);
     } catch (const base::FileError& error) {
         throw OdError(OdResult::fileError, error.what());
     }
-    OdDbDatabasePtr database(new OdDbDatabase);
-    database->core_->name = path;
-    database->core_->readIndex(std::move(bytes));
     return database;
 }
 
 OdDbDatabasePtr OdDbDatabase::readBytes(std::string bytes, const std::wstring& name) {
     OdDbDatabasePtr database(new OdDbDatabase);
     database->core_->name = name;
-    database->core_->readIndex(base::FileBuffer(bytes));
+    base::FileReading reading{base::FileBuffer(bytes)};
+    database->core_->readIndex(reading);
     return database;
 }
 

@@ -45,7 +45,11 @@ inline bool isLookedAt(int code) {
 
 class Indexer {
   public:
-    explicit Indexer(Core& core) : core_(core), begin_(core.file_.data()), end_(begin_ + core.file_.size()) {}
+    Indexer(Core& core, base::FileReading& reading) : core_(core), reading_(reading) {
+        core_.file_ = reading_.beyond(kBinaryHead);
+        begin_ = core_.file_.data();
+        end_ = begin_ + core_.file_.size();
+    }
 
     void run() {
         core_.stubs.add();  // stub 0: the head; also "no stub"
@@ -54,37 +58,55 @@ class Indexer {
             binary();
         else
             ascii();
+        readAll();
         finish();
     }
 
   private:
+    /// Takes more bytes of the file, which then end further on.
+    void readMore() {
+        core_.file_ = reading_.beyond(core_.file_.size());
+        end_ = begin_ + core_.file_.size();
+    }
+    void readAll() {
+        while (!reading_.isComplete()) readMore();
+    }
+
     void ascii() {
         const char* p = begin_;
         if (core_.file_.starts_with("\xEF\xBB\xBF")) p += 3;
         if (const char* feed = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end_ - p))))
             core_.format.crlf = feed > p && feed[-1] == '\r';
+        while (groups(p) && !reading_.isComplete()) readMore();
+    }
+
+    /// Goes through the groups from `p` on, as far as the file is read; `p` ends up behind the last whole one. False
+    /// when nothing behind that is to be looked at.
+    bool groups(const char*& p) {
         LineFeeds feeds(p, end_);
         while (p < end_) {
             const char* const record = p;
             const char* const codeEnd = feeds.next();
             const char* const valueEnd = feeds.next();
+            if (valueEnd == end_ && !reading_.isComplete()) return true;
             int code = usualCode(record, codeEnd);
             if (code < 0) {
                 const auto read = readCode(record, codeEnd);
                 if (!read) {
+                    readAll();
                     // Blank lines at the end are none.
-                    if (trimmed({p, static_cast<std::size_t>(end_ - p)}).find_first_not_of("\n\r \t\x1A") !=
-                        std::string_view::npos)
-                        badCode(record, codeEnd);
-                    else
+                    const std::string_view rest(record, static_cast<std::size_t>(end_ - record));
+                    if (rest.find_first_not_of("\n\r \t\x1A") == std::string_view::npos)
                         stopAt_ = record;
-                    return;
+                    else
+                        badCode(record, codeEnd);
+                    return false;
                 }
                 code = *read;
             }
             if (codeEnd == end_ || codeEnd + 1 == end_) {
                 cutShort(record);
-                return;
+                return false;
             }
             const char* const value = codeEnd + 1;
             const char* stop = valueEnd;
@@ -93,14 +115,16 @@ class Indexer {
             if (stop > value && stop[-1] == '\r') --stop;
             if (!group(code, {value, static_cast<std::size_t>(stop - value)}, record)) {
                 stopAt_ = p;
-                return;
+                return false;
             }
         }
         stopAt_ = end_;
+        return true;
     }
 
     void binary() {
         core_.format.binary = true;
+        readAll();
         // Which width the codes have shows in the first record, which comments may precede.
         for (const bool wide : {true, false}) {
             core_.format.wideCodes = wide;
@@ -371,8 +395,9 @@ class Indexer {
 
     static constexpr std::size_t kMostFaults = 50;
     Core& core_;
-    const char* begin_;
-    const char* end_;
+    base::FileReading& reading_;
+    const char* begin_ = nullptr;
+    const char* end_ = nullptr;  // of what is read of the file
     const char* stopAt_ = nullptr;
     Stub* current_ = nullptr;
     std::uint16_t type_ = rtNone;
@@ -418,10 +443,10 @@ void Core::failAt(const char* place, const std::string& text) {
     throw OdError(OdResult::badFile, where(inFile ? place : nullptr) + text);
 }
 
-void Core::readIndex(base::FileBuffer bytes) {
-    buffer_ = std::move(bytes);
+void Core::readIndex(base::FileReading& reading) {
+    Indexer(*this, reading).run();
+    buffer_ = reading.take();
     file_ = buffer_.view();
-    Indexer(*this).run();
 
     if (const auto version = headerVariable("$ACADVER")) {
         int number = 0;

@@ -33,6 +33,32 @@ TEST(Files, ReadsWholeFilesWithZeroesBehind) {
     EXPECT_EQ(countIn(folder.path()), 1u);
 }
 
+TEST(Files, LargeFilesAreReadPieceByPiece) {
+    const TemporaryFolder folder;
+    std::string bytes;
+    for (int i = 0; bytes.size() < (std::size_t{9} << 20); ++i) bytes += std::to_string(i) + '\n';
+    for (const std::string& written : {bytes, bytes.substr(0, 100), std::string()}) {
+        base::writeFile(folder / L"large.dxf", written);
+        base::FileReading reading(folder / L"large.dxf");
+        std::size_t known = 0;
+        const char* place = nullptr;
+        while (!reading.isComplete()) {
+            const std::string_view read = reading.beyond(known);
+            EXPECT_TRUE(read.size() > known || reading.isComplete());
+            EXPECT_TRUE(place == nullptr || place == read.data());
+            EXPECT_EQ(read, std::string_view(written).substr(0, read.size()));
+            place = read.data();
+            known = read.size();
+        }
+        const base::FileBuffer whole = reading.take();
+        EXPECT_EQ(whole.data(), place);
+        EXPECT_EQ(whole.view(), written);
+        EXPECT_EQ(whole.data()[whole.size()], '\0');
+        // Who needs it no more need not wait for it.
+        const base::FileReading unused(folder / L"large.dxf");
+    }
+}
+
 TEST(Files, TextEndsAtTheEndMark) {
     const TemporaryFolder folder;
     base::writeFile(folder / L"a.txt", "\xEF\xBB\xBFone\r\ntwo\x1Athree\x1A");
@@ -43,7 +69,7 @@ TEST(Files, ErrorsNameTheFile) {
     const TemporaryFolder folder;
     for (const std::wstring& path : {folder / L"missing.dxf", folder.path()}) {
         try {
-            base::readFile(path);
+            base::FileReading(path).take();
             ADD_FAILURE() << "read " << base::toPath(path);
         } catch (const base::FileError& error) {
             EXPECT_EQ(error.fileName(), path);

@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 #include <random>
 
+#include "base/files.h"
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "sample.h"
+#include "tests/base/temporary_folder.h"
 
 namespace {
 
@@ -101,6 +103,33 @@ TEST(Damage, WarningsNameTheFault) {
     EXPECT_NE(warningsOf("AC1032\n  9\n$DWGCODEPAGE\n  3\nANSI_1252", "AC1015\n  9\n$DWGCODEPAGE\n  3\nKLINGON")
                   .find("unknown code page \"KLINGON\""),
               std::string::npos);
+}
+
+// A file is read while it is gone through; lines that are longer than a piece, and faults behind the first one, must
+// come out as those of a file that is there whole.
+TEST(Damage, LargeFilesAreReadAsSmallOnesAre) {
+    std::string bytes = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1032\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n";
+    int handle = 0x100;
+    while (bytes.size() < (std::size_t{7} << 20)) {
+        bytes += "0\nPOINT\n5\n" + OdDbHandle(static_cast<std::uint64_t>(handle++)).ascii() + "\n999\n";
+        bytes.append(bytes.size() % 3000000, 'x');
+        bytes += "\n10\n1.5\n";
+    }
+    const TemporaryFolder folder;
+    for (const char* end :
+         {"0\nENDSEC\n0\nEOF\n\x1A\nleft over", "0\nENDSEC\n0\nEOF\n", "0\nENDSEC\n\n\n", "no code\n1\n", "10"}) {
+        base::writeFile(folder / L"large.dxf", bytes + end);
+        const OdDbDatabasePtr read = OdDbDatabase::readFile(folder / L"large.dxf");
+        const OdDbDatabasePtr whole = OdDbDatabase::readBytes(bytes + end, L"large.dxf");
+        EXPECT_EQ(read->writeBytes(), bytes + end);
+        EXPECT_EQ(read->isReadOnly(), whole->isReadOnly());
+        EXPECT_TRUE(read->getObjectId(handle - 1).isValid());
+        ASSERT_EQ(read->warnings().size(), whole->warnings().size()) << end;
+        for (std::size_t i = 0; i < whole->warnings().size(); ++i) {
+            EXPECT_EQ(read->warnings()[i].line, whole->warnings()[i].line);
+            EXPECT_EQ(read->warnings()[i].text, whole->warnings()[i].text);
+        }
+    }
 }
 
 TEST(Damage, BlocksThatContainEachOtherEnd) {
