@@ -1,7 +1,5 @@
 #include "filled_strip.h"
 
-#include <array>
-
 #include "core.h"
 #include "curve_math.h"
 #include "description.h"
@@ -120,16 +118,20 @@ OdDbEntityPtr drawingdb::newSolidHatch(const FilledStrip& strip) {
     return OdDbEntityPtr(hatch.get());
 }
 
+OdDbEntityPtr drawingdb::newSolid(const OdGeVector3d& normal, double thickness,
+                                  const std::array<OdGePoint3d, 4>& corners) {
+    const OdSmartPtr<NewSolid> solid = NewSolid::createObject();
+    solid->set(normal, thickness, corners);
+    return OdDbEntityPtr(solid.get());
+}
+
 std::vector<OdDbEntityPtr> drawingdb::newSolids(const FilledStrip& strip, double thickness) {
     std::vector<OdDbEntityPtr> solids;
     const auto corner = [&](const OdGePoint2d& point) { return OdGePoint3d(point.x, point.y, strip.elevation); };
     for (std::size_t i = 1; i < strip.left.size(); ++i) {
-        const OdSmartPtr<NewSolid> solid = NewSolid::createObject();
-        // The third and fourth corner are stored crosswise.
-        solid->set(
+        solids.push_back(newSolid(
             strip.normal, thickness,
-            {corner(strip.left[i - 1]), corner(strip.right[i - 1]), corner(strip.left[i]), corner(strip.right[i])});
-        solids.emplace_back(solid.get());
+            {corner(strip.left[i - 1]), corner(strip.right[i - 1]), corner(strip.left[i]), corner(strip.right[i])}));
     }
     return solids;
 }
