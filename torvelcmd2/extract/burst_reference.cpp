@@ -52,30 +52,64 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
     return text;
 }
 
-// Multi-line text keeps the proportions of its letters whatever the matrix. Where that is not what the reference
-// showed, these codes in front of the contents stretch and slant them. `before` is the text's layout before the matrix.
-OdString letterCodes(const OdDbMText& text, const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
-    const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
-    const double widthScale = alongImage.length();
-    const double heightScale = alongImage.crossProduct(upImage).length() / widthScale;
-    double styleWidth = 1, styleSlant = 0;
-    if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
-        styleWidth = style->xScale();
-        styleSlant = std::tan(style->obliquingAngle());
+// How a matrix stretches and slants the letters of multi-line text, which transformBy leaves as they are. `before` is
+// the text's layout before the matrix.
+class Lettering {
+  public:
+    Lettering(const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
+        const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
+        widthScale_ = alongImage.length();
+        heightScale_ = alongImage.crossProduct(upImage).length() / widthScale_;
+        lean_ = alongImage.dotProduct(upImage) / widthScale_;
     }
-    const double stretch = widthScale / heightScale;
-    const double lean = alongImage.dotProduct(upImage) / widthScale;
-    const double slant = (lean + styleSlant * widthScale) / heightScale;
-    constexpr double kSame = 1e-9;
-    OdString codes;
-    if (std::fabs(stretch - 1) > kSame) {
-        codes = L"\\W" + base::widen(base::realToText(styleWidth * stretch)) + L";";
+    bool slants() const { return std::fabs(lean_ / heightScale_) > kSame; }
+    bool stretches() const { return std::fabs(stretch(1) - 1) > kSame; }
+
+    // With codes that show it. Those that stand in the contents say it of the letters behind them.
+    OdString contents(const OdDbMText& text) const {
+        double styleWidth = 1, styleSlant = 0;
+        if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
+            styleWidth = style->xScale();
+            styleSlant = style->obliquingAngle();
+        }
+        OdString result;
+        if (stretches()) {
+            result += code(L'W', stretch(styleWidth));
+        }
+        if (std::fabs(slant(styleSlant) - styleSlant) > kSame) {
+            result += code(L'Q', slant(styleSlant) * 180 / kPi);
+        }
+        const OdString old = text.contents();
+        for (std::size_t at = 0; at < old.size(); ++at) {
+            const wchar_t letter = old[at] == L'\\' && at + 1 < old.size() ? old[at + 1] : L'\0';
+            const std::size_t end = letter == L'W' || letter == L'Q' ? old.find(L';', at) : OdString::npos;
+            const auto value = end == OdString::npos
+                                   ? std::nullopt
+                                   : base::parseReal(std::wstring_view(old).substr(at + 2, end - at - 2));
+            if (value) {
+                result +=
+                    letter == L'W' ? code(L'W', stretch(*value)) : code(L'Q', slant(*value * kPi / 180) * 180 / kPi);
+                at = end;
+            } else {
+                result += old[at];
+                if (letter != L'\0') {
+                    result += old[++at];
+                }
+            }
+        }
+        return result;
     }
-    if (std::fabs(slant - styleSlant) > kSame) {
-        codes += L"\\Q" + base::widen(base::realToText(std::atan(slant) * 180 / torvel::kPi)) + L";";
+
+  private:
+    static constexpr double kSame = 1e-9;
+    static OdString code(wchar_t letter, double value) {
+        return OdString(L"\\") + letter + base::widen(base::realToText(value)) + L";";
     }
-    return codes;
-}
+    double stretch(double widthFactor) const { return widthFactor * widthScale_ / heightScale_; }
+    double slant(double oblique) const { return std::atan((lean_ + std::tan(oblique) * widthScale_) / heightScale_); }
+
+    double widthScale_, heightScale_, lean_;
+};
 
 bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
     const OdGeMatrix3d writing =
@@ -102,12 +136,29 @@ void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
 // New contents would take away a field, which brings the old ones back anyway.
 bool takesCodes(const OdDbEntity& text) { return !text.getField(kTextFieldKey); }
 
+// Letters can be slanted, but not the lines below each other, nor can the room around the text be stretched: where that
+// would show, the text is refused for its lines to be placed one by one.
 OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
     const OdGeMatrix3d before = text.layoutToWorld();
+    const Lettering lettering(before, matrix);
+    const MTextLayout layout = text.layout();
+    const bool boxed = text.backgroundFillOn() || text.hasFrame();
+    if (takesCodes(text) &&
+        ((lettering.slants() && layout.lines.size() > 1) || ((lettering.slants() || lettering.stretches()) && boxed))) {
+        return OdResult::transformRefused;
+    }
     const OdResult result = text.transformBy(matrix);
     if (result == OdResult::ok && takesCodes(text)) {
-        if (const OdString codes = letterCodes(text, before, matrix); !codes.empty()) {
-            text.setContents(codes + text.contents());
+        if (const OdString contents = lettering.contents(text); contents != text.contents()) {
+            text.setContents(contents);
+            // Slanted letters lean away from their baseline, not from where the text hangs.
+            const auto start = [](const MTextLayout& of) {
+                return OdGePoint3d(of.lines.front().position.x, of.lines.front().position.y, 0);
+            };
+            const OdGeVector3d astray = matrix * (before * start(layout)) - text.layoutToWorld() * start(text.layout());
+            if (lettering.slants()) {
+                text.setLocation(text.location() + astray);
+            }
         }
     }
     return result;
@@ -122,7 +173,7 @@ OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& m
             giveUpJustification(*attribute, matrix);
         } else if (takesCodes(*attribute)) {
             const auto lines = attribute->getMTextAttribute();
-            withCodes.emplace_back(attribute, letterCodes(*lines, lines->layoutToWorld(), matrix) + lines->contents());
+            withCodes.emplace_back(attribute, Lettering(lines->layoutToWorld(), matrix).contents(*lines));
         }
     }
     const OdResult result = reference.transformBy(matrix);
@@ -323,7 +374,7 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
         text->setField(kTextFieldKey, field->copy());
     }
     if (transform != OdGeMatrix3d::kIdentity) {
-        transformExactly(*text, transform);
+        place(*text, transform);
     }
 }
 
