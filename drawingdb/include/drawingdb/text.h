@@ -192,8 +192,8 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     torvel::MTextLayout layout() const;
     /// From the coordinates of layout() to the world's.
     OdGeMatrix3d layoutToWorld() const;
-    /// What a fill or a frame goes round, in the coordinates of layout(), from the upper left corner on clockwise: wider
-    /// than the text on all sides by a part of the text height.
+    /// What a fill or a frame goes round, in the coordinates of layout(), from the upper left corner on clockwise:
+    /// wider than the text on all sides by a part of the text height.
     std::array<OdGePoint2d, 4> box() const;
 
     void setDatabaseDefaults(OdDbDatabase* database) override;
