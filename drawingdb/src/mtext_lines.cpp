@@ -77,6 +77,9 @@ std::array<OdGePoint2d, 4> OdDbMText::box() const {
 
 OdResult OdDbMText::explode(std::vector<OdDbEntityPtr>& pieces) const {
     if (backgroundFillOn() && useBackgroundColorOn()) return OdResult::transformRefused;
+    const torvel::MTextLayout lines = layout();
+    // One line is in pieces already: taking it apart would never end.
+    if (lines.lines.size() == 1 && !backgroundFillOn() && !hasFrame()) return OdResult::transformRefused;
     const OdGeMatrix3d toWorld = layoutToWorld();
     const auto add = [&](const OdDbEntityPtr& piece) -> OdDbEntity& {
         piece->setPropertiesFrom(*this);
@@ -107,7 +110,7 @@ OdResult OdDbMText::explode(std::vector<OdDbEntityPtr>& pieces) const {
         initial.widthFactor = style->xScale();
         initial.oblique = style->obliquingAngle();
     }
-    for (const MTextLine& line : layout().lines) {
+    for (const MTextLine& line : lines.lines) {
         if (line.runs.empty()) continue;
         const OdSmartPtr<OdDbMText> text = createObject();
         add(OdDbEntityPtr(text.get()));

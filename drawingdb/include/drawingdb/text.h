@@ -199,7 +199,7 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     void setDatabaseDefaults(OdDbDatabase* database) override;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     /// Each line a text of its own; a fill and a frame as a solid and lines. Refuses (transformRefused) a text that
-    /// masks what lies behind it.
+    /// masks what lies behind it, and a single line.
     OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
 
