@@ -65,6 +65,7 @@ class GroupList {
         return i < end_ ? point(i).asVector() : OdGeVector3d::kZAxis;
     }
 
+    std::string_view bytes(std::size_t i) const { return items_[i].group.bytes(); }
     std::string bytes() const {
         std::string out;
         GroupWriter writer(out, format_);
@@ -138,6 +139,118 @@ bool transformSolid(GroupList& groups, const OdGeMatrix3d& matrix) {
 //      97 and the objects it was made from
 //   75   52 angle  41 scale   78 pattern lines: 53 angle  43 44 point  45 46 step  49 dashes
 //   98 seeds: 10 20
+
+// An arc of an ellipse, by the centre, the axes and the angles between which it runs, as an edge of the fourth kind: a
+// rational spline of degree 2, which takes any matrix.
+void writeSplineEdge(GroupWriter& writer, const OdGePoint2d& center, const OdGeVector2d& x, const OdGeVector2d& y,
+                     double start, double end) {
+    const int spans = std::max(1, static_cast<int>(std::ceil(std::fabs(end - start) / (torvel::kPi / 2) - 1e-9)));
+    const double step = (end - start) / spans, weight = std::cos(step / 2);
+    writer.integer(72, 4);
+    writer.integer(94, 2);  // degree
+    writer.integer(73, 1);  // rational
+    writer.integer(74, 0);  // not periodic
+    writer.integer(95, 2 * spans + 4);
+    writer.integer(96, 2 * spans + 1);
+    for (int knot = 0; knot <= spans; ++knot)
+        for (int i = knot == 0 || knot == spans ? 3 : 2; i > 0; --i) writer.real(40, knot);
+    for (int i = 0; i <= 2 * spans; ++i) {
+        // Every second one lies where the tangents of its neighbours meet.
+        const double angle = start + step * i / 2, reach = i % 2 == 0 ? 1 : 1 / weight;
+        const OdGePoint2d point = center + x * (std::cos(angle) * reach) + y * (std::sin(angle) * reach);
+        writer.real(10, point.x);
+        writer.real(20, point.y);
+        writer.real(42, i % 2 == 0 ? 1 : weight);
+    }
+    constexpr int kFirstVersionWithFitPoints = 1024;
+    if (writer.format().version >= kFirstVersionWithFitPoints) writer.integer(97, 0);
+}
+
+// The hatch with its arcs as splines. It belongs to its boundary no longer, which is something else as well then.
+class HatchWithoutArcs {
+  public:
+    HatchWithoutArcs(const GroupList& groups, const FileFormat& format) : groups_(groups), writer_(out_, format) {}
+
+    std::string bytes() {
+        const std::size_t paths = groups_.find(91), style = groups_.find(75, paths);
+        for (std::size_t i = 0; i <= paths && i < groups_.size(); ++i)
+            groups_.code(i) == 71 && i < paths ? writer_.integer(71, 0) : writer_.raw(groups_.bytes(i));
+        for (std::size_t begin = groups_.find(92, paths); begin < style;) {
+            const std::size_t end = std::min(groups_.find(92, begin + 1), style);
+            groups_.integer(begin) & kPolyline ? polyline(begin, end) : edges(begin, end);
+            writer_.integer(97, 0);
+            begin = end;
+        }
+        for (std::size_t i = style; i < groups_.size(); ++i) writer_.raw(groups_.bytes(i));
+        return out_;
+    }
+
+  private:
+    static constexpr std::int64_t kPolyline = 2;
+
+    void polyline(std::size_t begin, std::size_t end) {
+        std::vector<BulgeSegment> segments;
+        for (std::size_t i = begin; i < end && groups_.code(i) != 97; ++i) {
+            if (groups_.code(i) == 10) segments.push_back({groups_.point(i).xy(), {}, 0});
+            if (groups_.code(i) == 42 && !segments.empty()) segments.back().bulge = groups_.real(i);
+        }
+        for (std::size_t i = 0; i < segments.size(); ++i) segments[i].end = segments[(i + 1) % segments.size()].start;
+        // Polylines often end where they begin.
+        std::erase_if(segments, [](const BulgeSegment& s) { return (s.end - s.start).isZeroLength(); });
+        writer_.integer(92, groups_.integer(begin) & ~kPolyline);
+        writer_.integer(93, static_cast<std::int64_t>(segments.size()));
+        for (const BulgeSegment& segment : segments) edge(segment);
+    }
+    void edge(const BulgeSegment& segment) {
+        if (const auto center = segment.center()) {
+            const OdGeVector2d x = segment.start - *center;
+            return writeSplineEdge(writer_, *center, x, x.perpVector(), 0, segment.angle());
+        }
+        writer_.integer(72, 1);
+        for (const auto& [code, point] : {std::pair(10, segment.start), std::pair(11, segment.end)}) {
+            writer_.real(code, point.x);
+            writer_.real(code + 10, point.y);
+        }
+    }
+
+    void edges(std::size_t begin, std::size_t end) {
+        std::size_t at = begin, next = 0;
+        for (; at < end && groups_.code(at) != 72; ++at) writer_.raw(groups_.bytes(at));
+        for (; at < end && groups_.code(at) == 72; at = next) {
+            const std::int64_t kind = groups_.integer(at);
+            for (next = at + 1; next < end && groups_.code(next) != 72 && !isSourceCount(next); ++next) {
+            }
+            if (kind == 2 || kind == 3)
+                arc(at, next, kind == 2);
+            else
+                for (std::size_t i = at; i < next; ++i) writer_.raw(groups_.bytes(i));
+        }
+    }
+    /// 97 counts the fit points of a spline, which follow it, too.
+    bool isSourceCount(std::size_t i) const {
+        return groups_.code(i) == 97 && !isOneOf(groups_.code(i + 1), {11, 12, 72, 97});
+    }
+    void arc(std::size_t begin, std::size_t end, bool circular) {
+        const auto real = [&](int code) {
+            const std::size_t i = groups_.find(code, begin);
+            return i < end ? groups_.real(i) : 0;
+        };
+        const std::size_t sense = groups_.find(73, begin), major = groups_.find(11, begin);
+        const double turn = sense < end && groups_.integer(sense) == 0 ? -1 : 1;
+        OdGeVector2d x(real(40), 0);
+        if (!circular) x = major < end ? groups_.point(major).xy() - OdGePoint2d() : OdGeVector2d();
+        const OdGeVector2d y = x.perpVector() * (circular ? 1 : real(40));
+        double start = real(50) * kDegree, sweep = real(51) * kDegree - start;
+        if (sweep <= 0) sweep += torvel::kTwoPi;
+        // Clockwise arcs have their angles counted clockwise too.
+        writeSplineEdge(writer_, groups_.point(groups_.find(10, begin)).xy(), x, y, turn * start,
+                        turn * (start + std::min(sweep, torvel::kTwoPi)));
+    }
+
+    const GroupList& groups_;
+    std::string out_;
+    GroupWriter writer_;
+};
 
 class HatchTransform {
   public:
@@ -289,8 +402,12 @@ bool transform(std::string_view kind, GroupList& groups, const OdGeMatrix3d& mat
 std::optional<std::string> transformedCarried(std::string_view kind, std::string_view record, const FileFormat& format,
                                               const OdGeMatrix3d& matrix) {
     GroupList groups(record, format);
-    if (!transform(kind, groups, matrix)) return {};
-    return groups.bytes();
+    if (transform(kind, groups, matrix)) return groups.bytes();
+    if (kind != "HATCH") return {};
+    const std::string splines = HatchWithoutArcs(GroupList(record, format), format).bytes();
+    GroupList changed(splines, format);
+    if (!transform(kind, changed, matrix)) return {};
+    return changed.bytes();
 }
 
 }  // namespace drawingdb

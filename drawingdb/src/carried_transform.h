@@ -9,8 +9,8 @@
 
 namespace drawingdb {
 
-/// The record after the transform. Nothing when this kind of entity is not known here, or not with such a matrix: areas
-/// with curved edges take no unequal scale.
+/// The record after the transform. Nothing when this kind of entity is not known here, or not with such a matrix. Of
+/// hatches that are scaled unequally the arcs become splines.
 ///
 /// Known are SOLID, TRACE, 3DFACE, LEADER, IMAGE and HATCH.
 std::optional<std::string> transformedCarried(std::string_view kind, std::string_view record, const FileFormat& format,

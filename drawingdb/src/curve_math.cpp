@@ -1,5 +1,7 @@
 #include "curve_math.h"
 
+#include <algorithm>
+
 namespace drawingdb {
 
 std::optional<PlaneMap> mapPlane(const OdGeMatrix3d& matrix, const OdGeVector3d& normal) {
@@ -38,6 +40,32 @@ std::optional<double> planarScale(const PlaneMap& plane, double thickness) {
     return withoutNoise(scale);
 }
 
+std::optional<double> widthScale(const PlaneMap& plane, const std::vector<WideSegment>& segments, double thickness) {
+    const auto isArc = [](const WideSegment& wide) { return wide.segment.bulge != 0; };
+    const bool arcs = std::any_of(segments.begin(), segments.end(), isArc);
+    if (const auto uniform = planarScale(plane, arcs ? thickness : 0)) return uniform;
+    if (arcs) return std::nullopt;
+    if (std::none_of(segments.begin(), segments.end(), [](const WideSegment& wide) { return wide.isWide(); })) return 1;
+    // All along one line, the square ends of which stay square.
+    OdGeVector2d direction;
+    double scale = 1;
+    for (const WideSegment& wide : segments) {
+        if (wide.isPoint()) continue;
+        const OdGeVector2d unit = (wide.segment.end - wide.segment.start).normal(), side = unit.perpVector();
+        if (direction.isZeroLength()) {
+            constexpr double kTolerance = 1e-9;
+            direction = unit;
+            const OdGeVector3d along = plane.map * OdGeVector3d(unit.x, unit.y, 0),
+                               across = plane.map * OdGeVector3d(side.x, side.y, 0);
+            scale = across.length();
+            if (std::fabs(along.dotProduct(across)) > kTolerance * along.length() * scale) return std::nullopt;
+        } else if (!direction.isParallelTo(unit)) {
+            return std::nullopt;
+        }
+    }
+    return scale;
+}
+
 double withoutNoise(double factor) { return std::fabs(factor - 1) < 1e-12 ? 1 : factor; }
 
 double mapThickness(const OdGeMatrix3d& matrix, const OdGeVector3d& normal, double thickness,
@@ -71,6 +99,13 @@ OdGeVector2d BulgeSegment::derivativeAt(double fraction) const {
     if (bulge == 0) return direction;
     direction *= lengthOverChord();
     return direction.rotateBy((fraction - 0.5) * angle());
+}
+
+std::optional<OdGePoint2d> BulgeSegment::center() const {
+    const OdGeVector2d chord = end - start;
+    if (bulge == 0 || !(chord.length() > 0)) return std::nullopt;
+    const OdGePoint2d result = start + chord * 0.5 + chord.perpVector() * ((1 - bulge * bulge) / (4 * bulge));
+    return std::isfinite((start - result).length()) ? std::optional(result) : std::nullopt;
 }
 
 double BulgeSegment::lengthOverChord() const {

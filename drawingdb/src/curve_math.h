@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "drawingdb/ge.h"
 
@@ -49,6 +50,8 @@ struct BulgeSegment {
     /// Fractions of the length, 0 to 1.
     OdGePoint2d pointAt(double fraction) const;
     OdGeVector2d derivativeAt(double fraction) const;
+    /// The centre of the arc; none of a straight segment, or of one so flat that its radius is no number.
+    std::optional<OdGePoint2d> center() const;
     /// Calls `add` with the ends and, for an arc, each point where it goes farthest along a direction given by its
     /// angle.
     template <class Add>
@@ -66,6 +69,20 @@ struct BulgeSegment {
     /// The length of the arc over that of its chord.
     double lengthOverChord() const;
 };
+
+/// A segment with the widths of the line at its ends.
+struct WideSegment {
+    BulgeSegment segment;
+    double startWidth = 0, endWidth = 0;
+
+    bool isWide() const { return startWidth > 0 || endWidth > 0; }
+    bool isPoint() const { return (segment.end - segment.start).isZeroLength(); }
+};
+
+/// The factor for the widths of a polyline in a plane; none where no polyline shows the image. A width is measured
+/// across its segment: under an unequal scale each direction has a factor of its own, ends come out slanted and arcs as
+/// parts of ellipses. What is without widths and arcs takes any matrix.
+std::optional<double> widthScale(const PlaneMap& plane, const std::vector<WideSegment>& segments, double thickness);
 
 /// The segment of a row of `count` segments (one at least) that a parameter lies in, and the fraction of it; a
 /// parameter outside means the end next to it.

@@ -5,12 +5,13 @@
 #include "core.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/ellipse.h"
+#include "filled_strip.h"
 
 namespace drawingdb {
 namespace {
 
 constexpr int kFirstVersionWithEllipses = 1012;
-constexpr int kFirstVersionWithPolylines = 1014;
+constexpr int kFirstVersionWithHatches = 1014;
 /// Lines that stand for a whole circle; they leave it by 0.0003 of its radius.
 constexpr int kLinesPerTurn = 128;
 
@@ -29,7 +30,7 @@ CurvePieces::CurvePieces(const OdDbEntity& source, const OdGeVector3d& normal, d
       thickness_(thickness),
       toWorld_(OdGeMatrix3d::planeToWorld(normal)),
       pieces_(pieces),
-      version_(source.database() ? source.database()->core().format.version : kFirstVersionWithPolylines) {}
+      version_(source.database() ? source.database()->core().format.version : kFirstVersionWithHatches) {}
 
 void CurvePieces::add(const OdDbEntityPtr& piece) {
     piece->setPropertiesFrom(source_);
@@ -62,42 +63,53 @@ void CurvePieces::addArc(const OdGePoint2d& center, double radius, double start,
 }
 
 void CurvePieces::addSegment(const BulgeSegment& segment) {
-    const OdGeVector2d chord = segment.end - segment.start;
-    if (segment.bulge == 0 || !(chord.length() > 0)) return addLine(segment.start, segment.end);
-    const OdGePoint2d center =
-        segment.start + chord * 0.5 + chord.perpVector() * ((1 - segment.bulge * segment.bulge) / (4 * segment.bulge));
-    const OdGeVector2d radius = segment.start - center;
-    // Too flat an arc for its radius to be a number.
-    if (!std::isfinite(radius.length())) return addLine(segment.start, segment.end);
-    const double start = segment.bulge > 0 ? radius.angle() : (segment.end - center).angle();
-    addArc(center, radius.length(), start, start + std::fabs(segment.angle()));
+    const auto center = segment.center();
+    if (!center) return addLine(segment.start, segment.end);
+    const OdGeVector2d radius = segment.start - *center;
+    const double start = segment.bulge > 0 ? radius.angle() : (segment.end - *center).angle();
+    addArc(*center, radius.length(), start, start + std::fabs(segment.angle()));
 }
 
-bool CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed) {
-    if (version_ < kFirstVersionWithPolylines) return false;
-    const OdSmartPtr<OdDbPolyline> polyline = OdDbPolyline::createObject();
-    polyline->setNormal(normal_);
-    polyline->setElevation(elevation_);
-    polyline->setThickness(thickness_);
-    polyline->setClosed(closed);
-    for (const WideSegment& wide : segments) {
-        const int count = linesFor(wide.segment.angle());
-        const auto widthAt = [&](int i) { return wide.startWidth + (wide.endWidth - wide.startWidth) * i / count; };
-        for (int i = 0; i < count; ++i) {
-            OdDbPolyline::Vertex vertex;
-            vertex.point = wide.segment.pointAt(static_cast<double>(i) / count);
-            vertex.startWidth = widthAt(i);
-            vertex.endWidth = widthAt(i + 1);
-            polyline->addVertexAt(polyline->numVerts(), vertex);
+// Where two segments meet they share the corners of the mitre, unless it were too sharp.
+void CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed) {
+    const auto sideAt = [&](std::size_t i, double fraction) {
+        return segments[i].segment.derivativeAt(fraction).normal().perpVector();
+    };
+    const auto mitre = [](const OdGeVector2d& own, const OdGeVector2d& other) {
+        const double cosine = own.dotProduct(other);
+        return cosine < -0.7 ? own : (own + other) / (1 + cosine);
+    };
+    const std::size_t count = segments.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const WideSegment& wide = segments[i];
+        if (!wide.isWide() || wide.isPoint()) {
+            addSegment(wide.segment);
+            continue;
         }
+        const std::size_t before = (i + count - 1) % count, after = (i + 1) % count;
+        OdGeVector2d start = sideAt(i, 0), end = sideAt(i, 1);
+        if ((closed || i > 0) && !segments[before].isPoint()) start = mitre(start, sideAt(before, 1));
+        if ((closed || i + 1 < count) && !segments[after].isPoint()) end = mitre(end, sideAt(after, 0));
+        addStrip(wide, start, end);
     }
-    if (!closed && !segments.empty()) {
-        OdDbPolyline::Vertex last;
-        last.point = segments.back().segment.end;
-        polyline->addVertexAt(polyline->numVerts(), last);
+}
+
+void CurvePieces::addStrip(const WideSegment& wide, const OdGeVector2d& startSide, const OdGeVector2d& endSide) {
+    FilledStrip strip{normal_, elevation_, {}, {}};
+    const int count = linesFor(wide.segment.angle());
+    for (int i = 0; i <= count; ++i) {
+        const double fraction = static_cast<double>(i) / count;
+        const OdGeVector2d side = i == 0       ? startSide
+                                  : i == count ? endSide
+                                               : wide.segment.derivativeAt(fraction).normal().perpVector();
+        const double width = wide.startWidth + (wide.endWidth - wide.startWidth) * fraction;
+        const OdGePoint2d point = wide.segment.pointAt(fraction);
+        strip.left.push_back(point + side * (width / 2));
+        strip.right.push_back(point - side * (width / 2));
     }
-    add(OdDbEntityPtr(polyline.get()));
-    return true;
+    // Hatches have no thickness.
+    if (version_ >= kFirstVersionWithHatches && thickness_ == 0) return add(newSolidHatch(strip));
+    for (const OdDbEntityPtr& solid : newSolids(strip, thickness_)) add(solid);
 }
 
 }  // namespace drawingdb

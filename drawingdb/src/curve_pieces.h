@@ -18,15 +18,12 @@ class CurvePieces {
     void addArc(const OdGePoint2d& center, double radius, double start, double end);
     void addSegment(const BulgeSegment& segment);
 
-    struct WideSegment {
-        BulgeSegment segment;
-        double startWidth, endWidth;
-    };
-    /// One polyline whose arcs are short straight segments, for what has no width by itself could not show it. False
-    /// when the drawing's version knows no such polyline.
-    bool addWide(const std::vector<WideSegment>& segments, bool closed);
+    /// The areas that the segments of a polyline cover: what has a width of its own could not show how a matrix slants
+    /// its ends. Segments without width become what addSegment makes of them.
+    void addWide(const std::vector<WideSegment>& segments, bool closed);
 
   private:
+    void addStrip(const WideSegment& wide, const OdGeVector2d& startSide, const OdGeVector2d& endSide);
     void add(const OdDbEntityPtr& piece);
     void addLine(const OdGePoint2d& from, const OdGePoint2d& to);
 

@@ -519,9 +519,6 @@ OdGePoint3d OdDbPolyline::inWorld(const OdGePoint2d& point) const {
 }
 OdGePoint3d OdDbPolyline::pointAt(std::size_t index) const { return inWorld(vertices_.at(index).point); }
 
-bool OdDbPolyline::hasBulges() const {
-    return std::any_of(vertices_.begin(), vertices_.end(), [](const Vertex& v) { return v.bulge != 0; });
-}
 std::size_t OdDbPolyline::numSegments() const {
     if (vertices_.empty()) return 0;
     return isClosed() ? vertices_.size() : vertices_.size() - 1;
@@ -531,40 +528,29 @@ BulgeSegment OdDbPolyline::segment(std::size_t index) const {
     return {from.point, vertices_[index + 1 == vertices_.size() ? 0 : index + 1].point, from.bulge};
 }
 
-// A width is measured across its segment, so an unequal scale gives each direction its own.
-void OdDbPolyline::widen(const OdGeMatrix3d& map) {
-    const double area = map.xAxis().crossProduct(map.yAxis()).length();
-    for (std::size_t i = 0; i < vertices_.size(); ++i) {
-        Vertex& vertex = vertices_[i];
-        const OdGeVector2d along = vertices_[i + 1 == vertices_.size() ? 0 : i + 1].point - vertex.point;
-        const double image = (map * OdGeVector3d(along.x, along.y, 0)).length();
-        const double scale = image > 0 ? area * along.length() / image : std::sqrt(area);
-        if (vertex.startWidth < 0) vertex.startWidth = constantWidth_ > 0 ? constantWidth_ : -1;
-        if (vertex.endWidth < 0) vertex.endWidth = constantWidth_ > 0 ? constantWidth_ : -1;
-        if (vertex.startWidth > 0) vertex.startWidth *= scale;
-        if (vertex.endWidth > 0) vertex.endWidth *= scale;
-    }
-    constantWidth_ = 0;
+std::vector<drawingdb::WideSegment> OdDbPolyline::wideSegments() const {
+    std::vector<drawingdb::WideSegment> segments;
+    const auto width = [this](double own) { return own >= 0 ? own : constantWidth_; };
+    for (std::size_t i = 0; i < numSegments(); ++i)
+        segments.push_back({segment(i), width(vertices_[i].startWidth), width(vertices_[i].endWidth)});
+    return segments;
 }
 
 OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = mapPlane(matrix, normal_);
-    if (!plane) return OdResult::transformRefused;
-    const auto uniform = drawingdb::planarScale(*plane, hasBulges() ? thickness_ : 0);
-    if (!uniform && hasBulges()) return OdResult::transformRefused;
+    const auto scale = plane ? drawingdb::widthScale(*plane, wideSegments(), thickness_) : std::nullopt;
+    if (!scale) return OdResult::transformRefused;
     assertWriteEnabled();
-    if (!uniform) widen(plane->map);
-    const double scale = uniform ? *uniform : 1;
     const double elevation = (plane->map * OdGePoint3d(0, 0, elevation_)).z;
     for (Vertex& vertex : vertices_) {
         const OdGePoint3d image = plane->map * OdGePoint3d(vertex.point.x, vertex.point.y, elevation_);
         vertex.point.set(image.x, image.y);
         if (plane->reversed) vertex.bulge = vertex.bulge == 0 ? 0 : -vertex.bulge;
-        if (vertex.startWidth > 0) vertex.startWidth *= scale;
-        if (vertex.endWidth > 0) vertex.endWidth *= scale;
+        if (vertex.startWidth > 0) vertex.startWidth *= *scale;
+        if (vertex.endWidth > 0) vertex.endWidth *= *scale;
     }
     elevation_ = elevation;
-    constantWidth_ *= scale;
+    constantWidth_ *= *scale;
     thickness_ = mapThickness(matrix, normal_, thickness_, plane->normal);
     normal_ = plane->normal;
     verticesChanged();
@@ -572,16 +558,7 @@ OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
 }
 
 OdResult OdDbPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
-    drawingdb::CurvePieces maker(*this, normal_, elevation_, thickness_, pieces);
-    std::vector<drawingdb::CurvePieces::WideSegment> segments;
-    bool wide = false;
-    for (std::size_t i = 0; i < numSegments(); ++i) {
-        const auto width = [&](double own) { return own >= 0 ? own : constantWidth_; };
-        segments.push_back({segment(i), width(vertices_[i].startWidth), width(vertices_[i].endWidth)});
-        wide = wide || segments.back().startWidth > 0 || segments.back().endWidth > 0;
-    }
-    if (wide && maker.addWide(segments, isClosed())) return OdResult::ok;
-    for (const auto& one : segments) maker.addSegment(one.segment);
+    drawingdb::CurvePieces(*this, normal_, elevation_, thickness_, pieces).addWide(wideSegments(), isClosed());
     return OdResult::ok;
 }
 

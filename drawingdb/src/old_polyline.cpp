@@ -180,6 +180,12 @@ BulgeSegment OdDb2dPolyline::segment(std::size_t index) const {
 OdGePoint3d OdDb2dPolyline::inWorld(const OdGePoint2d& point) const {
     return OdGeMatrix3d::planeToWorld(normal_) * OdGePoint3d(point.x, point.y, elevation_.z);
 }
+std::vector<drawingdb::WideSegment> OdDb2dPolyline::wideSegments() const {
+    std::vector<drawingdb::WideSegment> segments;
+    for (std::size_t i = 0; i < numSegments(); ++i)
+        segments.push_back({segment(i), vertices_[i].startWidth, vertices_[i].endWidth});
+    return segments;
+}
 double OdDb2dPolyline::segmentLength(std::size_t index) const { return segment(index).length(); }
 
 OdGePoint3d OdDb2dPolyline::pointAtParam(double parameter) const {
@@ -195,32 +201,20 @@ OdGeVector3d OdDb2dPolyline::firstDerivAtParam(double parameter) const {
 }
 OdResult OdDb2dPolyline::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = drawingdb::mapPlane(matrix, normal_);
-    if (!plane) return OdResult::transformRefused;
-    const bool bulged = std::any_of(vertices_.begin(), vertices_.end(), [](const Vertex& v) { return v.bulge != 0; });
-    const auto uniform = drawingdb::planarScale(*plane, bulged ? thickness_ : 0);
-    if (!uniform && bulged) return OdResult::transformRefused;
+    const auto scale = plane ? drawingdb::widthScale(*plane, wideSegments(), thickness_) : std::nullopt;
+    if (!scale) return OdResult::transformRefused;
     assertWriteEnabled();
-    // Widths have no direction: unequal scales give them their geometric mean.
-    const double scale = uniform ? *uniform : std::sqrt(plane->map.xAxis().crossProduct(plane->map.yAxis()).length());
-    mapVertices(plane->map, elevation_.z, scale, plane->reversed);
+    mapVertices(plane->map, elevation_.z, *scale, plane->reversed);
     elevation_.set(0, 0, (plane->map * OdGePoint3d(0, 0, elevation_.z)).z);
-    startWidth_ *= scale;
-    endWidth_ *= scale;
+    startWidth_ *= *scale;
+    endWidth_ *= *scale;
     thickness_ = drawingdb::mapThickness(matrix, normal_, thickness_, plane->normal);
     normal_ = plane->normal;
     return OdResult::ok;
 }
 
 OdResult OdDb2dPolyline::explode(std::vector<OdDbEntityPtr>& pieces) const {
-    drawingdb::CurvePieces maker(*this, normal_, elevation_.z, thickness_, pieces);
-    std::vector<drawingdb::CurvePieces::WideSegment> segments;
-    bool wide = false;
-    for (std::size_t i = 0; i < numSegments(); ++i) {
-        segments.push_back({segment(i), vertices_[i].startWidth, vertices_[i].endWidth});
-        wide = wide || vertices_[i].startWidth > 0 || vertices_[i].endWidth > 0;
-    }
-    if (wide && maker.addWide(segments, isClosed())) return OdResult::ok;
-    for (const auto& one : segments) maker.addSegment(one.segment);
+    drawingdb::CurvePieces(*this, normal_, elevation_.z, thickness_, pieces).addWide(wideSegments(), isClosed());
     return OdResult::ok;
 }
 

@@ -1,12 +1,50 @@
 #include "carried_transform.h"
 #include "core.h"
+#include "curve_math.h"
 #include "drawingdb/block.h"
+#include "drawingdb/curves.h"
+#include "drawingdb/leader.h"
+#include "filled_strip.h"
+#include "leader_groups.h"
 #include "unknown.h"
 
 using namespace drawingdb;
 
+namespace {
+
+/// An arrowhead is as large as its dimension style says, whatever has become of the line.
+bool resizesHead(const OdDbEntity& leader, const OdGeMatrix3d& matrix) {
+    const LeaderGroups groups = leaderGroups(leader);
+    // Heads and curves of its own are left to the programs that know them.
+    if (groups.ownHead || groups.splined || torvel::leaderParts(leader).head.empty()) return false;
+    const auto plane = mapPlane(matrix, groups.normal);
+    return !plane || planarScale(*plane) != 1.0;
+}
+
+void explodeLeader(const OdDbEntity& leader, std::vector<OdDbEntityPtr>& pieces) {
+    const OdGeVector3d normal = OdGeMatrix3d::planeToWorld(leaderGroups(leader).normal).zAxis();
+    const torvel::LeaderParts parts = torvel::leaderParts(leader);
+    const auto add = [&](const OdDbEntityPtr& piece) {
+        piece->setPropertiesFrom(leader);
+        pieces.push_back(piece);
+    };
+    if (!parts.head.empty()) {
+        const OdGeMatrix3d toPlane = OdGeMatrix3d::worldToPlane(normal);
+        const auto corner = [&](std::size_t i) { return toPlane * parts.head[i]; };
+        add(newSolid(normal, 0, {corner(0), corner(1), corner(2), corner(2)}));
+    }
+    for (std::size_t i = 1; i < parts.line.size(); ++i) {
+        const OdSmartPtr<OdDbLine> line = OdDbLine::createObject();
+        line->setStartPoint(parts.line[i - 1]);
+        line->setEndPoint(parts.line[i]);
+        add(OdDbEntityPtr(line.get()));
+    }
+}
+
+}  // namespace
+
 OdResult OdDbUnknownEntity::transformBy(const OdGeMatrix3d& matrix) {
-    if (!stub_) return OdResult::transformRefused;
+    if (!stub_ || (dxfName() == "LEADER" && resizesHead(*this, matrix))) return OdResult::transformRefused;
     Core& core = coreOf(stub_);
     const auto bytes = transformedCarried(dxfName(), core.bytesOf(*stub_), core.format, matrix);
     if (!bytes) return OdResult::transformRefused;
@@ -17,6 +55,10 @@ OdResult OdDbUnknownEntity::transformBy(const OdGeMatrix3d& matrix) {
 
 OdResult OdDbUnknownEntity::explode(std::vector<OdDbEntityPtr>& pieces) const {
     const std::string kind = dxfName();
+    if (stub_ && kind == "LEADER") {
+        explodeLeader(*this, pieces);
+        return OdResult::ok;
+    }
     const bool table = kind == "ACAD_TABLE";
     if (!stub_ || (!table && !kind.ends_with("DIMENSION"))) return OdResult::transformRefused;
 

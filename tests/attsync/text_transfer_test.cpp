@@ -95,7 +95,7 @@ TEST_F(TextTransfer, ATextThatIsOneFieldBecomesATextThatHoldsIt) {
 
 TEST_F(TextTransfer, PlainValuesPassBetweenTheKindsOfText) {
     const auto singleLine = append<OdDbText>();
-    singleLine->setTextString(L"5%% \\P {x}");
+    singleLine->setTextString(L"5%% \\P {x} %<\\_FldIdx 0>%");
     const auto multiLine = append<OdDbMText>();
     multiLine->setContents(L"{\\C1;a}\\Pb");
     const auto definition = append<OdDbAttributeDefinition>();
@@ -106,13 +106,13 @@ TEST_F(TextTransfer, PlainValuesPassBetweenTheKindsOfText) {
     EXPECT_EQ(definition->getMTextAttributeDefinition()->contents(), L"{\\C1;a}\\Pb");
     EXPECT_EQ(captureText(*definition).text, L"{\\C1;a}\\Pb");
     applyText(captureText(*singleLine), *multiLine);
-    EXPECT_EQ(multiLine->contents(), L"5%% \\P {x}");
+    EXPECT_EQ(multiLine->contents(), L"5%% \\P {x} %<\\_FldIdx 0>%");
     EXPECT_FALSE(captureText(*multiLine).hasField);
 
     // A plain value takes the place of a value with fields.
     const auto fields = textWithFields(L"%<\\_FldIdx 0>%", {sum(L"1+1")});
     applyText(captureText(*singleLine), *fields);
-    EXPECT_EQ(fields->textString(), L"5%% \\P {x}");
+    EXPECT_EQ(fields->textString(), L"5%% \\P {x} %<\\_FldIdx 0>%");
     EXPECT_FALSE(fields->getField(L"TEXT"));
 }
 

@@ -145,6 +145,15 @@ TEST_F(BurstReference, LeavesWholeWhatCannotBeBurst) {
     EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
 }
 
+// Squeezed to a line it shows nothing that a text could.
+TEST_F(BurstReference, LeavesWholeWhatHasNoRoomForText) {
+    const auto text = add(block(L"A"), OdDbMText::createObject());
+    text->setContents(L"two\\Plines");
+    const auto flat = reference(model(), L"A", OdGeScale3d(1, 0, 1), 0.5);
+    EXPECT_FALSE(burstBlockReference(*flat, *model()));
+    EXPECT_TRUE(entities<OdDbMText>(model()).empty());
+}
+
 TEST_F(BurstReference, CopiesCoverEachOtherAsTheOriginalsDo) {
     const auto first = add(block(L"A"), OdDbLine::createObject());
     const auto second = add(block(L"A"), OdDbCircle::createObject());

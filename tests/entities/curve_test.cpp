@@ -46,7 +46,7 @@ class Curves : public RandomTransforms {
             OdDbPolyline::Vertex vertex;
             vertex.point = point().xy();
             if (bulges && i % 3 != 2) vertex.bulge = number(-3, 3) * (chance() ? 1 : 1e-7);
-            vertex.startWidth = 1;
+            if (bulges) vertex.startWidth = 1;
             curve->addVertexAt(curve->numVerts(), vertex);
         }
         curve->setClosed(chance());
@@ -164,6 +164,15 @@ TEST_F(Curves, UnequalScalesBendWhatIsStraightAndAreRefusedByWhatIsRound) {
         ASSERT_EQ(straight->transformBy(matrix), OdResult::ok);
         for (std::size_t k = 0; k < expected.size(); ++k) expectNear(straight->pointAt(k), expected[k], 1e-8, "vertex");
     }
+    // A width takes an unequal scale where the ends of the line stay square.
+    const OdGeMatrix3d unequal = OdGeMatrix3d::scaling(OdGeScale3d(3, 2, 1));
+    auto arrow = OdDbPolyline::createObject();
+    for (const double x : {1.0, 4.0, 7.0}) arrow->addVertexAt(arrow->numVerts(), {{x, 5}, 0, 1, x / 8});
+    EXPECT_EQ(arrow->transformBy(unequal), OdResult::ok);
+    EXPECT_DOUBLE_EQ(arrow->vertexAt(1).startWidth, 2);
+    EXPECT_DOUBLE_EQ(arrow->vertexAt(1).endWidth, 1);
+    EXPECT_EQ(arrow->transformBy(OdGeMatrix3d::rotation(0.5, OdGeVector3d::kZAxis)), OdResult::ok);
+    EXPECT_EQ(arrow->transformBy(unequal), OdResult::transformRefused);
     auto flat = polyline(false);
     flat->setNormal(OdGeVector3d::kZAxis);
     EXPECT_EQ(flat->transformBy(flattening), OdResult::transformRefused);

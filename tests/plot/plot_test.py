@@ -190,6 +190,12 @@ class PlotTest(unittest.TestCase):
         self.assertLines(plot, [[(80, 100), (120, 100)], [(100, 80), (100, 120)]] +
                          [[(100 + 10 * math.cos(math.tau * i / 48), 100 - 10 * math.sin(math.tau * i / 48))
                            for i in range(49)]], RED)
+        # As large in a block, however that is scaled.
+        alone = plot
+        self.msp.delete_all_entities()
+        self.doc.blocks.new("MARKED").add_point((10, 50), dxfattribs={"color": 1})
+        self.msp.add_blockref("MARKED", (80, 0), dxfattribs={"xscale": 2, "yscale": 2})
+        self.assertLines(self.plot(), [[(x, 600 - y) for x, y in points] for points, _, _ in alone.lines(RED)], RED)
         self.doc.header["$PDSIZE"] = -10  # of the height
         self.assertBox(sum((points for points, _, _ in self.plot().lines(RED)), []), (40, 40, 160, 160))
 

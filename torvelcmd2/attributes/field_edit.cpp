@@ -26,6 +26,17 @@ bool hasEscapes(const OdDbEntity& entity) {
     return entity.isKindOf(OdDbMText::desc());
 }
 
+// What begins a field or a marker in a code, down to the backslash of its name; empty, at the end, when nothing does.
+FieldEdit::Range findOpening(const OdString& text, std::size_t from) {
+    for (std::size_t at = text.find(L"%<", from); at != OdString::npos; at = text.find(L"%<", at + 1)) {
+        const std::size_t name = text.find_first_not_of(L" \t\r\n", at + 2);
+        if (name != OdString::npos && text[name] == L'\\') {
+            return {at, name + 1};
+        }
+    }
+    return {text.size(), text.size()};
+}
+
 OdString inOneLine(const OdString& text) {
     OdString line = base::replaceAll(text, L"\r\n", L" ");
     std::ranges::replace_if(
@@ -73,33 +84,18 @@ void FieldEdit::loadFields(const OdDbField& parent) {
         appendRun(parent.copy(), nextNumber_++);
         return;
     }
-    const OdString code = parent.getFieldCode(OdDbField::kRawCode);
-    std::vector<std::int32_t> claims(code.size(), kNoField);
-    std::vector<OdDbFieldPtr> children;
-    for (std::size_t i = 0; i < parent.childCount(); ++i) {
-        children.push_back(parent.getChild(i));
-        const OdString own = children[i] ? children[i]->getFieldCode(OdDbField::kRawCode) : OdString();
-        if (own.empty()) {
-            continue;
-        }
-        // Each child claims the first place that no other has, so that fields of equal code share none.
-        std::size_t place = code.find(own);
-        while (place != OdString::npos && claims[place] != kNoField) {
-            place = code.find(own, place + own.size());
-        }
-        if (place != OdString::npos) {
-            std::fill_n(claims.begin() + static_cast<std::ptrdiff_t>(place), own.size(), static_cast<std::int32_t>(i));
-        }
-    }
-    for (std::size_t at = 0; at < code.size();) {
-        const std::int32_t claim = claims[at];
-        if (claim == kNoField) {
-            text_ += code[at++];
+    const InlineCode code = inlineCode(parent);
+    for (std::size_t at = 0; at < code.text.size();) {
+        const std::int32_t owner = code.owners[at];
+        const OdDbFieldPtr field =
+            owner == InlineCode::kNobody ? OdDbFieldPtr() : code.fields[static_cast<std::size_t>(owner)];
+        if (!field || isPlainPart(*field)) {
+            text_ += code.text[at++];
             owners_.push_back(kNoField);
             continue;
         }
-        appendRun(children[static_cast<std::size_t>(claim)]->copy(), claim);
-        while (at < code.size() && claims[at] == claim) {
+        appendRun(field->copy(), owner);
+        while (at < code.text.size() && code.owners[at] == owner) {
             ++at;
         }
     }
@@ -114,20 +110,35 @@ void FieldEdit::appendRun(const OdDbFieldPtr& field, std::int32_t number) {
 }
 
 std::pair<OdString, std::vector<OdDbFieldPtr>> FieldEdit::code() const {
-    OdString code;
+    OdString code, plain;
     std::vector<OdDbFieldPtr> children;
+    const auto add = [&](const OdDbFieldPtr& child) {
+        code += fieldIndexMarker(children.size());
+        children.push_back(child);
+    };
+    const bool hasFields = !std::ranges::all_of(entries_, &FieldEntry::takenOut);
+    const auto addPlain = [&] {
+        std::size_t at = 0;
+        for (Range opening; hasFields && !(opening = findOpening(plain, at)).isEmpty(); at = opening.end) {
+            code.append(plain, at, opening.begin - at);
+            add(newPlainPart(plain.substr(opening.begin, opening.end - opening.begin), database_));
+        }
+        code.append(plain, at);
+        plain.clear();
+    };
     for (std::size_t at = 0; at < text_.size();) {
         if (owners_[at] == kNoField) {
-            code += text_[at++];
+            plain += text_[at++];
             continue;
         }
         const FieldEntry& entry = entryOf(owners_[at]);
         if (!entry.takenOut) {
-            code += fieldIndexMarker(children.size());
-            children.push_back(newFieldLike(*entry.field, database_));
+            addPlain();
+            add(newFieldLike(*entry.field, database_));
         }
         at = static_cast<std::size_t>(entry.last) + 1;
     }
+    addPlain();
     return {code, children};
 }
 

@@ -50,7 +50,8 @@ class FieldEdit {
     void load(const OdDbEntity& entity, bool enabled = true);
     /// Makes this the entity's value, upgrading it to write. `shown` becomes what the entity shows afterwards.
     void save(OdDbEntity& entity, OdString& shown) const;
-    /// The text with index markers in place of the runs, and new fields for the markers in their order.
+    /// The text with index markers in place of the runs, and new fields for the markers in their order. Where the text
+    /// itself reads like the beginning of a code, a field that is plain text keeps it from being one.
     std::pair<OdString, std::vector<OdDbFieldPtr>> code() const;
 
     // ---- caret and selection

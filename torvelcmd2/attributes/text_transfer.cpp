@@ -1,5 +1,7 @@
 #include "torvelcmd2/attributes/text_transfer.h"
 
+#include <algorithm>
+
 #include "base/format.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
@@ -17,17 +19,31 @@ CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
         captured.fields.push_back(newFieldLike(field, database));
         return captured;
     }
-    captured.text = field.getFieldCode(OdDbField::kRawCode);
-    for (std::size_t i = 0; i < field.childCount(); ++i) {
-        const OdDbFieldPtr child = field.getChild(i);
-        const OdString code = child ? child->getFieldCode(OdDbField::kRawCode) : OdString();
-        const std::size_t place = code.empty() ? OdString::npos : captured.text.find(code);
-        if (place == OdString::npos) {
-            // Takes no index, so that the markers stay in step with the captured fields.
+    const InlineCode code = inlineCode(field);
+    // A field that is not found takes no index, so that the markers stay in step with the captured fields.
+    std::vector<bool> found(code.fields.size());
+    for (const std::int32_t owner : code.owners) {
+        if (owner != InlineCode::kNobody) {
+            found[static_cast<std::size_t>(owner)] = true;
+        }
+    }
+    std::vector<std::size_t> indices(code.fields.size());
+    for (std::size_t i = 0; i < code.fields.size(); ++i) {
+        if (found[i]) {
+            indices[i] = captured.fields.size();
+            captured.fields.push_back(newFieldLike(*code.fields[i], database));
+        }
+    }
+    for (std::size_t at = 0; at < code.text.size();) {
+        const std::int32_t owner = code.owners[at];
+        if (owner == InlineCode::kNobody) {
+            captured.text += code.text[at++];
             continue;
         }
-        captured.text.replace(place, code.size(), fieldIndexMarker(captured.fields.size()));
-        captured.fields.push_back(newFieldLike(*child, database));
+        captured.text += fieldIndexMarker(indices[static_cast<std::size_t>(owner)]);
+        while (at < code.text.size() && code.owners[at] == owner) {
+            ++at;
+        }
     }
     return captured;
 }
@@ -74,6 +90,38 @@ void setPlainValue(const OdString& value, OdDbEntity& target) {
 }  // namespace
 
 OdString fieldIndexMarker(std::size_t index) { return base::format(L"%%<\\_FldIdx %d>%%", static_cast<int>(index)); }
+
+InlineCode inlineCode(const OdDbField& textField) {
+    InlineCode code;
+    code.text = textField.getFieldCode(OdDbField::kRawCode);
+    code.owners.assign(code.text.size(), InlineCode::kNobody);
+    for (std::size_t i = 0; i < textField.childCount(); ++i) {
+        code.fields.push_back(textField.getChild(i));
+        const OdString own = code.fields[i] ? code.fields[i]->getFieldCode(OdDbField::kRawCode) : OdString();
+        if (own.empty()) {
+            continue;
+        }
+        std::size_t place = code.text.find(own);
+        while (place != OdString::npos && code.owners[place] != InlineCode::kNobody) {
+            // Two codes may share the per cent sign between them.
+            place = code.text.find(own, place + std::max<std::size_t>(own.size() - 1, 1));
+        }
+        if (place != OdString::npos) {
+            std::fill_n(code.owners.begin() + static_cast<std::ptrdiff_t>(place), own.size(),
+                        static_cast<std::int32_t>(i));
+        }
+    }
+    return code;
+}
+
+OdDbFieldPtr newPlainPart(const OdString& text, OdDbDatabase* database) {
+    const OdDbFieldPtr part = OdDbField::createObject();
+    part->setFieldCode(text, OdDbField::kTextField);
+    part->evaluate(OdDbField::kAutomatic, database);
+    return part;
+}
+
+bool isPlainPart(const OdDbField& field) { return field.evaluatorId() == kTextEvaluator && field.childCount() == 0; }
 
 OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database) {
     OdDbFieldPtr result = field.copy();

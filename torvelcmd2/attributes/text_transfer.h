@@ -1,6 +1,7 @@
 // Carries a text with its fields from one text object to another.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "drawingdb/entity.h"
@@ -26,6 +27,25 @@ struct CapturedText {
 
 /// The index marker "%<\_FldIdx N>%".
 OdString fieldIndexMarker(std::size_t index);
+
+/// The code of a text that holds fields, with the codes of these written inline.
+struct InlineCode {
+    static constexpr std::int32_t kNobody = -1;
+    OdString text;
+    /// One for each unit of the text: whose code it is part of, as an index of `fields`, or kNobody.
+    std::vector<std::int32_t> owners;
+    /// The children of the text's field; null where one is missing.
+    std::vector<OdDbFieldPtr> fields;
+};
+
+/// Finds the fields by their codes: each in turn claims the first place of its own code that none has claimed, so that
+/// fields of equal code share none. One whose code is nowhere claims nothing.
+InlineCode inlineCode(const OdDbField& textField);
+
+/// A child of a text's field that is plain text, to keep it apart from what stands beside it. The text must not be a
+/// whole field code by itself.
+OdDbFieldPtr newPlainPart(const OdString& text, OdDbDatabase* database);
+bool isPlainPart(const OdDbField& field);
 
 /// A new field, in no database, with this one's code and cached value (a field whose evaluator is not there keeps
 /// showing that), evaluated for the database.

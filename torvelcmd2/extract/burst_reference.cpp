@@ -52,30 +52,64 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
     return text;
 }
 
-// Multi-line text keeps the proportions of its letters whatever the matrix. Where that is not what the reference
-// showed, these codes in front of the contents stretch and slant them. `before` is the text's layout before the matrix.
-OdString letterCodes(const OdDbMText& text, const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
-    const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
-    const double widthScale = alongImage.length();
-    const double heightScale = alongImage.crossProduct(upImage).length() / widthScale;
-    double styleWidth = 1, styleSlant = 0;
-    if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
-        styleWidth = style->xScale();
-        styleSlant = std::tan(style->obliquingAngle());
+// How a matrix stretches and slants the letters of multi-line text, which transformBy leaves as they are. `before` is
+// the text's layout before the matrix.
+class Lettering {
+  public:
+    Lettering(const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
+        const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
+        widthScale_ = alongImage.length();
+        heightScale_ = alongImage.crossProduct(upImage).length() / widthScale_;
+        lean_ = alongImage.dotProduct(upImage) / widthScale_;
     }
-    const double stretch = widthScale / heightScale;
-    const double lean = alongImage.dotProduct(upImage) / widthScale;
-    const double slant = (lean + styleSlant * widthScale) / heightScale;
-    constexpr double kSame = 1e-9;
-    OdString codes;
-    if (std::fabs(stretch - 1) > kSame) {
-        codes = L"\\W" + base::widen(base::realToText(styleWidth * stretch)) + L";";
+    bool slants() const { return std::fabs(lean_ / heightScale_) > kSame; }
+    bool stretches() const { return std::fabs(stretch(1) - 1) > kSame; }
+
+    // With codes that show it. Those that stand in the contents say it of the letters behind them.
+    OdString contents(const OdDbMText& text) const {
+        double styleWidth = 1, styleSlant = 0;
+        if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
+            styleWidth = style->xScale();
+            styleSlant = style->obliquingAngle();
+        }
+        OdString result;
+        if (stretches()) {
+            result += code(L'W', stretch(styleWidth));
+        }
+        if (std::fabs(slant(styleSlant) - styleSlant) > kSame) {
+            result += code(L'Q', slant(styleSlant) * 180 / kPi);
+        }
+        const OdString old = text.contents();
+        for (std::size_t at = 0; at < old.size(); ++at) {
+            const wchar_t letter = old[at] == L'\\' && at + 1 < old.size() ? old[at + 1] : L'\0';
+            const std::size_t end = letter == L'W' || letter == L'Q' ? old.find(L';', at) : OdString::npos;
+            const auto value = end == OdString::npos
+                                   ? std::nullopt
+                                   : base::parseReal(std::wstring_view(old).substr(at + 2, end - at - 2));
+            if (value) {
+                result +=
+                    letter == L'W' ? code(L'W', stretch(*value)) : code(L'Q', slant(*value * kPi / 180) * 180 / kPi);
+                at = end;
+            } else {
+                result += old[at];
+                if (letter != L'\0') {
+                    result += old[++at];
+                }
+            }
+        }
+        return result;
     }
-    if (std::fabs(slant - styleSlant) > kSame) {
-        codes += L"\\Q" + base::widen(base::realToText(std::atan(slant) * 180 / torvel::kPi)) + L";";
+
+  private:
+    static constexpr double kSame = 1e-9;
+    static OdString code(wchar_t letter, double value) {
+        return OdString(L"\\") + letter + base::widen(base::realToText(value)) + L";";
     }
-    return codes;
-}
+    double stretch(double widthFactor) const { return widthFactor * widthScale_ / heightScale_; }
+    double slant(double oblique) const { return std::atan((lean_ + std::tan(oblique) * widthScale_) / heightScale_); }
+
+    double widthScale_, heightScale_, lean_;
+};
 
 bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
     const OdGeMatrix3d writing =
@@ -102,12 +136,29 @@ void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
 // New contents would take away a field, which brings the old ones back anyway.
 bool takesCodes(const OdDbEntity& text) { return !text.getField(kTextFieldKey); }
 
+// Letters can be slanted, but not the lines below each other, nor can the room around the text be stretched: where that
+// would show, the text is refused for its lines to be placed one by one.
 OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
     const OdGeMatrix3d before = text.layoutToWorld();
+    const Lettering lettering(before, matrix);
+    const MTextLayout layout = text.layout();
+    const bool boxed = text.backgroundFillOn() || text.hasFrame();
+    if (takesCodes(text) &&
+        ((lettering.slants() && layout.lines.size() > 1) || ((lettering.slants() || lettering.stretches()) && boxed))) {
+        return OdResult::transformRefused;
+    }
     const OdResult result = text.transformBy(matrix);
     if (result == OdResult::ok && takesCodes(text)) {
-        if (const OdString codes = letterCodes(text, before, matrix); !codes.empty()) {
-            text.setContents(codes + text.contents());
+        if (const OdString contents = lettering.contents(text); contents != text.contents()) {
+            text.setContents(contents);
+            // Slanted letters lean away from their baseline, not from where the text hangs.
+            const auto start = [](const MTextLayout& of) {
+                return OdGePoint3d(of.lines.front().position.x, of.lines.front().position.y, 0);
+            };
+            const OdGeVector3d astray = matrix * (before * start(layout)) - text.layoutToWorld() * start(text.layout());
+            if (lettering.slants()) {
+                text.setLocation(text.location() + astray);
+            }
         }
     }
     return result;
@@ -122,7 +173,7 @@ OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& m
             giveUpJustification(*attribute, matrix);
         } else if (takesCodes(*attribute)) {
             const auto lines = attribute->getMTextAttribute();
-            withCodes.emplace_back(attribute, letterCodes(*lines, lines->layoutToWorld(), matrix) + lines->contents());
+            withCodes.emplace_back(attribute, Lettering(lines->layoutToWorld(), matrix).contents(*lines));
         }
     }
     const OdResult result = reference.transformBy(matrix);
@@ -157,6 +208,7 @@ bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTable
     owner_ = &owner;
     added_.clear();
     within_.clear();
+    hidingLayer_ = {};
     obstacle_.clear();
     if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
         return true;
@@ -173,13 +225,15 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     const OdDbObjectId block = reference.blockTableRecord();
     const Definition& definition = definitionOf(block);
     // A block that holds itself, which damaged files have, could be burst without end.
-    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0) {
+    if (!definition.explodable || layerOf(reference.layerId()).frozen || std::ranges::count(within_, block) != 0) {
         return false;
     }
     if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces) {
         return false;
     }
     within_.push_back(block);
+    const OdDbObjectId outerLayer =
+        std::exchange(hidingLayer_, layerOf(reference.layerId()).off ? reference.layerId() : OdDbObjectId());
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     for (const OdGeMatrix3d& step : placesOf(reference)) {
         const OdGeMatrix3d place = outer * step;
@@ -191,6 +245,7 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
         addAttributes(reference, place);
     }
     within_.pop_back();
+    hidingLayer_ = outerLayer;
     return true;
 }
 
@@ -216,13 +271,27 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
     return definition;
 }
 
-bool ReferenceBurster::isFrozen(OdDbObjectId layer) {
-    const auto [found, fresh] = frozenLayers_.try_emplace(layer);
+const ReferenceBurster::Layer& ReferenceBurster::layerOf(OdDbObjectId id) {
+    const auto [found, fresh] = layers_.try_emplace(id);
     if (fresh) {
-        const auto record = layer.openIf<OdDbLayerTableRecord>();
-        found->second = record && record->isFrozen();
+        if (const auto record = id.openIf<OdDbLayerTableRecord>()) {
+            found->second = {record->name(), record->isFrozen(), record->isOff()};
+        }
     }
     return found->second;
+}
+
+// What stands on layer 0 shows as the layer of the reference does.
+const ReferenceBurster::Layer& ReferenceBurster::shownLayerOf(const OdDbEntity& entity) {
+    const bool asReference = hidingLayer_ && entity.layer() == L"0";
+    return layerOf(asReference ? hidingLayer_ : entity.layerId());
+}
+
+// What a reference on a layer that is off does not show must not come to light without it.
+void ReferenceBurster::keepHidden(OdDbEntity& entity) {
+    if (hidingLayer_ && entity.layer() == L"0") {
+        entity.setLayer(layerOf(hidingLayer_).name);
+    }
 }
 
 bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
@@ -238,6 +307,7 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
             continue;
         }
         const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
+        keepHidden(*copy);
         if (!place(*copy, transform)) {
             noteObstacle(*copy);
             return false;
@@ -279,7 +349,7 @@ bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& t
     if (entity.isKindOf(OdDbBlockReference::desc())) {
         const auto& nested = static_cast<const OdDbBlockReference&>(entity);
         // What shows nothing needs no pieces, and must not keep the rest from being burst.
-        const bool showsNothing = isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
+        const bool showsNothing = layerOf(nested.layerId()).frozen || nested.blockTableRecord().isNull();
         return showsNothing || burstContents(nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;
@@ -318,12 +388,15 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
     const OdDbEntityPtr text =
         lines ? OdDbEntityPtr(newMText(*lines, database).get()) : OdDbEntityPtr(newText(source, database).get());
     append(*text);
+    if (const Layer& layer = shownLayerOf(source); layer.off || layer.frozen) {
+        text->setLayer(layer.name);
+    }
     // The code goes along with the value that it shows now.
     if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
         text->setField(kTextFieldKey, field->copy());
     }
     if (transform != OdGeMatrix3d::kIdentity) {
-        transformExactly(*text, transform);
+        place(*text, transform);
     }
 }
 

@@ -34,7 +34,13 @@ class ReferenceBurster {
         std::vector<OdSmartPtr<OdDbAttributeDefinition>> constants;
     };
     const Definition& definitionOf(OdDbObjectId block);
-    bool isFrozen(OdDbObjectId layer);
+    struct Layer {
+        OdString name;
+        bool frozen = false, off = false;
+    };
+    const Layer& layerOf(OdDbObjectId id);
+    const Layer& shownLayerOf(const OdDbEntity& entity);
+    void keepHidden(OdDbEntity& entity);
 
     bool burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer);
     bool copyEntities(const Definition& definition, const OdGeMatrix3d& transform);
@@ -47,12 +53,14 @@ class ReferenceBurster {
     void append(OdDbEntity& entity);
 
     std::unordered_map<OdDbObjectId, Definition> definitions_;
-    std::unordered_map<OdDbObjectId, bool> frozenLayers_;
+    std::unordered_map<OdDbObjectId, Layer> layers_;
 
     // Of the reference at work.
     OdString obstacle_;
     OdDbBlockTableRecord* owner_ = nullptr;
-    OdDbObjectIdArray added_;           // everything added so far, to be taken back when an entity cannot be placed
+    OdDbObjectIdArray added_;  // everything added so far, to be taken back when an entity cannot be placed
+    OdDbObjectId
+        hidingLayer_;  // of the contents at work: the layer, which is off, that shows what is on layer 0; or null
     std::vector<OdDbObjectId> within_;  // the blocks that hold the contents at work, outermost first
 };
 

@@ -83,6 +83,7 @@ void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& boun
     const Bounds block = of(item);
     bounds.box.addExtents(block.box);
     bounds.endless |= block.endless;
+    bounds.marked |= block.marked;
     const bool isArray = item.columns > 1 || item.rows > 1;
     OdGeExtents3d attributes;
     for (OdDbObjectId id : reference.attributes()) {
@@ -101,6 +102,7 @@ void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
         bounds.endless = true;
         return;
     }
+    bounds.marked |= entity.isKindOf(OdDbPoint::desc());
     OdGeExtents3d box;
     if (boxOf(entity, box)) {
         bounds.box.addExtents(box);
@@ -114,6 +116,7 @@ void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
         const Bounds block = of(list.reference(item));
         bounds.box.addExtents(block.box);
         bounds.endless |= block.endless;
+        bounds.marked |= block.marked;
     }
 }
 

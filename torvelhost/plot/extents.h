@@ -11,6 +11,7 @@ namespace host {
 struct Bounds {
     OdGeExtents3d box;     // of all that ends
     bool endless = false;  // infinite lines are among it
+    bool marked = false;   // points are, whose marks reach as far however small a block is shown
 };
 
 // Blocks in blocks beyond that are not looked at: only faulty files have them.

@@ -21,37 +21,15 @@ OdCmColor colorOf(std::int64_t number) {
 
 }  // namespace
 
-// The line from its arrowhead on. The head is closed and filled, whatever arrow is asked for.
-void Shapes::addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow) {
-    if (corners.size() < 2) return;
-    const OdGeVector3d along = corners[1] - corners[0];
-    if (arrow > 0 && along.length() > 2 * arrow) {
-        const OdGeVector3d unit = along.normal();
-        const OdGeVector3d side = normal.normal().crossProduct(unit) * (arrow / 6);
-        const OdGePoint3d base = corners[0] + unit * arrow;
-        list_.add(DisplayList::Kind::kArea, Corners{corners[0], base + side, base - side});
-        corners[0] = base;
-    }
-    list_.add(DisplayList::Kind::kPolyline, corners);
+void Shapes::addLeaderParts(const torvel::LeaderParts& parts) {
+    if (parts.line.size() < 2) return;
+    if (!parts.head.empty()) list_.add(DisplayList::Kind::kArea, parts.head);
+    list_.add(DisplayList::Kind::kPolyline, parts.line);
 }
 
-void Shapes::addLeader(const std::vector<PlotGroup>& groups) {
-    Corners corners;
-    for (const PlotGroup& group : groups)
-        if (group.code == 10) corners.push_back(group.point);
-    double size = 0.18, scale = 1.0;
-    const PlotGroup* name = findGroup(groups, 3);
-    const auto table = styles_.database().tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
-    if (const auto style = name && table ? table->getAt(name->text).open() : OdDbObjectPtr()) {
-        for (const PlotGroup& group : groupsOf(*style)) {
-            if (group.code == 41) size = group.real;
-            if (group.code == 40 && group.real > 0) scale = group.real;
-        }
-    }
-    const PlotGroup* arrow = findGroup(groups, 71);
-    const PlotGroup* normal = findGroup(groups, 210);
-    addLeaderLine(corners, normal ? normal->point.asVector() : OdGeVector3d::kZAxis,
-                  arrow && arrow->integer == 0 ? 0 : size * scale);
+// The head is closed and filled, whatever arrow is asked for.
+void Shapes::addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow) {
+    addLeaderParts(torvel::leaderParts(std::move(corners), normal, arrow));
 }
 
 //   300 CONTEXT_DATA{   41 text height  140 arrowhead   290 text: 304 contents  11 normal  12 place  13 direction

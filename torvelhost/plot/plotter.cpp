@@ -85,6 +85,7 @@ void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double
     pixelsPerUnit_ = pixelsPerUnit;
     const double scale = scaleOf(toPixels);
     if (!(scale > 0)) return;
+    spaceScale_ = scale;
     DisplayList list;
     Shapes shapes(styles_, list, 1 / scale);
     setUp(shapes);
@@ -193,7 +194,7 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
             return drawEndless(points_[0], points_[1], item.kind == Kind::kRay, look);
         case Kind::kMarker:
             project(0);
-            return drawMarker(points_[0], toPixels, look);
+            return drawMarker(points_[0], look);
         case Kind::kReference:
             return;
     }
@@ -222,12 +223,16 @@ void Plotter::drawEndless(const OdGePoint2d& from, const OdGePoint2d& to, bool i
 
 // PDMODE: 0 a dot, 1 nothing, 2 a cross, 3 a slanting one, 4 a stroke upwards; with 32 a circle, with 64 a square
 // around it. PDSIZE: the diameter of the circle in drawing units, or, negative, as a percentage of the picture's
-// height.
-void Plotter::drawMarker(const OdGePoint2d& center, const OdGeMatrix3d& toPixels, const Look& look) {
+// height. References do not scale it: the marks of all points of a space are alike.
+double Plotter::markerSize() const {
+    return pointSize_ > 0   ? pointSize_ * spaceScale_
+           : pointSize_ < 0 ? -pointSize_ / 100 * picture_.height()
+                            : 0.05 * picture_.height();
+}
+
+void Plotter::drawMarker(const OdGePoint2d& center, const Look& look) {
     const Pen pen{look.color, look.width};
-    const double size = pointSize_ > 0   ? pointSize_ * scaleOf(toPixels)
-                        : pointSize_ < 0 ? -pointSize_ / 100 * picture_.height()
-                                         : 0.05 * picture_.height();
+    const double size = markerSize();
     const auto line = [&](double x1, double y1, double x2, double y2) {
         const OdGePoint2d ends[2] = {center + OdGeVector2d(x1, y1) * size, center + OdGeVector2d(x2, y2) * size};
         picture_.addPolyline(ends, pen);
@@ -268,8 +273,7 @@ bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, 
     const OdGePoint3d &low = seen.minPoint(), &high = seen.maxPoint();
     size = std::max(high.x - low.x, high.y - low.y);
     // Pens and the marks of points reach farther than what they stand for.
-    const double margin =
-        20 + 2 * std::fabs(pointSize_ > 0 ? pointSize_ * scaleOf(toPixels) : 0.05 * picture_.height());
+    const double margin = 20 + 2 * markerSize();
     return high.x >= picture_.clipLow().x - margin && low.x <= picture_.clipHigh().x + margin &&
            high.y >= picture_.clipLow().y - margin && low.y <= picture_.clipHigh().y + margin;
 }
@@ -319,7 +323,8 @@ void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const S
     }
     const Bounds& bounds = bounds_.of(block);
     double size = 0;
-    if (!bounds.endless && bounds.box.isValid() && isVisible(bounds.box, toPixels, size) && size < 0.5) {
+    if (!bounds.endless && !bounds.marked && bounds.box.isValid() && isVisible(bounds.box, toPixels, size) &&
+        size < 0.5) {
         // Whatever it holds, it is a dot.
         const OdGePoint2d place = flat(toPixels, bounds.box.center());
         if (!styles_.isHidden(style)) picture_.addPolyline(std::span(&place, 1), {styles_.lookOf(style).color, 1.0});
@@ -380,7 +385,7 @@ void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& pap
         OdGeMatrix3d::translation(OdGeVector3d(-viewport.viewCenter().x, -viewport.viewCenter().y, 0));
     OdGeMatrix3d toPixels = paperToPixels * ontoPaper * viewport.worldToView();
 
-    const double paperScale = pixelsPerUnit_;
+    const double paperScale = pixelsPerUnit_, paperSpaceScale = spaceScale_;
     inViewport_ = true;
     picture_.setClip(clip);
     styles_.freezeHere(frozen);
@@ -389,6 +394,7 @@ void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& pap
     const bool likePaper = database_.headerInteger("$PSLTSCALE", 1) != 0;
     drawSpace(database_.modelSpaceId(), toPixels, likePaper ? paperScale : paperScale * scale);
     pixelsPerUnit_ = paperScale;
+    spaceScale_ = paperSpaceScale;
     styles_.freezeHere({});
     blockLists_.clear();
     picture_.clearClip();

@@ -49,7 +49,8 @@ class Plotter {
     void drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style);
     void drawLine(std::span<const OdGePoint2d> points, const Look& look);
     void drawEndless(const OdGePoint2d& from, const OdGePoint2d& to, bool isRay, const Look& look);
-    void drawMarker(const OdGePoint2d& center, const OdGeMatrix3d& toPixels, const Look& look);
+    double markerSize() const;
+    void drawMarker(const OdGePoint2d& center, const Look& look);
     void drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels);
     std::vector<OdGePoint2d> viewportClip(const OdDbViewport& viewport, OdDbObjectId boundary,
                                           const OdGeMatrix3d& paperToPixels);
@@ -63,6 +64,7 @@ class Plotter {
     std::unordered_set<OdDbObjectId> counted_;
     std::map<std::string, int> notDrawn_;
     double pixelsPerUnit_ = 1.0;
+    double spaceScale_ = 1.0;  // pixels for a unit of the space that is being drawn
     double linetypeScale_;
     int pointMode_;
     double pointSize_;

@@ -120,7 +120,7 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     else if (is("ACAD_TABLE"))
         return addTable(groupsOf(entity));
     else if (is("LEADER"))
-        addLeader(groupsOf(entity));
+        addLeaderParts(torvel::leaderParts(entity));
     else if (is("MULTILEADER"))
         addMultiLeader(groupsOf(entity));
     else if (is("MLINE"))

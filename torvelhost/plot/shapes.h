@@ -6,6 +6,7 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/leader.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/wipeout.h"
 #include "torvelhost/plot/display_list.h"
@@ -83,7 +84,7 @@ class Shapes {
     void addFace(const std::vector<PlotGroup>& groups);
 
     // leader_shapes.cpp
-    void addLeader(const std::vector<PlotGroup>& groups);
+    void addLeaderParts(const torvel::LeaderParts& parts);
     void addMultiLeader(const std::vector<PlotGroup>& groups);
     void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
     void addMultiLine(const std::vector<PlotGroup>& groups);

@@ -64,13 +64,8 @@ void Shapes::addMText(const OdDbMText& text) {
     const Style own = list_.style();
 
     if (text.backgroundFillOn() || text.hasFrame()) {
-        // The box around the text, wider on all sides by a part of the text height.
-        const double margin = (text.backgroundScaleFactor() - 1) * text.textHeight();
-        const OdGePoint2d &topLeft = layout.boundingPoints[0], &bottomRight = layout.boundingPoints[3];
-        Corners corners = {inWorld({topLeft.x - margin, topLeft.y + margin}),
-                           inWorld({bottomRight.x + margin, topLeft.y + margin}),
-                           inWorld({bottomRight.x + margin, bottomRight.y - margin}),
-                           inWorld({topLeft.x - margin, bottomRight.y - margin})};
+        Corners corners;
+        for (const OdGePoint2d& corner : text.box()) corners.push_back(inWorld(corner));
         if (text.backgroundFillOn() && text.useBackgroundColorOn()) {
             list_.add(DisplayList::Kind::kMask, corners);
         } else if (text.backgroundFillOn()) {

@@ -7,6 +7,7 @@
 namespace drawingdb {
 class SegmentLengths;
 struct BulgeSegment;
+struct WideSegment;
 }  // namespace drawingdb
 
 class DRAWINGDB_API OdDbLine : public OdDbCurve {
@@ -195,11 +196,10 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     void setNormal(const OdGeVector3d& normal);
     void setThickness(double thickness);
 
-    /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move. Without: takes any matrix that
-    /// leaves the plane a plane.
+    /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move; with widths too, unless all of
+    /// it runs along one line to which its ends stay square. Otherwise takes any matrix that leaves the plane a plane.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
-    /// Lines and parts of ellipses, which take any matrix; one polyline of short segments where there are widths to
-    /// show.
+    /// What takes any matrix: lines and parts of ellipses, and for each segment with a width the area that it covers.
     OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
     double endParam() const override;  ///< number of segments; whole numbers are the vertices
@@ -217,10 +217,9 @@ class DRAWINGDB_API OdDbPolyline : public OdDbCurve {
     void clearRuns() override;
     void beforeEncode() override;
     void verticesChanged();
-    void widen(const OdGeMatrix3d& map);
     std::size_t numSegments() const;
     const drawingdb::SegmentLengths& lengths() const;
-    bool hasBulges() const;
+    std::vector<drawingdb::WideSegment> wideSegments() const;
     /// The segment that begins at a vertex; `index` must be below numSegments().
     drawingdb::BulgeSegment segment(std::size_t index) const;
     /// The segment that a parameter lies in, and the fraction of it. There must be a segment.

@@ -8,6 +8,7 @@
 namespace drawingdb {
 class SegmentLengths;
 struct BulgeSegment;
+struct WideSegment;
 }  // namespace drawingdb
 
 /// What the two kinds have in common. They are read as curves; their vertices change by transformBy alone. Of splined
@@ -56,8 +57,7 @@ class DRAWINGDB_API OdDb2dPolyline : public OdDbOldPolyline {
   public:
     OdGeVector3d normal() const { return normal_; }
     double elevation() const { return elevation_.z; }
-    /// With bulges: refuses anything but a uniform scale, rotation, mirroring and move. Without: takes any matrix that
-    /// leaves the plane a plane.
+    /// As OdDbPolyline::transformBy.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     /// As OdDbPolyline::explode.
     OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
@@ -70,6 +70,7 @@ class DRAWINGDB_API OdDb2dPolyline : public OdDbOldPolyline {
     static void describe(drawingdb::Describer& d);
     double segmentLength(std::size_t index) const override;
     drawingdb::BulgeSegment segment(std::size_t index) const;
+    std::vector<drawingdb::WideSegment> wideSegments() const;
     OdGePoint3d inWorld(const OdGePoint2d& point) const;
 
     OdGePoint3d elevation_;

@@ -1,5 +1,6 @@
 #pragma once
 // Single-line and multi-line text.
+#include <array>
 #include <limits>
 
 #include "drawingdb/entity.h"
@@ -191,9 +192,15 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     torvel::MTextLayout layout() const;
     /// From the coordinates of layout() to the world's.
     OdGeMatrix3d layoutToWorld() const;
+    /// What a fill or a frame goes round, in the coordinates of layout(), from the upper left corner on clockwise:
+    /// wider than the text on all sides by a part of the text height.
+    std::array<OdGePoint2d, 4> box() const;
 
     void setDatabaseDefaults(OdDbDatabase* database) override;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// Each line a text of its own; a fill and a frame as a solid and lines. Refuses (transformRefused) a text that
+    /// masks what lies behind it, and a single line.
+    OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;
     bool geomExtents(OdGeExtents3d& extents) const override;
 
   protected:
