@@ -51,11 +51,6 @@ def mtext(text, attachment, direction=(1, 0.3, 0), fill=None):
     return add
 
 
-def hidden(block):
-    block.add_line((0, 0), (3, 3))
-    block.add_blockref("LABEL", (0, 0), {"layer": "OFF", "rotation": 30}).add_auto_attribs({"A": "hidden"})
-
-
 # What blocks hold; each has been shown otherwise once it was burst.
 SHAPES = {
     "donut": polyline((0, 0, 1, 1, 1), (4, 0, 1, 1, 1), close=True),
@@ -71,21 +66,16 @@ SHAPES = {
     "lines": mtext("Multi\\Pline {\\H1.5x;big} \\W2;wide\\Q20;slant \\S1/2;", 5),
     "one_line": mtext("a\\W1.5;b\\Q10;c", 8),
     "filled": mtext("Back", 1, (1, 0, 0), fill=2),
-    "hidden": hidden,
 }
 SCALES = [dict(xscale=2, yscale=0.6), dict(xscale=-1.6, yscale=0.7, rotation=33), dict(xscale=1.5, yscale=1.5, zscale=1.5)]
 # R12 has neither hatches nor light polylines, leaders and multi-line texts.
-VERSIONS = {"R2018": list(SHAPES), "R12": ["old", "points", "hidden"]}
+VERSIONS = {"R2018": list(SHAPES), "R12": ["old", "points"]}
 CELL = 40
 
 
 def make_shapes(version, path):
     doc = ezdxf.new(version)
     doc.header["$PDMODE"], doc.header["$PDSIZE"] = 34, 1
-    doc.layers.add("OFF").off()
-    label = doc.blocks.new("LABEL")
-    label.add_circle((0, 0), 1)
-    label.add_attdef("A", (0, 0), dxfattribs={"height": 1})
     for row, name in enumerate(VERSIONS[version]):
         SHAPES[name](doc.blocks.new(name.upper()))
         for column, scale in enumerate(SCALES):

@@ -208,7 +208,6 @@ bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTable
     owner_ = &owner;
     added_.clear();
     within_.clear();
-    hidingLayer_ = {};
     obstacle_.clear();
     if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
         return true;
@@ -225,15 +224,13 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     const OdDbObjectId block = reference.blockTableRecord();
     const Definition& definition = definitionOf(block);
     // A block that holds itself, which damaged files have, could be burst without end.
-    if (!definition.explodable || layerOf(reference.layerId()).frozen || std::ranges::count(within_, block) != 0) {
+    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0) {
         return false;
     }
     if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces) {
         return false;
     }
     within_.push_back(block);
-    const OdDbObjectId outerLayer =
-        std::exchange(hidingLayer_, layerOf(reference.layerId()).off ? reference.layerId() : OdDbObjectId());
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     for (const OdGeMatrix3d& step : placesOf(reference)) {
         const OdGeMatrix3d place = outer * step;
@@ -245,7 +242,6 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
         addAttributes(reference, place);
     }
     within_.pop_back();
-    hidingLayer_ = outerLayer;
     return true;
 }
 
@@ -271,27 +267,13 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
     return definition;
 }
 
-const ReferenceBurster::Layer& ReferenceBurster::layerOf(OdDbObjectId id) {
-    const auto [found, fresh] = layers_.try_emplace(id);
+bool ReferenceBurster::isFrozen(OdDbObjectId layer) {
+    const auto [found, fresh] = frozenLayers_.try_emplace(layer);
     if (fresh) {
-        if (const auto record = id.openIf<OdDbLayerTableRecord>()) {
-            found->second = {record->name(), record->isFrozen(), record->isOff()};
-        }
+        const auto record = layer.openIf<OdDbLayerTableRecord>();
+        found->second = record && record->isFrozen();
     }
     return found->second;
-}
-
-// What stands on layer 0 shows as the layer of the reference does.
-const ReferenceBurster::Layer& ReferenceBurster::shownLayerOf(const OdDbEntity& entity) {
-    const bool asReference = hidingLayer_ && entity.layer() == L"0";
-    return layerOf(asReference ? hidingLayer_ : entity.layerId());
-}
-
-// What a reference on a layer that is off does not show must not come to light without it.
-void ReferenceBurster::keepHidden(OdDbEntity& entity) {
-    if (hidingLayer_ && entity.layer() == L"0") {
-        entity.setLayer(layerOf(hidingLayer_).name);
-    }
 }
 
 bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
@@ -307,7 +289,6 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
             continue;
         }
         const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
-        keepHidden(*copy);
         if (!place(*copy, transform)) {
             noteObstacle(*copy);
             return false;
@@ -349,7 +330,7 @@ bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& t
     if (entity.isKindOf(OdDbBlockReference::desc())) {
         const auto& nested = static_cast<const OdDbBlockReference&>(entity);
         // What shows nothing needs no pieces, and must not keep the rest from being burst.
-        const bool showsNothing = layerOf(nested.layerId()).frozen || nested.blockTableRecord().isNull();
+        const bool showsNothing = isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
         return showsNothing || burstContents(nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;
@@ -388,9 +369,6 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
     const OdDbEntityPtr text =
         lines ? OdDbEntityPtr(newMText(*lines, database).get()) : OdDbEntityPtr(newText(source, database).get());
     append(*text);
-    if (const Layer& layer = shownLayerOf(source); layer.off || layer.frozen) {
-        text->setLayer(layer.name);
-    }
     // The code goes along with the value that it shows now.
     if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
         text->setField(kTextFieldKey, field->copy());

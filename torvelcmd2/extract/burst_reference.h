@@ -34,13 +34,7 @@ class ReferenceBurster {
         std::vector<OdSmartPtr<OdDbAttributeDefinition>> constants;
     };
     const Definition& definitionOf(OdDbObjectId block);
-    struct Layer {
-        OdString name;
-        bool frozen = false, off = false;
-    };
-    const Layer& layerOf(OdDbObjectId id);
-    const Layer& shownLayerOf(const OdDbEntity& entity);
-    void keepHidden(OdDbEntity& entity);
+    bool isFrozen(OdDbObjectId layer);
 
     bool burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer);
     bool copyEntities(const Definition& definition, const OdGeMatrix3d& transform);
@@ -53,14 +47,12 @@ class ReferenceBurster {
     void append(OdDbEntity& entity);
 
     std::unordered_map<OdDbObjectId, Definition> definitions_;
-    std::unordered_map<OdDbObjectId, Layer> layers_;
+    std::unordered_map<OdDbObjectId, bool> frozenLayers_;
 
     // Of the reference at work.
     OdString obstacle_;
     OdDbBlockTableRecord* owner_ = nullptr;
-    OdDbObjectIdArray added_;  // everything added so far, to be taken back when an entity cannot be placed
-    OdDbObjectId
-        hidingLayer_;  // of the contents at work: the layer, which is off, that shows what is on layer 0; or null
+    OdDbObjectIdArray added_;           // everything added so far, to be taken back when an entity cannot be placed
     std::vector<OdDbObjectId> within_;  // the blocks that hold the contents at work, outermost first
 };
 
