@@ -138,7 +138,7 @@ def main():
     with tempfile.TemporaryDirectory() as temporary:
         made = pathlib.Path(temporary)
         cases = [(HERE / name, window, staying) for name, window, staying in CASES]
-        cases += [(made / (version + ".dxf"), make_shapes(version, made / (version + ".dxf")), {"LABEL": 1}) for version in VERSIONS]
+        cases += [(made / (version + ".dxf"), make_shapes(version, made / (version + ".dxf")), {}) for version in VERSIONS]
         for drawing, window, staying in cases:
             found = compare(program, drawing, window, staying, made)
             for line in found[:10]:
