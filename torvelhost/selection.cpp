@@ -271,6 +271,7 @@ int Selection::pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities) {
         if (result == hostapi::kCancel) return result;
         if (result == hostapi::kEmpty) break;
         const std::size_t before = set.size();
+        known.reserve(before + added.size());
         for (OdDbObjectId id : added)
             if (known.insert(id).second) set.push_back(id);
         input_.terminal().notice(std::to_wstring(added.size()) + L" found, " + std::to_wstring(set.size()) +

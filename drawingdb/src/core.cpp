@@ -56,11 +56,13 @@ std::string_view Core::bytesOf(Stub& stub) {
 }
 
 std::string_view Core::groupText(Stub& stub, int code) {
-    GroupCursor cursor(bytesOf(stub), format);
-    Group group;
-    while (cursor.next(group))
-        if (group.code == code) return group.value;
-    return {};
+    const auto first = [code](auto cursor) {
+        for (Group group; cursor.next(group);)
+            if (group.code == code) return group.value;
+        return std::string_view();
+    };
+    const std::string_view bytes = bytesOf(stub);
+    return format.binary ? first(BinaryGroupCursor(bytes, format.wideCodes)) : first(AsciiGroupCursor(bytes));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 // The comma-delimited (CDF) and the space-delimited (SDF) extract.
+#include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <unordered_map>
 
 #include "base/text.h"
@@ -167,6 +169,12 @@ void appendHeader(std::string& bytes, const std::vector<ExtractField>& fields) {
     bytes += "\r\n";
 }
 
+std::size_t recordSize(const std::vector<ExtractField>& fields) {
+    std::size_t size = 2;
+    for (const ExtractField& field : fields) size += static_cast<std::size_t>(std::abs(field.width));
+    return size;
+}
+
 void appendRecord(std::string& bytes, const std::vector<ExtractField>& fields, const std::vector<std::string>& values,
                   const ExtractSettings& settings) {
     const bool isSpaceDelimited = settings.format == ExtractFormat::spaceDelimited;
@@ -198,6 +206,9 @@ std::optional<std::string> delimitedText(std::string_view templateBytes, const O
     const std::vector<ExtractField> fields = parseExtractTemplate(text, settings);
     if (fields.empty()) return std::nullopt;
     std::string bytes;
+    // Hardly any value is wider than its column, so that this mostly is all the room that is needed.
+    constexpr std::size_t kMostRoom = std::size_t{1} << 27;
+    bytes.reserve(std::min(kMostRoom, recordSize(fields) * (references.size() + 1)));
     if (settings.format == ExtractFormat::spaceDelimited) appendHeader(bytes, fields);
     Records records(fields);
     for (const OdDbObjectId id : references) appendRecord(bytes, fields, records.fill(id), settings);
