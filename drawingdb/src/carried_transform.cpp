@@ -9,8 +9,6 @@
 namespace drawingdb {
 namespace {
 
-constexpr double kDegree = torvel::kPi / 180;
-
 /// The groups of a record, with new values for some of them.
 class GroupList {
   public:

@@ -10,6 +10,9 @@
 
 namespace drawingdb {
 
+/// In radians, which objects have; files have degrees.
+inline constexpr double kDegree = torvel::kPi / 180;
+
 /// What a matrix makes of a plane. Coordinates in a plane are those that files use: along the axes that planeToWorld
 /// gives the plane's normal.
 struct PlaneMap {

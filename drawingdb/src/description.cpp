@@ -5,6 +5,7 @@
 #include <bitset>
 #include <cstring>
 
+#include "curve_math.h"
 #include "drawingdb/text.h"
 #include "object_access.h"
 
@@ -159,7 +160,6 @@ bool ClassDescription::inRun(int zone, int code) const {
 namespace {
 
 constexpr std::size_t kMaxFields = 192;
-constexpr double kDegree = 3.14159265358979323846 / 180.0;
 constexpr int kUnknownZone = -2;
 constexpr int kNoMarkers = -1;
 

@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <initializer_list>
 #include <unordered_map>
 
 #include "base/text.h"
-#include "drawingdb/attribute.h"
-#include "drawingdb/block.h"
+#include "drawingdb/readers.h"
 #include "torvelcmd2/extract/delimited_text.h"
 #include "torvelcmd2/extract/extract_output.h"
 #include "torvelcmd2/extract/extract_template.h"
@@ -29,14 +29,16 @@ std::string inCodePage(std::string_view bytes, const OdDbDatabase* drawing) {
     return narrow;
 }
 
-/// Pads with blanks to the width, which counts bytes of the file, and never cuts. A negative width means its size and
-/// the left side, as in printf's formats.
-void appendColumn(std::string& bytes, std::string_view text, int width, bool toTheLeft) {
-    const auto columns = static_cast<std::size_t>(width < 0 ? -width : width);
-    const std::size_t blanks = columns > text.size() ? columns - text.size() : 0;
+/// Pads the parts, one behind the other, with blanks to the width, which counts bytes of the file, and never cuts. A
+/// negative width means its size and the left side, as in printf's formats.
+void appendColumn(std::string& bytes, std::initializer_list<std::string_view> parts, int width, bool toTheLeft) {
+    const auto columns = static_cast<std::size_t>(std::abs(width));
+    std::size_t size = 0;
+    for (const std::string_view part : parts) size += part.size();
+    const std::size_t blanks = columns > size ? columns - size : 0;
     toTheLeft = toTheLeft || width < 0;
     if (!toTheLeft) bytes.append(blanks, ' ');
-    appendLines(bytes, text);
+    for (const std::string_view part : parts) appendLines(bytes, part);
     if (toTheLeft) bytes.append(blanks, ' ');
 }
 
@@ -49,7 +51,7 @@ void assignNumber(std::string& text, double number, const ExtractField& field) {
     const int precision = field.precision < 0 ? kUsualPrecision : field.precision;
     const char* const end = std::to_chars(digits, digits + kLongest, number, std::chars_format::fixed, precision).ptr;
     text.clear();
-    appendColumn(text, {digits, static_cast<std::size_t>(end - digits)}, field.width, false);
+    appendColumn(text, {std::string_view(digits, static_cast<std::size_t>(end - digits))}, field.width, false);
 }
 
 /// Fills the values of one reference after the other.
@@ -68,9 +70,9 @@ class Records {
     /// The values in the order of the fields, until the next call.
     const std::vector<std::string>& fill(OdDbObjectId id) {
         for (std::string& value : values_) value.clear();
-        const auto reference = id.openAs<OdDbBlockReference>();
-        for (const std::size_t i : properties_) fillProperty(values_[i], fields_[i], *reference);
-        if (!tags_.empty()) fillAttributes(*reference);
+        reference_.read(id);
+        for (const std::size_t i : properties_) fillProperty(values_[i], fields_[i]);
+        if (!tags_.empty()) fillAttributes();
         return values_;
     }
 
@@ -80,8 +82,8 @@ class Records {
         std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
     };
 
-    void fillAttributes(const OdDbBlockReference& reference) {
-        for (const OdDbObjectId id : reference.attributes()) {
+    void fillAttributes() {
+        for (const OdDbObjectId id : reference_.attributes()) {
             if (!attribute_.read(id)) continue;
             const auto found = tags_.find(attribute_.narrowTag());
             if (found == tags_.end()) continue;
@@ -90,19 +92,19 @@ class Records {
         }
     }
 
-    void fillProperty(std::string& value, const ExtractField& field, const OdDbBlockReference& reference) {
+    void fillProperty(std::string& value, const ExtractField& field) {
         switch (field.source) {
             case Source::attribute:
             case Source::unknown:
                 return;
             case Source::blockName:
-                value = blockName(reference);
+                value = blockName();
                 return;
             case Source::layer:
-                reference.database()->appendNarrow(value, reference.layer());
+                value = reference_.narrowLayer();
                 return;
             case Source::handle:
-                value = reference.handle().ascii();
+                value = reference_.handle().ascii();
                 return;
             case Source::level:
                 value = "1";  // references inside blocks are not extracted
@@ -111,45 +113,49 @@ class Records {
                 value = "$Number$";  // no record number takes its place
                 return;
             default:
-                assignNumber(value, numberOf(field.source, reference), field);
+                assignNumber(value, numberOf(field.source), field);
         }
     }
 
-    static double numberOf(Source source, const OdDbBlockReference& reference) {
+    double numberOf(Source source) const {
         switch (source) {
             case Source::x:
-                return reference.position().x;
+                return reference_.position().x;
             case Source::y:
-                return reference.position().y;
+                return reference_.position().y;
             case Source::z:
-                return reference.position().z;
+                return reference_.position().z;
             case Source::orient:
-                return reference.rotation();  // radians
+                return reference_.rotation();  // radians
             case Source::xScale:
-                return reference.scaleFactors().sx;
+                return reference_.scaleFactors().sx;
             case Source::yScale:
-                return reference.scaleFactors().sy;
+                return reference_.scaleFactors().sy;
             case Source::zScale:
-                return reference.scaleFactors().sz;
+                return reference_.scaleFactors().sz;
             case Source::xExtrude:
-                return reference.normal().x;
+                return reference_.normal().x;
             case Source::yExtrude:
-                return reference.normal().y;
+                return reference_.normal().y;
             case Source::zExtrude:
-                return reference.normal().z;
+                return reference_.normal().z;
             default:
                 return 0;
         }
     }
 
     // As the definition spells it; all references to one block come together, so that one name is kept.
-    const std::string& blockName(const OdDbBlockReference& reference) {
-        const OdDbObjectId id = reference.blockTableRecord();
+    const std::string& blockName() {
+        const OdDbObjectId id = reference_.blockTableRecord();
         if (id != namedBlock_ || id.isNull()) {
             namedBlock_ = id;
             const auto block = id.openIf<OdDbBlockTableRecord>();
             blockName_.clear();
-            reference.database()->appendNarrow(blockName_, block ? block->name() : reference.blockName());
+            if (block) {
+                block->database()->appendNarrow(blockName_, block->name());
+            } else {
+                blockName_ = reference_.narrowBlockName();
+            }
         }
         return blockName_;
     }
@@ -158,6 +164,7 @@ class Records {
     std::vector<std::string> values_;
     std::vector<std::size_t> properties_;  // fields that are block properties
     std::unordered_map<std::string, std::vector<std::size_t>, Hash, std::equal_to<>> tags_;  // the others, by tag
+    OdDbBlockReferenceReader reference_;
     OdDbAttributeReader attribute_;
     OdDbObjectId namedBlock_;
     std::string blockName_;
@@ -165,7 +172,7 @@ class Records {
 
 void appendHeader(std::string& bytes, const std::vector<ExtractField>& fields) {
     // Without delimiters, unlike the records.
-    for (const ExtractField& field : fields) appendColumn(bytes, "(" + field.name + ")", field.width, true);
+    for (const ExtractField& field : fields) appendColumn(bytes, {"(", field.name, ")"}, field.width, true);
     bytes += "\r\n";
 }
 
@@ -179,16 +186,12 @@ void appendRecord(std::string& bytes, const std::vector<ExtractField>& fields, c
                   const ExtractSettings& settings) {
     const bool isSpaceDelimited = settings.format == ExtractFormat::spaceDelimited;
     const std::string_view quote = settings.quote.empty() ? std::string_view("'") : settings.quote;
-    std::string column;
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        const bool isQuoted = !isSpaceDelimited && !fields[i].isNumeric;
-        column.clear();
-        if (isQuoted) column += quote;
-        column += values[i];
-        if (isQuoted) column += quote;
+        const std::string_view around = isSpaceDelimited || fields[i].isNumeric ? std::string_view() : quote;
         // Inside the column: with a short value it takes the place of a blank, with a long one it widens the column.
-        if (i + 1 < fields.size()) column += settings.delimiter;
-        appendColumn(bytes, column, fields[i].width, isSpaceDelimited);
+        const std::string_view behind =
+            i + 1 < fields.size() ? std::string_view(settings.delimiter) : std::string_view();
+        appendColumn(bytes, {around, values[i], around, behind}, fields[i].width, isSpaceDelimited);
     }
     bytes += "\r\n";
 }

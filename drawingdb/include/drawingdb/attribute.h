@@ -1,7 +1,5 @@
 #pragma once
 // Attributes of block references, and their definitions in blocks.
-#include <string_view>
-
 #include "drawingdb/text.h"
 
 /// What attributes and attribute definitions have in common.
@@ -110,33 +108,4 @@ class DRAWINGDB_API OdDbAttribute : public OdDbAttributeText {
     static void describe(drawingdb::Describer& d);
     static void describeOld(drawingdb::Describer& d);
     std::int16_t multiLineFlag() const override { return 2; }
-};
-
-/// Reads tag and value of many attributes one after the other. An attribute that is not open is not made an object for
-/// that: its record is looked through instead.
-class DRAWINGDB_API OdDbAttributeReader {
-  public:
-    /// False, and both texts of no meaning, when the id names no attribute, or an erased one.
-    bool read(OdDbObjectId attribute);
-    OdString tag() const { return wide(tag_); }
-    /// As OdDbAttribute::textString.
-    OdString textString() const { return wide(text_); }
-    /// The same in the drawing's code page, as OdDbDatabase::appendNarrow has it. Good until the next call for the same
-    /// text, and as long as the drawing is not changed.
-    std::string_view narrowTag() { return narrow(tag_); }
-    std::string_view narrowTextString() { return narrow(text_); }
-
-  private:
-    struct Text {
-        std::string_view raw;   // as the file has it; null for the text of an open object
-        OdString wide;          // of an open object
-        std::string converted;  // the last narrow text that is not the raw one
-    };
-    bool readRecord(drawingdb::Core& core, drawingdb::Stub& stub);
-    OdString wide(const Text& text) const;
-    std::string_view narrow(Text& text) const;
-
-    const drawingdb::Core* core_ = nullptr;
-    Text tag_;
-    Text text_;
 };
