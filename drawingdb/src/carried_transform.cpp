@@ -32,11 +32,12 @@ class GroupList {
     void setReal(std::size_t i, double value) { items_[i].real = value; }
     void setInteger(std::size_t i, std::int64_t value) { items_[i].integer = value; }
 
-    /// The first group with the code from `from` on; the end when there is none.
-    std::size_t find(int wanted, std::size_t from = 0) const {
-        while (from < end_ && code(from) != wanted) ++from;
+    /// The first group with the code from `from` on and before `to`; else `to`.
+    std::size_t find(int wanted, std::size_t from, std::size_t to) const {
+        while (from < to && code(from) != wanted) ++from;
         return from;
     }
+    std::size_t find(int wanted, std::size_t from = 0) const { return find(wanted, from, end_); }
     /// The point that begins at a group; parts that do not stand behind it are 0.
     OdGePoint3d point(std::size_t i) const {
         const bool y = i + 1 < end_ && code(i + 1) == code(i) + 10;
@@ -230,10 +231,11 @@ class HatchWithoutArcs {
     }
     void arc(std::size_t begin, std::size_t end, bool circular) {
         const auto real = [&](int code) {
-            const std::size_t i = groups_.find(code, begin);
+            const std::size_t i = groups_.find(code, begin, end);
             return i < end ? groups_.real(i) : 0;
         };
-        const std::size_t sense = groups_.find(73, begin), major = groups_.find(11, begin);
+        const std::size_t center = groups_.find(10, begin, end), sense = groups_.find(73, begin, end),
+                          major = groups_.find(11, begin, end);
         const double turn = sense < end && groups_.integer(sense) == 0 ? -1 : 1;
         OdGeVector2d x(real(40), 0);
         if (!circular) x = major < end ? groups_.point(major).xy() - OdGePoint2d() : OdGeVector2d();
@@ -241,7 +243,7 @@ class HatchWithoutArcs {
         double start = real(50) * kDegree, sweep = real(51) * kDegree - start;
         if (sweep <= 0) sweep += torvel::kTwoPi;
         // Clockwise arcs have their angles counted clockwise too.
-        writeSplineEdge(writer_, groups_.point(groups_.find(10, begin)).xy(), x, y, turn * start,
+        writeSplineEdge(writer_, center < end ? groups_.point(center).xy() : OdGePoint2d(), x, y, turn * start,
                         turn * (start + std::min(sweep, torvel::kTwoPi)));
     }
 

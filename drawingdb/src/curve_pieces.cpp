@@ -80,8 +80,11 @@ void CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed)
         return cosine < -0.7 ? own : (own + other) / (1 + cosine);
     };
     const std::size_t count = segments.size();
+    const bool showsMore =
+        !std::all_of(segments.begin(), segments.end(), [](const WideSegment& s) { return s.isPoint(); });
     for (std::size_t i = 0; i < count; ++i) {
         const WideSegment& wide = segments[i];
+        if (wide.isPoint() && showsMore) continue;  // a vertex that stands there twice
         if (!wide.isWide() || wide.isPoint()) {
             addSegment(wide.segment);
             continue;

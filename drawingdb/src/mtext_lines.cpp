@@ -34,11 +34,19 @@ OdString colorCode(const OdCmColor& color) {
     return code(L'c', blueHighest);
 }
 
+bool isShapeFont(std::wstring_view font) {
+    constexpr std::wstring_view kExtension = L".shx";
+    return font.size() > kExtension.size() &&
+           base::equalsNoCase(font.substr(font.size() - kExtension.size()), kExtension);
+}
+
 /// The codes that lead from one format to the other.
 OdString formatCodes(const MTextFormat& to, const MTextFormat& from) {
     OdString codes;
     if (to.font != from.font || to.bold != from.bold || to.italic != from.italic)
-        codes += L"\\f" + to.font + (to.bold ? L"|b1" : L"|b0") + (to.italic ? L"|i1;" : L"|i0;");
+        codes += isShapeFont(to.font)
+                     ? L"\\F" + to.font + L";"
+                     : L"\\f" + to.font + (to.bold ? L"|b1" : L"|b0") + (to.italic ? L"|i1;" : L"|i0;");
     if (to.height != from.height) codes += code(L'H', to.height);
     if (to.widthFactor != from.widthFactor) codes += code(L'W', to.widthFactor);
     if (to.tracking != from.tracking) codes += code(L'T', to.tracking);

@@ -146,6 +146,33 @@ TEST_F(BurstReference, LeavesWholeWhatCannotBeBurst) {
 }
 
 // Squeezed to a line it shows nothing that a text could.
+// One burster for a whole selection: a block whose own references it bursts is not what it was any more.
+TEST_F(BurstReference, ContentsThatWereBurstThemselvesGoAlong) {
+    torvel::ReferenceBurster burster;
+    add(block(L"A"), OdDbLine::createObject());
+    const auto inner = reference(block(L"B"), L"A");
+    EXPECT_TRUE(burster.burst(*reference(model(), L"B"), *model()));
+    EXPECT_TRUE(burster.burst(*inner, *block(L"B")));
+    inner->erase();
+    EXPECT_TRUE(burster.burst(*reference(model(), L"B"), *model()));
+    EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
+}
+
+TEST_F(BurstReference, TextsOnTheBackgroundOfTheDrawingArePlacedToo) {
+    const auto text = OdDbMText::createObject();
+    text->setContents(L"a\\Pb");
+    text->setLocation(OdGePoint3d(2, 3, 0));
+    text->setBackgroundFill(true);
+    text->setUseBackgroundColor(true);
+    const auto constant = OdDbAttributeDefinition::createObject();
+    constant->setMTextAttributeDefinition(*text);
+    constant->setConstant(true);
+    add(block(L"A"), constant);
+    EXPECT_TRUE(burstBlockReference(*reference(model(), L"A", OdGeScale3d(3, 1, 1)), *model()));
+    ASSERT_EQ(entities<OdDbMText>(model()).size(), 1u);
+    EXPECT_NEAR(entities<OdDbMText>(model())[0]->location().x, 6, 1e-9);
+}
+
 TEST_F(BurstReference, LeavesWholeWhatHasNoRoomForText) {
     const auto text = add(block(L"A"), OdDbMText::createObject());
     text->setContents(L"two\\Plines");

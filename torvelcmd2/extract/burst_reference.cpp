@@ -143,7 +143,9 @@ OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
     const Lettering lettering(before, matrix);
     const MTextLayout layout = text.layout();
     const bool boxed = text.backgroundFillOn() || text.hasFrame();
-    if (takesCodes(text) &&
+    // Nothing but the text itself can cover what lies under it with the colour of the drawing's background.
+    const bool masks = text.backgroundFillOn() && text.useBackgroundColorOn();
+    if (takesCodes(text) && !masks &&
         ((lettering.slants() && layout.lines.size() > 1) || ((lettering.slants() || lettering.stretches()) && boxed))) {
         return OdResult::transformRefused;
     }
@@ -210,6 +212,8 @@ bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTable
     within_.clear();
     obstacle_.clear();
     if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
+        // The owner may be a block that has references of its own, still to be burst.
+        definitions_.erase(owner.objectId());
         return true;
     }
     for (OdDbObjectId id : added_) {
@@ -373,8 +377,8 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
     if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
         text->setField(kTextFieldKey, field->copy());
     }
-    if (transform != OdGeMatrix3d::kIdentity) {
-        place(*text, transform);
+    if (transform != OdGeMatrix3d::kIdentity && !place(*text, transform)) {
+        text->transformBy(transform);
     }
 }
 

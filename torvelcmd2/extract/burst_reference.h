@@ -9,8 +9,9 @@
 
 namespace torvel {
 
-/// Bursts any number of references of one drawing; what it learns of a block serves all its references. The block
-/// definitions must not change while the object is in use.
+/// Bursts any number of references of one drawing; what it learns of a block serves all its references. While the
+/// object is in use the blocks must not change, but for those owners whose references it has burst and the caller
+/// erases then.
 class ReferenceBurster {
   public:
     /// Adds to `owner`, the block record that the reference lies in, what the reference shows: copies of the entities
