@@ -39,8 +39,9 @@ void FileBuffer::truncate(std::size_t size) {
     size_ = size;
 }
 
-FileBuffer readFile(std::wstring_view path) {
-    InputFile file(path);
+namespace {
+
+FileBuffer readWhole(InputFile& file) {
     // One byte more than the size shows the end without growing the buffer.
     FileBuffer buffer(file.size() + 1);
     std::size_t filled = 0;
@@ -54,6 +55,13 @@ FileBuffer readFile(std::wstring_view path) {
     }
     buffer.truncate(filled);
     return buffer;
+}
+
+}  // namespace
+
+FileBuffer readFile(std::wstring_view path) {
+    InputFile file(path);
+    return readWhole(file);
 }
 
 // What reader and thread share; `filled`, `ended` and `error` under the mutex.
@@ -107,8 +115,9 @@ FileReading::FileReading(std::wstring_view path) {
             // No more threads are to be had: this one reads.
         }
     }
+    // A pipe can be opened but once.
+    buffer_ = readWhole(background_->file);
     background_.reset();
-    buffer_ = readFile(path);
 }
 
 FileReading::FileReading(FileBuffer bytes) : buffer_(std::move(bytes)) {}

@@ -57,7 +57,7 @@ TEST(FilesPosix, ADeviceIsWrittenDirectly) {
     const std::wstring pipe = folder / L"pipe";
     ASSERT_EQ(mkfifo(base::toPath(pipe).c_str(), 0600), 0);
     std::string read;
-    std::thread reader([&] { read = contentsOf(pipe); });
+    std::thread reader([&] { read = base::FileReading(pipe).take().view(); });
     base::writeFile(pipe, std::string(300000, 'p'));
     reader.join();
     EXPECT_EQ(read, std::string(300000, 'p'));

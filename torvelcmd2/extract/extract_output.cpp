@@ -29,6 +29,9 @@ std::optional<std::string_view> takeLine(std::string_view& text) {
 // The output path begins as the drawing's own name in another folder, where another drawing may lie. Extracts are made
 // anew again and again, also those whose rows speak of sections; drawings are not.
 bool isDrawing(const OdString& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(base::toPath(path), error))
+        return false;  // reading a pipe would wait for ever
     std::ifstream file(base::toPath(path), std::ios::binary);
     char bytes[1024];
     file.read(bytes, sizeof bytes);
