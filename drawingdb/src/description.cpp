@@ -98,29 +98,26 @@ int ClassDescription::findZone(std::string_view marker, int from, bool embedded)
 
 void ClassDescription::finish() {
     zones.back().last = static_cast<std::uint16_t>(fields.size());
-    meanings_.assign((zones.size() + 1) * kCodes, kNoField);
-    const auto note = [this](std::size_t row, int code, int meaning) {
-        if (code < 0 || code >= kCodes) return;
-        std::int16_t& known = meanings_[row * kCodes + static_cast<std::size_t>(code)];
-        known = static_cast<std::int16_t>(known == kNoField || meaning == kRun ? meaning : kSeveral);
+    std::bitset<kCodes> occurring;
+    const auto note = [&](int code) {
+        if (code >= 0 && code < kCodes) occurring.set(static_cast<std::size_t>(code));
     };
-    constexpr std::size_t kAllZones = 0;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const FieldSpec& field = fields[i];
-        if (field.kind == FieldKind::run) continue;
-        const std::size_t row = field.zone + std::size_t{1};
-        for (const int code : {field.code, field.kind == FieldKind::chunkedText ? field.chunkCode : std::int16_t{-1}}) {
-            note(row, code, static_cast<int>(i));
-            if (!zones[field.zone].embedded) note(kAllZones, code, static_cast<int>(i));
-        }
+    for (const FieldSpec& field : fields) {
+        note(field.code);
+        note(field.chunkCode);
     }
-    for (std::size_t z = 0; z < zones.size(); ++z) {
-        for (const int runCode : zones[z].runCodes) {
-            const bool every = runCode == -1;
-            for (int code = every ? 0 : runCode; code < (every ? kCodes : runCode + 1); ++code) {
-                note(z + 1, code, kRun);
-                note(kAllZones, code, kRun);
-            }
+    for (const Zone& zone : zones) {
+        for (const int code : zone.runCodes) code == -1 ? (void)occurring.set() : note(code);
+    }
+    const int count = static_cast<int>(zones.size());
+    meanings_.assign(static_cast<std::size_t>(count + 1) * kCodes, kNoField);
+    for (int zone = -1; zone < count; ++zone) {
+        for (int code = 0; code < kCodes; ++code) {
+            if (!occurring[static_cast<std::size_t>(code)]) continue;
+            const int first = findMeaning(zone, code, -1);
+            const bool several = first >= 0 && findMeaning(zone, code, first) != first;
+            meanings_[static_cast<std::size_t>((zone + 1) * kCodes + code)] =
+                static_cast<std::int16_t>(several ? kSeveral : first);
         }
     }
 }

@@ -10,7 +10,7 @@
 #include "dialogs/boxes.h"
 #include "dialogs/dialog.h"
 #include "dialogs_test.h"
-#include "script_lines.h"
+#include "tests/dialogs/each_maker.h"
 
 using namespace dialogs;
 using testing::ElementsAre;
@@ -137,16 +137,8 @@ class Fields final : public Logged {
     }
 };
 
-class Forms : public testing::TestWithParam<bool> {
+class Forms : public EachMaker {
   protected:
-    void SetUp() override {
-        if (!GetParam())
-            useForms(script_);
-        else if (!useWindows(&script_))
-            GTEST_SKIP() << "there are no windows";
-    }
-    void TearDown() override { useStandard(); }
-
     int run(Dialog& dialog, std::deque<std::string> lines) {
         script_.lines = std::move(lines);
         script_.printed.clear();
@@ -166,10 +158,8 @@ class Forms : public testing::TestWithParam<bool> {
     }
 
     ResourceScope resources_{base::processImage()};
-    ScriptLines script_;
 };
-INSTANTIATE_TEST_SUITE_P(Makers, Forms, testing::Values(false, true),
-                         [](const auto& maker) { return maker.param ? "Windows" : "Forms"; });
+INSTANTIATE_TEST_SUITE_P(Makers, Forms, EachMaker::all(), EachMaker::name);
 
 }  // namespace
 
@@ -510,7 +500,7 @@ TEST_P(Forms, OnlyWindowsHaveAPlaceOfTheirOwn) {
         std::wstring place;
     } dialog;
     run(dialog, {"close"});
-    EXPECT_EQ(dialog.place.empty(), !GetParam());
+    EXPECT_EQ(dialog.place.empty(), GetParam() == Maker::forms);
     dialog.place = L"20,30,400,300";
     run(dialog, {"close"});
     EXPECT_TRUE(dialog.place.starts_with(L"20,30,"));
@@ -518,7 +508,7 @@ TEST_P(Forms, OnlyWindowsHaveAPlaceOfTheirOwn) {
 
 TEST_P(Forms, PicturesShowTheWindow) {
     Fields dialog;
-    if (!GetParam()) {
+    if (GetParam() == Maker::forms) {
         EXPECT_THAT(fault(dialog, {"picture form.bmp"}), HasSubstr("a form has no picture"));
         return;
     }

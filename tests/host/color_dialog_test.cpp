@@ -3,28 +3,15 @@
 
 #include <gmock/gmock.h>
 
-#include "base/files.h"
 #include "base/modules.h"
-#include "tests/dialogs/script_lines.h"
+#include "tests/dialogs/each_maker.h"
 
 using testing::HasSubstr;
 
 namespace {
 
-class ColorChooser : public testing::TestWithParam<bool> {
-  protected:
-    void SetUp() override {
-        if (!GetParam())
-            dialogs::useForms(lines_);
-        else if (!dialogs::useWindows(&lines_))
-            GTEST_SKIP() << "there are no windows";
-    }
-    void TearDown() override { dialogs::useStandard(); }
-
-    ScriptLines lines_;
-};
-INSTANTIATE_TEST_SUITE_P(Makers, ColorChooser, testing::Values(false, true),
-                         [](const auto& maker) { return maker.param ? "Windows" : "Forms"; });
+using ColorChooser = EachMaker;
+INSTANTIATE_TEST_SUITE_P(Makers, ColorChooser, EachMaker::all(), EachMaker::name);
 
 TEST_P(ColorChooser, ListAndField) {
     const dialogs::ResourceScope resources(base::processImage());
@@ -41,17 +28,17 @@ TEST_P(ColorChooser, ListAndField) {
         {{"Color = 7", "press Cancel"}, 2, OdCmColor::fromIndex(30)},
     };
     for (const auto& test : kCases) {
-        lines_.lines = test.lines;
+        script_.lines = test.lines;
         host::ColorDialog dialog(OdCmColor::fromIndex(30));
         EXPECT_EQ(dialog.runModal(), test.code) << test.lines.front();
         EXPECT_EQ(dialog.color(), test.color) << test.lines.front();
     }
-    EXPECT_THAT(lines_.printed, HasSubstr("[warning] \"mauve\" is no colour"));
+    EXPECT_THAT(script_.printed, HasSubstr("[warning] \"mauve\" is no colour"));
 }
 
 TEST_P(ColorChooser, OneLineWhereLinesAnswer) {
     OdCmColor color = OdCmColor::fromIndex(1);
-    lines_.lines = {"yellow", "", "12,0,255", "mauve"};
+    script_.lines = {"yellow", "", "12,0,255", "mauve"};
     EXPECT_TRUE(host::chooseColor(color));
     EXPECT_EQ(color, OdCmColor::fromIndex(2));
     EXPECT_FALSE(host::chooseColor(color));
@@ -59,17 +46,6 @@ TEST_P(ColorChooser, OneLineWhereLinesAnswer) {
     EXPECT_TRUE(host::chooseColor(color));
     EXPECT_EQ(color, OdCmColor::fromRgb(12, 0, 255));
     EXPECT_THROW(host::chooseColor(color), ScriptFault);
-}
-
-// docs/take_pictures takes it from here: in a script of the host's a line answers, and no window is seen.
-TEST(ColorChooserWindow, CanBePictured) {
-    ScriptLines lines;
-    if (!dialogs::useWindows(&lines)) GTEST_SKIP() << "there are no windows";
-    const dialogs::ResourceScope resources(base::processImage());
-    lines.lines = {"Color index = blue", "picture shot.bmp", "press Cancel"};
-    EXPECT_EQ(host::ColorDialog(OdCmColor::fromIndex(30)).runModal(), 2);
-    dialogs::useStandard();
-    EXPECT_TRUE(base::readFile(L"shot.bmp").view().starts_with("BM"));
 }
 
 }  // namespace

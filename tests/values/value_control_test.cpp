@@ -9,20 +9,17 @@
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/text.h"
-#include "tests/dialogs/script_lines.h"
+#include "tests/dialogs/each_maker.h"
 #include "value_control_test.h"
 
 using torvel::CFEdCtrl;
 
 namespace {
 
-class ValueControl : public testing::TestWithParam<bool> {
+class ValueControl : public EachMaker {
   protected:
     void SetUp() override {
-        if (!GetParam())
-            dialogs::useForms(lines_);
-        else if (!dialogs::useWindows(&lines_))
-            GTEST_SKIP() << "there are no windows";
+        EachMaker::SetUp();
         // "Sheet " and two fields, with " of " between.
         text_->setDatabaseDefaults(database_.get());
         database_->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(text_.get());
@@ -31,7 +28,6 @@ class ValueControl : public testing::TestWithParam<bool> {
         field->setFieldCode(L"Sheet %<\\_FldIdx 0>% of %<\\_FldIdx 1>%", 384, {sum(L"100+20"), sum(L"3+4")});
         field->evaluate(OdDbField::kAutomatic, database_.get());
     }
-    void TearDown() override { dialogs::useStandard(); }
 
     OdDbFieldPtr sum(const OdString& terms) {
         const OdDbFieldPtr field = OdDbField::createObject();
@@ -46,8 +42,8 @@ class ValueControl : public testing::TestWithParam<bool> {
         value.load(*text_);
         dialogs::Dialog dialog(IDD_VALUE);
         dialog.setRichText(IDC_VALUE, &value);
-        lines_.lines = std::move(lines);
-        lines_.lines.push_back("key Enter");
+        script_.lines = std::move(lines);
+        script_.lines.push_back("key Enter");
         dialog.runModal();
         const std::string shown = base::toUtf8(value.save(*text_));
         EXPECT_EQ(base::toUtf8(dialog.text(IDC_VALUE)), shown);
@@ -58,16 +54,14 @@ class ValueControl : public testing::TestWithParam<bool> {
 
     OdDbDatabasePtr database_ = OdDbDatabase::createNew();
     OdSmartPtr<OdDbText> text_ = OdDbText::createObject();
-    ScriptLines lines_;
     std::string code_;
 };
-INSTANTIATE_TEST_SUITE_P(Makers, ValueControl, testing::Values(false, true),
-                         [](const auto& maker) { return maker.param ? "Windows" : "Forms"; });
+INSTANTIATE_TEST_SUITE_P(Makers, ValueControl, EachMaker::all(), EachMaker::name);
 
 TEST_P(ValueControl, IsShownAndTypedInto) {
     EXPECT_EQ(edited({"show", "caret Value 9", "type Value: !", "caret Value 0", "type Value: \"> \""}),
               "> Sheet 120! of 7");
-    EXPECT_THAT(lines_.printed, testing::HasSubstr("Value = \"Sheet {120} of {7}\""));
+    EXPECT_THAT(script_.printed, testing::HasSubstr("Value = \"Sheet {120} of {7}\""));
     EXPECT_EQ(code_, "> Sheet %<\\_FldIdx 0>%! of %<\\_FldIdx 1>%");
 }
 
