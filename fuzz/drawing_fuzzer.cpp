@@ -17,7 +17,7 @@
 #include "drawingdb/wipeout.h"
 #include "fuzz/fuzz.h"
 #include "torvelcmd2/attributes/sync_reference.h"
-#include "torvelcmd2/extract/burst_reference.h"
+#include "torvelcmd2/extract/burst/burst_reference.h"
 
 namespace {
 

@@ -7,12 +7,12 @@
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/field.h"
-#include "drawingdb/src/expression.h"
-#include "drawingdb/src/field_code.h"
-#include "drawingdb/src/field_format.h"
+#include "drawingdb/src/fields/expression.h"
+#include "drawingdb/src/fields/field_code.h"
+#include "drawingdb/src/fields/field_format.h"
 #include "drawingdb/text.h"
 #include "fuzz/fuzz.h"
-#include "torvelcmd2/attributes/field_edit.h"
+#include "torvelcmd2/attributes/values/field_edit.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "base/text.h"
 #include "drawingdb/text_metrics.h"
 #include "fuzz/fuzz.h"
-#include "torvelcmd2/attributes/text_escapes.h"
+#include "torvelcmd2/attributes/values/text_escapes.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include "base/text.h"
 #include "drawingdb/database.h"
 #include "fuzz/fuzz.h"
-#include "torvelhost/application.h"
-#include "torvelhost/command_loop.h"
-#include "torvelhost/reply.h"
-#include "torvelhost/reply_source.h"
-#include "torvelhost/units.h"
+#include "torvelhost/commands/command_loop.h"
+#include "torvelhost/lines/reply.h"
+#include "torvelhost/lines/reply_source.h"
+#include "torvelhost/lines/units.h"
+#include "torvelhost/session/application.h"
 
 namespace {
 

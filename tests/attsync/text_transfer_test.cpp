@@ -1,4 +1,4 @@
-#include "torvelcmd2/attributes/text_transfer.h"
+#include "torvelcmd2/attributes/values/text_transfer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "torvelcmd2/extract/burst_reference.h"
+#include "torvelcmd2/extract/burst/burst_reference.h"
 
 #include <gtest/gtest.h>
 

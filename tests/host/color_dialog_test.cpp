@@ -1,5 +1,5 @@
 // The colour chooser: as a dialog (a form, and on Windows a window too), and as a line.
-#include "torvelhost/color_dialog.h"
+#include "torvelhost/program/color_dialog.h"
 
 #include <gmock/gmock.h>
 

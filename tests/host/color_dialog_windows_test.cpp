@@ -5,7 +5,7 @@
 #include "base/files.h"
 #include "base/modules.h"
 #include "tests/dialogs/script_lines.h"
-#include "torvelhost/color_dialog.h"
+#include "torvelhost/program/color_dialog.h"
 
 TEST(ColorChooserWindow, CanBePictured) {
     ScriptLines script;

@@ -1,5 +1,5 @@
 // The grid finds what a look at every entity finds.
-#include "torvelhost/entity_grid.h"
+#include "torvelhost/session/entity_grid.h"
 
 #include <random>
 

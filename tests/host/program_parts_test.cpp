@@ -5,10 +5,10 @@
 
 #include "base/files.h"
 #include "base/paths.h"
-#include "torvelhost/line_edit.h"
-#include "torvelhost/options.h"
-#include "torvelhost/profile.h"
-#include "torvelhost/variables.h"
+#include "torvelhost/lines/line_edit.h"
+#include "torvelhost/session/options.h"
+#include "torvelhost/session/profile.h"
+#include "torvelhost/session/variables.h"
 
 using namespace host;
 

@@ -1,6 +1,6 @@
 // Replies as users and scripts type them.
 
-#include "torvelhost/reply.h"
+#include "torvelhost/lines/reply.h"
 
 #include <gtest/gtest.h>
 

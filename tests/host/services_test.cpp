@@ -12,8 +12,8 @@
 #include "drawingdb/curves.h"
 #include "hostapi/input.h"
 #include "hostapi/trackers.h"
-#include "torvelhost/application.h"
-#include "torvelhost/command_factory.h"
+#include "torvelhost/commands/command_factory.h"
+#include "torvelhost/session/application.h"
 
 using namespace host;
 

@@ -11,8 +11,8 @@
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/dictionary.h"
-#include "torvelhost/command_factory.h"
-#include "torvelhost/command_loop.h"
+#include "torvelhost/commands/command_factory.h"
+#include "torvelhost/commands/command_loop.h"
 
 using namespace host;
 using testing::HasSubstr;

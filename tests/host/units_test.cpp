@@ -1,6 +1,6 @@
 // Lengths and angles as text and back.
 
-#include "torvelhost/units.h"
+#include "torvelhost/lines/units.h"
 
 #include <gtest/gtest.h>
 #include <random>

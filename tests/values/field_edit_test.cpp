@@ -1,4 +1,4 @@
-#include "torvelcmd2/attributes/field_edit.h"
+#include "torvelcmd2/attributes/values/field_edit.h"
 
 #include <gtest/gtest.h>
 #include <iostream>
@@ -7,7 +7,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
-#include "torvelcmd2/attributes/text_transfer.h"
+#include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace {
 

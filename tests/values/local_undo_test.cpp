@@ -1,4 +1,4 @@
-#include "torvelcmd2/attributes/local_undo.h"
+#include "torvelcmd2/attributes/values/local_undo.h"
 
 #include <gtest/gtest.h>
 #include <random>

@@ -1,4 +1,4 @@
-#include "torvelcmd2/attributes/text_escapes.h"
+#include "torvelcmd2/attributes/values/text_escapes.h"
 
 #include <gtest/gtest.h>
 

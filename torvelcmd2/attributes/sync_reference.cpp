@@ -1,7 +1,7 @@
 #include "torvelcmd2/attributes/sync_reference.h"
 
 #include "base/text.h"
-#include "torvelcmd2/attributes/text_transfer.h"
+#include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace torvel {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "dialogs/rich_text.h"
-#include "torvelcmd2/attributes/field_edit.h"
+#include "torvelcmd2/attributes/values/field_edit.h"
 
 namespace torvel {
 

@@ -8,7 +8,7 @@
 #include "torvelcmd2/construction/wipeout.h"
 #include "torvelcmd2/construction/xline.h"
 #include "torvelcmd2/extract/att_ext.h"
-#include "torvelcmd2/extract/burst.h"
+#include "torvelcmd2/extract/burst/burst.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/frame/module_entry.h"
 #include "torvelcmd2/slides/vslide.h"

@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
-#include "torvelhost/document.h"
 #include "torvelhost/plot/picture.h"
+#include "torvelhost/session/document.h"
 
 namespace host {
 

@@ -1,0 +1,482 @@
+// Appending, erasing with all that is owned, exchanging identities.
+#include <algorithm>
+
+#include "base/text.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/dictionary.h"
+#include "drawingdb/field.h"
+#include "drawingdb/src/core/core.h"
+#include "drawingdb/src/core/description.h"
+#include "drawingdb/src/core/object_access.h"
+
+namespace drawingdb {
+
+namespace {
+
+constexpr bool isOwnerCode(int code) { return code >= 350 && code < 370; }
+constexpr bool isPointerCode(int code) {
+    return (code >= 320 && code < 350) || (code >= 390 && code < 400) || code == 480 || code == 481;
+}
+constexpr bool isReferenceCode(int code) { return isOwnerCode(code) || isPointerCode(code) || code == 1005; }
+
+/// Kinds that have no owner groups of their own, so that an open one need not be searched for them.
+constexpr bool ownsOnlyItsDictionary(std::uint16_t type) {
+    return type == rtAttrib || type == rtAttdef || type == rtInsert || type == rtText || type == rtLine ||
+           type == rtCircle || type == rtArc || type == rtPoint || type == rtLwpolyline;
+}
+
+/// Whether a record can own nothing: looking for one word is quicker than reading the groups.
+bool ownsNothing(std::uint16_t type, std::string_view bytes) {
+    return ownsOnlyItsDictionary(type) && bytes.find("{ACAD_XDICTIONARY") == std::string_view::npos;
+}
+
+/// The owner that a record names: its first group 330 outside of control strings.
+std::uint64_t ownerHandle(std::string_view bytes, const FileFormat& format) {
+    GroupCursor cursor(bytes, format);
+    Group group;
+    bool control = false;
+    while (cursor.next(group)) {
+        if (group.code == 102)
+            control = !group.value.empty() && group.value.front() == '{';
+        else if (group.code == 330 && !control)
+            return parseHandle(group.value);
+        else if (group.code == 100)
+            break;
+    }
+    return 0;
+}
+
+}  // namespace
+
+void Core::linkChild(Stub& container, Stub& child) {
+    Stub* anchor = anchorOf(container, true);
+    const std::uint32_t index = indexOf(&child);
+    log(child, Step::append, anchor->close);
+    if (anchor->close)
+        stubs[anchor->close].next = index;
+    else
+        anchor->next = index;
+    anchor->close = index;
+    if (container.type == rtInsert) setFlags(container, container.flags | Stub::childrenChanged);
+}
+
+Stub& Core::addStub(std::uint16_t type, Stub& container) {
+    anchorOf(container, true);  // before the child, so that its handle comes first as it does in files
+    Stub& stub = stubs.add();
+    stub.type = type;
+    stub.owner = indexOf(&container);
+    stub.flags = Stub::appended;
+    stub.handle = newHandle();
+    newHandles_.back() = indexOf(&stub);
+    linkChild(container, stub);
+    if (container.type == rtTable || type == rtBlock) forgetNames();
+    return stub;
+}
+
+void Core::requireHeld(const OdDbObject& object) const {
+    static constexpr struct {
+        const char* name;
+        int since;
+    } kSince[] = {{"RAY", 1012},     {"XLINE", 1012},      {"MTEXT", 1012},           {"LWPOLYLINE", 1014},
+                  {"SPLINE", 1012},  {"ELLIPSE", 1012},    {"FIELD", 1015},           {"FIELDLIST", 1015},
+                  {"WIPEOUT", 1015}, {"DICTIONARY", 1012}, {"WIPEOUTVARIABLES", 1015}};
+    if (format.version >= 1015) return;
+    const std::string kind = object.dxfName();
+    for (const auto& row : kSince) {
+        if (kind == row.name && format.version < row.since)
+            throw OdError(OdResult::notHeldByVersion,
+                          where(nullptr) + "no " + kind + " fits into a drawing of version AC" +
+                              std::to_string(format.version) +
+                              ". Remedy: open it with a program that can save newer versions");
+    }
+}
+
+void Core::appendObject(OdDbObject& object, Stub& container) {
+    requireWritable();
+    requireHeld(object);
+    if (object.isDatabaseResident()) throw OdError(OdResult::invalidInput, "the object is in a database already");
+    Stub& stub = addStub(types.find(object.dxfName()), container);
+    ObjectAccess::stub(object) = &stub;
+    ObjectAccess::database(object) = &database;
+    ObjectAccess::closedContent(object) = 0;
+    ObjectAccess::source(object) = {};
+    stub.content = reinterpret_cast<Content>(&object);
+    ++liveObjects_;
+    ObjectAccess::writable(object) = true;
+    ObjectAccess::dirty(object) = true;
+    becomeDirty(object);
+}
+
+void Core::setFlags(Stub& stub, std::uint32_t flags) {
+    if (stub.flags == flags) return;
+    log(stub, Step::flags, stub.flags);
+    stub.flags = flags;
+}
+
+void Core::setContent(Stub& stub, Content content) {
+    if (OdDbObject* object = stub.object()) {
+        log(stub, Step::content, ObjectAccess::closedContent(*object));
+        ObjectAccess::closedContent(*object) = content;
+    } else {
+        log(stub, Step::content, stub.content);
+        stub.content = content;
+    }
+    if (content) stub.type = Arena::bodyOf(content)->type;
+}
+
+void Core::setBytes(Stub& stub, std::string_view bytes) {
+    if (OdDbObject* object = stub.object()) flush(*object);
+    setContent(stub, Arena::contentOf(arena_.add(bytes, stub.type)));
+    if (OdDbObject* object = stub.object()) refresh(*object);
+}
+
+void Core::eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more) {
+    const std::uint32_t before = stub.flags;
+    if (((before & Stub::erased) != 0) == erasing) return;
+    setFlags(stub, erasing ? before | Stub::erased : before & ~std::uint32_t{Stub::erased});
+    erasedEver_ = true;
+    // Attributes and vertices.
+    if (stub.type == rtInsert || stub.type == rtPolyline) {
+        for (Stub* child = nextChild(stub, nullptr); child; child = nextChild(stub, child)) more.push_back(child);
+        if (Stub* anchor = anchorOf(stub, false); anchor && !anchor->has(Stub::appended)) more.push_back(anchor);
+    }
+    if (!erasing) return;
+    // What it owns: objects that it names as its own and that name it as their owner.
+    const auto own = [&](std::uint64_t handle) {
+        Stub* owned = byHandle(handle);
+        if (owned && owned != &stub && !owned->gone() && !isEntity(*owned) &&
+            ownerHandle(bytesOf(*owned), format) == stub.handle)
+            more.push_back(owned);
+    };
+    if (const std::string_view bytes = bytesOf(stub); !ownsNothing(stub.type, bytes)) {
+        GroupCursor cursor(bytes, format);
+        Group group;
+        while (cursor.next(group))
+            if (isOwnerCode(group.code)) own(parseHandle(group.value));
+    }
+    if (stub.type == rtLayer || stub.type == rtStyle || stub.type == rtBlockRecord) forgetNames();
+}
+
+void Core::erase(Stub& stub, bool erasing) {
+    requireWritable();
+    if (stub.has(Stub::unborn)) return;
+    if (OdDbObject* object = stub.object()) flush(*object);
+    // Nobody shall go on naming it: its owner's dictionary, and objects that it listens to.
+    if (erasing && !stub.gone() && !isEntity(stub)) {
+        const std::string_view bytes = bytesOf(stub);
+        if (Stub* owner = byHandle(ownerHandle(bytes, format));
+            owner && !owner->gone() && classOf(*owner)->isDerivedFrom(OdDbDictionary::desc()))
+            OdDbObjectId(owner).openAs<OdDbDictionary>(OdDb::forWrite)->removeId(OdDbObjectId(&stub));
+        if (stub.type != rtDictionary && stub.type != rtField) {
+            GroupCursor cursor(bytes, format);
+            Group group;
+            while (cursor.next(group)) {
+                if (!isPointerCode(group.code)) continue;
+                Stub* target = byHandle(parseHandle(group.value));
+                if (!target || target == &stub || target->gone()) continue;
+                if (bytesOf(*target).find("{ACAD_REACTORS") == std::string_view::npos) continue;
+                const OdDbObjectPtr heard = open(*target, OdDb::forRead, false);
+                const auto reactors = heard->persistentReactors();
+                if (std::find(reactors.begin(), reactors.end(), OdDbObjectId(&stub)) == reactors.end()) continue;
+                heard->upgradeOpen();
+                heard->removePersistentReactor(OdDbObjectId(&stub));
+            }
+        }
+    }
+    if (stub.owner && stubs[stub.owner].type == rtInsert) {
+        Stub& reference = stubs[stub.owner];
+        setFlags(reference, reference.flags | Stub::childrenChanged);
+    }
+    std::vector<Stub*> more{&stub};
+    while (!more.empty()) {
+        Stub* next = more.back();
+        more.pop_back();
+        if (OdDbObject* object = next->object()) flush(*object);
+        eraseOne(*next, erasing, more);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+
+std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::uint64_t owner, bool paperSpace,
+                            const std::function<std::uint64_t(std::uint64_t, bool)>& map) {
+    std::string out;
+    out.reserve(bytes.size() + 32);
+    GroupWriter writer(out, format);
+    GroupCursor cursor(bytes, format);
+    Group group;
+    bool handleDone = false, ownerDone = false, reactors = false, control = false, spaceDone = false;
+    std::string_view type;
+    std::string list;  // a reactor list is only written when something stays in it
+    while (cursor.next(group)) {
+        if (type.data() == nullptr) {
+            type = group.value;
+            out.append(group.bytes());
+            continue;
+        }
+        if (!handleDone && group.code == (type == "DIMSTYLE" ? 105 : 5)) {
+            handleDone = true;
+            parseHandle(group.value) == handle ? writer.raw(group.bytes()) : writer.handle(group.code, handle);
+            continue;
+        }
+        if (group.code == 102) {
+            const bool opens = !group.value.empty() && group.value.front() == '{';
+            if (opens) {
+                control = true;
+                reactors = group.value == "{ACAD_REACTORS";
+                if (reactors) {
+                    list.assign(group.bytes());
+                    continue;
+                }
+            } else if (control) {
+                control = false;
+                if (reactors) {
+                    reactors = false;
+                    if (!list.empty() && GroupCursor(list, format).next(group)) {
+                        GroupCursor entries(list, format);
+                        Group entry;
+                        entries.next(entry);
+                        if (entries.next(entry)) {
+                            out.append(list);
+                            writer.text(102, "}");
+                        }
+                    }
+                    continue;
+                }
+            }
+            out.append(group.bytes());
+            continue;
+        }
+        if (!control && !ownerDone && group.code == 330) {
+            ownerDone = true;
+            parseHandle(group.value) == owner || owner == 0 ? writer.raw(group.bytes()) : writer.handle(330, owner);
+            continue;
+        }
+        if (group.code == 67 && !spaceDone) {
+            spaceDone = true;
+            if (paperSpace) writer.integer(67, 1);
+            continue;
+        }
+        if (isReferenceCode(group.code)) {
+            const std::uint64_t now = map(parseHandle(group.value), reactors);
+            if (reactors) {
+                if (now == 0) continue;
+                GroupWriter entry(list, format);
+                entry.handle(group.code, now);
+                continue;
+            }
+            if (now != 0 && now != parseHandle(group.value)) {
+                writer.handle(group.code, now);
+                continue;
+            }
+        }
+        out.append(group.bytes());
+        if (group.code == 100 && group.value == "AcDbEntity" && paperSpace && !spaceDone) {
+            spaceDone = true;
+            writer.integer(67, 1);
+        }
+    }
+    return out;
+}
+
+namespace {
+
+/// The extended data at the end of a record, and what stands before it.
+std::pair<std::string_view, std::string_view> splitXData(std::string_view bytes, const FileFormat& format) {
+    GroupCursor cursor(bytes, format);
+    Group group;
+    while (cursor.next(group))
+        if (group.code >= 1000) {
+            const auto head = static_cast<std::size_t>(group.begin - bytes.data());
+            return {bytes.substr(0, head), bytes.substr(head)};
+        }
+    return {bytes, {}};
+}
+
+/// The control string of the extension dictionary, or nothing.
+std::string_view dictionaryGroups(std::string_view bytes, const FileFormat& format) {
+    GroupCursor cursor(bytes, format);
+    Group group;
+    while (cursor.next(group)) {
+        if (group.code != 102 || group.value != "{ACAD_XDICTIONARY") continue;
+        const char* begin = group.begin;
+        while (cursor.next(group) && group.code != 102) {
+        }
+        return {begin, static_cast<std::size_t>(group.end - begin)};
+    }
+    return {};
+}
+
+std::string withDictionary(std::string_view bytes, std::string_view dictionary, const FileFormat& format) {
+    const std::string_view old = dictionaryGroups(bytes, format);
+    std::string out;
+    if (!old.empty()) {
+        out.append(bytes.substr(0, static_cast<std::size_t>(old.data() - bytes.data())));
+        out.append(dictionary);
+        out.append(bytes.substr(static_cast<std::size_t>(old.data() + old.size() - bytes.data())));
+        return out;
+    }
+    GroupCursor cursor(bytes, format);
+    Group group;
+    cursor.next(group);
+    while (cursor.next(group) && group.code != 5 && group.code != 105) {
+    }
+    const auto place = static_cast<std::size_t>(group.end - bytes.data());
+    out.append(bytes.substr(0, place)).append(dictionary).append(bytes.substr(place));
+    return out;
+}
+
+}  // namespace
+
+void Core::swapIdentity(Stub& a, Stub& b, bool extendedData, bool extensionDictionaries) {
+    requireWritable();
+    if (&a == &b) return;
+    for (Stub* stub : {&a, &b}) {
+        if (stub->type == rtInsert || stub->type == rtPolyline || stub->type == rtBlock || stub->type == rtTable ||
+            stub->type == rtSection)
+            throw OdError(OdResult::invalidInput,
+                          typeName(*stub) + " #" + OdDbHandle(stub->handle).ascii() +
+                              " has parts of its own in the file; its identity cannot be exchanged");
+    }
+    std::string ofA(bytesOf(a)), ofB(bytesOf(b));
+    const std::uint64_t ownerA = ownerHandle(ofA, format), ownerB = ownerHandle(ofB, format);
+    if (!extendedData) {
+        const std::string headA(splitXData(ofA, format).first), dataA(splitXData(ofA, format).second);
+        const std::string headB(splitXData(ofB, format).first), dataB(splitXData(ofB, format).second);
+        ofA = headA + dataB;
+        ofB = headB + dataA;
+    }
+    if (!extensionDictionaries) {
+        const std::string dictionaryA(dictionaryGroups(ofA, format)), dictionaryB(dictionaryGroups(ofB, format));
+        ofA = withDictionary(ofA, dictionaryB, format);
+        ofB = withDictionary(ofB, dictionaryA, format);
+    }
+    const auto same = [](std::uint64_t handle, bool) { return handle; };
+    const std::string newA = rewritten(ofB, a.handle, ownerA, a.has(Stub::paperSpace), same);
+    const std::string newB = rewritten(ofA, b.handle, ownerB, b.has(Stub::paperSpace), same);
+    const std::uint16_t typeA = a.type, typeB = b.type;
+    OdDbObject* objectA = a.object();
+    OdDbObject* objectB = b.object();
+    const Content contentA = Arena::contentOf(arena_.add(newA, typeB));
+    const Content contentB = Arena::contentOf(arena_.add(newB, typeA));
+    setContent(a, contentA);
+    setContent(b, contentB);
+    // The open objects go with their contents.
+    const auto place = [&](OdDbObject* object, Stub& stub, Content content) {
+        if (!object) {
+            stub.content = content;
+            return;
+        }
+        ObjectAccess::stub(*object) = &stub;
+        ObjectAccess::closedContent(*object) = content;
+        stub.content = reinterpret_cast<Content>(object);
+        refresh(*object);
+    };
+    place(objectA, b, contentB);
+    place(objectB, a, contentA);
+    // Dictionaries and fields that went along belong to the other identity now.
+    if (extensionDictionaries) {
+        for (Stub* stub : {&a, &b}) {
+            const OdDbObjectPtr object = open(*stub, OdDb::forRead, true);
+            if (Stub* dictionary = byHandle(ObjectAccess::extensionDictionary(*object).handle);
+                dictionary && !dictionary->gone()) {
+                const std::string_view bytes = bytesOf(*dictionary);
+                const std::string moved = rewritten(bytes, dictionary->handle, stub->handle, false, same);
+                if (moved != bytes) setBytes(*dictionary, moved);
+            }
+        }
+    }
+    forgetNames();
+}
+
+void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMapping& mapping) {
+    requireWritable();
+    struct Job {
+        Stub* source;
+        Stub* copy;
+        std::uint64_t owner;
+        bool paper;
+    };
+    std::vector<Job> jobs;
+    const bool toBlock = classOf(owner)->isDerivedFrom(OdDbBlockTableRecord::desc());
+    const bool paper =
+        toBlock && &owner != modelSpace() && base::startsWithNoCase(groupWide(owner, 2), L"*Paper_Space");
+    Stub* container = section(Section::objects);
+    if (toBlock) {
+        const bool inEntities = &owner == modelSpace() || &owner == paperSpace();
+        container = inEntities ? section(Section::entities) : blockBegin(owner);
+    }
+    if (!container)
+        throw OdError(OdResult::invalidInput, where(nullptr) + "there is no place for the copies in this drawing");
+    const auto add = [&](Stub& source, Stub& into, std::uint64_t ownerOfCopy, bool inPaper, bool primary) -> Stub& {
+        Stub& copy = addStub(source.type, into);
+        if (inPaper) copy.flags |= Stub::paperSpace;
+        mapping.add(OdDbObjectId(&source), OdDbObjectId(&copy), primary);
+        jobs.push_back({&source, &copy, ownerOfCopy, inPaper});
+        return copy;
+    };
+    for (const OdDbObjectId id : objects) {
+        if (!id.isValid() || !mapping.find(id).isNull()) continue;
+        Stub& source = *id.stub();
+        const std::size_t first = jobs.size();
+        add(source, *container, owner.handle, paper, true);
+        // What it owns comes along, breadth first.
+        for (std::size_t i = first; i < jobs.size(); ++i) {
+            const Job job = jobs[i];
+            if (job.source->type == rtInsert || job.source->type == rtPolyline)
+                for (Stub* child = nextChild(*job.source, nullptr); child; child = nextChild(*job.source, child))
+                    if (!child->gone()) add(*child, *job.copy, job.copy->handle, paper, false);
+            // Bytes stay where they are, whatever is added.
+            const std::string_view bytes = bytesOf(*job.source);
+            if (ownsNothing(job.source->type, bytes)) continue;
+            GroupCursor cursor(bytes, format);
+            Group group;
+            while (cursor.next(group)) {
+                if (!isOwnerCode(group.code)) continue;
+                Stub* owned = byHandle(parseHandle(group.value));
+                if (!owned || owned->gone() || isEntity(*owned) || !mapping.find(OdDbObjectId(owned)).isNull())
+                    continue;
+                if (ownerHandle(bytesOf(*owned), format) != job.source->handle) continue;
+                if (Stub* place = section(Section::objects)) add(*owned, *place, job.copy->handle, false, false);
+            }
+        }
+    }
+    for (const Job& job : jobs) {
+        // Whoever listens to the original does not listen to the copy, unless it was copied too.
+        const auto map = [&](std::uint64_t handle, bool reactor) {
+            Stub* target = byHandle(handle);
+            const OdDbObjectId copy = target ? mapping.find(OdDbObjectId(target)) : OdDbObjectId();
+            return !copy.isNull() ? copy.stub()->handle : reactor ? 0 : handle;
+        };
+        const std::string bytes = rewritten(bytesOf(*job.source), job.copy->handle, job.owner, job.paper, map);
+        job.copy->content = Arena::contentOf(arena_.add(bytes, job.copy->type));
+        if (job.copy->type == rtInsert) referenceAdded(*job.copy, blockByRawName(groupText(*job.copy, 2)));
+    }
+}
+
+Stub* Core::fieldList(bool make) {
+    const OdDbObjectId named = database.namedObjectsDictionaryId();
+    if (named.isNull()) return nullptr;
+    const OdDbDictionaryPtr dictionary = named.openIf<OdDbDictionary>();
+    if (!dictionary) return nullptr;
+    if (const OdDbObjectId found = dictionary->getAt(L"ACAD_FIELDLIST"); found.isValid()) return found.stub();
+    if (!make || !section(Section::objects)) return nullptr;
+    Stub& list = addStub(rtFieldList, *section(Section::objects));
+    std::string bytes;
+    GroupWriter writer(bytes, format);
+    writer.text(0, "FIELDLIST");
+    writer.handle(5, list.handle);
+    writer.text(102, "{ACAD_REACTORS");
+    writer.handle(330, named.stub()->handle);
+    writer.text(102, "}");
+    writer.handle(330, named.stub()->handle);
+    writer.text(100, "AcDbIdSet");
+    writer.integer(90, 0);
+    writer.text(100, "AcDbFieldList");
+    list.content = Arena::contentOf(arena_.add(bytes, rtFieldList));
+    dictionary->upgradeOpen();
+    dictionary->setAt(L"ACAD_FIELDLIST", open(list, OdDb::forRead, false));
+    return &list;
+}
+
+}  // namespace drawingdb

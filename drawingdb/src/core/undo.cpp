@@ -1,0 +1,154 @@
+// The undo log: small steps, undone from the back.
+//
+//   step     what is kept                       undone by
+//   content  the content word before            putting it back (bytes never change, so the word is the image)
+//   flags    the flags before                   putting them back
+//   append   the chain's last child before      cutting the child off, marking it unborn
+//   record, mark, groupStart, groupStop         nothing: they are places
+#include "drawingdb/src/core/core.h"
+#include "drawingdb/src/core/description.h"
+#include "drawingdb/src/core/object_access.h"
+
+namespace drawingdb {
+
+void Core::log(Stub& stub, Step::Kind kind, std::uint64_t old) {
+    log_.push_back({indexOf(&stub), kind, old});
+    ++changes_;
+    ++state_;
+}
+
+void Core::undoStep(const Step& step) {
+    if (step.kind >= Step::record) return;
+    --changes_;
+    ++state_;
+    Stub& stub = stubs[step.stub];
+    switch (step.kind) {
+        case Step::content: {
+            if (OdDbObject* object = stub.object()) {
+                ObjectAccess::closedContent(*object) = static_cast<Content>(step.old);
+                refresh(*object);
+            } else {
+                stub.content = static_cast<Content>(step.old);
+                GroupCursor cursor(bytesOf(stub), format);
+                Group first;
+                if (stub.type != rtNone && cursor.next(first) && first.code == 0) stub.type = types.find(first.value);
+            }
+            if (&stub == section(Section::header)) {
+                currentLayout.clear();
+                activeViewport = 0;
+            }
+            if (stub.type == rtBlock || (stub.owner && stubs[stub.owner].type == rtTable)) forgetNames();
+            if (stub.type == rtInsert) referencesKnown_ = false;
+            break;
+        }
+        case Step::flags:
+            stub.flags = static_cast<std::uint32_t>(step.old);
+            break;
+        case Step::append: {
+            Stub& container = stubs[stub.owner];
+            Stub* anchor = anchorOf(container, false);
+            const auto previous = static_cast<std::uint32_t>(step.old);
+            anchor->close = previous;
+            (previous ? stubs[previous].next : anchor->next) = 0;
+            stub.flags |= Stub::unborn;
+            if (container.type == rtTable || stub.type == rtBlock) forgetNames();
+            break;
+        }
+        default:
+            break;
+    }
+}
+
+void Core::startRecord() {
+    flushAll();
+    if (!log_.empty() && log_.back().kind == Step::record) return;
+    log_.push_back({0, Step::record, 0});
+}
+
+void Core::setMark() {
+    flushAll();
+    log_.push_back({0, Step::mark, 0});
+}
+
+bool Core::hasMark() const {
+    const std::size_t bottom = groups_.empty() ? 0 : groups_.back();
+    for (std::size_t i = log_.size(); i > bottom; --i)
+        if (log_[i - 1].kind == Step::mark) return true;
+    return false;
+}
+
+void Core::undoBack() {
+    flushAll();
+    const std::size_t bottom = groups_.empty() ? 0 : groups_.back() + 1;
+    while (log_.size() > bottom) {
+        const Step step = log_.back();
+        log_.pop_back();
+        if (step.kind == Step::mark) return;
+        undoStep(step);
+    }
+}
+
+bool Core::undoLastRecord() {
+    flushAll();
+    const std::size_t bottom = groups_.empty() ? 0 : groups_.back() + 1;
+    bool changed = false;
+    int depth = 0;  // closed groups are taken back whole
+    while (log_.size() > bottom) {
+        const Step step = log_.back();
+        log_.pop_back();
+        if (step.kind == Step::groupStop)
+            ++depth;
+        else if (step.kind == Step::groupStart)
+            --depth;
+        else if (step.kind == Step::record && depth == 0) {
+            if (changed) return true;
+        } else if (step.kind < Step::record) {
+            changed = true;
+            undoStep(step);
+        }
+    }
+    return changed;
+}
+
+void Core::groupBegin() {
+    flushAll();
+    groups_.push_back(log_.size());
+    log_.push_back({0, Step::groupStart, 0});
+}
+
+void Core::groupEnd() {
+    if (groups_.empty()) return;
+    flushAll();
+    groups_.pop_back();
+    log_.push_back({0, Step::groupStop, 0});
+}
+
+void Core::groupRollBack() {
+    if (groups_.empty()) return;
+    undoTo(groups_.back());
+}
+
+std::size_t Core::undoPosition() {
+    requireStored();
+    return log_.size();
+}
+
+void Core::undoTo(std::size_t position) {
+    flushAll();
+    if (position <= faultPosition_) fault_.reset();
+    while (log_.size() > position) {
+        const Step step = log_.back();
+        log_.pop_back();
+        if (step.kind == Step::groupStop) {
+            // A closed group behind the position: its start lies there too, or it opens again.
+            continue;
+        }
+        if (step.kind == Step::groupStart) {
+            if (!groups_.empty() && groups_.back() == log_.size()) groups_.pop_back();
+            continue;
+        }
+        undoStep(step);
+    }
+}
+
+}  // namespace drawingdb

@@ -1,0 +1,413 @@
+#include "drawingdb/src/entities/carried_transform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "drawingdb/src/geometry/curve_math.h"
+
+namespace drawingdb {
+namespace {
+
+/// The groups of a record, with new values for some of them.
+class GroupList {
+  public:
+    GroupList(std::string_view record, const FileFormat& format) : format_(format) {
+        GroupCursor cursor(record, format);
+        for (Group group; cursor.next(group);) items_.push_back({group, {}, {}});
+        end_ = size();
+        for (std::size_t i = 0; i < size() && end_ == size(); ++i)
+            if (code(i) >= 1000) end_ = i;
+    }
+
+    std::size_t size() const { return items_.size(); }
+    /// Where extended data begins, of which nothing is transformed here.
+    std::size_t end() const { return end_; }
+    int code(std::size_t i) const { return i < size() ? items_[i].group.code : -1; }
+    std::string_view value(std::size_t i) const { return items_[i].group.value; }
+    double real(std::size_t i) const {
+        return items_[i].real ? *items_[i].real : groupReal(items_[i].group, format_.binary).value_or(0);
+    }
+    std::int64_t integer(std::size_t i) const { return groupInteger(items_[i].group, format_.binary).value_or(0); }
+    void setReal(std::size_t i, double value) { items_[i].real = value; }
+    void setInteger(std::size_t i, std::int64_t value) { items_[i].integer = value; }
+
+    /// The first group with the code from `from` on and before `to`; else `to`.
+    std::size_t find(int wanted, std::size_t from, std::size_t to) const {
+        while (from < to && code(from) != wanted) ++from;
+        return from;
+    }
+    std::size_t find(int wanted, std::size_t from = 0) const { return find(wanted, from, end_); }
+    /// The point that begins at a group; parts that do not stand behind it are 0.
+    OdGePoint3d point(std::size_t i) const {
+        const bool y = i + 1 < end_ && code(i + 1) == code(i) + 10;
+        const bool z = y && i + 2 < end_ && code(i + 2) == code(i) + 20;
+        return {real(i), y ? real(i + 1) : 0, z ? real(i + 2) : 0};
+    }
+    void setPoint(std::size_t i, const OdGePoint3d& p) {
+        const int first = code(i);
+        setReal(i, p.x);
+        if (i + 1 >= end_ || code(i + 1) != first + 10) return;
+        setReal(i + 1, p.y);
+        if (i + 2 < end_ && code(i + 2) == first + 20) setReal(i + 2, p.z);
+    }
+    /// Sets the extrusion direction, which stands in front of extended data when it is new.
+    void setNormal(const OdGeVector3d& normal) {
+        const std::size_t i = find(210);
+        if (i < end_)
+            setPoint(i, OdGePoint3d() + normal);
+        else if (normal != OdGeVector3d::kZAxis)
+            newNormal_ = normal;
+    }
+    OdGeVector3d normal() const {
+        const std::size_t i = find(210);
+        return i < end_ ? point(i).asVector() : OdGeVector3d::kZAxis;
+    }
+
+    std::string_view bytes(std::size_t i) const { return items_[i].group.bytes(); }
+    std::string bytes() const {
+        std::string out;
+        GroupWriter writer(out, format_);
+        for (std::size_t i = 0; i <= size(); ++i) {
+            if (i == end_ && newNormal_) writer.point(210, newNormal_->x, newNormal_->y, newNormal_->z);
+            if (i == size()) break;
+            const Item& item = items_[i];
+            if (item.real)
+                writer.real(item.group.code, *item.real);
+            else if (item.integer)
+                writer.integer(item.group.code, *item.integer);
+            else
+                writer.raw(item.group.bytes());
+        }
+        return out;
+    }
+
+  private:
+    struct Item {
+        Group group;
+        std::optional<double> real;
+        std::optional<std::int64_t> integer;
+    };
+    const FileFormat& format_;
+    std::vector<Item> items_;
+    std::size_t end_ = 0;
+    std::optional<OdGeVector3d> newNormal_;
+};
+
+bool isOneOf(int code, std::initializer_list<int> codes) {
+    return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Points and vectors in world coordinates
+
+bool transformInWorld(GroupList& groups, const OdGeMatrix3d& matrix, std::initializer_list<int> points,
+                      std::initializer_list<int> vectors) {
+    for (std::size_t i = 0; i < groups.end(); ++i) {
+        if (isOneOf(groups.code(i), points))
+            groups.setPoint(i, matrix * groups.point(i));
+        else if (isOneOf(groups.code(i), vectors))
+            groups.setPoint(i, OdGePoint3d() + matrix * groups.point(i).asVector());
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Four corners in the plane of a normal
+
+bool transformSolid(GroupList& groups, const OdGeMatrix3d& matrix) {
+    const OdGeVector3d normal = groups.normal();
+    const auto plane = mapPlane(matrix, normal);
+    if (!plane) return false;
+    for (std::size_t i = 0; i < groups.end(); ++i)
+        if (isOneOf(groups.code(i), {10, 11, 12, 13})) groups.setPoint(i, plane->map * groups.point(i));
+    if (const std::size_t thickness = groups.find(39); thickness < groups.end())
+        groups.setReal(thickness, mapThickness(matrix, normal, groups.real(thickness), plane->normal));
+    groups.setNormal(plane->normal);
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Hatches. Their paths and patterns lie in the plane of the normal, at an elevation of their own:
+//
+//   10 20 30 elevation   210 normal   70 solid   91 paths
+//   92 path: bit 2 a polyline: 72 73 93   (10 20  42 bulge)...
+//            else  93 edges, each begun by its 72:
+//              1 line 10 11    2 arc 10 40 radius 50 51 73    3 ellipse 10 11 major axis 40 50 51 73    4 spline 10 11
+//              12 13
+//      97 and the objects it was made from
+//   75   52 angle  41 scale   78 pattern lines: 53 angle  43 44 point  45 46 step  49 dashes
+//   98 seeds: 10 20
+
+// An arc of an ellipse, by the centre, the axes and the angles between which it runs, as an edge of the fourth kind: a
+// rational spline of degree 2, which takes any matrix.
+void writeSplineEdge(GroupWriter& writer, const OdGePoint2d& center, const OdGeVector2d& x, const OdGeVector2d& y,
+                     double start, double end) {
+    const int spans = std::max(1, static_cast<int>(std::ceil(std::fabs(end - start) / (torvel::kPi / 2) - 1e-9)));
+    const double step = (end - start) / spans, weight = std::cos(step / 2);
+    writer.integer(72, 4);
+    writer.integer(94, 2);  // degree
+    writer.integer(73, 1);  // rational
+    writer.integer(74, 0);  // not periodic
+    writer.integer(95, 2 * spans + 4);
+    writer.integer(96, 2 * spans + 1);
+    for (int knot = 0; knot <= spans; ++knot)
+        for (int i = knot == 0 || knot == spans ? 3 : 2; i > 0; --i) writer.real(40, knot);
+    for (int i = 0; i <= 2 * spans; ++i) {
+        // Every second one lies where the tangents of its neighbours meet.
+        const double angle = start + step * i / 2, reach = i % 2 == 0 ? 1 : 1 / weight;
+        const OdGePoint2d point = center + x * (std::cos(angle) * reach) + y * (std::sin(angle) * reach);
+        writer.real(10, point.x);
+        writer.real(20, point.y);
+        writer.real(42, i % 2 == 0 ? 1 : weight);
+    }
+    constexpr int kFirstVersionWithFitPoints = 1024;
+    if (writer.format().version >= kFirstVersionWithFitPoints) writer.integer(97, 0);
+}
+
+// The hatch with its arcs as splines. It belongs to its boundary no longer, which is something else as well then.
+class HatchWithoutArcs {
+  public:
+    HatchWithoutArcs(const GroupList& groups, const FileFormat& format) : groups_(groups), writer_(out_, format) {}
+
+    std::string bytes() {
+        const std::size_t paths = groups_.find(91), style = groups_.find(75, paths);
+        for (std::size_t i = 0; i <= paths && i < groups_.size(); ++i)
+            groups_.code(i) == 71 && i < paths ? writer_.integer(71, 0) : writer_.raw(groups_.bytes(i));
+        for (std::size_t begin = groups_.find(92, paths); begin < style;) {
+            const std::size_t end = std::min(groups_.find(92, begin + 1), style);
+            groups_.integer(begin) & kPolyline ? polyline(begin, end) : edges(begin, end);
+            writer_.integer(97, 0);
+            begin = end;
+        }
+        for (std::size_t i = style; i < groups_.size(); ++i) writer_.raw(groups_.bytes(i));
+        return out_;
+    }
+
+  private:
+    static constexpr std::int64_t kPolyline = 2;
+
+    void polyline(std::size_t begin, std::size_t end) {
+        std::vector<BulgeSegment> segments;
+        for (std::size_t i = begin; i < end && groups_.code(i) != 97; ++i) {
+            if (groups_.code(i) == 10) segments.push_back({groups_.point(i).xy(), {}, 0});
+            if (groups_.code(i) == 42 && !segments.empty()) segments.back().bulge = groups_.real(i);
+        }
+        for (std::size_t i = 0; i < segments.size(); ++i) segments[i].end = segments[(i + 1) % segments.size()].start;
+        // Polylines often end where they begin.
+        std::erase_if(segments, [](const BulgeSegment& s) { return (s.end - s.start).isZeroLength(); });
+        writer_.integer(92, groups_.integer(begin) & ~kPolyline);
+        writer_.integer(93, static_cast<std::int64_t>(segments.size()));
+        for (const BulgeSegment& segment : segments) edge(segment);
+    }
+    void edge(const BulgeSegment& segment) {
+        if (const auto center = segment.center()) {
+            const OdGeVector2d x = segment.start - *center;
+            return writeSplineEdge(writer_, *center, x, x.perpVector(), 0, segment.angle());
+        }
+        writer_.integer(72, 1);
+        for (const auto& [code, point] : {std::pair(10, segment.start), std::pair(11, segment.end)}) {
+            writer_.real(code, point.x);
+            writer_.real(code + 10, point.y);
+        }
+    }
+
+    void edges(std::size_t begin, std::size_t end) {
+        std::size_t at = begin, next = 0;
+        for (; at < end && groups_.code(at) != 72; ++at) writer_.raw(groups_.bytes(at));
+        for (; at < end && groups_.code(at) == 72; at = next) {
+            const std::int64_t kind = groups_.integer(at);
+            for (next = at + 1; next < end && groups_.code(next) != 72 && !isSourceCount(next); ++next) {
+            }
+            if (kind == 2 || kind == 3)
+                arc(at, next, kind == 2);
+            else
+                for (std::size_t i = at; i < next; ++i) writer_.raw(groups_.bytes(i));
+        }
+    }
+    /// 97 counts the fit points of a spline, which follow it, too.
+    bool isSourceCount(std::size_t i) const {
+        return groups_.code(i) == 97 && !isOneOf(groups_.code(i + 1), {11, 12, 72, 97});
+    }
+    void arc(std::size_t begin, std::size_t end, bool circular) {
+        const auto real = [&](int code) {
+            const std::size_t i = groups_.find(code, begin, end);
+            return i < end ? groups_.real(i) : 0;
+        };
+        const std::size_t center = groups_.find(10, begin, end), sense = groups_.find(73, begin, end),
+                          major = groups_.find(11, begin, end);
+        const double turn = sense < end && groups_.integer(sense) == 0 ? -1 : 1;
+        OdGeVector2d x(real(40), 0);
+        if (!circular) x = major < end ? groups_.point(major).xy() - OdGePoint2d() : OdGeVector2d();
+        const OdGeVector2d y = x.perpVector() * (circular ? 1 : real(40));
+        double start = real(50) * kDegree, sweep = real(51) * kDegree - start;
+        if (sweep <= 0) sweep += torvel::kTwoPi;
+        // Clockwise arcs have their angles counted clockwise too.
+        writeSplineEdge(writer_, center < end ? groups_.point(center).xy() : OdGePoint2d(), x, y, turn * start,
+                        turn * (start + std::min(sweep, torvel::kTwoPi)));
+    }
+
+    const GroupList& groups_;
+    std::string out_;
+    GroupWriter writer_;
+};
+
+class HatchTransform {
+  public:
+    HatchTransform(GroupList& groups, const OdGeMatrix3d& matrix)
+        : groups_(groups), plane_(mapPlane(matrix, groups.normal())) {
+        if (plane_) uniform_ = planarScale(*plane_);
+    }
+
+    bool run() {
+        const std::size_t elevation = groups_.find(10), paths = groups_.find(91);
+        if (!plane_ || paths >= groups_.end() || elevation > paths) return false;
+        elevation_ = groups_.point(elevation).z;
+        std::size_t at = paths + 1;
+        while (at < groups_.end() && groups_.code(at) != 75)
+            if (!(groups_.code(at) == 92 ? path(at) : (++at, true))) return false;
+        pattern(at);
+        groups_.setPoint(elevation, {0, 0, (plane_->map * OdGePoint3d(0, 0, elevation_)).z});
+        groups_.setNormal(plane_->normal);
+        return true;
+    }
+
+  private:
+    void mapPoint(std::size_t at) {
+        const OdGePoint3d p = groups_.point(at);
+        groups_.setPoint(at, plane_->map * OdGePoint3d(p.x, p.y, elevation_));
+    }
+    OdGeVector2d mapped(const OdGeVector2d& v) const { return (plane_->map * OdGeVector3d(v.x, v.y, 0)).xy(); }
+    void mapVector(std::size_t at) {
+        const OdGeVector2d image = mapped(groups_.point(at).xy() - OdGePoint2d());
+        groups_.setPoint(at, {image.x, image.y, 0});
+    }
+
+    /// A path from its 92 on; `at` is behind it afterwards.
+    bool path(std::size_t& at) {
+        constexpr std::int64_t kPolyline = 2;
+        const bool polyline = (groups_.integer(at++) & kPolyline) != 0;
+        std::int64_t edge = 0;
+        for (; at < groups_.end() && !isOneOf(groups_.code(at), {92, 75}); ++at) {
+            const int code = groups_.code(at);
+            if (polyline) {
+                if (code == 10) mapPoint(at);
+                if (code == 42 && !bulge(at)) return false;
+                continue;
+            }
+            if (code == 72) {
+                edge = groups_.integer(at);
+                if ((edge == kArc || edge == kEllipse) && !curvedEdge(at, edge == kArc)) return false;
+            } else if (edge == kLine || edge == kSpline) {
+                if (code == 10 || code == 11) mapPoint(at);
+                if (code == 12 || code == 13) mapVector(at);
+            }
+        }
+        return true;
+    }
+
+    bool bulge(std::size_t at) {
+        if (groups_.real(at) == 0) return true;
+        if (plane_->reversed) groups_.setReal(at, -groups_.real(at));
+        return uniform_.has_value();
+    }
+
+    /// Clockwise arcs have their angles counted clockwise, so that mirroring turns the sense round and leaves them.
+    bool curvedEdge(std::size_t at, bool arc) {
+        if (!uniform_) return false;
+        const std::size_t sense = groups_.find(73, at);
+        if (sense >= groups_.end()) return false;
+        const bool counterClockwise = (groups_.integer(sense) != 0) != plane_->reversed;
+        groups_.setInteger(sense, counterClockwise ? 1 : 0);
+        const OdGeVector2d x = mapped({1, 0});
+        const double turn = std::atan2(x.y, x.x) / kDegree * (counterClockwise ? 1 : -1);
+        for (std::size_t i = at + 1; i < sense; ++i) {
+            const int code = groups_.code(i);
+            if (code == 10) mapPoint(i);
+            if (code == 11) mapVector(i);
+            if (code == 40 && arc) groups_.setReal(i, groups_.real(i) * *uniform_);
+            if ((code == 50 || code == 51) && arc) groups_.setReal(i, groups_.real(i) + turn);
+        }
+        return true;
+    }
+
+    double mappedAngle(double degrees, double* stretch) const {
+        const OdGeVector2d image = mapped({std::cos(degrees * kDegree), std::sin(degrees * kDegree)});
+        if (stretch) *stretch = image.length();
+        return std::atan2(image.y, image.x) / kDegree;
+    }
+
+    /// From 75 on: the pattern's lines take any matrix, as lines do.
+    void pattern(std::size_t at) {
+        const double scale = std::sqrt(plane_->map.xAxis().crossProduct(plane_->map.yAxis()).length());
+        double stretch = 1;
+        bool seeds = false;
+        for (; at < groups_.end(); ++at) {
+            switch (groups_.code(at)) {
+                case 52:
+                    groups_.setReal(at, mappedAngle(groups_.real(at), nullptr));
+                    break;
+                case 41:
+                    groups_.setReal(at, groups_.real(at) * (uniform_ ? *uniform_ : scale));
+                    break;
+                case 53:
+                    groups_.setReal(at, mappedAngle(groups_.real(at), &stretch));
+                    break;
+                case 43:
+                case 45:
+                    patternPoint(at, groups_.code(at) == 43);
+                    break;
+                case 49:
+                    groups_.setReal(at, groups_.real(at) * stretch);
+                    break;
+                case 98:
+                    seeds = true;
+                    break;
+                case 10:
+                    if (seeds) mapPoint(at);
+                    break;
+                default:
+                    break;
+            }
+        }
+    }
+    /// x and y have neighbouring codes here.
+    void patternPoint(std::size_t at, bool isPoint) {
+        if (at + 1 >= groups_.end() || groups_.code(at + 1) != groups_.code(at) + 1) return;
+        const OdGePoint2d p(groups_.real(at), groups_.real(at + 1));
+        const OdGeVector2d image = isPoint ? (plane_->map * OdGePoint3d(p.x, p.y, elevation_)).xy() - OdGePoint2d()
+                                           : mapped(p - OdGePoint2d());
+        groups_.setReal(at, image.x);
+        groups_.setReal(at + 1, image.y);
+    }
+
+    static constexpr std::int64_t kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
+    GroupList& groups_;
+    std::optional<PlaneMap> plane_;
+    std::optional<double> uniform_;
+    double elevation_ = 0;
+};
+
+bool transform(std::string_view kind, GroupList& groups, const OdGeMatrix3d& matrix) {
+    if (kind == "SOLID" || kind == "TRACE") return transformSolid(groups, matrix);
+    if (kind == "3DFACE") return transformInWorld(groups, matrix, {10, 11, 12, 13}, {});
+    if (kind == "LEADER") return transformInWorld(groups, matrix, {10}, {210, 211, 212, 213});
+    if (kind == "IMAGE") return transformInWorld(groups, matrix, {10}, {11, 12});
+    if (kind == "HATCH") return HatchTransform(groups, matrix).run();
+    return false;
+}
+
+}  // namespace
+
+std::optional<std::string> transformedCarried(std::string_view kind, std::string_view record, const FileFormat& format,
+                                              const OdGeMatrix3d& matrix) {
+    GroupList groups(record, format);
+    if (transform(kind, groups, matrix)) return groups.bytes();
+    if (kind != "HATCH") return {};
+    const std::string splines = HatchWithoutArcs(GroupList(record, format), format).bytes();
+    GroupList changed(splines, format);
+    if (!transform(kind, changed, matrix)) return {};
+    return changed.bytes();
+}
+
+}  // namespace drawingdb

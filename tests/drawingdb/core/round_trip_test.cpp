@@ -1,0 +1,142 @@
+// What was not changed is written as it was read, whatever the spelling of the file.
+#include <gtest/gtest.h>
+
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "drawingdb/curves.h"
+#include "drawingdb/field.h"
+#include "tests/drawingdb/sample.h"
+
+namespace {
+
+std::vector<std::pair<std::string, std::string>> spellings() {
+    const std::string& ascii = sampleBytes();
+    return {{"as it is", ascii},
+            {"carriage returns", respelled(ascii, "\r\n", "  ", false)},
+            {"no blanks", respelled(ascii, "\n", "", false)},
+            {"comments", respelled(ascii, "\n", "\t ", true)},
+            {"no end of line at the end", ascii.substr(0, ascii.rfind("EOF") + 3)},
+            {"byte order mark", "\xEF\xBB\xBF" + ascii},
+            {"binary", asBinary(ascii, true)},
+            {"binary with short codes", asBinary(ascii, false)}};
+}
+
+TEST(RoundTrip, UnchangedIsTheSameBytes) {
+    for (const auto& [name, bytes] : spellings()) {
+        const auto database = OdDbDatabase::readBytes(bytes, L"sample.dxf");
+        EXPECT_TRUE(database->warnings().empty()) << name << ": " << database->warnings().front().text;
+        EXPECT_TRUE(database->writeBytes() == bytes) << name;
+    }
+}
+
+TEST(RoundTrip, EverythingTouchedIsTheSameBytes) {
+    for (const auto& [name, bytes] : spellings()) {
+        const auto database = OdDbDatabase::readBytes(bytes, L"sample.dxf");
+        EXPECT_GT(database->touchEverything(), 40u) << name;
+        EXPECT_EQ(database->writeBytes(), bytes) << name;
+        EXPECT_FALSE(database->isModified()) << name;
+    }
+}
+
+// One value is changed and all else stays, down to the spelling of the numbers next to it.
+TEST(RoundTrip, AChangePatchesOnlyItsGroup) {
+    const auto database = sample();
+    objectOf(database, 0x65).openAs<OdDbCircle>(OdDb::forWrite)->setRadius(20);
+    objectOf(database, 0x34).openAs<OdDbLine>(OdDb::forWrite)->setLayer(L"WALLS");
+    objectOf(database, 0x60).openAs<OdDbText>(OdDb::forWrite)->setLineweight(50);
+    std::string expected = sampleBytes();
+    const auto replace = [&expected](const std::string& old, const std::string& now, std::size_t from) {
+        const std::size_t at = expected.find(old, from);
+        ASSERT_NE(at, std::string::npos) << old;
+        expected.replace(at, old.size(), now);
+    };
+    replace("1.5E+01", "20.0", 0);
+    replace("  8\n0\n", "  8\nWALLS\n", expected.find("LINE\n  5\n34"));
+    replace("420\n16711680\n", "370\n50\n420\n16711680\n", expected.find("TEXT\n  5\n60"));
+    EXPECT_EQ(database->writeBytes(), expected);
+}
+
+TEST(RoundTrip, TextsAreReadThroughEscapesAndWrittenWithThem) {
+    const auto database = sample();
+    const auto attribute = objectOf(database, 0x52).openAs<OdDbAttribute>(OdDb::forWrite);
+    EXPECT_EQ(attribute->textString(), L"M\u00fcller & S\u00f6hne \n \u65e5\u672c");
+    attribute->setTextString(L"\u00e9\t^ \U0001F600");
+    const std::string saved = database->writeBytes();
+    EXPECT_NE(saved.find("\n\u00e9^I^  \U0001F600\n"), std::string::npos);
+    const auto again = OdDbDatabase::readBytes(saved, L"again.dxf");
+    EXPECT_EQ(objectOf(again, 0x52).openAs<OdDbAttribute>()->textString(), L"\u00e9\t^ \U0001F600");
+}
+
+// Before 2007 a character that the code page has not is written as an escape, never lost.
+TEST(RoundTrip, OldCodePagesEscapeWhatTheyCannotHold) {
+    std::string old = sampleBytes();
+    old.replace(old.find("AC1032"), 6, "AC1015");
+    old.replace(old.find("plain %%d"), 9, "Stra\xDF\x65");
+    const auto database = OdDbDatabase::readBytes(old, L"old.dxf");
+    EXPECT_EQ(objectOf(database, 0x60).openAs<OdDbText>()->textString(), L"Stra\u00dfe");
+    objectOf(database, 0x60).openAs<OdDbText>(OdDb::forWrite)->setTextString(L"\u00df\u65e5");
+    const std::string saved = database->writeBytes();
+    EXPECT_NE(saved.find("\n\xDF\\U+65E5\n"), std::string::npos);
+    EXPECT_EQ(objectOf(OdDbDatabase::readBytes(saved, L""), 0x60).openAs<OdDbText>()->textString(), L"\u00df\u65e5");
+}
+
+TEST(RoundTrip, LongMultiLineTextIsReadWholeAndCutAgain) {
+    const auto database = sample();
+    EXPECT_EQ(objectOf(database, 0x61).openAs<OdDbMText>()->contents().size(), 501u);
+    const auto note = objectOf(database, 0x39).openAs<OdDbAttributeDefinition>()->getMTextAttributeDefinition();
+    ASSERT_TRUE(note);
+    EXPECT_EQ(note->contents(), L"first\\P" + std::wstring(243, L'x') + L"tail");
+    const std::wstring text = std::wstring(249, L'a') + L"\u65e5\u672c\u8a9e" + std::wstring(400, L'z');
+    objectOf(database, 0x61).openAs<OdDbMText>(OdDb::forWrite)->setContents(text);
+    EXPECT_EQ(objectOf(OdDbDatabase::readBytes(database->writeBytes(), L""), 0x61).openAs<OdDbMText>()->contents(),
+              text);
+}
+
+TEST(RoundTrip, ANewDrawingIsComplete) {
+    const auto database = OdDbDatabase::createNew();
+    EXPECT_TRUE(database->warnings().empty());
+    EXPECT_EQ(database->layoutNames(), (std::vector<OdString>{L"Model", L"Layout1"}));
+    const auto ray = OdDbRay::createObject();
+    ray->setDatabaseDefaults(database.get());
+    ray->setUnitDir(OdGeVector3d(3, 4, 0));
+    const auto id = database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(ray.get());
+    const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"");
+    const auto read = again->getObjectId(id.handle()).openAs<OdDbRay>();
+    EXPECT_EQ(read->unitDir(), OdGeVector3d(0.6, 0.8, 0));
+    EXPECT_EQ(read->blockId(), again->modelSpaceId());
+}
+
+TEST(RoundTrip, KindsThatAVersionCannotHoldAreRefused) {
+    std::string old = sampleBytes();
+    old.replace(old.find("AC1032"), 6, "AC1009");
+    const auto database = OdDbDatabase::readBytes(old, L"old.dxf");
+    const auto space = database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+    const auto line = OdDbXline::createObject();
+    try {
+        space->appendOdDbEntity(line.get());
+        FAIL() << "an infinite line went into a drawing of R12";
+    } catch (const OdError& error) {
+        EXPECT_EQ(error.code(), OdResult::notHeldByVersion);
+        EXPECT_NE(std::string(error.what()).find("XLINE"), std::string::npos);
+    }
+    EXPECT_EQ(database->writeBytes(), old);
+}
+
+// A header of an old version, or none, does not tell whether the records have subclass markers.
+TEST(RoundTrip, MarkersAreReadWhateverTheVersionSays) {
+    std::string old = sampleBytes();
+    old.replace(old.find("AC1032"), 6, "AC1009");
+    const auto database = OdDbDatabase::readBytes(old, L"old.dxf");
+    database->touchEverything();
+    EXPECT_EQ(database->writeBytes(), old);
+    const auto arc = objectOf(database, 0x35).openIf<OdDbArc>(OdDb::forWrite);
+    ASSERT_TRUE(arc);
+    const double radius = arc->radius();
+    arc->setLayer(L"WALLS");
+    const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"");
+    const auto read = objectOf(again, 0x35).openAs<OdDbArc>();
+    EXPECT_EQ(read->radius(), radius);
+    EXPECT_EQ(read->layer(), L"WALLS");
+}
+
+}  // namespace

@@ -1,7 +1,0 @@
-// Exported.
-#include "torvelcmd2/attributes/text_escapes.h"
-
-/// withoutEscapes, for other modules; a null text is an empty one.
-extern "C" std::wstring deEscapeString(const wchar_t* text) {
-    return torvel::withoutEscapes(text != nullptr ? text : L"");
-}

@@ -1,0 +1,149 @@
+#include "torvelcmd2/attributes/values/text_transfer.h"
+
+#include <algorithm>
+
+#include "base/format.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/database.h"
+
+namespace torvel {
+namespace {
+
+CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
+    CapturedText captured;
+    captured.hasField = true;
+    // A text is nearly always a field of its own that holds the others; where it is one field alone, its code has no
+    // text around it that could be kept.
+    if (field.evaluatorId() != kTextEvaluator) {
+        captured.text = fieldIndexMarker(0);
+        captured.fields.push_back(newFieldLike(field, database));
+        return captured;
+    }
+    const InlineCode code = inlineCode(field);
+    // A field that is not found takes no index, so that the markers stay in step with the captured fields.
+    std::vector<bool> found(code.fields.size());
+    for (const std::int32_t owner : code.owners) {
+        if (owner != InlineCode::kNobody) {
+            found[static_cast<std::size_t>(owner)] = true;
+        }
+    }
+    std::vector<std::size_t> indices(code.fields.size());
+    for (std::size_t i = 0; i < code.fields.size(); ++i) {
+        if (found[i]) {
+            indices[i] = captured.fields.size();
+            captured.fields.push_back(newFieldLike(*code.fields[i], database));
+        }
+    }
+    for (std::size_t at = 0; at < code.text.size();) {
+        const std::int32_t owner = code.owners[at];
+        if (owner == InlineCode::kNobody) {
+            captured.text += code.text[at++];
+            continue;
+        }
+        captured.text += fieldIndexMarker(indices[static_cast<std::size_t>(owner)]);
+        while (at < code.text.size() && code.owners[at] == owner) {
+            ++at;
+        }
+    }
+    return captured;
+}
+
+void applyFields(const CapturedText& captured, OdDbEntity& target) {
+    const OdDbFieldPtr field = OdDbField::createObject();
+    target.setField(kTextFieldKey, field);
+    field->setEvaluationOption(OdDbField::kAutomatic);
+    field->setFieldCode(captured.text, OdDbField::kTextField | OdDbField::kPreserveChildren, captured.fields);
+    field->setData(L"ACFD_FIELDTEXT_ATTDEF", 1);
+    field->evaluate(OdDbField::kAutomatic, target.database());
+}
+
+OdString plainValue(const OdDbEntity& source) {
+    if (source.isKindOf(OdDbAttribute::desc())) {
+        const auto& attribute = static_cast<const OdDbAttribute&>(source);
+        return attribute.isMTextAttribute() ? attribute.getMTextAttribute()->contents() : attribute.textString();
+    }
+    if (source.isKindOf(OdDbAttributeDefinition::desc())) {
+        const auto& definition = static_cast<const OdDbAttributeDefinition&>(source);
+        return definition.isMTextAttributeDefinition() ? definition.getMTextAttributeDefinition()->contents()
+                                                       : definition.textString();
+    }
+    if (source.isKindOf(OdDbText::desc())) {
+        return static_cast<const OdDbText&>(source).textString();
+    }
+    if (source.isKindOf(OdDbMText::desc())) {
+        return static_cast<const OdDbMText&>(source).contents();
+    }
+    throw OdError_NotThatKindOfClass(source.isA()->name(), OdDbText::desc()->name());
+}
+
+void setPlainValue(const OdString& value, OdDbEntity& target) {
+    if (target.isKindOf(OdDbMText::desc())) {
+        static_cast<OdDbMText&>(target).setContents(value);
+    } else if (target.isKindOf(OdDbText::desc())) {
+        // In a multi-line attribute or definition this replaces the contents of the multi-line text.
+        static_cast<OdDbText&>(target).setTextString(value);
+    } else {
+        throw OdError_NotThatKindOfClass(target.isA()->name(), OdDbText::desc()->name());
+    }
+}
+
+}  // namespace
+
+OdString fieldIndexMarker(std::size_t index) { return base::format(L"%%<\\_FldIdx %d>%%", static_cast<int>(index)); }
+
+InlineCode inlineCode(const OdDbField& textField) {
+    InlineCode code;
+    code.text = textField.getFieldCode(OdDbField::kRawCode);
+    code.owners.assign(code.text.size(), InlineCode::kNobody);
+    for (std::size_t i = 0; i < textField.childCount(); ++i) {
+        code.fields.push_back(textField.getChild(i));
+        const OdString own = code.fields[i] ? code.fields[i]->getFieldCode(OdDbField::kRawCode) : OdString();
+        if (own.empty()) {
+            continue;
+        }
+        std::size_t place = code.text.find(own);
+        while (place != OdString::npos && code.owners[place] != InlineCode::kNobody) {
+            // Two codes may share the per cent sign between them.
+            place = code.text.find(own, place + std::max<std::size_t>(own.size() - 1, 1));
+        }
+        if (place != OdString::npos) {
+            std::fill_n(code.owners.begin() + static_cast<std::ptrdiff_t>(place), own.size(),
+                        static_cast<std::int32_t>(i));
+        }
+    }
+    return code;
+}
+
+OdDbFieldPtr newPlainPart(const OdString& text, OdDbDatabase* database) {
+    const OdDbFieldPtr part = OdDbField::createObject();
+    part->setFieldCode(text, OdDbField::kTextField);
+    part->evaluate(OdDbField::kAutomatic, database);
+    return part;
+}
+
+bool isPlainPart(const OdDbField& field) { return field.evaluatorId() == kTextEvaluator && field.childCount() == 0; }
+
+OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database) {
+    OdDbFieldPtr result = field.copy();
+    result->setEvaluationOption(OdDbField::kAutomatic);
+    result->evaluate(OdDbField::kAutomatic, database);
+    return result;
+}
+
+CapturedText captureText(const OdDbEntity& source) {
+    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
+        return captureFields(*field, source.database());
+    }
+    return {false, plainValue(source), {}};
+}
+
+void applyText(const CapturedText& captured, OdDbEntity& target) {
+    target.upgradeOpen();
+    if (captured.hasField) {
+        applyFields(captured, target);
+    } else {
+        setPlainValue(captured.text, target);
+    }
+}
+
+}  // namespace torvel

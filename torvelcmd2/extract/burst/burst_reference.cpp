@@ -1,0 +1,391 @@
+#include "torvelcmd2/extract/burst/burst_reference.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "drawingdb/database.h"
+#include "torvelcmd2/attributes/values/text_transfer.h"
+
+namespace torvel {
+namespace {
+
+// More than anybody wants to have in a drawing; blocks that hold each other many times over could come to any number.
+constexpr std::size_t kMostPieces = 1'000'000;
+
+// How the places of a multiple reference lie apart from the first. Rows and columns are counted in the reference's own
+// directions and not scaled.
+std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
+    const OdGeMatrix3d toWorld = OdGeMatrix3d::planeToWorld(reference.normal()) *
+                                 OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis);
+    std::vector<OdGeMatrix3d> places;
+    for (int row = 0; row < reference.rows(); ++row) {
+        for (int column = 0; column < reference.columns(); ++column) {
+            const OdGeVector3d step(column * reference.columnSpacing(), row * reference.rowSpacing(), 0);
+            places.push_back(OdGeMatrix3d::translation(toWorld * step));
+        }
+    }
+    return places;
+}
+
+// An attribute may be invisible by its mode, or hidden as any entity may be.
+bool isShown(const OdDbAttributeText& attribute) { return !attribute.isInvisible() && !attribute.isInvisibleEntity(); }
+
+// Everything that makes the text look as it does comes from the attribute; layer, colour and the like do not: they are
+// the drawing's current ones.
+OdSmartPtr<OdDbText> newText(const OdDbAttributeText& source, OdDbDatabase* database) {
+    OdSmartPtr<OdDbText> text = OdDbText::createObject();
+    // What the current text style would give besides is taken over anyway.
+    text->OdDbEntity::setDatabaseDefaults(database);
+    text->setTextFrom(source);
+    return text;
+}
+
+// Unlike a single-line text, one of several lines keeps layer, colour and the like.
+OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) {
+    OdSmartPtr<OdDbMText> text = OdDbMText::createObject();
+    text->setDatabaseDefaults(database);
+    text->setPropertiesFrom(source);
+    text->setTextFrom(source);
+    return text;
+}
+
+// How a matrix stretches and slants the letters of multi-line text, which transformBy leaves as they are. `before` is
+// the text's layout before the matrix.
+class Lettering {
+  public:
+    Lettering(const OdGeMatrix3d& before, const OdGeMatrix3d& matrix) {
+        const OdGeVector3d alongImage = matrix * before.xAxis(), upImage = matrix * before.yAxis();
+        widthScale_ = alongImage.length();
+        heightScale_ = alongImage.crossProduct(upImage).length() / widthScale_;
+        lean_ = alongImage.dotProduct(upImage) / widthScale_;
+    }
+    bool slants() const { return std::fabs(lean_ / heightScale_) > kSame; }
+    bool stretches() const { return std::fabs(stretch(1) - 1) > kSame; }
+
+    // With codes that show it. Those that stand in the contents say it of the letters behind them.
+    OdString contents(const OdDbMText& text) const {
+        double styleWidth = 1, styleSlant = 0;
+        if (const auto style = text.textStyle().openIf<OdDbTextStyleTableRecord>()) {
+            styleWidth = style->xScale();
+            styleSlant = style->obliquingAngle();
+        }
+        OdString result;
+        if (stretches()) {
+            result += code(L'W', stretch(styleWidth));
+        }
+        if (std::fabs(slant(styleSlant) - styleSlant) > kSame) {
+            result += code(L'Q', slant(styleSlant) * 180 / kPi);
+        }
+        const OdString old = text.contents();
+        for (std::size_t at = 0; at < old.size(); ++at) {
+            const wchar_t letter = old[at] == L'\\' && at + 1 < old.size() ? old[at + 1] : L'\0';
+            const std::size_t end = letter == L'W' || letter == L'Q' ? old.find(L';', at) : OdString::npos;
+            const auto value = end == OdString::npos
+                                   ? std::nullopt
+                                   : base::parseReal(std::wstring_view(old).substr(at + 2, end - at - 2));
+            if (value) {
+                result +=
+                    letter == L'W' ? code(L'W', stretch(*value)) : code(L'Q', slant(*value * kPi / 180) * 180 / kPi);
+                at = end;
+            } else {
+                result += old[at];
+                if (letter != L'\0') {
+                    result += old[++at];
+                }
+            }
+        }
+        return result;
+    }
+
+  private:
+    static constexpr double kSame = 1e-9;
+    static OdString code(wchar_t letter, double value) {
+        return OdString(L"\\") + letter + base::widen(base::realToText(value)) + L";";
+    }
+    double stretch(double widthFactor) const { return widthFactor * widthScale_ / heightScale_; }
+    double slant(double oblique) const { return std::atan((lean_ + std::tan(oblique) * widthScale_) / heightScale_); }
+
+    double widthScale_, heightScale_, lean_;
+};
+
+bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d writing =
+        OdGeMatrix3d::planeToWorld(text.normal()) * OdGeMatrix3d::rotation(text.rotation(), OdGeVector3d::kZAxis);
+    return (matrix * writing.xAxis()).isPerpendicularTo(matrix * writing.yAxis());
+}
+
+// Justified text hangs upright however it is slanted, which would shift one that the matrix shears. It gives up its
+// justification for its place.
+void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
+    // Between two points these give the rotation, and what the text says of it may be anything.
+    if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) {
+        text.adjustAlignment();
+    }
+    if (text.isJustified() && !leavesUpright(text, matrix)) {
+        text.adjustAlignment();
+        const OdGePoint3d start = text.position();
+        text.setHorizontalMode(OdDb::kTextLeft);
+        text.setVerticalMode(OdDb::kTextBase);
+        text.setPosition(start);
+    }
+}
+
+// New contents would take away a field, which brings the old ones back anyway.
+bool takesCodes(const OdDbEntity& text) { return !text.getField(kTextFieldKey); }
+
+// Letters can be slanted, but not the lines below each other, nor can the room around the text be stretched: where that
+// would show, the text is refused for its lines to be placed one by one.
+OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d before = text.layoutToWorld();
+    const Lettering lettering(before, matrix);
+    const MTextLayout layout = text.layout();
+    const bool boxed = text.backgroundFillOn() || text.hasFrame();
+    // Nothing but the text itself can cover what lies under it with the colour of the drawing's background.
+    const bool masks = text.backgroundFillOn() && text.useBackgroundColorOn();
+    if (takesCodes(text) && !masks &&
+        ((lettering.slants() && layout.lines.size() > 1) || ((lettering.slants() || lettering.stretches()) && boxed))) {
+        return OdResult::transformRefused;
+    }
+    const OdResult result = text.transformBy(matrix);
+    if (result == OdResult::ok && takesCodes(text)) {
+        if (const OdString contents = lettering.contents(text); contents != text.contents()) {
+            text.setContents(contents);
+            // Slanted letters lean away from their baseline, not from where the text hangs.
+            const auto start = [](const MTextLayout& of) {
+                return OdGePoint3d(of.lines.front().position.x, of.lines.front().position.y, 0);
+            };
+            const OdGeVector3d astray = matrix * (before * start(layout)) - text.layoutToWorld() * start(text.layout());
+            if (lettering.slants()) {
+                text.setLocation(text.location() + astray);
+            }
+        }
+    }
+    return result;
+}
+
+// A reference takes its attributes along, which are texts like any other.
+OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& matrix) {
+    std::vector<std::pair<OdSmartPtr<OdDbAttribute>, OdString>> withCodes;
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openAs<OdDbAttribute>(OdDb::forWrite);
+        if (!attribute->isMTextAttribute()) {
+            giveUpJustification(*attribute, matrix);
+        } else if (takesCodes(*attribute)) {
+            const auto lines = attribute->getMTextAttribute();
+            withCodes.emplace_back(attribute, Lettering(lines->layoutToWorld(), matrix).contents(*lines));
+        }
+    }
+    const OdResult result = reference.transformBy(matrix);
+    if (result == OdResult::ok) {
+        for (const auto& [attribute, contents] : withCodes) {
+            attribute->setTextString(contents);
+        }
+    }
+    return result;
+}
+
+// Transforms an entity so that it looks as the matrix makes it, also where transformBy alone would only come near.
+OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
+    if (matrix.isUniScaledOrtho()) {
+        return entity.transformBy(matrix);
+    }
+    if (entity.isKindOf(OdDbMText::desc())) {
+        return transformMText(static_cast<OdDbMText&>(entity), matrix);
+    }
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        return transformReference(static_cast<OdDbBlockReference&>(entity), matrix);
+    }
+    if (entity.isKindOf(OdDbText::desc())) {
+        giveUpJustification(static_cast<OdDbText&>(entity), matrix);
+    }
+    return entity.transformBy(matrix);
+}
+
+}  // namespace
+
+bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
+    owner_ = &owner;
+    added_.clear();
+    within_.clear();
+    obstacle_.clear();
+    if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
+        // The owner may be a block that has references of its own, still to be burst.
+        definitions_.erase(owner.objectId());
+        return true;
+    }
+    for (OdDbObjectId id : added_) {
+        id.openAs<OdDbEntity>(OdDb::forWrite, true)->erase();
+    }
+    return false;
+}
+
+// `outer` places what the reference shows: nested references that are burst because they could not be placed whole have
+// one that is not the identity.
+bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer) {
+    const OdDbObjectId block = reference.blockTableRecord();
+    const Definition& definition = definitionOf(block);
+    // A block that holds itself, which damaged files have, could be burst without end.
+    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0) {
+        return false;
+    }
+    if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces) {
+        return false;
+    }
+    within_.push_back(block);
+    const OdGeMatrix3d blockTransform = reference.blockTransform();
+    for (const OdGeMatrix3d& step : placesOf(reference)) {
+        const OdGeMatrix3d place = outer * step;
+        if (added_.size() + definition.entities.size() > kMostPieces ||
+            !copyEntities(definition, place * blockTransform)) {
+            return false;
+        }
+        addConstants(definition, place * blockTransform);
+        addAttributes(reference, place);
+    }
+    within_.pop_back();
+    return true;
+}
+
+const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId block) {
+    const auto [found, fresh] = definitions_.try_emplace(block);
+    Definition& definition = found->second;
+    const auto record = fresh ? block.openIf<OdDbBlockTableRecord>() : OdSmartPtr<OdDbBlockTableRecord>();
+    if (!record) {
+        return definition;
+    }
+    // What an external drawing shows is not in this one.
+    definition.explodable = record->explodable() && !record->isFromExternalReference();
+    // The copies cover each other as the originals do.
+    for (OdDbObjectId id : record->entitiesInDrawOrder()) {
+        if (auto attribute = id.openIf<OdDbAttributeDefinition>()) {
+            if (attribute->isConstant()) {
+                definition.constants.push_back(std::move(attribute));
+            }
+        } else {
+            definition.entities.push_back(id);
+        }
+    }
+    return definition;
+}
+
+bool ReferenceBurster::isFrozen(OdDbObjectId layer) {
+    const auto [found, fresh] = frozenLayers_.try_emplace(layer);
+    if (fresh) {
+        const auto record = layer.openIf<OdDbLayerTableRecord>();
+        found->second = record && record->isFrozen();
+    }
+    return found->second;
+}
+
+bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
+    OdDbIdMapping mapping;
+    owner_->database()->deepCloneObjects(definition.entities, owner_->objectId(), mapping);
+    for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
+        if (pair.primary) {
+            added_.push_back(pair.copy);
+        }
+    }
+    for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
+        if (!pair.primary) {
+            continue;
+        }
+        const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
+        if (!place(*copy, transform)) {
+            noteObstacle(*copy);
+            return false;
+        }
+    }
+    return true;
+}
+
+// The innermost one has been noted first, and stays.
+void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
+    if (!obstacle_.empty()) {
+        return;
+    }
+    const OdString block = within_.back().openAs<OdDbBlockTableRecord>()->name();
+    obstacle_ = L"block " + block + L" has a ";
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        obstacle_ += L"reference of " + static_cast<const OdDbBlockReference&>(entity).blockName() +
+                     L", which cannot be exploded";
+    } else {
+        obstacle_ += base::widen(entity.dxfName());
+    }
+}
+
+// The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
+// left for them is the identity.
+bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) {
+    if (transformExactly(entity, transform) != OdResult::transformRefused) {
+        return true;
+    }
+    if (!explodeAndPlace(entity, transform)) {
+        return false;
+    }
+    entity.erase();
+    return true;
+}
+
+bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform) {
+    // A reference that would be sheared. Its pieces are made from its block as its own burst would make them.
+    if (entity.isKindOf(OdDbBlockReference::desc())) {
+        const auto& nested = static_cast<const OdDbBlockReference&>(entity);
+        // What shows nothing needs no pieces, and must not keep the rest from being burst.
+        const bool showsNothing = isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
+        return showsNothing || burstContents(nested, transform);
+    }
+    std::vector<OdDbEntityPtr> pieces;
+    if (entity.explode(pieces) != OdResult::ok) {
+        return false;
+    }
+    return std::ranges::all_of(pieces, [&](const OdDbEntityPtr& piece) {
+        append(*piece);
+        return place(*piece, transform);
+    });
+}
+
+// A reference draws the constant attributes of its block; they must not vanish with it.
+void ReferenceBurster::addConstants(const Definition& definition, const OdGeMatrix3d& transform) {
+    for (const auto& constant : definition.constants) {
+        if (isShown(*constant)) {
+            addText(*constant, constant->getMTextAttributeDefinition(), transform);
+        }
+    }
+}
+
+// Attributes have their places in the world, not in the block.
+void ReferenceBurster::addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& transform) {
+    for (OdDbObjectId id : reference.attributes()) {
+        const auto attribute = id.openAs<OdDbAttribute>();
+        if (isShown(*attribute)) {
+            addText(*attribute, attribute->getMTextAttribute(), transform);
+        }
+    }
+}
+
+// `lines` is the multi-line text of the source, null for a single line.
+void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr<OdDbMText>& lines,
+                               const OdGeMatrix3d& transform) {
+    OdDbDatabase* const database = owner_->database();
+    const OdDbEntityPtr text =
+        lines ? OdDbEntityPtr(newMText(*lines, database).get()) : OdDbEntityPtr(newText(source, database).get());
+    append(*text);
+    // The code goes along with the value that it shows now.
+    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
+        text->setField(kTextFieldKey, field->copy());
+    }
+    if (transform != OdGeMatrix3d::kIdentity && !place(*text, transform)) {
+        text->transformBy(transform);
+    }
+}
+
+void ReferenceBurster::append(OdDbEntity& entity) { added_.push_back(owner_->appendOdDbEntity(&entity)); }
+
+}  // namespace torvel
+
+bool burstBlockReference(OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
+    return torvel::ReferenceBurster().burst(reference, owner);
+}

@@ -1,0 +1,135 @@
+#include "torvelhost/commands/command_loop.h"
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "base/files.h"
+#include "base/text.h"
+#include "torvelhost/commands/command_factory.h"
+#include "torvelhost/commands/host_commands.h"
+#include "torvelhost/lines/progress.h"
+
+namespace host {
+namespace {
+
+// What a double click on an attribute runs: the first of these that is registered. The first takes the pick that was
+// made, the other the pick-first set.
+constexpr const wchar_t* kDoubleClickCommands[] = {L"ATTIPeditW", L"ATTIPedit"};
+
+struct CommandReleaser {
+    void operator()(ICmdProcess* command) const { command->release(); }
+};
+using CommandReference = std::unique_ptr<ICmdProcess, CommandReleaser>;
+
+CMD_RUNSTATUS runRegistered(const RegisteredCommand& registered) {
+    ICmdProcess* created = nullptr;
+    registered.creator(&created);
+    if (!created) throw std::runtime_error("there is not enough memory for it");
+    const CommandReference command(created);
+    command->run();
+    return command->runStatus();
+}
+
+}  // namespace
+
+ExitStatus CommandLoop::run() {
+    for (;;) {
+        const std::optional<std::wstring> line = session_.input.replies().next(L"Command: ");
+        if (!line || !runLine(parseReply(*line))) return status_;
+    }
+}
+
+bool CommandLoop::runLine(const Reply& reply) {
+    if (reply.kind != Reply::kText) return true;
+    const std::wstring& text = reply.text;
+    if (text.starts_with(L'#')) {
+        const auto handles = parseHandles(text);
+        std::wstring reason = L"\"" + text + L"\" is no line of handles";
+        if (!handles || !session_.selection.setPickFirst(*handles, reason)) refuse(reason);
+        return true;
+    }
+    if (base::equalsNoCase(text, L"QUIT")) return false;
+    const std::size_t blank = text.find(L' ');
+    if (blank != text.npos && base::equalsNoCase(std::wstring_view(text).substr(0, blank), L"DBLCLICK")) {
+        doubleClick(base::trimmed(std::wstring_view(text).substr(blank)));
+        return true;
+    }
+    if (const HostCommand* command = findHostCommand(text)) {
+        HostCommands context{application_, session_};
+        runCommand(command->name, [&] { return (context.*command->body)(); });
+        if (command->changesView) application_.refresh();
+    } else if (const RegisteredCommand* registered = CommandFactory::instance().find(text)) {
+        runCommand(
+            registered->name, [registered] { return runRegistered(*registered); }, registered->flags);
+    } else {
+        refuse(L"unknown command \"" + text + L"\"");
+    }
+    return true;
+}
+
+void CommandLoop::doubleClick(std::wstring_view handle) {
+    const auto handles = parseHandles(handle);
+    std::wstring reason = L"\"" + std::wstring(handle) + L"\" is no handle";
+    if (!handles || handles->size() != 1) return refuse(reason);
+    std::optional<hostapi::Pick> pick = session_.selection.pickByHandle(handles->front(), reason);
+    if (!pick) return refuse(reason);
+    for (const wchar_t* name : kDoubleClickCommands) {
+        const RegisteredCommand* registered = CommandFactory::instance().find(name);
+        if (!registered) continue;
+        session_.selection.setPickFirst(OdDbObjectIdArray{pick->nested});
+        session_.selection.setStartingPick(std::move(pick));
+        return runCommand(
+            registered->name, [registered] { return runRegistered(*registered); }, registered->flags);
+    }
+    refuse(L"no command is there for a double click");
+}
+
+void CommandLoop::refuse(const std::wstring& what) {
+    ReplySource& replies = session_.input.replies();
+    if (replies.isScript()) throw ScriptError(base::toUtf8(replies.place() + L": " + what));
+    terminal_.error(what);
+}
+
+void CommandLoop::runCommand(const std::wstring& name, const Body& body, int flags) {
+    const std::size_t position = session_.document.undoPosition();
+    const auto takeBack = [&] {
+        session_.document.database()->undoTo(position);
+        session_.selection.endCommand();
+        session_.commandActive = false;
+    };
+    const auto fail = [&](const std::wstring& what, ExitStatus status = kSomeFailed) {
+        takeBack();
+        terminal_.error(name + L": " + what);
+        status_ = std::max(status_, status);
+    };
+    session_.selection.beginCommand((flags & hostapi::kUsesPickFirst) != 0);
+    session_.commandActive = true;
+    try {
+        const Progress progress(terminal_, name);
+        if (body() != kCommandFinished) status_ = std::max(status_, kSomeFailed);
+        session_.document.undoPosition();  // throws when a change could not be stored
+    } catch (const ScriptError&) {
+        takeBack();
+        throw;
+    } catch (const base::FileError& error) {
+        return fail(base::fromUtf8(error.what()), kFileFailed);
+    } catch (const OdError& error) {
+        return fail(base::fromUtf8(error.what()), error.code() == OdResult::fileError ? kFileFailed : kSomeFailed);
+    } catch (const std::exception& error) {
+        return fail(base::fromUtf8(error.what()));
+    } catch (...) {
+        return fail(L"ended by an exception of an unknown kind");
+    }
+    session_.commandActive = false;
+    session_.selection.endCommand();
+    // UNDO has taken back, it does not stand there to be taken back itself.
+    if (name != kUndoCommand) session_.document.keepForUndo(name, position);
+    try {
+        application_.profile().save();
+    } catch (const base::FileError& error) {
+        terminal_.warning(base::fromUtf8(error.what()));
+    }
+}
+
+}  // namespace host

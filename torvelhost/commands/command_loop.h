@@ -1,0 +1,36 @@
+// Takes command lines and runs them.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "hostapi/command.h"
+#include "torvelhost/session/application.h"
+
+namespace host {
+
+class CommandLoop {
+  public:
+    explicit CommandLoop(Application& application)
+        : application_(application), session_(*application.session()), terminal_(application.terminal()) {}
+
+    // Until QUIT or the end of the replies. Returns kAllFinished, kSomeFailed or kFileFailed; throws ScriptError.
+    ExitStatus run();
+
+  private:
+    using Body = std::function<CMD_RUNSTATUS()>;
+
+    // False: no more lines are wanted.
+    bool runLine(const Reply& reply);
+    void runCommand(const std::wstring& name, const Body& body, int flags = 0);
+    void doubleClick(std::wstring_view handle);
+    // A line that names nothing: the end of a script, a hint for a person.
+    void refuse(const std::wstring& what);
+
+    Application& application_;
+    Application::Session& session_;
+    Terminal& terminal_;
+    ExitStatus status_ = kAllFinished;
+};
+
+}  // namespace host

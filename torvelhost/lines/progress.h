@@ -1,0 +1,45 @@
+// Work that takes more than a second says so on a terminal.
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "torvelhost/lines/terminal.h"
+
+namespace host {
+
+// Shows "Saving plan.dxf ... 3 s" on standard error while it lives, from the second second on. Does nothing when quiet
+// or when standard error is no terminal. One at a time.
+class Progress {
+  public:
+    Progress(const Terminal& terminal, const std::wstring& work);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    // While a pause lives the program waits for the user; the clock starts anew behind it.
+    class Pause {
+      public:
+        Pause();
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+    };
+
+  private:
+    void watch();
+    void wipe();
+
+    std::wstring work_;
+    std::mutex mutex_;
+    std::condition_variable change_;
+    bool ended_ = false;
+    bool paused_ = false;
+    unsigned starts_ = 0;
+    bool shown_ = false;
+    std::thread thread_;  // last: it uses all of the above
+};
+
+}  // namespace host

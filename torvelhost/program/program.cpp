@@ -1,0 +1,139 @@
+#include "torvelhost/program/program.h"
+
+#include <memory>
+
+#include "base/console.h"
+#include "base/files.h"
+#include "base/modules.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "torvelhost/commands/command_loop.h"
+#include "torvelhost/lines/dialog_lines.h"
+#include "torvelhost/lines/progress.h"
+#include "torvelhost/plot/plot.h"
+#include "torvelhost/session/application.h"
+
+namespace host {
+namespace {
+
+constexpr char kVersion[] = "torvelhost 0.1.0\n";
+
+// The command module. It knows the way back by itself, and stays loaded: its commands are registered until the end.
+void loadCommandModule(Terminal& terminal) {
+    const std::wstring fileName = base::libraryFileName(L"torvelcmd2");
+    std::wstring reason;
+    base::ModuleReference module = base::loadModule(fileName, &reason);
+    if (!module) return terminal.error(L"the commands of " + fileName + L" are missing: " + reason);
+    module.release();
+}
+
+std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& terminal) {
+    if (options.isInteractive()) return std::make_unique<TypedReplies>();
+    auto replies = std::make_unique<ScriptReplies>(terminal);
+    for (const Options::Script& script : options.scripts) {
+        if (script.isFile)
+            replies->addFile(script.text);
+        else
+            replies->addText(script.text);
+    }
+    return replies;
+}
+
+OdDbDatabasePtr openDrawing(const Options& options, Terminal& terminal) {
+    if (!options.drawing) return OdDbDatabase::createNew();
+    const Progress progress(terminal, L"Reading " + *options.drawing);
+    OdDbDatabasePtr database = OdDbDatabase::readFile(*options.drawing);
+    for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
+    return database;
+}
+
+void setVariables(const Options& options, Variables& variables) {
+    for (const auto& [name, value] : options.variables) {
+        std::wstring reason;
+        if (!variables.set(name, value, reason)) throw UsageError("--set: " + base::toUtf8(reason));
+    }
+}
+
+void saveDrawing(const Options& options, Application::Session& session, Terminal& terminal) {
+    OdDbDatabase* database = session.document.database();
+    if (options.output) {
+        const Progress progress(terminal, L"Saving " + *options.output);
+        session.document.save(*options.output);
+    } else if (options.isInteractive() && database->isModified()) {
+        terminal.notice(L"The changes were not saved (the command SAVE does).");
+    }
+}
+
+// What the view shows: the slide shown last, else the drawing.
+void plotShown(const Options& options, Application& application, Terminal& terminal) {
+    if (!options.plot) return;
+    const Progress progress(terminal, L"Plotting " + *options.plot);
+    if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
+    const Plot plot = plotView(application.session()->document);
+    if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
+    writePicture(plot.picture, *options.plot);
+}
+
+// Refuses what cannot be done before anything is.
+void checkOptions(const Options& options) {
+    if (options.plot && !isPictureFileName(*options.plot))
+        throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
+                         "\" is no picture; give a name that ends in .svg or .png");
+    if (options.windows && base::pathSeparator() != L'\\')
+        throw UsageError("--windows: there are windows on Windows only");
+}
+
+ExitStatus run(const Options& options, Terminal& terminal) {
+    checkOptions(options);
+    const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);
+    Application application(options, terminal);
+    loadCommandModule(terminal);
+    application.open(openDrawing(options, terminal), *replies);
+    Application::Session& session = *application.session();
+    setVariables(options, session.variables);
+    DialogLines dialogLines(*replies, terminal);
+    const DialogUse dialogUse(options.windows, dialogLines);
+
+    ExitStatus status = CommandLoop(application).run();
+    saveDrawing(options, session, terminal);
+    plotShown(options, application, terminal);
+    application.profile().save();
+    if (terminal.outputFailed()) {
+        terminal.error(L"standard output could not be written");
+        status = kFileFailed;
+    }
+    return status;
+}
+
+}  // namespace
+
+int runProgram(const std::vector<std::string>& arguments) {
+    Terminal terminal(false);
+    const auto fail = [&terminal](const std::exception& error, ExitStatus status) {
+        terminal.error(base::fromUtf8(error.what()));
+        return status;
+    };
+    try {
+        const Options options = parseOptions(arguments);
+        if (options.help || options.version)
+            return base::writeTo(base::Stream::kOutput, options.help ? kUsage : kVersion) ? kAllFinished : kFileFailed;
+        terminal = Terminal(options.quiet);
+        return run(options, terminal);
+    } catch (const UsageError& error) {
+        fail(error, kWrongUsage);
+        terminal.show(L"Try torvelhost --help.\n");
+        return kWrongUsage;
+    } catch (const ScriptError& error) {
+        return fail(error, kWrongUsage);
+    } catch (const std::exception& error) {
+        // Files are all that can fail outside commands: the drawing's, the scripts', the settings'.
+        return fail(error, kFileFailed);
+    }
+}
+
+}  // namespace host
+
+extern "C" int torvelhostMain(int count, char** arguments) {
+    base::setUpConsole();
+    return host::runProgram(base::commandLine(count, arguments));
+}

@@ -1,0 +1,198 @@
+#include "torvelhost/session/document.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/files.h"
+#include "drawingdb/block.h"
+#include "drawingdb/dictionary.h"
+#include "torvelhost/plot/extents.h"
+
+namespace host {
+namespace {
+
+constexpr double kEmptyViewHeight = 9.0;
+
+}  // namespace
+
+Document::Document(OdDbDatabasePtr database, int width, int height)
+    : database_(std::move(database)), width_(width), height_(height) {}
+
+OdDbObjectId Document::floatingViewportId() const {
+    if (database_->currentSpaceId() == database_->modelSpaceId()) return {};
+    const OdDbObjectId viewport = database_->activeViewportId();
+    const auto opened = viewport.openIf<OdDbViewport>();
+    return opened && opened->number() > 1 ? viewport : OdDbObjectId();
+}
+
+OdDbObjectId Document::activeSpaceId() const {
+    return floatingViewportId() ? database_->modelSpaceId() : database_->currentSpaceId();
+}
+
+bool Document::isModelSpaceActive() const { return activeSpaceId() == database_->modelSpaceId(); }
+
+std::vector<OdDbObjectId> Document::floatingViewports() const {
+    std::vector<std::pair<int, OdDbObjectId>> found;
+    if (database_->currentSpaceId() != database_->modelSpaceId()) {
+        const auto space = database_->currentSpaceId().openAs<OdDbBlockTableRecord>();
+        for (OdDbObjectId id : space->entities()) {
+            const auto viewport = id.openIf<OdDbViewport>();
+            if (viewport && viewport->number() > 1) found.emplace_back(viewport->number(), id);
+        }
+    }
+    std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<OdDbObjectId> viewports;
+    for (const auto& [number, id] : found) viewports.push_back(id);
+    return viewports;
+}
+
+OdGeMatrix3d Document::ucs() const {
+    const bool model = isModelSpaceActive();
+    const OdGePoint3d origin = database_->headerPoint(model ? "$UCSORG" : "$PUCSORG", OdGePoint3d());
+    const OdGeVector3d x =
+        database_->headerPoint(model ? "$UCSXDIR" : "$PUCSXDIR", OdGePoint3d(1, 0, 0)).asVector().normal();
+    const OdGeVector3d y =
+        database_->headerPoint(model ? "$UCSYDIR" : "$PUCSYDIR", OdGePoint3d(0, 1, 0)).asVector().normal();
+    const OdGeVector3d z = x.crossProduct(y);
+    // Directions that span no plane count as the world's.
+    if (z.length() < 1e-6) return OdGeMatrix3d::coordSystem(origin, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
+    return OdGeMatrix3d::coordSystem(origin, x, y, z.normal());
+}
+
+void Document::setUcs(const OdGeMatrix3d& toWorld) {
+    const std::string prefix = isModelSpaceActive() ? "$UCS" : "$PUCS";
+    const OdGeVector3d x = toWorld.xAxis(), y = toWorld.yAxis();
+    database_->setHeaderPoint(prefix + "ORG", toWorld.origin());
+    database_->setHeaderPoint(prefix + "XDIR", {x.x, x.y, x.z});
+    database_->setHeaderPoint(prefix + "YDIR", {y.x, y.y, y.z});
+    // A named one would go on naming what it is no more.
+    if (!database_->headerText(prefix + "NAME").empty()) database_->setHeaderText(prefix + "NAME", 2, L"");
+}
+
+std::optional<OdGePoint3d> Document::toWorld(const TypedPoint& point, std::wstring& reason) const {
+    const OdGeMatrix3d toWorld = ucs();
+    const double z = point.flat ? elevation() : point.value.z;
+    const OdGePoint3d world =
+        point.relative ? lastPoint_ + toWorld * point.value : toWorld * OdGePoint3d(point.value.x, point.value.y, z);
+    for (const double coordinate : {world.x, world.y, world.z}) {
+        // Written so that what is no number is refused too.
+        if (std::fabs(coordinate) <= kFarthest) continue;
+        reason = L"the point lies too far away";
+        return std::nullopt;
+    }
+    return world;
+}
+
+double Document::elevation() const { return database_->headerReal(elevationName(), 0.0); }
+
+OdDbObjectId Document::viewedSpaceId() const { return database_->currentSpaceId(); }
+
+View Document::view() {
+    std::vector<View>& views = views_[viewedSpaceId()];
+    if (views.empty()) {
+        // What the drawing was seen with is not asked: it need not fit this view's shape. The header knows how far the
+        // drawing reached when it was saved, which spares a walk over it.
+        const bool model = database_->currentSpaceId() == database_->modelSpaceId();
+        const OdGePoint3d low = database_->headerPoint(model ? "$EXTMIN" : "$PEXTMIN", OdGePoint3d(1, 1, 1));
+        const OdGePoint3d high = database_->headerPoint(model ? "$EXTMAX" : "$PEXTMAX", OdGePoint3d());
+        std::optional<OdGeExtents3d> box;
+        if (low.x < high.x && low.y < high.y && high.x < 1e15 && high.y < 1e15 && low.x > -1e15 && low.y > -1e15)
+            box = OdGeExtents3d(low, high);
+        else
+            box = extentsOfSpace(viewedSpaceId());
+        views.push_back(
+            box ? viewOf(*box)
+                : View{OdGePoint2d(kEmptyViewHeight * viewAspect() / 2, kEmptyViewHeight / 2), kEmptyViewHeight});
+    }
+    return views.back();
+}
+
+void Document::setView(const View& view) {
+    this->view();
+    keep(views_[viewedSpaceId()], view);
+}
+
+void Document::keep(std::vector<View>& views, const View& view) {
+    constexpr std::size_t kKept = 10;
+    if (views.size() == kKept) views.erase(views.begin());
+    views.push_back(view);
+}
+
+View Document::zoomedView() {
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    return viewport ? View{viewport->viewCenter(), viewport->viewHeight()} : view();
+}
+
+void Document::setZoomedView(const View& view) {
+    const OdDbObjectId viewport = floatingViewportId();
+    if (!viewport) return setView(view);
+    keep(views_[viewport], zoomedView());
+    viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(view.center, view.height);
+}
+
+bool Document::setPreviousView() {
+    if (const OdDbObjectId viewport = floatingViewportId()) {
+        std::vector<View>& before = views_[viewport];
+        if (before.empty()) return false;
+        viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(before.back().center, before.back().height);
+        before.pop_back();
+        return true;
+    }
+    std::vector<View>& views = views_[viewedSpaceId()];
+    if (views.size() < 2) return false;
+    views.pop_back();
+    return true;
+}
+
+std::optional<OdGeExtents3d> Document::extents() const { return extentsOfSpace(activeSpaceId()); }
+
+View Document::viewToPlot() {
+    if (views_[viewedSpaceId()].size() > 1) return view();
+    const auto box = extentsOfSpace(viewedSpaceId());
+    return box ? viewOf(*box) : view();
+}
+
+View Document::viewOf(const OdGeExtents3d& box, double aspect) {
+    const OdGeVector3d size = box.diagonal();
+    const double height = std::max(size.y, size.x / aspect);
+    return {box.center().xy(), height > 0 ? height * 1.02 : kEmptyViewHeight};
+}
+
+OdGeExtents3d Document::seenInZoomedView(const OdGeExtents3d& box) const {
+    OdGeExtents3d seen = box;
+    if (const auto viewport = floatingViewportId().openIf<OdDbViewport>()) seen.transformBy(viewport->worldToView());
+    return seen;
+}
+
+View Document::zoomedViewOf(const OdGeExtents3d& seen) const {
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    if (!viewport || !(viewport->width() > 0) || !(viewport->height() > 0)) return viewOf(seen);
+    return viewOf(seen, viewport->width() / viewport->height());
+}
+
+double Document::pixelSize() {
+    const double paperPixel = view().height / height_;
+    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
+    if (!viewport || viewport->customScale() <= 0) return paperPixel;
+    return paperPixel / viewport->customScale();
+}
+
+void Document::keepForUndo(const std::wstring& command, std::size_t position) {
+    if (database_->undoPosition() != position) done_.push_back({command, position});
+}
+
+std::optional<std::wstring> Document::undoCommand() {
+    if (done_.empty()) return std::nullopt;
+    const Done last = std::move(done_.back());
+    done_.pop_back();
+    database_->undoTo(last.position);
+    return last.command;
+}
+
+void Document::save(const std::wstring& path) {
+    if (database_->isReadOnly())
+        throw base::FileError(path, L"not saved: the drawing is damaged and was opened for reading alone");
+    database_->writeFile(path);
+}
+
+}  // namespace host

@@ -1,0 +1,260 @@
+#include "torvelhost/session/input.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdarg>
+#include <limits>
+
+#include "base/format.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "torvelhost/lines/progress.h"
+#include "torvelhost/lines/units.h"
+
+namespace host {
+namespace {
+
+constexpr int kNotNegative = 8;  // a flag of distances
+
+}  // namespace
+
+// ---- trackers
+
+// Shows what a tracker tracks while a prompt is open, and moves it as a cursor would.
+class Input::TrackerSession {
+  public:
+    TrackerSession(HostEdInputTracker* tracker, Input& input) : tracker_(tracker), input_(input) {
+        if (!tracker_) return;
+        tracker_->addDrawables(input_.drawables_);
+        input_.showPreview();
+    }
+    ~TrackerSession() {
+        if (!tracker_) return;
+        try {
+            tracker_->removeDrawables(input_.drawables_);
+            input_.showPreview();
+        } catch (...) {
+            // The prompt is over either way.
+        }
+    }
+    TrackerSession(const TrackerSession&) = delete;
+    TrackerSession& operator=(const TrackerSession&) = delete;
+
+    // The cursor moves from one point to the other in steps, then its button is pressed there.
+    void click(const OdGePoint3d& from, const OdGePoint3d& to) {
+        if (!tracker_) return;
+        send(HostInputEvent::kKeyDown, from);
+        constexpr int kSteps = 4;
+        for (int i = 1; i < kSteps; ++i)
+            send(HostInputEvent::kPointMoved, from + (to - from) * (static_cast<double>(i) / kSteps));
+        send(HostInputEvent::kPointMoved, to);
+        send(HostInputEvent::kButtonDown, to);
+    }
+
+  private:
+    void send(std::int32_t kind, const OdGePoint3d& point) {
+        if (tracker_->filterEvent({kind, point}, point)) input_.showPreview();
+    }
+
+    HostEdInputTracker* tracker_;
+    Input& input_;
+};
+
+int Input::Drawables::add(OdDbEntity* entity, int, int, int, int) {
+    shown_.push_back(entity);
+    return 1;
+}
+
+int Input::Drawables::remove(OdDbEntity* entity) {
+    const auto found = std::find(shown_.begin(), shown_.end(), entity);
+    if (found == shown_.end()) return 0;
+    shown_.erase(found);
+    return 1;
+}
+
+// ---- the dialogue
+
+Input::Input(Document& document, ReplySource& replies, Terminal& terminal)
+    : document_(document), replies_(replies), terminal_(terminal) {}
+
+void Input::failScript(const std::wstring& prompt, const std::wstring& what) {
+    throw ScriptError(base::toUtf8(replies_.place() + L": " + what + L", at the prompt \"" + prompt + L"\""));
+}
+
+int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t* expected, const Accept& accept,
+               Asked asked) {
+    const Keywords keywords(keywordList);
+    const std::wstring shown = promptText(prompt, keywords);
+    for (;;) {
+        std::optional<std::wstring> line;
+        {
+            const Progress::Pause pause;
+            line = replies_.next(shown + L" ");
+        }
+        if (!line) {
+            if (replies_.isScript()) failScript(shown, L"the script ends");
+            return hostapi::kCancel;
+        }
+        const Reply reply = parseReply(*line);
+        if (reply.kind == Reply::kEnter) return hostapi::kEmpty;
+        if (reply.kind == Reply::kCancel) return hostapi::kCancel;
+
+        const Keywords::Match match = reply.quoted ? Keywords::Match() : keywords.find(reply.text);
+        const int keyword = hostapi::kFirstKeyword + match.index;
+        if (match.kind == Keywords::Match::kExact) return keyword;
+        if (match.kind == Keywords::Match::kAbbreviated && asked == Asked::kText) return keyword;
+        std::wstring reason;
+        if (accept(reply, reason)) return hostapi::kValue;
+        if (match.kind == Keywords::Match::kAbbreviated) return keyword;
+
+        if (match.kind == Keywords::Match::kAmbiguous)
+            reason = L"\"" + reply.text + L"\" may mean more than one of " + keywords.joined();
+        if (reason.empty()) {
+            reason = L"\"" + reply.text + L"\" is not " + expected;
+            if (!keywords.empty()) reason += L" and not one of " + keywords.joined();
+        }
+        if (replies_.isScript()) failScript(shown, reason);
+        terminal_.show(reason + L".\n");
+    }
+}
+
+int Input::askIfNext(const wchar_t* prompt, const wchar_t* expected, const Accept& accept,
+                     const std::function<bool(const Reply&)>& suits) {
+    if (replies_.isScript()) {
+        const std::optional<std::wstring> line = replies_.peek();
+        if (!line) return hostapi::kEmpty;
+        const Reply reply = parseReply(*line);
+        if (reply.kind == Reply::kText && !suits(reply)) return hostapi::kEmpty;
+    }
+    return ask(prompt, nullptr, expected, accept);
+}
+
+// The base point is where a screen would begin its rubber band; there is none here.
+int Input::getPoint(const OdGePoint3d*, OdGePoint3d& point, const wchar_t* prompt, const wchar_t* keywords, int,
+                    std::uintptr_t, HostEdInputTracker* tracker) {
+    TrackerSession session(tracker, *this);
+    OdGePoint3d picked;
+    const int result = ask(prompt, keywords, L"a point", [&](const Reply& reply, std::wstring& reason) {
+        const auto typed = parsePoint(reply.text);
+        if (!typed || reply.quoted) return false;
+        const auto world = document_.toWorld(*typed, reason);
+        if (world) picked = *world;
+        return world.has_value();
+    });
+    if (result != hostapi::kValue) return result;
+    session.click(document_.lastPoint(), picked);
+    document_.setLastPoint(picked);
+    point = picked;
+    return result;
+}
+
+int Input::askPoint(const wchar_t* prompt, const wchar_t* keywords, OdGePoint3d& point) {
+    return getPoint(nullptr, point, prompt, keywords, 0, 0, nullptr);
+}
+
+// The other end of a distance or an angle that began with a point.
+int Input::secondPoint(const OdGePoint3d& first, OdGePoint3d& second) {
+    return getPoint(&first, second, L"Specify second point", nullptr, 0, 0, nullptr);
+}
+
+int Input::getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t) {
+    std::optional<double> angle;
+    std::optional<OdGePoint3d> first;
+    const int result = ask(prompt, keywords, L"an angle or a point", [&](const Reply& reply, std::wstring& reason) {
+        if (reply.quoted) return false;
+        // A lone "S" is more likely a keyword than south.
+        if (reply.text.find_first_of(L"0123456789") != reply.text.npos) angle = textToAngle(reply.text, kDegrees);
+        if (angle) return true;
+        if (const auto typed = parsePoint(reply.text)) first = document_.toWorld(*typed, reason);
+        return first.has_value();
+    });
+    if (result != hostapi::kValue) return result;
+    if (first) {
+        document_.setLastPoint(*first);
+        OdGePoint3d second;
+        const int pointResult = secondPoint(*first, second);
+        if (pointResult != hostapi::kValue) return pointResult;
+        const OdGeVector3d along = document_.ucs().inverse() * (second - *first);
+        angle = along.xy().angle();
+    }
+    radians = *angle;
+    return result;
+}
+
+int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t* prompt, const wchar_t* keywords,
+                       int flags, std::uintptr_t) {
+    std::optional<double> length;
+    std::optional<OdGePoint3d> point;
+    const int result = ask(prompt, keywords, L"a distance or a point", [&](const Reply& reply, std::wstring& reason) {
+        if (reply.quoted) return false;
+        length = textToLength(reply.text);
+        if (length) {
+            if (std::fabs(*length) > kFarthest) reason = L"the distance is too long";
+            if (*length < 0 && (flags & kNotNegative) != 0) reason = L"a distance is not negative";
+            return reason.empty();
+        }
+        if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed, reason);
+        return point.has_value();
+    });
+    if (result != hostapi::kValue) return result;
+    if (point) {
+        document_.setLastPoint(*point);
+        OdGePoint3d from = base ? *base : *point;
+        if (!base) {
+            const int pointResult = secondPoint(from, *point);
+            if (pointResult != hostapi::kValue) return pointResult;
+        }
+        length = from.distanceTo(*point);
+    }
+    distance = *length;
+    return result;
+}
+
+// Numbers beyond the limits count as the limits: whoever asks knows what range is wanted, and says so.
+int Input::getInteger(int& value, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t) {
+    return ask(prompt, keywords, L"an integer", [&](const Reply& reply, std::wstring&) {
+        const bool isWhole = !reply.quoted && reply.text.find_first_not_of(L"+-0123456789") == reply.text.npos;
+        const auto number = isWhole ? base::parseReal(std::wstring_view(reply.text)) : std::nullopt;
+        if (!number) return false;
+        using Limits = std::numeric_limits<int>;
+        value = static_cast<int>(std::clamp<double>(*number, Limits::min(), Limits::max()));
+        return true;
+    });
+}
+
+int Input::getKeyword(const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t textOut, std::uintptr_t) {
+    if (textOut != 0) return askText(prompt, keywords, *reinterpret_cast<OdString*>(textOut));
+    return ask(prompt, keywords, L"an answer", [](const Reply&, std::wstring&) { return false; });
+}
+
+int Input::askText(const wchar_t* prompt, const wchar_t* keywords, OdString& text) {
+    return ask(
+        prompt, keywords, L"a text",
+        [&](const Reply& reply, std::wstring&) {
+            text = reply.text;
+            return true;
+        },
+        Asked::kText);
+}
+
+bool Input::getString(OdString& text) { return askText(L"Enter text", nullptr, text) == hostapi::kValue; }
+
+void Input::printMessage(const wchar_t* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    const Progress::Pause pause;
+    terminal_.print(base::vformat(format, arguments));
+    va_end(arguments);
+}
+
+// The entity is shown by its tracker; a screen would use it to choose snap and dimension styles.
+void Input::setCurrentEntity(int, OdDbEntity*) {}
+
+void MessageInput::printMessage(const wchar_t* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    terminal_.print(base::vformat(format, arguments));
+    va_end(arguments);
+}
+
+}  // namespace host

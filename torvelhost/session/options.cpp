@@ -1,0 +1,132 @@
+#include "torvelhost/session/options.h"
+
+#include <array>
+#include <string_view>
+
+#include "base/number.h"
+#include "base/text.h"
+
+namespace host {
+namespace {
+
+constexpr int kLargestSize = 20000;
+
+struct OptionName {
+    char letter;  // 0: none
+    std::string_view word;
+    bool hasValue;
+};
+constexpr std::array<OptionName, 11> kOptions = {{
+    {'s', "script", true},
+    {'c', "command", true},
+    {'o', "output", true},
+    {'p', "plot", true},
+    {0, "size", true},
+    {0, "set", true},
+    {0, "profile", true},
+    {0, "windows", false},
+    {'q', "quiet", false},
+    {0, "help", false},
+    {0, "version", false},
+}};
+
+void apply(Options& options, std::string_view name, const std::wstring& value) {
+    if (name == "script") {
+        options.scripts.push_back({true, value});
+    } else if (name == "command") {
+        options.scripts.push_back({false, value});
+    } else if (name == "output") {
+        options.output = value;
+    } else if (name == "plot") {
+        options.plot = value;
+    } else if (name == "size") {
+        const std::size_t cross = value.find(L'x');
+        const auto width = base::parseInteger(std::wstring_view(value).substr(0, cross));
+        const auto height =
+            base::parseInteger(std::wstring_view(value).substr(cross == value.npos ? value.size() : cross + 1));
+        if (!width || !height || *width < 1 || *height < 1 || *width > kLargestSize || *height > kLargestSize)
+            throw UsageError("--size: \"" + base::toUtf8(value) + "\" is no size; give WIDTHxHEIGHT in pixels");
+        options.width = static_cast<int>(*width);
+        options.height = static_cast<int>(*height);
+    } else if (name == "set") {
+        const std::size_t equals = value.find(L'=');
+        if (equals == value.npos || equals == 0)
+            throw UsageError("--set: \"" + base::toUtf8(value) + "\" is not NAME=VALUE");
+        options.variables.emplace_back(value.substr(0, equals), value.substr(equals + 1));
+    } else if (name == "profile") {
+        options.profile = value;
+    } else if (name == "windows") {
+        options.windows = true;
+    } else if (name == "quiet") {
+        options.quiet = true;
+    } else if (name == "help") {
+        options.help = true;
+    } else if (name == "version") {
+        options.version = true;
+    }
+}
+
+const OptionName* findOption(std::string_view argument) {
+    for (const OptionName& option : kOptions) {
+        if (argument.starts_with("--") ? option.word == argument.substr(2)
+                                       : argument.size() == 2 && option.letter && option.letter == argument[1])
+            return &option;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+const char kUsage[] =
+    "Usage: torvelhost [OPTIONS] [DRAWING.dxf]\n"
+    "  DRAWING                 none: a new, empty drawing\n"
+    "  -s, --script FILE       take replies from FILE (\"-\": standard input)\n"
+    "  -c, --command TEXT      take replies from TEXT, where \"|\" separates lines; may be repeated\n"
+    "  -o, --output FILE       save the drawing there at the end (may be the drawing itself)\n"
+    "  -p, --plot FILE         draw what the view shows there at the end (.svg or .png)\n"
+    "      --size WxH          of the plot and the view in pixels (1600x1200)\n"
+    "      --set NAME=VALUE    set a system variable first; may be repeated\n"
+    "      --profile FILE      the settings store (default: the user's own)\n"
+    "      --windows           show dialogs as windows (Windows; the default without a script)\n"
+    "  -q, --quiet             no progress, no warnings\n"
+    "  --help  --version\n"
+    "Without -s, -c, -o and -p it is a command prompt.\n"
+    "Exit status: 0 every command finished; 1 a command was cancelled or failed; 2 wrong usage, or a script\n"
+    "that does not fit; 3 a file could not be read or written.\n";
+
+Options parseOptions(const std::vector<std::string>& arguments) {
+    Options options;
+    bool optionsEnded = false;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        std::string_view argument = arguments[i];
+        if (optionsEnded || argument.size() < 2 || argument[0] != '-') {
+            if (options.drawing) throw UsageError("more than one drawing: \"" + std::string(argument) + "\"");
+            options.drawing = base::fromUtf8(argument);
+            continue;
+        }
+        if (argument == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        std::optional<std::string_view> attached;  // --name=value
+        if (const std::size_t equals = argument.find('='); argument.starts_with("--") && equals != argument.npos) {
+            attached = argument.substr(equals + 1);
+            argument = argument.substr(0, equals);
+        }
+        const OptionName* option = findOption(argument);
+        if (!option) throw UsageError("unknown option " + std::string(argument));
+        if (!option->hasValue) {
+            if (attached) throw UsageError(std::string(argument) + " takes no value");
+            apply(options, option->word, L"");
+        } else if (attached) {
+            apply(options, option->word, base::fromUtf8(*attached));
+        } else if (++i < arguments.size()) {
+            apply(options, option->word, base::fromUtf8(arguments[i]));
+        } else {
+            throw UsageError(std::string(argument) + " wants a value");
+        }
+    }
+    return options;
+}
+
+}  // namespace host

@@ -1,0 +1,269 @@
+#include "torvelhost/session/strokes.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "drawingdb/attribute.h"
+#include "drawingdb/curves.h"
+#include "drawingdb/database.h"
+#include "drawingdb/old_polyline.h"
+#include "drawingdb/spline.h"
+#include "drawingdb/text_metrics.h"
+#include "drawingdb/wipeout.h"
+#include "torvelhost/plot/cut.h"
+
+namespace host {
+namespace {
+
+constexpr int kStepsPerTurn = 96;
+constexpr int kDeepestNesting = 32;
+// Blocks that hold blocks many times over show more than anyone can pick from.
+constexpr int kMostEntities = 200000;
+
+OdGeMatrix3d cellTransform(const OdDbBlockReference& reference, int row, int column) {
+    if (row == 0 && column == 0) return reference.blockTransform();
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(reference.normal());
+    const OdGeMatrix3d turn = OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d(0, 0, 1));
+    const OdGeVector3d step(column * reference.columnSpacing(), row * reference.rowSpacing(), 0);
+    return OdGeMatrix3d::translation(plane * (turn * step)) * reference.blockTransform();
+}
+
+// Visits each cell of a reference (one, unless it is a multiple one) until `visit` returns true.
+bool anyCell(const OdDbBlockReference& reference, int& budget, const std::function<bool(const OdGeMatrix3d&)>& visit) {
+    for (int row = 0; row < reference.rows(); ++row) {
+        for (int column = 0; column < reference.columns(); ++column) {
+            if (--budget < 0) return false;
+            if (visit(cellTransform(reference, row, column))) return true;
+        }
+    }
+    return false;
+}
+
+// Attribute definitions show only in their references, and there only constant ones.
+bool showsInReference(const OdDbEntity& entity) {
+    if (entity.isInvisibleEntity()) return false;
+    if (!entity.isKindOf(OdDbAttributeDefinition::desc())) return true;
+    const auto& definition = static_cast<const OdDbAttributeDefinition&>(entity);
+    return definition.isConstant() && !definition.isInvisible();
+}
+
+std::vector<OdGePoint2d> textCorners(const OdDbText& text, const OdGeMatrix3d& toWorld) {
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
+    const OdGePoint3d position = OdGeMatrix3d::worldToPlane(text.normal()) * text.position();
+    torvel::TextGeometry geometry;
+    geometry.position = position.xy();
+    geometry.height = text.height();
+    geometry.rotation = text.rotation();
+    geometry.widthFactor = text.widthFactor();
+    geometry.oblique = text.oblique();
+    geometry.mirroredInX = text.isMirroredInX();
+    geometry.mirroredInY = text.isMirroredInY();
+    std::vector<OdGePoint2d> corners;
+    for (const OdGePoint2d& corner : torvel::textBoundingPoints(text.textString(), geometry))
+        corners.push_back((toWorld * (plane * OdGePoint3d(corner.x, corner.y, position.z))).xy());
+    return corners;
+}
+
+// The corners of a box, as a polygon around their shadow on the ground.
+std::vector<OdGePoint2d> boxCorners(const OdGeExtents3d& box, const OdGeMatrix3d& toWorld) {
+    const OdGePoint3d &a = box.minPoint(), &b = box.maxPoint();
+    return {(toWorld * a).xy(), (toWorld * OdGePoint3d(b.x, a.y, a.z)).xy(),
+            (toWorld * OdGePoint3d(b.x, b.y, a.z)).xy(), (toWorld * OdGePoint3d(a.x, b.y, a.z)).xy()};
+}
+
+bool meetsCurve(const OdDbCurve& curve, const OdGeMatrix3d& toWorld, const Rectangle& rectangle, double from, double to,
+                int steps) {
+    OdGePoint2d last = (toWorld * curve.pointAtParam(from)).xy();
+    for (int i = 1; i <= steps; ++i) {
+        const OdGePoint2d next = (toWorld * curve.pointAtParam(from + (to - from) * i / steps)).xy();
+        if (rectangle.meets(last, next)) return true;
+        last = next;
+    }
+    return false;
+}
+
+bool meetsConstructionLine(const OdDbConstructionLine& line, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    const OdGePoint2d base = (toWorld * line.basePoint()).xy();
+    const OdGeVector2d direction = (toWorld * line.unitDir()).xy();
+    if (direction.isZeroLength()) return rectangle.contains(base);
+    // Long enough to reach past the rectangle from wherever it begins.
+    const double reach = base.distanceTo(rectangle.low) + rectangle.low.distanceTo(rectangle.high) + 1.0;
+    const OdGeVector2d step = direction.normal() * reach;
+    const bool bothWays = line.isKindOf(OdDbXline::desc());
+    return rectangle.meets(bothWays ? base - step : base, base + step);
+}
+
+// How finely a smooth piece of a curve is looked at; pieces count from 0.
+int stepsOfPiece(const OdDbCurve& curve, std::size_t piece) {
+    constexpr int kStepsPerSpan = 24;
+    const auto stepsOfBulge = [](double bulge) { return bulge == 0 ? 1 : kStepsPerTurn / 2; };
+    if (curve.isKindOf(OdDbPolyline::desc()))
+        return stepsOfBulge(static_cast<const OdDbPolyline&>(curve).vertexAt(piece).bulge);
+    if (curve.isKindOf(OdDbOldPolyline::desc()))
+        return stepsOfBulge(static_cast<const OdDbOldPolyline&>(curve).vertices()[piece].bulge);
+    if (curve.isKindOf(OdDbLine::desc())) return 1;
+    return curve.isKindOf(OdDbSpline::desc()) ? kStepsPerSpan : kStepsPerTurn;
+}
+
+bool meetsCurve(const OdDbCurve& curve, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    const std::vector<double> breaks = curve.breakParams();
+    OdGeExtents3d box;
+    if (breaks.size() < 3 && !curve.geomExtents(box)) return false;  // without vertices, or damaged
+    if (rectangle.contains((toWorld * curve.pointAtParam(breaks.front())).xy())) return true;
+    for (std::size_t i = 1; i < breaks.size(); ++i)
+        if (meetsCurve(curve, toWorld, rectangle, breaks[i - 1], breaks[i], stepsOfPiece(curve, i - 1))) return true;
+    return false;
+}
+
+// A wipeout is picked by its frame.
+bool meetsFrame(const OdDbWipeout& wipeout, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    const std::vector<OdGePoint3d> corners = wipeout.boundary();
+    for (std::size_t i = 1; i < corners.size(); ++i)
+        if (rectangle.meets((toWorld * corners[i - 1]).xy(), (toWorld * corners[i]).xy())) return true;
+    return false;
+}
+
+class Meeting {
+  public:
+    explicit Meeting(const Rectangle& rectangle) : rectangle_(rectangle) {}
+
+    bool meets(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, int depth) {
+        if (--budget_ < 0) return false;
+        if (entity.isKindOf(OdDbBlockReference::desc()))
+            return meetsReference(static_cast<const OdDbBlockReference&>(entity), toWorld, depth);
+        if (entity.isKindOf(OdDbConstructionLine::desc()))
+            return meetsConstructionLine(static_cast<const OdDbConstructionLine&>(entity), toWorld, rectangle_);
+        if (entity.isKindOf(OdDbPoint::desc()))
+            return rectangle_.contains((toWorld * static_cast<const OdDbPoint&>(entity).position()).xy());
+        if (entity.isKindOf(OdDbCurve::desc()))
+            return meetsCurve(static_cast<const OdDbCurve&>(entity), toWorld, rectangle_);
+        if (entity.isKindOf(OdDbWipeout::desc()))
+            return meetsFrame(static_cast<const OdDbWipeout&>(entity), toWorld, rectangle_);
+        if (entity.isKindOf(OdDbText::desc()) && !isMultiLineAttribute(entity))
+            return rectangle_.meetsArea(textCorners(static_cast<const OdDbText&>(entity), toWorld));
+        OdGeExtents3d box;
+        return entity.geomExtents(box) && rectangle_.meetsArea(boxCorners(box, toWorld));
+    }
+
+  private:
+    static bool isMultiLineAttribute(const OdDbEntity& entity) {
+        if (entity.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(entity).isMTextAttribute();
+        return entity.isKindOf(OdDbAttributeDefinition::desc()) &&
+               static_cast<const OdDbAttributeDefinition&>(entity).isMTextAttributeDefinition();
+    }
+
+    bool meetsReference(const OdDbBlockReference& reference, const OdGeMatrix3d& toWorld, int depth) {
+        if (depth >= kDeepestNesting) return false;
+        const auto block = reference.blockTableRecord().openIf<OdDbBlockTableRecord>();
+        if (!block) return false;
+        return anyCell(reference, budget_, [&](const OdGeMatrix3d& cell) {
+            for (OdDbObjectId id : block->entities()) {
+                if (budget_ < 0) return false;
+                const auto inner = id.openIf<OdDbEntity>();
+                if (inner && showsInReference(*inner) && meets(*inner, toWorld * cell, depth + 1)) return true;
+            }
+            return false;
+        });
+    }
+
+    const Rectangle& rectangle_;
+    int budget_ = kMostEntities;
+};
+
+void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const Rectangle& rectangle,
+                   std::vector<OdDbObjectId>& containers, int& budget, std::vector<NestedHit>& hits) {
+    const auto reference = referenceId.openIf<OdDbBlockReference>();
+    if (!reference || containers.size() >= kDeepestNesting) return;
+    containers.push_back(referenceId);
+    std::vector<NestedHit> found;
+    for (OdDbObjectId id : reference->attributes()) {
+        const auto attribute = id.openIf<OdDbAttribute>();
+        if (!attribute || attribute->isInvisible() || attribute->isInvisibleEntity()) continue;
+        if (Meeting(rectangle).meets(*attribute, toWorld, 0)) found.push_back({id, containers});
+    }
+    hits.insert(hits.end(), found.rbegin(), found.rend());
+    found.clear();
+    if (const auto block = reference->blockTableRecord().openIf<OdDbBlockTableRecord>()) {
+        anyCell(*reference, budget, [&](const OdGeMatrix3d& cell) {
+            for (OdDbObjectId id : block->entities()) {
+                if (--budget < 0) return true;
+                const auto entity = id.openIf<OdDbEntity>();
+                if (!entity || !showsInReference(*entity)) continue;
+                if (entity->isKindOf(OdDbBlockReference::desc()))
+                    collectNested(id, toWorld * cell, rectangle, containers, budget, found);
+                else if (Meeting(rectangle).meets(*entity, toWorld * cell, 0))
+                    found.push_back({id, containers});
+            }
+            return false;
+        });
+    }
+    hits.insert(hits.end(), found.rbegin(), found.rend());
+    containers.pop_back();
+}
+
+}  // namespace
+
+Rectangle Rectangle::between(const OdGePoint3d& a, const OdGePoint3d& b) {
+    return {{std::min(a.x, b.x), std::min(a.y, b.y)}, {std::max(a.x, b.x), std::max(a.y, b.y)}};
+}
+
+Rectangle Rectangle::around(const OdGePoint3d& center, double half) {
+    return {{center.x - half, center.y - half}, {center.x + half, center.y + half}};
+}
+
+OdGeExtents3d Rectangle::box() const {
+    constexpr double kFar = 1e300;
+    return OdGeExtents3d({low.x, low.y, -kFar}, {high.x, high.y, kFar});
+}
+
+bool Rectangle::contains(const OdGePoint2d& point) const {
+    return low.x <= point.x && point.x <= high.x && low.y <= point.y && point.y <= high.y;
+}
+
+bool Rectangle::meets(const OdGePoint2d& from, const OdGePoint2d& to) const {
+    double first = 0.0, last = 1.0;
+    return cutLine(from, to - from, low, high, first, last);
+}
+
+bool Rectangle::meetsArea(const std::vector<OdGePoint2d>& corners) const {
+    if (corners.empty()) return false;
+    bool inside = false;  // of the rectangle's corner in the polygon, by counting crossings
+    for (std::size_t i = 0, last = corners.size() - 1; i < corners.size(); last = i++) {
+        const OdGePoint2d &a = corners[last], &b = corners[i];
+        if (meets(a, b)) return true;
+        if ((a.y > low.y) != (b.y > low.y) && low.x < a.x + (b.x - a.x) * (low.y - a.y) / (b.y - a.y)) inside = !inside;
+    }
+    return inside;
+}
+
+bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    return Meeting(rectangle).meets(entity, toWorld, 0);
+}
+
+bool LayerStates::anyFrozen(const OdDbDatabase& database) {
+    const auto layers = database.layerTableId().openIf<OdDbSymbolTable>();
+    if (!layers) return false;
+    for (OdDbObjectId id : layers->records())
+        if (const auto layer = id.openIf<OdDbLayerTableRecord>(); layer && layer->isFrozen()) return true;
+    return false;
+}
+
+int LayerStates::flagsOf(const OdDbEntity& entity) {
+    const OdDbObjectId layer = entity.layerId();
+    const auto [entry, isNew] = flags_.try_emplace(layer, 0);
+    if (isNew) {
+        if (const auto record = layer.openIf<OdDbLayerTableRecord>())
+            entry->second = (record->isOff() ? kOff : 0) | (record->isFrozen() ? kFrozen : 0);
+    }
+    return entry->second;
+}
+
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle) {
+    std::vector<NestedHit> hits;
+    std::vector<OdDbObjectId> containers;
+    int budget = kMostEntities;
+    collectNested(reference, OdGeMatrix3d::kIdentity, rectangle, containers, budget, hits);
+    return hits;
+}
+
+}  // namespace host
