@@ -6,7 +6,7 @@
 
 namespace base {
 
-// The characters first, first + step, ... last are mapped by adding delta.
+/// The characters first, first + step, ... last are mapped by adding delta.
 struct CaseRange {
     char32_t first;
     char32_t last;
@@ -14,7 +14,7 @@ struct CaseRange {
     std::int32_t delta;
 };
 
-// In ascending order, not overlapping.
+/// In ascending order, not overlapping.
 using CaseTable = std::span<const CaseRange>;
 
 extern const CaseTable kUpperCase;

@@ -18,9 +18,8 @@ namespace {
 class SingleByteCodePage final : public CodePage {
   public:
     explicit SingleByteCodePage(const SingleBytePage& page) : CodePage(page.name), page_(page) {
-        for (std::size_t i = 0; i < reverse_.size(); ++i) {
+        for (std::size_t i = 0; i < reverse_.size(); ++i)
             reverse_[i] = {page.upperHalf[i], static_cast<unsigned char>(0x80 + i)};
-        }
         std::sort(reverse_.begin(), reverse_.end());
     }
 
@@ -38,9 +37,7 @@ class SingleByteCodePage final : public CodePage {
         }
         const auto found =
             std::lower_bound(reverse_.begin(), reverse_.end(), std::pair<char32_t, unsigned char>(character, 0));
-        if (found == reverse_.end() || found->first != character) {
-            return false;
-        }
+        if (found == reverse_.end() || found->first != character) return false;
         bytes += static_cast<char>(found->second);
         return true;
     }
@@ -53,9 +50,7 @@ class DoubleByteCodePage final : public CodePage {
   public:
     DoubleByteCodePage(std::string_view name, std::vector<char32_t> table) : CodePage(name), table_(std::move(table)) {
         // ASCII is ASCII in every page, whatever a system's table makes of the backslash.
-        for (char32_t c = 0; c < 0x80; ++c) {
-            table_[c] = c;
-        }
+        for (char32_t c = 0; c < 0x80; ++c) table_[c] = c;
         // Where several pairs mean one character the first is written; the rows 0xED and 0xEE of the Japanese page
         // only repeat others.
         auto addRow = [&](unsigned lead) {
@@ -67,9 +62,8 @@ class DoubleByteCodePage final : public CodePage {
             }
         };
         const bool isJapanese = name.ends_with("932");
-        for (unsigned lead = 0; lead < 0x100; ++lead) {
+        for (unsigned lead = 0; lead < 0x100; ++lead)
             if (!isJapanese || (lead != 0xED && lead != 0xEE)) addRow(lead);
-        }
         if (isJapanese) {
             addRow(0xED);
             addRow(0xEE);
@@ -96,12 +90,8 @@ class DoubleByteCodePage final : public CodePage {
             return true;
         }
         const auto found = reverse_.find(character);
-        if (found == reverse_.end()) {
-            return false;
-        }
-        if (found->second >= 0x100) {
-            bytes += static_cast<char>(found->second >> 8);
-        }
+        if (found == reverse_.end()) return false;
+        if (found->second >= 0x100) bytes += static_cast<char>(found->second >> 8);
         bytes += static_cast<char>(found->second);
         return true;
     }
@@ -131,11 +121,9 @@ constexpr Alias kAliases[] = {
 };
 
 std::unique_ptr<CodePage> makeCodePage(std::string_view name) {
-    for (std::size_t i = 0; i < kSingleBytePageCount; ++i) {
-        if (equalsNoCase(name, kSingleBytePages[i].name)) {
+    for (std::size_t i = 0; i < kSingleBytePageCount; ++i)
+        if (equalsNoCase(name, kSingleBytePages[i].name))
             return std::make_unique<SingleByteCodePage>(kSingleBytePages[i]);
-        }
-    }
     for (const DoubleBytePage& page : kDoubleBytePages) {
         if (equalsNoCase(name, page.name)) {
             std::vector<char32_t> table = doubleByteTable(page.codePage);
@@ -148,22 +136,15 @@ std::unique_ptr<CodePage> makeCodePage(std::string_view name) {
 }  // namespace
 
 const CodePage* CodePage::byName(std::string_view name) {
-    for (const Alias& alias : kAliases) {
-        if (equalsNoCase(name, alias.name)) {
-            name = alias.standard;
-        }
-    }
+    for (const Alias& alias : kAliases)
+        if (equalsNoCase(name, alias.name)) name = alias.standard;
     static std::mutex mutex;
     static std::map<std::string, std::unique_ptr<CodePage>> pages;
     const std::lock_guard lock(mutex);
     std::string key(name);
-    for (char& c : key) {
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-    }
+    for (char& c : key) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
     const auto found = pages.find(key);
-    if (found != pages.end()) {
-        return found->second.get();
-    }
+    if (found != pages.end()) return found->second.get();
     // Unknown names are not kept: a damaged file may hold any number of them.
     std::unique_ptr<CodePage> page = makeCodePage(name);
     return page ? pages.emplace(std::move(key), std::move(page)).first->second.get() : nullptr;
@@ -174,9 +155,7 @@ const CodePage& CodePage::standard() { return *byName("ANSI_1252"); }
 std::wstring CodePage::decode(std::string_view bytes) const {
     std::wstring text;
     text.reserve(bytes.size());
-    while (!bytes.empty()) {
-        appendCharacter(text, takeCharacter(bytes));
-    }
+    while (!bytes.empty()) appendCharacter(text, takeCharacter(bytes));
     return text;
 }
 
@@ -185,9 +164,7 @@ std::string CodePage::encode(std::wstring_view text, const Replace& replace) con
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         const char32_t character = nextCharacter(text, i);
-        if (!appendEncoded(character, bytes)) {
-            replace(character, bytes);
-        }
+        if (!appendEncoded(character, bytes)) replace(character, bytes);
     }
     return bytes;
 }

@@ -50,13 +50,10 @@ class Reader {
 
 ResourceName takeName(Reader& reader) {
     const std::uint16_t first = reader.takeU16();
-    if (first == 0xFFFF) {
-        return ResourceName(reader.takeU16());
-    }
+    if (first == 0xFFFF) return ResourceName(reader.takeU16());
     std::wstring text;
-    for (std::uint16_t unit = first; unit != 0 && !reader.failed(); unit = reader.takeU16()) {
+    for (std::uint16_t unit = first; unit != 0 && !reader.failed(); unit = reader.takeU16())
         text += static_cast<wchar_t>(unit);
-    }
     return ResourceName(std::wstring_view(text));
 }
 
@@ -72,21 +69,13 @@ ResourceBytes findCompiledResource(ResourceBytes file, const ResourceName& type,
         const std::uint32_t dataSize = reader.takeU32();
         const std::uint32_t headerSize = reader.takeU32();
         const bool matches = takeName(reader) == type && takeName(reader) == name;
-        if (reader.failed() || headerSize < 16 || headerSize > file.size()) {
-            break;
-        }
+        if (reader.failed() || headerSize < 16 || headerSize > file.size()) break;
         Reader data(file.subspan(headerSize));
         const ResourceBytes found = data.takeAligned(dataSize);
-        if (data.failed()) {
-            break;
-        }
-        if (matches) {
-            return found;
-        }
+        if (data.failed()) break;
+        if (matches) return found;
         const std::size_t next = (headerSize + std::size_t{dataSize} + 3) / 4 * 4;
-        if (next >= file.size()) {
-            break;
-        }
+        if (next >= file.size()) break;
         file = file.subspan(next);
     }
     return {};
@@ -97,15 +86,9 @@ std::wstring stringInTable(ResourceBytes table, unsigned place) {
     for (unsigned i = 0; !reader.failed(); ++i) {
         const std::size_t size = std::size_t{reader.takeU16()} * 2;
         const std::size_t start = reader.position();
-        if (reader.failed() || table.size() - start < size) {
-            break;
-        }
-        if (i == place) {
-            return fromUtf16Bytes(table.subspan(start, size));
-        }
-        for (std::size_t skipped = 0; skipped < size; skipped += 2) {
-            reader.takeU16();
-        }
+        if (reader.failed() || table.size() - start < size) break;
+        if (i == place) return fromUtf16Bytes(table.subspan(start, size));
+        for (std::size_t skipped = 0; skipped < size; skipped += 2) reader.takeU16();
     }
     return {};
 }
@@ -113,14 +96,10 @@ std::wstring stringInTable(ResourceBytes table, unsigned place) {
 std::wstring fromUtf16Bytes(ResourceBytes bytes) {
     Reader reader(bytes);
     std::wstring units;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        units += static_cast<wchar_t>(reader.takeU16());
-    }
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) units += static_cast<wchar_t>(reader.takeU16());
     // Walking the characters joins surrogate pairs where wchar_t holds whole characters.
     std::wstring text;
-    for (std::size_t i = 0; i < units.size();) {
-        appendCharacter(text, nextCharacter(units, i));
-    }
+    for (std::size_t i = 0; i < units.size();) appendCharacter(text, nextCharacter(units, i));
     return text;
 }
 

@@ -21,7 +21,7 @@
 
 namespace base {
 
-// The type or the name of a resource: a number, or a text whose case does not matter.
+/// The type or the name of a resource: a number, or a text whose case does not matter.
 class ResourceName {
   public:
     ResourceName(std::uint16_t number) : number_(number) {}
@@ -48,14 +48,14 @@ constexpr std::uint16_t kRawDataResource = 10;
 
 using ResourceBytes = std::span<const std::byte>;
 
-// The data of the first entry of that type and name; empty when there is none. Stops at an entry that does not fit into
-// the file.
+/// The data of the first entry of that type and name; empty when there is none. Stops at an entry that does not fit
+/// into the file.
 ResourceBytes findCompiledResource(ResourceBytes file, const ResourceName& type, const ResourceName& name);
 
-// The string at a place (0 to 15) of a string table entry; empty when it is not there.
+/// The string at a place (0 to 15) of a string table entry; empty when it is not there.
 std::wstring stringInTable(ResourceBytes table, unsigned place);
 
-// UTF-16 units as wide text; reads no further than the bytes go.
+/// UTF-16 units as wide text; reads no further than the bytes go.
 std::wstring fromUtf16Bytes(ResourceBytes bytes);
 
 }  // namespace base

@@ -34,11 +34,10 @@ bool isTerminal(Stream stream) { return ::isatty(descriptorOf(stream)) != 0; }
 bool writeTo(Stream stream, std::string_view utf8) {
     while (!utf8.empty()) {
         const ssize_t count = ::write(descriptorOf(stream), utf8.data(), utf8.size());
-        if (count >= 0) {
+        if (count >= 0)
             utf8.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
+        else if (errno != EINTR)
             return false;
-        }
     }
     return true;
 }

@@ -27,9 +27,8 @@ HANDLE handleOf(Stream stream) {
 std::size_t readConsole(HANDLE console, char* bytes, std::size_t size) {
     wchar_t units[1024];
     DWORD count = 0;
-    if (!ReadConsoleW(console, units, static_cast<DWORD>(std::min(std::size(units), size / 3)), &count, nullptr)) {
+    if (!ReadConsoleW(console, units, static_cast<DWORD>(std::min(std::size(units), size / 3)), &count, nullptr))
         return 0;
-    }
     const std::string utf8 = toUtf8(std::wstring_view(units, count));
     std::copy(utf8.begin(), utf8.end(), bytes);
     return utf8.size();
@@ -37,9 +36,7 @@ std::size_t readConsole(HANDLE console, char* bytes, std::size_t size) {
 
 std::size_t readInput(char* bytes, std::size_t size) {
     const HANDLE input = handleOf(Stream::kInput);
-    if (isTerminal(Stream::kInput)) {
-        return readConsole(input, bytes, size);
-    }
+    if (isTerminal(Stream::kInput)) return readConsole(input, bytes, size);
     DWORD count = 0;
     return ReadFile(input, bytes, static_cast<DWORD>(size), &count, nullptr) ? count : 0;
 }
@@ -48,18 +45,14 @@ std::size_t readInput(char* bytes, std::size_t size) {
 
 void setUpConsole() {
     SetConsoleOutputCP(CP_UTF8);
-    for (int descriptor : {0, 1, 2}) {
-        _setmode(descriptor, _O_BINARY);
-    }
+    for (int descriptor : {0, 1, 2}) _setmode(descriptor, _O_BINARY);
 }
 
 std::vector<std::string> commandLine(int, char**) {
     int count = 0;
     const std::unique_ptr<wchar_t*, LocalFreer> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::string> result;
-    for (int i = 0; i < count; ++i) {
-        result.push_back(toUtf8(arguments.get()[i]));
-    }
+    for (int i = 0; i < count; ++i) result.push_back(toUtf8(arguments.get()[i]));
     return result;
 }
 
@@ -72,9 +65,7 @@ bool writeTo(Stream stream, std::string_view utf8) {
     while (!utf8.empty()) {
         DWORD count = 0;
         const DWORD size = static_cast<DWORD>(std::min<std::size_t>(utf8.size(), 1u << 20));
-        if (!WriteFile(handleOf(stream), utf8.data(), size, &count, nullptr)) {
-            return false;
-        }
+        if (!WriteFile(handleOf(stream), utf8.data(), size, &count, nullptr)) return false;
         utf8.remove_prefix(count);
     }
     return true;

@@ -35,9 +35,8 @@ char32_t decode(iconv_t converter, char* bytes, std::size_t count) {
     std::size_t room = sizeof characters;
     iconv(converter, nullptr, nullptr, nullptr, nullptr);
     if (iconv(converter, &bytes, &count, &out, &room) == static_cast<std::size_t>(-1) || count != 0 ||
-        room != sizeof characters - sizeof(char32_t)) {
+        room != sizeof characters - sizeof(char32_t))
         return 0;
-    }
     return characters[0];
 }
 
@@ -45,18 +44,15 @@ char32_t decode(iconv_t converter, char* bytes, std::size_t count) {
 
 std::vector<char32_t> doubleByteTable(unsigned codePage) {
     const iconv_t opened = iconv_open("UTF-32LE", systemName(codePage));
-    if (opened == reinterpret_cast<iconv_t>(-1)) {
-        return {};
-    }
+    if (opened == reinterpret_cast<iconv_t>(-1)) return {};
     const std::unique_ptr<void, Closer> converter(opened);
     std::vector<char32_t> table(0x10000);
     for (unsigned code = 0; code < 0x10000; ++code) {
         char bytes[2] = {static_cast<char>(code >> 8), static_cast<char>(code)};
-        if (code < 0x100) {
+        if (code < 0x100)
             table[code] = decode(opened, bytes + 1, 1);
-        } else if (code >= 0x8000 && table[code >> 8] == 0) {
+        else if (code >= 0x8000 && table[code >> 8] == 0)
             table[code] = decode(opened, bytes, 2);
-        }
     }
     return table;
 }

@@ -153,9 +153,7 @@ std::string_view untilEndMark(std::string_view text) { return text.substr(0, tex
 std::string readTextFile(std::wstring_view path) {
     const FileBuffer buffer = readFile(path);
     std::string_view text = untilEndMark(buffer.view());
-    if (text.starts_with("\xEF\xBB\xBF")) {
-        text.remove_prefix(3);
-    }
+    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
     return std::string(text);
 }
 

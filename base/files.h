@@ -11,7 +11,7 @@
 
 namespace base {
 
-// what() reads "NAME: what the system said", in UTF-8.
+/// what() reads "NAME: what the system said", in UTF-8.
 class FileError : public std::runtime_error {
   public:
     FileError(std::wstring fileName, std::wstring reason);
@@ -24,7 +24,7 @@ class FileError : public std::runtime_error {
     std::wstring reason_;
 };
 
-// A file's bytes, followed by kPadding zero bytes that a reader may look at without checking for the end.
+/// A file's bytes, followed by kPadding zero bytes that a reader may look at without checking for the end.
 class FileBuffer {
   public:
     static constexpr std::size_t kPadding = 64;
@@ -38,7 +38,7 @@ class FileBuffer {
     std::size_t size() const { return size_; }
     std::string_view view() const { return {bytes_.get(), size_}; }
 
-    // Keeps the first `size` bytes; the padding moves up to them.
+    /// Keeps the first `size` bytes; the padding moves up to them.
     void truncate(std::size_t size);
 
   private:
@@ -46,24 +46,24 @@ class FileBuffer {
     std::size_t size_;
 };
 
-// A file's bytes for a reader that goes through them from the front: a large file is read by a thread of its own, so
-// that the first bytes are worked on while the others are still on their way. All functions but the destructor throw
-// FileError.
+/// A file's bytes for a reader that goes through them from the front: a large file is read by a thread of its own, so
+/// that the first bytes are worked on while the others are still on their way. All functions but the destructor throw
+/// FileError.
 class FileReading {
   public:
     explicit FileReading(std::wstring_view path);
-    // Bytes that are all there.
+    /// Bytes that are all there.
     explicit FileReading(FileBuffer bytes);
     ~FileReading();
     FileReading(const FileReading&) = delete;
     FileReading& operator=(const FileReading&) = delete;
 
-    // Waits until more than `known` bytes are there, or all. The bytes stay where they are, also in the buffer of
-    // take().
+    /// Waits until more than `known` bytes are there, or all. The bytes stay where they are, also in the buffer of
+    /// take().
     std::string_view beyond(std::size_t known);
-    // Whether the last call of beyond() gave all bytes.
+    /// Whether the last call of beyond() gave all bytes.
     bool isComplete() const { return isComplete_; }
-    // All bytes; nothing is left here.
+    /// All bytes; nothing is left here.
     FileBuffer take();
 
   private:
@@ -74,17 +74,17 @@ class FileReading {
     std::unique_ptr<Background> background_;  // while a thread reads
 };
 
-// Reads the whole file, also one that does not tell its size. Throws FileError.
+/// Reads the whole file, also one that does not tell its size. Throws FileError.
 FileBuffer readFile(std::wstring_view path);
-// The same for text, which ends at the first byte 0x1A. A UTF-8 byte order mark is left out. Throws FileError.
+/// The same for text, which ends at the first byte 0x1A. A UTF-8 byte order mark is left out. Throws FileError.
 std::string readTextFile(std::wstring_view path);
-// The text before the first byte 0x1A.
+/// The text before the first byte 0x1A.
 std::string_view untilEndMark(std::string_view text);
 
-// A file that is either replaced whole or left as it was. It is written beside the target and takes its name in
-// commit(); without commit() nothing remains of it. The target's permissions are kept, and a link stays a link. A
-// target that is no plain file (a pipe, a device) is written directly. All but the destructor throw FileError, which
-// names the target.
+/// A file that is either replaced whole or left as it was. It is written beside the target and takes its name in
+/// commit(); without commit() nothing remains of it. The target's permissions are kept, and a link stays a link. A
+/// target that is no plain file (a pipe, a device) is written directly. All but the destructor throw FileError, which
+/// names the target.
 class AtomicFile {
   public:
     explicit AtomicFile(std::wstring_view target);
@@ -93,7 +93,7 @@ class AtomicFile {
     AtomicFile& operator=(const AtomicFile&) = delete;
 
     void write(std::string_view bytes);
-    // Flushes to the disk and renames. Nothing may be written afterwards.
+    /// Flushes to the disk and renames. Nothing may be written afterwards.
     void commit();
 
   private:
@@ -105,7 +105,7 @@ class AtomicFile {
     std::string pending_;
 };
 
-// An AtomicFile with these bytes, committed.
+/// An AtomicFile with these bytes, committed.
 void writeFile(std::wstring_view target, std::string_view bytes);
 
 }  // namespace base

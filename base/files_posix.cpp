@@ -35,9 +35,7 @@ class Descriptor {
 // Makes the folder's entries durable. Some file systems refuse this for folders; the data itself is safe by then.
 void syncFolder(const std::filesystem::path& folder) {
     const Descriptor opened(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened.number() >= 0) {
-        ::fsync(opened.number());
-    }
+    if (opened.number() >= 0) ::fsync(opened.number());
 }
 
 }  // namespace
@@ -45,12 +43,9 @@ void syncFolder(const std::filesystem::path& folder) {
 InputFile::InputFile(std::wstring_view path)
     : name_(path), handle_(::open(toUtf8(path).c_str(), O_RDONLY | O_CLOEXEC)) {
     struct stat status;
-    if (handle_ < 0) {
-        throwSystemError(path, errno);
-    }
-    if (::fstat(static_cast<int>(handle_), &status) == 0) {
+    if (handle_ < 0) throwSystemError(path, errno);
+    if (::fstat(static_cast<int>(handle_), &status) == 0)
         size_ = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
-    }
 }
 
 InputFile::~InputFile() { ::close(static_cast<int>(handle_)); }
@@ -68,34 +63,25 @@ AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced
     const bool exists = ::stat(replaced_.c_str(), &status) == 0;
     if (exists && !S_ISREG(status.st_mode)) {
         const int file = ::open(replaced_.c_str(), O_WRONLY | O_CLOEXEC);
-        if (file < 0) {
-            fail();
-        }
+        if (file < 0) fail();
         handle_ = file;
         return;
     }
     // A link stays: what it leads to is replaced, also where that does not exist yet.
     std::error_code error;
-    for (int links = 0; std::filesystem::is_symlink(replaced_, error) && links < 40; ++links) {
+    for (int links = 0; std::filesystem::is_symlink(replaced_, error) && links < 40; ++links)
         replaced_ = replaced_.parent_path() / std::filesystem::read_symlink(replaced_, error);
-    }
-    if (exists && ::access(replaced_.c_str(), W_OK) != 0) {
-        fail();
-    }
+    if (exists && ::access(replaced_.c_str(), W_OK) != 0) fail();
     std::string pattern = (replaced_.parent_path() / ("." + replaced_.filename().native() + ".XXXXXX")).native();
     const int file = ::mkostemp(pattern.data(), O_CLOEXEC);
-    if (file < 0) {
-        fail();
-    }
+    if (file < 0) fail();
     handle_ = file;
     beside_ = pattern;
     mode_t mode;
     if (exists) {
         mode = status.st_mode & 07777;
         // Only the superuser may give files away; where that fails the file belongs to who wrote it.
-        if (::fchown(file, status.st_uid, status.st_gid) != 0) {
-            mode &= 0777;
-        }
+        if (::fchown(file, status.st_uid, status.st_gid) != 0) mode &= 0777;
     } else {
         const mode_t mask = ::umask(0);
         ::umask(mask);
@@ -105,39 +91,28 @@ AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced
 }
 
 AtomicFile::Output::~Output() {
-    if (handle_ != kClosed) {
-        ::close(static_cast<int>(handle_));
-    }
-    if (!beside_.empty()) {
-        ::unlink(beside_.c_str());
-    }
+    if (handle_ != kClosed) ::close(static_cast<int>(handle_));
+    if (!beside_.empty()) ::unlink(beside_.c_str());
 }
 
 void AtomicFile::Output::write(std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t count = ::write(static_cast<int>(handle_), bytes.data(), bytes.size());
-        if (count >= 0) {
+        if (count >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
+        else if (errno != EINTR)
             fail();
-        }
     }
 }
 
 void AtomicFile::Output::commit() {
     const int file = static_cast<int>(handle_);
     const bool isBeside = !beside_.empty();
-    if (isBeside && ::fsync(file) != 0) {
-        fail();
-    }
+    if (isBeside && ::fsync(file) != 0) fail();
     handle_ = kClosed;
-    if (::close(file) != 0) {
-        fail();
-    }
+    if (::close(file) != 0) fail();
     if (isBeside) {
-        if (::rename(beside_.c_str(), replaced_.c_str()) != 0) {
-            fail();
-        }
+        if (::rename(beside_.c_str(), replaced_.c_str()) != 0) fail();
         beside_.clear();
         syncFolder(replaced_.parent_path());
     }

@@ -38,9 +38,8 @@ constexpr int kLargestField = 1 << 20;
 
 int readNumber(std::wstring_view text, std::size_t& i) {
     int number = 0;
-    for (; i < text.size() && text[i] >= L'0' && text[i] <= L'9'; ++i) {
+    for (; i < text.size() && text[i] >= L'0' && text[i] <= L'9'; ++i)
         number = std::min(number * 10 + static_cast<int>(text[i] - L'0'), kLargestField);
-    }
     return number;
 }
 
@@ -98,9 +97,7 @@ Conversion readConversion(std::wstring_view text, std::size_t& i, Arguments& arg
         }
     }
     conversion.length = readLength(text, i);
-    if (i < text.size()) {
-        conversion.letter = text[i++];
-    }
+    if (i < text.size()) conversion.letter = text[i++];
     return conversion;
 }
 
@@ -117,9 +114,8 @@ void appendNumber(std::wstring& result, const Conversion& conversion, std::wstri
                   bool zeroFill) {
     std::wstring text(sign);
     const std::size_t width = static_cast<std::size_t>(conversion.width);
-    if (zeroFill && !conversion.left && sign.size() + digits.size() < width) {
+    if (zeroFill && !conversion.left && sign.size() + digits.size() < width)
         text.append(width - sign.size() - digits.size(), L'0');
-    }
     text += widen(digits);
     appendPadded(result, conversion, text);
 }
@@ -166,22 +162,13 @@ void appendInteger(std::wstring& result, const Conversion& conversion, Arguments
     char buffer[32];
     const char* end = std::to_chars(buffer, buffer + sizeof buffer, magnitude, radix).ptr;
     std::string digits(static_cast<const char*>(buffer), end);
-    if (conversion.letter == L'X') {
+    if (conversion.letter == L'X')
         for (char& c : digits) c = c >= 'a' ? static_cast<char>(c - 32) : c;
-    }
-    if (magnitude == 0 && conversion.precision == 0) {
-        digits.clear();
-    }
+    if (magnitude == 0 && conversion.precision == 0) digits.clear();
     const std::size_t least = static_cast<std::size_t>(conversion.precision.value_or(1));
-    if (digits.size() < least) {
-        digits.insert(0, least - digits.size(), '0');
-    }
-    if (conversion.alternate && radix == 8 && !digits.starts_with('0')) {
-        digits.insert(0, 1, '0');
-    }
-    if (conversion.alternate && isHex && magnitude != 0) {
-        sign = conversion.letter == L'x' ? L"0x" : L"0X";
-    }
+    if (digits.size() < least) digits.insert(0, least - digits.size(), '0');
+    if (conversion.alternate && radix == 8 && !digits.starts_with('0')) digits.insert(0, 1, '0');
+    if (conversion.alternate && isHex && magnitude != 0) sign = conversion.letter == L'x' ? L"0x" : L"0X";
     appendNumber(result, conversion, sign, digits, conversion.zero && !conversion.precision);
 }
 
@@ -219,21 +206,18 @@ void appendReal(std::wstring& result, const Conversion& conversion, Arguments& a
     const bool isFinite = std::isfinite(magnitude);
 
     std::string text;
-    if (!isFinite) {
+    if (!isFinite)
         text = std::isnan(magnitude) ? "nan" : "inf";
-    } else if (conversion.letter == L'f' || conversion.letter == L'F') {
+    else if (conversion.letter == L'f' || conversion.letter == L'F')
         text = toChars(magnitude, std::chars_format::fixed, precision);
-    } else if (conversion.letter == L'e' || conversion.letter == L'E') {
+    else if (conversion.letter == L'e' || conversion.letter == L'E')
         text = toChars(magnitude, std::chars_format::scientific, precision);
-    } else {
+    else
         text = generalForm(magnitude, precision, conversion.alternate);
-    }
-    if (isFinite && conversion.alternate && text.find('.') == std::string::npos) {
+    if (isFinite && conversion.alternate && text.find('.') == std::string::npos)
         text.insert(std::min(text.find('e'), text.size()), ".");
-    }
-    if (conversion.letter < L'a') {
+    if (conversion.letter < L'a')
         for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-    }
     appendNumber(result, conversion, sign, text, conversion.zero && isFinite);
 }
 
@@ -251,11 +235,11 @@ void appendText(std::wstring& result, const Conversion& conversion, Arguments& a
     std::wstring text;
     if (isNarrow) {
         const char* narrow = va_arg(arguments.list, const char*);
-        if (narrow == nullptr) narrow = "(null)";
+        if (!narrow) narrow = "(null)";
         text = fromUtf8(std::string_view(narrow, lengthOf(narrow, conversion.precision)));
     } else {
         const wchar_t* wide = va_arg(arguments.list, const wchar_t*);
-        if (wide == nullptr) wide = L"(null)";
+        if (!wide) wide = L"(null)";
         text.assign(wide, lengthOf(wide, conversion.precision));
         const bool endsInHalfPair = !text.empty() && text.back() >= 0xD800 && text.back() <= 0xDBFF;
         if (conversion.precision && endsInHalfPair) text.pop_back();
@@ -274,9 +258,8 @@ void appendLetter(std::wstring& result, const Conversion& conversion, Arguments&
 void appendPointer(std::wstring& result, const Conversion& conversion, Arguments& arguments) {
     const auto address = reinterpret_cast<std::uintptr_t>(va_arg(arguments.list, void*));
     std::wstring text;
-    for (int shift = 60; shift >= 0; shift -= 4) {
+    for (int shift = 60; shift >= 0; shift -= 4)
         text += L"0123456789ABCDEF"[static_cast<std::uint64_t>(address) >> shift & 15];
-    }
     appendPadded(result, conversion, text);
 }
 
@@ -290,9 +273,7 @@ std::wstring vformat(const wchar_t* format, std::va_list list) {
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t percent = std::min(text.find(L'%', i), text.size());
         result += text.substr(i, percent - i);
-        if (percent == text.size()) {
-            break;
-        }
+        if (percent == text.size()) break;
         i = percent + 1;
         const Conversion conversion = readConversion(text, i, arguments);
         switch (conversion.letter) {
@@ -346,9 +327,7 @@ std::wstring formatPositional(std::wstring_view format, std::initializer_list<Po
     boost::wformat formatter(std::wstring(), std::locale::classic());
     formatter.exceptions(boost::io::no_error_bits);
     formatter.parse(std::wstring(format));
-    for (const PositionalArgument& argument : arguments) {
-        formatter % argument.text();
-    }
+    for (const PositionalArgument& argument : arguments) formatter % argument.text();
     return formatter.str();
 }
 

@@ -10,19 +10,20 @@
 
 namespace base {
 
-// Formats by printf's rules, alike on both platforms:
-//   %s %ls        const wchar_t*; a null pointer prints "(null)"
-//   %S %hs        const char* in UTF-8
-//   %c %lc        a wide character; %C %hc a narrow one
-//   %d %i %u %o %x %X  with h hh l ll j z t, and I64 I32 I; %p sixteen upper-case hexadecimal digits
-//   %f %F %e %E %g %G  the C locale's decimal point; "inf" and "nan" as they are
-//   flags - + blank 0 #, width, .precision, * for either: a negative width left-justifies, a negative precision is none
-// Widths and precisions of texts count wchar_t units (a narrow text's precision counts its bytes); a surrogate pair is
-// not split. A conversion it does not know is printed as it stands and takes no argument.
+/// Formats by printf's rules, alike on both platforms:
+///   %s %ls        const wchar_t*; a null pointer prints "(null)"
+///   %S %hs        const char* in UTF-8
+///   %c %lc        a wide character; %C %hc a narrow one
+///   %d %i %u %o %x %X  with h hh l ll j z t, and I64 I32 I; %p sixteen upper-case hexadecimal digits
+///   %f %F %e %E %g %G  the C locale's decimal point; "inf" and "nan" as they are
+///   flags - + blank 0 #, width, .precision, * for either: a negative width left-justifies, a negative precision is
+///   none
+/// Widths and precisions of texts count wchar_t units (a narrow text's precision counts its bytes); a surrogate pair is
+/// not split. A conversion it does not know is printed as it stands and takes no argument.
 std::wstring format(const wchar_t* format, ...);
 std::wstring vformat(const wchar_t* format, std::va_list arguments);
 
-// One argument of formatPositional: a text or an integer.
+/// One argument of formatPositional: a text or an integer.
 class PositionalArgument {
   public:
     PositionalArgument(const wchar_t* text) : text_(text) {}
@@ -36,8 +37,8 @@ class PositionalArgument {
     std::wstring text_;
 };
 
-// Replaces "%1%", "%2%", ... by the arguments in their order and "%%" by "%". A position without argument gives an
-// empty text, an argument without position is left out.
+/// Replaces "%1%", "%2%", ... by the arguments in their order and "%%" by "%". A position without argument gives an
+/// empty text, an argument without position is left out.
 std::wstring formatPositional(std::wstring_view format, std::initializer_list<PositionalArgument> arguments);
 
 template <typename... Arguments>

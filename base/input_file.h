@@ -8,7 +8,7 @@
 
 namespace base {
 
-// The functions throw FileError.
+/// The functions throw FileError.
 class InputFile {
   public:
     explicit InputFile(std::wstring_view path);
@@ -16,9 +16,9 @@ class InputFile {
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    // In bytes; 0 for pipes and the like, which tell none.
+    /// In bytes; 0 for pipes and the like, which tell none.
     std::size_t size() const { return size_; }
-    // Reads up to `most` bytes; 0 at the end.
+    /// Reads up to `most` bytes; 0 at the end.
     std::size_t read(char* bytes, std::size_t most);
 
   private:

@@ -16,14 +16,10 @@ std::optional<std::string> LineBuffer::take() {
         }
         ended_ = ended_ || count == 0;
     }
-    if (pending_.empty()) {
-        return std::nullopt;
-    }
+    if (pending_.empty()) return std::nullopt;
     std::string line = pending_.substr(0, end);
     pending_.erase(0, end == std::string::npos ? end : end + 1);
-    if (line.ends_with('\r')) {
-        line.pop_back();
-    }
+    if (line.ends_with('\r')) line.pop_back();
     return line;
 }
 

@@ -11,8 +11,8 @@ struct FreeLargeMemory {
 };
 using LargeMemory = std::unique_ptr<char[], FreeLargeMemory>;
 
-// `size` bytes, not set to anything. What is big is held in large pages where the system has them: filling small ones
-// takes a quarter of the time in which a drawing is read.
+/// `size` bytes, not set to anything. What is big is held in large pages where the system has them: filling small ones
+/// takes a quarter of the time in which a drawing is read.
 LargeMemory allocateLarge(std::size_t size);
 
 }  // namespace base

@@ -18,12 +18,8 @@ struct Search {
 int visitModule(dl_phdr_info* info, std::size_t, void* data) {
     Search& search = *static_cast<Search*>(data);
     std::string_view name = info->dlpi_name;
-    if (!search.wholePath) {
-        name = name.substr(name.rfind('/') + 1);
-    }
-    if (name != search.fileName) {
-        return 0;
-    }
+    if (!search.wholePath) name = name.substr(name.rfind('/') + 1);
+    if (name != search.fileName) return 0;
     for (unsigned i = 0; i < info->dlpi_phnum; ++i) {
         if (info->dlpi_phdr[i].p_type == PT_LOAD) {
             search.address = reinterpret_cast<const void*>(info->dlpi_addr + info->dlpi_phdr[i].p_vaddr);
@@ -39,13 +35,9 @@ ModuleHandle findLoadedModule(std::wstring_view fileName) {
     const bool wholePath = fileName.find(L'/') != std::wstring_view::npos;
     // The loader's list holds the program without its name.
     const std::wstring program = moduleFileName(processImage());
-    if (fileName == (wholePath ? program : fileNameOf(program))) {
-        return processImage();
-    }
+    if (fileName == (wholePath ? program : fileNameOf(program))) return processImage();
     Search search{toUtf8(fileName), wholePath};
-    if (!search.fileName.empty()) {
-        dl_iterate_phdr(visitModule, &search);
-    }
+    if (!search.fileName.empty()) dl_iterate_phdr(visitModule, &search);
     return moduleOf(search.address);
 }
 
@@ -61,16 +53,12 @@ ModuleHandle processImage() {
 ModuleHandle moduleOf(const void* address) {
     Dl_info info;
     void* entry = nullptr;
-    if (address == nullptr || dladdr1(address, &info, &entry, RTLD_DL_LINKMAP) == 0) {
-        return nullptr;
-    }
+    if (!address || dladdr1(address, &info, &entry, RTLD_DL_LINKMAP) == 0) return nullptr;
     return entry;
 }
 
 std::wstring moduleFileName(ModuleHandle module) {
-    if (module == nullptr) {
-        return {};
-    }
+    if (!module) return {};
     const std::string_view name = static_cast<const link_map*>(module)->l_name;
     if (name.empty()) {
         std::error_code error;
@@ -80,15 +68,11 @@ std::wstring moduleFileName(ModuleHandle module) {
 }
 
 void* findSymbol(ModuleHandle module, const char* name) {
-    if (module == nullptr) {
-        return nullptr;
-    }
+    if (!module) return nullptr;
     // A module that was only loaded because another needs it cannot be asked before it was opened once by itself.
     const char* fileName = static_cast<const link_map*>(module)->l_name;
     const ModuleReference opened(dlopen(*fileName == '\0' ? nullptr : fileName, RTLD_LAZY | RTLD_NOLOAD));
-    if (opened.get() != module) {
-        return nullptr;
-    }
+    if (opened.get() != module) return nullptr;
     // The search goes on in the module's dependencies.
     void* symbol = dlsym(module, name);
     return moduleOf(symbol) == module ? symbol : nullptr;
@@ -100,14 +84,10 @@ ModuleReference loadModule(std::wstring_view fileName, std::wstring* reason) {
     std::wstring path(fileName);
     if (fileName.find(L'/') == std::wstring_view::npos) {
         const std::wstring besideProgram = joinPath(folderOf(moduleFileName(processImage())), fileName);
-        if (isFile(besideProgram)) {
-            path = besideProgram;
-        }
+        if (isFile(besideProgram)) path = besideProgram;
     }
     ModuleReference module(dlopen(toUtf8(path).c_str(), RTLD_NOW | RTLD_LOCAL));
-    if (module == nullptr && reason != nullptr) {
-        *reason = fromUtf8(dlerror());
-    }
+    if (!module && reason) *reason = fromUtf8(dlerror());
     return module;
 }
 

@@ -14,16 +14,12 @@ ModuleHandle processImage() { return GetModuleHandleW(nullptr); }
 
 ModuleHandle moduleOf(const void* address) {
     MEMORY_BASIC_INFORMATION region;
-    if (VirtualQuery(address, &region, sizeof region) == 0 || region.Type != MEM_IMAGE) {
-        return nullptr;
-    }
+    if (VirtualQuery(address, &region, sizeof region) == 0 || region.Type != MEM_IMAGE) return nullptr;
     return region.AllocationBase;
 }
 
 std::wstring moduleFileName(ModuleHandle module) {
-    if (module == nullptr) {
-        return {};
-    }
+    if (!module) return {};
     std::wstring name(MAX_PATH, L'\0');
     for (;;) {
         const DWORD length =
@@ -37,9 +33,7 @@ std::wstring moduleFileName(ModuleHandle module) {
 }
 
 void* findSymbol(ModuleHandle module, const char* name) {
-    if (module == nullptr) {
-        return nullptr;
-    }
+    if (!module) return nullptr;
     // Only the module's own exports are searched; what it forwards to another one counts as its own.
     return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
 }
@@ -48,9 +42,7 @@ void ModuleUnloader::operator()(ModuleHandle module) const { FreeLibrary(static_
 
 ModuleReference loadModule(std::wstring_view fileName, std::wstring* reason) {
     ModuleReference module(LoadLibraryW(std::wstring(fileName).c_str()));
-    if (module == nullptr && reason != nullptr) {
-        *reason = systemErrorText(GetLastError());
-    }
+    if (!module && reason) *reason = systemErrorText(GetLastError());
     return module;
 }
 

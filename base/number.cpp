@@ -12,9 +12,7 @@ namespace {
 // Without blanks around, and without a plus sign unless another sign follows it.
 std::string_view numberIn(std::string_view text) {
     text = trimmed(text);
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+') {
-        text.remove_prefix(1);
-    }
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+') text.remove_prefix(1);
     return text;
 }
 
@@ -22,9 +20,7 @@ std::string_view numberIn(std::string_view text) {
 std::string narrowNumber(std::wstring_view text) {
     std::string narrow;
     narrow.reserve(text.size());
-    for (wchar_t c : text) {
-        narrow += c > 0 && c < 0x80 ? static_cast<char>(c) : '?';
-    }
+    for (wchar_t c : text) narrow += c > 0 && c < 0x80 ? static_cast<char>(c) : '?';
     return narrow;
 }
 
@@ -40,11 +36,10 @@ bool isTooSmall(std::string_view text) {
             behindPoint = true;
         } else if (text[i] != '-') {
             seenDigit = seenDigit || text[i] != '0';
-            if (seenDigit && !behindPoint) {
+            if (seenDigit && !behindPoint)
                 ++power;
-            } else if (!seenDigit && behindPoint) {
+            else if (!seenDigit && behindPoint)
                 --power;
-            }
         }
     }
     long exponent = 0;
@@ -52,9 +47,7 @@ bool isTooSmall(std::string_view text) {
         std::string_view digits = text.substr(i + 1);
         if (!digits.empty() && digits[0] == '+') digits.remove_prefix(1);
         const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
-        if (parsed.ec == std::errc::result_out_of_range) {
-            return digits[0] == '-';
-        }
+        if (parsed.ec == std::errc::result_out_of_range) return digits[0] == '-';
     }
     return power + exponent < 0;
 }
@@ -64,9 +57,7 @@ std::optional<Integer> parseWhole(std::string_view text, int radix) {
     text = numberIn(text);
     Integer number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, radix);
-    if (error != std::errc() || end != text.data() + text.size()) {
-        return std::nullopt;
-    }
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
     return number;
 }
 
@@ -76,20 +67,13 @@ std::optional<double> parseReal(std::string_view text) {
     text = numberIn(text);
     // "inf" and "nan" read as numbers too, but are none here.
     const std::string_view unsignedText = !text.empty() && text[0] == '-' ? text.substr(1) : text;
-    if (unsignedText.empty() || !((unsignedText[0] >= '0' && unsignedText[0] <= '9') || unsignedText[0] == '.')) {
+    if (unsignedText.empty() || !((unsignedText[0] >= '0' && unsignedText[0] <= '9') || unsignedText[0] == '.'))
         return std::nullopt;
-    }
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (end != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    if (error == std::errc::result_out_of_range && isTooSmall(text)) {
-        return text[0] == '-' ? -0.0 : 0.0;
-    }
-    if (error != std::errc()) {
-        return std::nullopt;
-    }
+    if (end != text.data() + text.size()) return std::nullopt;
+    if (error == std::errc::result_out_of_range && isTooSmall(text)) return text[0] == '-' ? -0.0 : 0.0;
+    if (error != std::errc()) return std::nullopt;
     return number;
 }
 
@@ -107,9 +91,7 @@ std::string realToText(double number) {
     const std::string_view scientific(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
     const std::size_t mark = scientific.find('e');
     const int exponent = std::atoi(buffer.data() + mark + 1);
-    if (exponent < -4 || exponent >= 16) {
-        return std::string(scientific);
-    }
+    if (exponent < -4 || exponent >= 16) return std::string(scientific);
 
     std::string_view mantissa = scientific.substr(0, mark);
     std::string result;
@@ -118,9 +100,7 @@ std::string realToText(double number) {
         mantissa.remove_prefix(1);
     }
     std::string digits(1, mantissa[0]);
-    if (mantissa.size() > 2) {
-        digits += mantissa.substr(2);
-    }
+    if (mantissa.size() > 2) digits += mantissa.substr(2);
     if (exponent < 0) {
         result += "0.";
         result.append(static_cast<std::size_t>(-exponent - 1), '0');
@@ -128,9 +108,7 @@ std::string realToText(double number) {
         return result;
     }
     const std::size_t whole = static_cast<std::size_t>(exponent) + 1;
-    if (digits.size() <= whole) {
-        digits.append(whole - digits.size() + 1, '0');
-    }
+    if (digits.size() <= whole) digits.append(whole - digits.size() + 1, '0');
     result += digits.substr(0, whole);
     result += '.';
     result += digits.substr(whole);

@@ -10,8 +10,8 @@
 
 namespace base {
 
-// Makes the file beside the target, or opens the target itself where it is no plain file. The functions throw
-// FileError. An output that goes without commit() removes the file beside the target.
+/// Makes the file beside the target, or opens the target itself where it is no plain file. The functions throw
+/// FileError. An output that goes without commit() removes the file beside the target.
 class AtomicFile::Output {
   public:
     explicit Output(std::wstring_view target);
@@ -25,7 +25,7 @@ class AtomicFile::Output {
   private:
     static constexpr std::intptr_t kClosed = -1;
 
-    // Throws what the system's last error says about the target.
+    /// Throws what the system's last error says about the target.
     [[noreturn]] void fail() const;
 
     std::wstring target_;             // as the caller named it

@@ -10,11 +10,8 @@ namespace {
 constexpr std::size_t kNone = std::wstring_view::npos;
 
 std::size_t lastSeparator(std::wstring_view path) {
-    for (std::size_t i = path.size(); i > 0; --i) {
-        if (isPathSeparator(path[i - 1])) {
-            return i - 1;
-        }
-    }
+    for (std::size_t i = path.size(); i > 0; --i)
+        if (isPathSeparator(path[i - 1])) return i - 1;
     return kNone;
 }
 
@@ -32,22 +29,16 @@ std::size_t extensionStart(std::wstring_view name) {
 }  // namespace
 
 std::wstring joinPath(std::wstring_view folder, std::wstring_view name) {
-    if (folder.empty() || isAbsolutePath(name)) {
-        return std::wstring(name);
-    }
+    if (folder.empty() || isAbsolutePath(name)) return std::wstring(name);
     std::wstring path(folder);
-    if (!isPathSeparator(path.back())) {
-        path += pathSeparator();
-    }
+    if (!isPathSeparator(path.back())) path += pathSeparator();
     path += name;
     return path;
 }
 
 std::wstring folderOf(std::wstring_view path) {
     const std::size_t separator = lastSeparator(path);
-    if (separator == kNone) {
-        return {};
-    }
+    if (separator == kNone) return {};
     const std::wstring_view root = path.substr(0, separator + 1);
     const bool isRoot = separator == 0 || (isAbsolutePath(root) && !isAbsolutePath(path.substr(0, separator)));
     return std::wstring(isRoot ? root : path.substr(0, separator));
@@ -72,9 +63,7 @@ bool isAbsolutePath(std::wstring_view path) {
 
 std::vector<std::wstring> splitSearchPath(std::wstring_view searchPath) {
     std::vector<std::wstring> folders = split(searchPath, kSearchPathSeparator);
-    for (std::wstring& folder : folders) {
-        folder = trimmed(folder);
-    }
+    for (std::wstring& folder : folders) folder = trimmed(folder);
     std::erase(folders, std::wstring());
     return folders;
 }
@@ -104,9 +93,7 @@ std::wstring currentFolder() {
 std::wstring temporaryFolder() {
     std::error_code error;
     std::wstring folder = fromPath(std::filesystem::temp_directory_path(error));
-    while (folder.size() > 1 && isPathSeparator(folder.back())) {
-        folder.pop_back();
-    }
+    while (folder.size() > 1 && isPathSeparator(folder.back())) folder.pop_back();
     return folder;
 }
 

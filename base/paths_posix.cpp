@@ -14,9 +14,7 @@ std::filesystem::path toPath(std::wstring_view path) { return toUtf8(path); }
 std::wstring fromPath(const std::filesystem::path& path) { return fromUtf8(path.native()); }
 
 std::wstring userSettingsFolder() {
-    if (const auto folder = environmentVariable(L"XDG_CONFIG_HOME"); folder && isAbsolutePath(*folder)) {
-        return *folder;
-    }
+    if (const auto folder = environmentVariable(L"XDG_CONFIG_HOME"); folder && isAbsolutePath(*folder)) return *folder;
     return joinPath(environmentVariable(L"HOME").value_or(L"/"), L".config");
 }
 

@@ -21,9 +21,7 @@ std::optional<std::wstring> environmentVariable(std::wstring_view name) {
         value.resize(needed);
         SetLastError(ERROR_SUCCESS);
         needed = GetEnvironmentVariableW(key.c_str(), value.data(), static_cast<DWORD>(value.size()));
-        if (needed == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND) {
-            return std::nullopt;
-        }
+        if (needed == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
         if (needed < value.size()) {
             value.resize(needed);
             break;

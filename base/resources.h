@@ -8,10 +8,10 @@
 
 namespace base {
 
-// The bytes of a resource, which live as long as the module is loaded. Empty when the module has no such resource.
+/// The bytes of a resource, which live as long as the module is loaded. Empty when the module has no such resource.
 ResourceBytes findResource(ModuleHandle module, const ResourceName& type, const ResourceName& name);
 
-// The string of the module's string tables; empty when it is not there.
+/// The string of the module's string tables; empty when it is not there.
 std::wstring loadString(ModuleHandle module, unsigned id);
 
 }  // namespace base

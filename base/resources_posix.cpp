@@ -28,9 +28,7 @@ ResourceBytes resourcesInNotes(const std::byte* notes, std::size_t size, std::si
             return {notes + contents + distance, length};
         }
         position = contents + aligned(header.n_descsz);
-        if (position > size) {
-            break;
-        }
+        if (position > size) break;
     }
     return {};
 }
@@ -42,9 +40,7 @@ struct Search {
 
 int visitModule(dl_phdr_info* info, std::size_t, void* data) {
     Search& search = *static_cast<Search*>(data);
-    if (info->dlpi_addr != search.loadAddress) {
-        return 0;
-    }
+    if (info->dlpi_addr != search.loadAddress) return 0;
     for (unsigned i = 0; i < info->dlpi_phnum && search.found.empty(); ++i) {
         const ElfW(Phdr)& segment = info->dlpi_phdr[i];
         if (segment.p_type == PT_NOTE) {
@@ -58,9 +54,7 @@ int visitModule(dl_phdr_info* info, std::size_t, void* data) {
 }  // namespace
 
 ResourceBytes findResource(ModuleHandle module, const ResourceName& type, const ResourceName& name) {
-    if (module == nullptr) {
-        return {};
-    }
+    if (!module) return {};
     // A module's handle is its entry in the loader's list.
     Search search{static_cast<const link_map*>(module)->l_addr, {}};
     dl_iterate_phdr(visitModule, &search);

@@ -14,14 +14,10 @@ const wchar_t* systemName(const ResourceName& name) {
 ResourceBytes findResource(ModuleHandle module, const ResourceName& type, const ResourceName& name) {
     const HMODULE handle = static_cast<HMODULE>(module);
     const HRSRC found = handle == nullptr ? nullptr : FindResourceW(handle, systemName(name), systemName(type));
-    if (found == nullptr) {
-        return {};
-    }
+    if (!found) return {};
     const HGLOBAL loaded = LoadResource(handle, found);
     const void* bytes = loaded == nullptr ? nullptr : LockResource(loaded);
-    if (bytes == nullptr) {
-        return {};
-    }
+    if (!bytes) return {};
     return {static_cast<const std::byte*>(bytes), SizeofResource(handle, found)};
 }
 

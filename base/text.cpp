@@ -13,11 +13,10 @@ bool isCharacter(char32_t c) { return c <= 0x10FFFF && !isHighSurrogate(c) && !i
 
 // A wchar_t's bits without sign.
 char32_t unitAt(std::wstring_view text, std::size_t position) {
-    if constexpr (sizeof(wchar_t) == 2) {
+    if constexpr (sizeof(wchar_t) == 2)
         return static_cast<char16_t>(text[position]);
-    } else {
+    else
         return static_cast<char32_t>(text[position]);
-    }
 }
 
 bool isPairAt(std::wstring_view text, std::size_t position) {
@@ -36,9 +35,7 @@ struct Utf8Character {
 Utf8Character takeUtf8(std::string_view bytes) {
     auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned char lead = byteAt(0);
-    if (lead < 0x80) {
-        return {lead, 1, true};
-    }
+    if (lead < 0x80) return {lead, 1, true};
     std::size_t length = 0;
     char32_t value = 0;
     // The second byte's range is narrower where overlong forms, surrogates or numbers beyond the last character begin.
@@ -61,9 +58,7 @@ Utf8Character takeUtf8(std::string_view bytes) {
         return {kReplacementCharacter, 1, false};
     }
     for (std::size_t i = 1; i < length; ++i) {
-        if (i >= bytes.size() || byteAt(i) < low || byteAt(i) > high) {
-            return {kReplacementCharacter, i, false};
-        }
+        if (i >= bytes.size() || byteAt(i) < low || byteAt(i) > high) return {kReplacementCharacter, i, false};
         value = value << 6 | (byteAt(i) & 0x3Fu);
         low = 0x80;
         high = 0xBF;
@@ -74,18 +69,14 @@ Utf8Character takeUtf8(std::string_view bytes) {
 char32_t mapCase(CaseTable table, char32_t character) {
     const auto run = std::lower_bound(table.begin(), table.end(), character,
                                       [](const CaseRange& range, char32_t c) { return range.last < c; });
-    if (run == table.end() || character < run->first || (character - run->first) % run->step != 0) {
-        return character;
-    }
+    if (run == table.end() || character < run->first || (character - run->first) % run->step != 0) return character;
     return static_cast<char32_t>(static_cast<std::int32_t>(character) + run->delta);
 }
 
 std::wstring mapCase(CaseTable table, std::wstring_view text) {
     std::wstring result;
     result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        appendCharacter(result, mapCase(table, nextCharacter(text, i)));
-    }
+    for (std::size_t i = 0; i < text.size();) appendCharacter(result, mapCase(table, nextCharacter(text, i)));
     return result;
 }
 
@@ -115,18 +106,14 @@ std::wstring fromUtf8(std::string_view utf8) {
 std::string toUtf8(std::wstring_view text) {
     std::string utf8;
     utf8.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        appendCharacter(utf8, nextCharacter(text, i));
-    }
+    for (std::size_t i = 0; i < text.size();) appendCharacter(utf8, nextCharacter(text, i));
     return utf8;
 }
 
 bool isUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
         const Utf8Character character = takeUtf8(bytes);
-        if (!character.wellFormed) {
-            return false;
-        }
+        if (!character.wellFormed) return false;
         bytes.remove_prefix(character.length);
     }
     return true;
@@ -135,9 +122,7 @@ bool isUtf8(std::string_view bytes) {
 std::wstring widen(std::string_view ascii) {
     std::wstring text;
     text.reserve(ascii.size());
-    for (char c : ascii) {
-        text += static_cast<wchar_t>(static_cast<unsigned char>(c));
-    }
+    for (char c : ascii) text += static_cast<wchar_t>(static_cast<unsigned char>(c));
     return text;
 }
 
@@ -153,9 +138,7 @@ char32_t nextCharacter(std::wstring_view text, std::size_t& position) {
 }
 
 void appendCharacter(std::wstring& text, char32_t character) {
-    if (!isCharacter(character)) {
-        character = kReplacementCharacter;
-    }
+    if (!isCharacter(character)) character = kReplacementCharacter;
     if (sizeof(wchar_t) == 2 && character >= 0x10000) {
         text += static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));
         text += static_cast<wchar_t>(0xDC00 + (character & 0x3FF));
@@ -165,9 +148,7 @@ void appendCharacter(std::wstring& text, char32_t character) {
 }
 
 void appendCharacter(std::string& utf8, char32_t character) {
-    if (!isCharacter(character)) {
-        character = kReplacementCharacter;
-    }
+    if (!isCharacter(character)) character = kReplacementCharacter;
     auto append = [&](char32_t byte) { utf8 += static_cast<char>(byte); };
     auto appendTail = [&](unsigned shift) { append(0x80 | (character >> shift & 0x3F)); };
     if (character < 0x80) {
@@ -188,24 +169,18 @@ void appendCharacter(std::string& utf8, char32_t character) {
 }
 
 std::size_t positionAfter(std::wstring_view text, std::size_t position) {
-    if (position >= text.size()) {
-        return text.size();
-    }
+    if (position >= text.size()) return text.size();
     return position + (isPairAt(text, position) ? 2 : 1);
 }
 
 std::size_t positionBefore(std::wstring_view text, std::size_t position) {
     position = std::min(position, text.size());
-    if (position == 0) {
-        return 0;
-    }
+    if (position == 0) return 0;
     return position - (position >= 2 && isPairAt(text, position - 2) ? 2 : 1);
 }
 
 std::wstring_view prefix(std::wstring_view text, std::size_t length) {
-    if (length >= text.size()) {
-        return text;
-    }
+    if (length >= text.size()) return text;
     return text.substr(0, length > 0 && isPairAt(text, length - 1) ? length - 1 : length);
 }
 
@@ -221,9 +196,7 @@ int compareNoCase(std::wstring_view a, std::wstring_view b) {
     while (i < a.size() && j < b.size()) {
         const char32_t inA = foldCase(nextCharacter(a, i));
         const char32_t inB = foldCase(nextCharacter(b, j));
-        if (inA != inB) {
-            return inA < inB ? -1 : 1;
-        }
+        if (inA != inB) return inA < inB ? -1 : 1;
     }
     return static_cast<int>(i < a.size()) - static_cast<int>(j < b.size());
 }
@@ -232,29 +205,22 @@ bool equalsNoCase(std::wstring_view a, std::wstring_view b) { return compareNoCa
 
 bool startsWithNoCase(std::wstring_view text, std::wstring_view start) {
     std::size_t i = 0;
-    for (std::size_t j = 0; j < start.size();) {
-        if (i >= text.size() || foldCase(nextCharacter(text, i)) != foldCase(nextCharacter(start, j))) {
-            return false;
-        }
-    }
+    for (std::size_t j = 0; j < start.size();)
+        if (i >= text.size() || foldCase(nextCharacter(text, i)) != foldCase(nextCharacter(start, j))) return false;
     return true;
 }
 
 std::size_t findNoCase(std::wstring_view text, std::wstring_view sought, std::size_t from) {
     for (std::size_t i = from; i <= text.size(); i = positionAfter(text, i)) {
-        if (startsWithNoCase(text.substr(i), sought)) {
-            return i;
-        }
-        if (i == text.size()) {
-            break;
-        }
+        if (startsWithNoCase(text.substr(i), sought)) return i;
+        if (i == text.size()) break;
     }
     return std::wstring_view::npos;
 }
 
 bool equalsNoCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return asciiLower(x) == asciiLower(y); });
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return asciiLower(x) == asciiLower(y); });
 }
 
 std::wstring_view trimmed(std::wstring_view text) { return trimmedText(text); }
@@ -262,9 +228,8 @@ std::string_view trimmed(std::string_view text) { return trimmedText(text); }
 
 std::vector<std::wstring> split(std::wstring_view text, wchar_t separator) {
     std::vector<std::wstring> pieces;
-    for (std::size_t end; (end = text.find(separator)) != std::wstring_view::npos; text.remove_prefix(end + 1)) {
+    for (std::size_t end; (end = text.find(separator)) != std::wstring_view::npos; text.remove_prefix(end + 1))
         pieces.emplace_back(text.substr(0, end));
-    }
     pieces.emplace_back(text);
     return pieces;
 }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr auto kPerReference = static_cast<std::int64_t>(bench::kAttributesPerReference);
 
-/// The drawing with as many references as the run wants, made once in a row of runs.
+// The drawing with as many references as the run wants, made once in a row of runs.
 const std::string& drawing(const benchmark::State& state) {
     static std::int64_t madeFor = -1;
     static std::string bytes;
@@ -41,7 +41,7 @@ std::vector<OdDbObjectId> referencesOf(const OdDbDatabasePtr& database) {
     return references;
 }
 
-/// Gives every attribute a new text; returns how many there are.
+// Gives every attribute a new text; returns how many there are.
 std::int64_t changeEverything(const OdDbDatabasePtr& database) {
     std::int64_t changed = 0;
     for (OdDbObjectId id : referencesOf(database)) {

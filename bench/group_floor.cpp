@@ -52,7 +52,7 @@ int main(int count, char** arguments) {
     while (at < end) {
         const char* const codeEnd = lineEnd(at);
         const char* const valueEnd = codeEnd == nullptr ? nullptr : lineEnd(codeEnd + 1);
-        if (valueEnd == nullptr) break;
+        if (!valueEnd) break;
         ++groups;
         if (codeOf(at, codeEnd) == 0) ++records;
         at = valueEnd + 1;

@@ -23,7 +23,7 @@ struct Point {
     double y = 0;
 };
 
-/// An attribute definition, and what its values look like on the references.
+// An attribute definition, and what its values look like on the references.
 struct Definition {
     const char* tag;
     const char* prompt;
@@ -36,7 +36,7 @@ struct Definition {
 
 constexpr std::size_t kSurplus = 5;
 
-/// The first five are the definitions as they are now; the third of them is new, the sixth exists on references only.
+// The first five are the definitions as they are now; the third of them is new, the sixth exists on references only.
 struct Block {
     const char* layer;
     std::array<Definition, 6> definitions;
@@ -78,7 +78,7 @@ constexpr std::array<Block, kBlockNames.size()> kBlocks = {{
      {1, 0, 3, 4, kSurplus}},
 }};
 
-/// Where a reference stands. Mirroring and unequal scales are left out: few drawings have many of them.
+// Where a reference stands. Mirroring and unequal scales are left out: few drawings have many of them.
 struct Placement {
     Point point;
     double scale = 1;
@@ -91,7 +91,7 @@ struct Placement {
     }
 };
 
-/// Groups in the spelling that most programs write.
+// Groups in the spelling that most programs write.
 class Groups {
   public:
     void text(int code, std::string_view value) {
@@ -125,7 +125,7 @@ class Groups {
         text(100, zone);
         text(2, name);
     }
-    /// The part of an attribute or a definition that both have.
+    // The part of an attribute or a definition that both have.
     void attributeText(const Definition& definition, std::string_view value, const Placement& placement) {
         text(100, "AcDbText");
         const Point place = placement(definition.point);
@@ -152,11 +152,11 @@ class Groups {
     std::string out_;
 };
 
-/// An empty drawing whose tables and sections are filled up on the way.
+// An empty drawing whose tables and sections are filled up on the way.
 class Frame {
   public:
     explicit Frame(const std::function<void(std::string_view)>& sink) : sink_(sink) { std::erase(bytes_, '\r'); }
-    /// Hands over what stands before the end (`closer`) of the table or section `name`.
+    // Hands over what stands before the end (`closer`) of the table or section `name`.
     void upTo(std::string_view name, std::string_view closer) {
         const std::size_t begin = bytes_.find("\n  2\n" + std::string(name) + "\n", at_);
         handOver(bytes_.find("  0\n" + std::string(closer) + "\n", begin));
@@ -184,7 +184,7 @@ class Frame {
     std::size_t at_ = 0;
 };
 
-/// The handles of a block: its record, begin, end, a line, an arc, then the definitions.
+// The handles of a block: its record, begin, end, a line, an arc, then the definitions.
 std::uint64_t blockHandle(std::size_t block, std::size_t part) { return kFirstHandle + 0x10 * (1 + block) + part; }
 
 const char* layerOf(const Definition& definition) { return definition.note ? kLayers.back() : "0"; }

@@ -67,7 +67,7 @@ class DIALOGS_API Dialog {
     std::wstring title() const { return title_; }
     void setTitle(std::wstring_view title);
 
-    // ---- any control
+    /// ---- any control
     std::wstring text(int id) const { return control(id).text; }
     void setText(int id, std::wstring_view text);
     bool isEnabled(int id) const { return control(id).enabled; }
@@ -82,12 +82,12 @@ class DIALOGS_API Dialog {
     /// 0: none of this dialog's controls has the focus.
     int focused() const;
 
-    // ---- check boxes and radio buttons
+    /// ---- check boxes and radio buttons
     bool isChecked(int id) const { return control(id).checked; }
     /// Marking a radio button clears the others of its group.
     void setChecked(int id, bool on = true);
 
-    // ---- fields
+    /// ---- fields
     TextSelection selection(int id) const { return control(id).selection; }
     void setSelection(int id, TextSelection selection);
     void selectAll(int id);
@@ -99,7 +99,7 @@ class DIALOGS_API Dialog {
     /// Shows the contents anew after they were changed from outside.
     void refreshRichText(int id);
 
-    // ---- choices of list boxes and drop-downs
+    /// ---- choices of list boxes and drop-downs
     int addChoice(int id, std::wstring_view text, std::intptr_t data = 0);
     void clearChoices(int id);
     void setSwatch(int id, int choice, std::uint32_t rgb);
@@ -113,7 +113,7 @@ class DIALOGS_API Dialog {
     int selected(int id) const { return control(id).selected; }
     void select(int id, int item);
 
-    // ---- list views
+    /// ---- list views
     void setColumns(int id, std::vector<Column> columns);
     /// As it is now: the user can drag it.
     int columnWidth(int id, int column) const { return control(id).columns.at(column).width; }
@@ -125,13 +125,13 @@ class DIALOGS_API Dialog {
     std::wstring cell(int id, int row, int column) const { return control(id).rows.at(row).cells.at(column); }
     void setCell(int id, int row, int column, std::wstring_view text);
 
-    // ---- pages of a tab control
+    /// ---- pages of a tab control
     /// The page must outlive the dialog's runs. It is initialised when it is first shown in a run.
     void addPage(int id, std::wstring_view title, Dialog& page);
     /// The dialog around a page; null for any other.
     Dialog* parent() const { return parent_; }
 
-    // ---- for the makers
+    /// ---- for the makers
     const DialogTemplate& design() const { return design_; }
     std::vector<std::unique_ptr<Control>>& controls() { return controls_; }
     base::ModuleHandle resources() const { return resources_; }

@@ -60,8 +60,9 @@ int findItem(int count, std::wstring_view wanted, TextOf textOf) {
 }
 
 int findChoice(const Control& control, std::wstring_view wanted) {
-    return findItem(static_cast<int>(control.choices.size()), wanted,
-                    [&](int i) -> const std::wstring& { return control.choices[i].text; });
+    return findItem(
+        static_cast<int>(control.choices.size()), wanted,
+        [&](int i) -> const std::wstring& { return control.choices[i].text; });
 }
 
 // By the first column, then by any other.

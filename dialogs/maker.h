@@ -50,8 +50,8 @@ class View {
     virtual std::wstring placement() = 0;
     virtual void savePicture(const std::wstring& fileName) = 0;
 
-    // ---- doing as a user would, for scripts. The control is visible and enabled; all but moveFocus, key and
-    // close need the focus there.
+    /// ---- doing as a user would, for scripts. The control is visible and enabled; all but moveFocus, key and
+    /// close need the focus there.
     /// False when a leave check refused or showed a box: what was to follow is dropped.
     virtual bool moveFocus(Control& control) = 0;
     virtual void press(Control& button) = 0;
@@ -73,7 +73,7 @@ class Maker {
     /// With a script the answer is known beforehand.
     virtual Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& caption,
                               std::optional<Answer> answer) = 0;
-    // Never asked for files where lines answer.
+    /// Never asked for files where lines answer.
     virtual std::optional<std::wstring> askFile(const FileRequest& request) = 0;
     virtual std::optional<std::wstring> askFolder(const std::wstring& title) = 0;
     virtual std::wstring clipboardText() = 0;

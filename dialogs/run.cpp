@@ -162,15 +162,14 @@ Run::Leave Run::mayLeave(Control& from, Control* next) {
 
 void Run::pressed(Control& control) {
     const bool ownButton = control.dialog == &root_ && control.kind() == ControlKind::kButton;
-    if (ownButton && control.id() == kOkButton) {
+    if (ownButton && control.id() == kOkButton)
         call(root_, [](Dialog& dialog) { dialog.onOk(); });
-    } else if (ownButton && control.id() == kCancelButton) {
+    else if (ownButton && control.id() == kCancelButton)
         cancelled();
-    } else if (ownButton && control.id() == kHelpButton) {
+    else if (ownButton && control.id() == kHelpButton)
         helpWanted();
-    } else {
+    else
         call(*control.dialog, [&](Dialog& dialog) { dialog.onCommand(control.id(), Event::kPressed); });
-    }
 }
 
 void Run::edited(Control& control) {
@@ -184,11 +183,13 @@ void Run::chosen(Control& control) {
 }
 
 void Run::rowSelected(Control& list) {
-    call(*list.dialog, [&](Dialog& dialog) { dialog.onSelect(list.id(), list.selected); });
+    call(
+        *list.dialog, [&](Dialog& dialog) { dialog.onSelect(list.id(), list.selected); });
 }
 
 void Run::doubleClicked(Control& list, int row) {
-    call(*list.dialog, [&](Dialog& dialog) { dialog.onDoubleClick(list.id(), row); });
+    call(
+        *list.dialog, [&](Dialog& dialog) { dialog.onDoubleClick(list.id(), row); });
 }
 
 void Run::pageChosen(Control& tab) {
@@ -198,11 +199,13 @@ void Run::pageChosen(Control& tab) {
 }
 
 void Run::cancelled() {
-    call(root_, [](Dialog& dialog) { dialog.onCancel(); });
+    call(
+        root_, [](Dialog& dialog) { dialog.onCancel(); });
 }
 
 void Run::helpWanted() {
-    call(root_, [](Dialog& dialog) { dialog.onHelp(); });
+    call(
+        root_, [](Dialog& dialog) { dialog.onHelp(); });
 }
 
 std::vector<MenuEntry> Run::menuOf(Control& control) {

@@ -29,7 +29,7 @@ class Run {
     /// The focus has gone there already.
     void noteFocus(Control& control) { focus_ = &control; }
 
-    // ---- the controls that are shown, in template order; those of a page behind its tab control
+    /// ---- the controls that are shown, in template order; those of a page behind its tab control
     std::vector<Control*> shownControls();
     bool isShown(const Control& control);
     Control* nextInTabOrder(bool backwards);
@@ -37,13 +37,13 @@ class Run {
     Control* buttonOfEnter();
     Control* findButton(int id);
 
-    // ---- leaving a field
+    /// ---- leaving a field
     enum class Leave { kFree, kRefused, kInterrupted };
     /// Asks the dialog of `from` whether the focus may go to `next`, whose id is 0 when null. Interrupted: it may, but
     /// a box was shown or the dialog ended. A field that may not be left has its whole text selected afterwards.
     Leave mayLeave(Control& from, Control* next);
 
-    // ---- what the user did, already noted in the control
+    /// ---- what the user did, already noted in the control
     void pressed(Control& control);
     void edited(Control& control);
     void chosen(Control& control);

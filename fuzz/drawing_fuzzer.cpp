@@ -26,7 +26,7 @@ using fuzz::require;
 constexpr int kEdits = 40;
 constexpr std::size_t kMostObjects = 2000;  // that the edits choose from
 
-/// All that can be met on a walk through blocks and by small handles.
+// All that can be met on a walk through blocks and by small handles.
 std::vector<OdDbObjectId> objectsOf(const OdDbDatabasePtr& database) {
     std::vector<OdDbObjectId> objects;
     const auto add = [&objects](OdDbObjectId id) {
@@ -47,7 +47,7 @@ std::vector<OdDbObjectId> objectsOf(const OdDbDatabasePtr& database) {
     return objects;
 }
 
-/// Asks for what every object can be asked for.
+// Asks for what every object can be asked for.
 void look(OdDbObjectId id) {
     const auto object = id.open();
     if (!object) return;

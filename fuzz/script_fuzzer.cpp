@@ -16,7 +16,7 @@ namespace {
 
 using fuzz::require;
 
-/// The lines of the input, without the echo of a script's.
+// The lines of the input, without the echo of a script's.
 class Lines final : public host::ReplySource {
   public:
     explicit Lines(const std::vector<std::wstring>& lines) : lines_(lines) {}

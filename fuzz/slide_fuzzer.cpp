@@ -9,7 +9,7 @@ namespace {
 
 using fuzz::require;
 
-/// Looks at every point it is given.
+// Looks at every point it is given.
 class View final : public HostSlideView {
   public:
     void size(int& width, int& height) override { width = height = 100; }
@@ -27,7 +27,7 @@ class View final : public HostSlideView {
     }
 };
 
-/// Counts what it passes on.
+// Counts what it passes on.
 class Watcher final : public slidePainter {
   public:
     explicit Watcher(slidePainter& next) : next_(next) {}

@@ -17,9 +17,8 @@ OdDbDatabasePtr drawing() {
             "0|ATTRIB|5|52|100|AcDbEntity|8|0|100|AcDbText|1|\xE4\xB8\xAD^J|100|AcDbAttribute|2|NOTE|"
             "0|SEQEND|5|53|0|INSERT|5|60|100|AcDbEntity|8|0|100|AcDbBlockReference|2|DOOR|10|0.0|20|0.0|30|0.0|"
             "0|ENDSEC|0|EOF|";
-        for (char& c : text) {
+        for (char& c : text)
             if (c == '|') c = '\n';
-        }
         return text;
     }();
     return OdDbDatabase::readBytes(bytes, L"template.dxf");

@@ -9,7 +9,7 @@ class HostEdInputTracker;
 
 namespace hostapi {
 
-// What a prompt returns. A keyword gives kFirstKeyword plus its place in the list.
+/// What a prompt returns. A keyword gives kFirstKeyword plus its place in the list.
 constexpr int kValue = -1;  ///< a value of the kind asked for
 constexpr int kCancel = -2;
 constexpr int kEmpty = 1;  ///< Enter

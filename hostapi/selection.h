@@ -9,7 +9,7 @@
 
 namespace hostapi {
 
-// Flags of an entity selection; others are the host's business and have no effect.
+/// Flags of an entity selection; others are the host's business and have no effect.
 constexpr int kSingleEntity = 8192;
 constexpr int kRetry = 0x4000;  ///< the question is asked again after a pick that did not suit
 

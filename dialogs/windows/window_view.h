@@ -56,13 +56,13 @@ class WindowView final : public View {
     static bool isDialogWindow(HWND window);
 
   private:
-    // ---- making windows
+    /// ---- making windows
     HWND createWindow(Dialog& dialog, HWND parent);
     void adoptControls(Dialog& dialog, HWND window);
     void showAll(Control& control);
     void placePage(Control& tab, HWND page);
 
-    // ---- showing state; each under an Applying guard
+    /// ---- showing state; each under an Applying guard
     void showChoices(Control& control, HWND window);
     void showColumns(Control& control, HWND window);
     void showRows(Control& control, HWND window);
@@ -73,7 +73,7 @@ class WindowView final : public View {
     void showRichText(Control& control, HWND window);
     void showExtras(Control& control, HWND window);
 
-    // ---- procedures of the system
+    /// ---- procedures of the system
     static INT_PTR CALLBACK dialogProcedure(HWND window, UINT message, WPARAM word, LPARAM data);
     static LRESULT CALLBACK controlProcedure(HWND window, UINT message, WPARAM word, LPARAM data, UINT_PTR id,
                                              DWORD_PTR view);
@@ -85,14 +85,14 @@ class WindowView final : public View {
     void drawChoice(const Control& control, const DRAWITEMSTRUCT& item);
     void onFocusGained(Control& control);
     void onFocusLost(Control& control, HWND window, HWND next);
-    // True when the message is done with.
+    /// True when the message is done with.
     bool onRichEditMessage(Control& control, HWND window, UINT message, WPARAM word, LPARAM data);
     bool onRichEditKey(Control& control, WPARAM keyCode);
     void noteRichSelection(Control& control, HWND window);
     void richChanged(Control& control, bool edited);
 
-    // ---- leaving a field
-    // False: what was to happen is dropped.
+    /// ---- leaving a field
+    /// False: what was to happen is dropped.
     bool settle();
     bool leaveFocusFor(Control* next);
     void putFocusBack(Control& field);
@@ -107,7 +107,7 @@ class WindowView final : public View {
 
     Control* controlOf(HWND window) const;
     HWND windowOf(const Control& control) const;
-    // Where typing goes: the control itself, or the edit inside a drop-down.
+    /// Where typing goes: the control itself, or the edit inside a drop-down.
     HWND editOf(const Control& control) const;
     void noteText(Control& control);
     void noteColumns();
@@ -116,7 +116,7 @@ class WindowView final : public View {
         Control* from;
         Control* to;
     };
-    // While one lives, notifications come from the program's own doing.
+    /// While one lives, notifications come from the program's own doing.
     class Applying {
       public:
         explicit Applying(WindowView& view) : view_(view) { ++view_.applying_; }

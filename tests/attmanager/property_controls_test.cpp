@@ -72,9 +72,8 @@ TEST_F(PropertyControls, LineweightsToTextAndBack) {
     EXPECT_EQ(imperial[3], L"0.000''");
     EXPECT_EQ(imperial[10], L"0.010''");
     EXPECT_EQ(imperial.back(), L"0.083''");
-    for (std::size_t i = 0; i < imperial.size(); ++i) {
+    for (std::size_t i = 0; i < imperial.size(); ++i)
         EXPECT_EQ(weight_.fromText(imperial[i]), metricWeight(metric[i])) << base::toUtf8(imperial[i]);
-    }
     state().lineWeightUnits = 2;  // anything but 0 is millimetres
     for (const OdString& text : metric) {
         ASSERT_TRUE(weight_.setText(text));

@@ -7,7 +7,8 @@
 namespace {
 
 std::string encodeOrMark(const base::CodePage& page, std::wstring_view text) {
-    return page.encode(text, [](char32_t, std::string& bytes) { bytes += '?'; });
+    return page.encode(
+        text, [](char32_t, std::string& bytes) { bytes += '?'; });
 }
 
 TEST(CodePage, DecodesWhatDrawingsHold) {

@@ -65,9 +65,8 @@ TEST(Format, Reals) {
         {L"%8g", HUGE_VAL, L"     inf"},
         {L"%08F", -HUGE_VAL, L"    -INF"},
     };
-    for (const auto& c : cases) {
+    for (const auto& c : cases)
         EXPECT_EQ(format(c.how, c.number), c.text) << testing::PrintToString(std::wstring(c.how));
-    }
     EXPECT_EQ(format(L"%.1f", 1e308).size(), 311u);
 }
 

@@ -17,9 +17,7 @@ TEST(Modules, LookingForAModuleTakesNoReference) {
     {
         const base::ModuleReference module = base::loadModule(kModule);
         ASSERT_NE(module, nullptr);
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(base::findLoadedModule(kModule), module.get());
-        }
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(base::findLoadedModule(kModule), module.get());
         EXPECT_EQ(base::fileNameOf(base::moduleFileName(module.get())), kModule);
         EXPECT_EQ(base::findLoadedModule(base::moduleFileName(module.get())), module.get());
     }

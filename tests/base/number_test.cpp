@@ -64,9 +64,8 @@ TEST(Number, RefusesWhatIsNoReal) {
                              ".",
                              "-",
                              "+",
-                             "1.2.3"}) {
+                             "1.2.3"})
         EXPECT_FALSE(base::parseReal(std::string_view(text)).has_value()) << text;
-    }
     EXPECT_FALSE(base::parseReal(std::string(400, '9')).has_value());
     EXPECT_FALSE(base::parseReal(L"\u0661").has_value());  // a digit, but no ASCII one
     EXPECT_FALSE(base::parseReal(std::wstring_view(L"1\0", 2)).has_value());
@@ -77,14 +76,12 @@ TEST(Number, ReadsIntegersAndHandles) {
     EXPECT_EQ(base::parseInteger(std::string_view("+5 ")), 5);
     EXPECT_EQ(base::parseInteger(std::string_view("-9223372036854775808")), std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(base::parseInteger(L"-12"), -12);
-    for (const char* text : {"", "1.0", "9223372036854775808", "0x1", "1a", "+ 1", "+-1"}) {
+    for (const char* text : {"", "1.0", "9223372036854775808", "0x1", "1a", "+ 1", "+-1"})
         EXPECT_FALSE(base::parseInteger(std::string_view(text)).has_value()) << text;
-    }
     EXPECT_EQ(base::parseHex(std::string_view("2f")), 0x2Fu);
     EXPECT_EQ(base::parseHex(L" FFFFFFFFFFFFFFFF"), 0xFFFFFFFFFFFFFFFFu);
-    for (const char* text : {"", "-1", "G", "10000000000000000"}) {
+    for (const char* text : {"", "-1", "G", "10000000000000000"})
         EXPECT_FALSE(base::parseHex(std::string_view(text)).has_value()) << text;
-    }
     EXPECT_EQ(base::hexToText(0), "0");
     EXPECT_EQ(base::hexToText(0x1F00AB), "1F00AB");
 }
@@ -111,9 +108,7 @@ TEST(Number, WritesRealsAsDrawingsHoldThem) {
         {12.000000000000002, "12.000000000000002"},
         {5e-324, "5e-324"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(base::realToText(c.number), c.text);
-    }
+    for (const auto& c : cases) EXPECT_EQ(base::realToText(c.number), c.text);
 }
 
 TEST(Number, RealsReadBackTheSameInEveryLocale) {

@@ -232,8 +232,10 @@ TEST_F(BurstReference, ShowsConstantsAndSkipsWhatIsHidden) {
         set(*definition);
         add(block(L"A"), definition);
     };
-    define(L"VARIABLE", L"default", [](auto&) {});
-    define(L"CONSTANT", L"constant", [](auto& d) { d.setConstant(true); });
+    define(
+        L"VARIABLE", L"default", [](auto&) {});
+    define(
+        L"CONSTANT", L"constant", [](auto& d) { d.setConstant(true); });
     define(L"SECRET", L"secret", [](auto& d) { d.setConstant(true), d.setInvisible(true); });
     const auto made = reference(model(), L"A", OdGeScale3d(2));
     for (const wchar_t* value : {L"shown", L"invisible", L"hidden"}) {

@@ -22,14 +22,13 @@ namespace {
 class Value final : public RichText {
   public:
     explicit Value(std::wstring marked) {
-        for (wchar_t c : marked) {
+        for (wchar_t c : marked)
             if (c == L'{')
                 runs_.push_back({text_.size(), 0});
             else if (c == L'}')
                 runs_.back().end = text_.size();
             else
                 text_ += c;
-        }
     }
     std::wstring text() const override { return text_; }
     std::vector<Run> runs() const override { return runs_; }

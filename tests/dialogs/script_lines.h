@@ -7,7 +7,7 @@
 #include "base/text.h"
 #include "dialogs/process.h"
 
-// A line did not fit, or there was none left.
+/// A line did not fit, or there was none left.
 class ScriptFault : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

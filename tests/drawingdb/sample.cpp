@@ -19,7 +19,7 @@ struct Pair {
     std::string code, value;
 };
 
-/// The pairs up to the end-of-file record.
+// The pairs up to the end-of-file record.
 std::vector<Pair> pairsOf(const std::string& ascii) {
     std::vector<Pair> pairs;
     std::istringstream in(ascii);

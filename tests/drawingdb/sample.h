@@ -1,5 +1,6 @@
-#pragma once
 // The drawing that these tests work on, and the spellings that a file may have of it.
+#pragma once
+
 #include <string>
 
 #include "drawingdb/database.h"

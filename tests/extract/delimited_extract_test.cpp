@@ -18,14 +18,14 @@ class DelimitedExtract : public ExtractTest {
         extractSettings().delimiter.assign(1, format == ExtractFormat::spaceDelimited ? ' ' : ',');
         return torvel::writeDelimitedExtract(folder_ / L"template.txt", output(), objects(handles));
     }
-    /// What one run writes; "none" when it wrote nothing.
+    // What one run writes; "none" when it wrote nothing.
     std::string extract(const std::string& text, ExtractFormat format = ExtractFormat::commaDelimited,
                         std::initializer_list<std::uint64_t> handles = {0x50}) {
         std::filesystem::remove(base::toPath(output()));
         if (run(text, format, handles) != static_cast<int>(handles.size())) return "none";
         return written();
     }
-    /// The value of a column of reference #50 that does not pad.
+    // The value of a column of reference #50 that does not pad.
     std::string value(const std::string& name) { return extract(name + " C000000"); }
 };
 
@@ -71,9 +71,8 @@ TEST_F(DelimitedExtract, WritesColumnsToTheByte) {
     for (const Case& c : cases) {
         std::string expected = c.expected;
         // In the table "|" ends a line and "||" is the character twice.
-        for (std::size_t i = 0; (i = expected.find('|', i)) != std::string::npos; i += 2) {
+        for (std::size_t i = 0; (i = expected.find('|', i)) != std::string::npos; i += 2)
             if (expected.compare(i, 2, "||") != 0) expected.replace(i, 1, "\r\n");
-        }
         EXPECT_EQ(extract(c.text, c.format), expected + "\r\n") << c.text;
     }
 }

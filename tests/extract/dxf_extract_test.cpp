@@ -11,13 +11,11 @@ using DxfExtract = ExtractTest;
 // "|" stands for the end of a line, ">" for a tab.
 std::string textFile(const std::string& text) {
     std::string result;
-    for (const char c : text) {
-        if (c == '|') {
+    for (const char c : text)
+        if (c == '|')
             result += "\r\n";
-        } else {
+        else
             result += c == '>' ? '\t' : c;
-        }
-    }
     return result;
 }
 

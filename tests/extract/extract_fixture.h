@@ -12,9 +12,8 @@
 
 /// "|" separates lines.
 inline std::string lines(std::string text) {
-    for (char& c : text) {
+    for (char& c : text)
         if (c == '|') c = '\n';
-    }
     return text;
 }
 

@@ -70,9 +70,8 @@ TEST(AttributeReader, SaysWhatTheObjectSays) {
     const std::filesystem::path source = base::toPath(base::fromUtf8(TORVEL_SOURCE_DIR));
     int count = 0;
     for (const char* folder : {"fuzz/seeds/drawing", "tests/attsync", "tests/drawingdb"}) {
-        for (const auto& entry : std::filesystem::directory_iterator(source / folder)) {
+        for (const auto& entry : std::filesystem::directory_iterator(source / folder))
             if (entry.path().extension() == ".dxf") compareAttributes(entry.path(), count);
-        }
     }
     EXPECT_GT(count, 20);
 }
@@ -96,9 +95,8 @@ TEST(ReferenceReader, UnderstandsUnusualRecords) {
             std::string(
                 "0|SECTION|2|HEADER|9|$ACADVER|1|AC1032|0|ENDSEC|0|SECTION|2|BLOCKS|0|BLOCK|5|40|2|A|0|ENDBLK|5|41|") +
             "0|ENDSEC|0|SECTION|2|ENTITIES|0|INSERT|5|50|" + record + "0|ENDSEC|0|EOF|";
-        for (char& c : bytes) {
+        for (char& c : bytes)
             if (c == '|') c = '\n';
-        }
         const OdDbDatabasePtr database = OdDbDatabase::readBytes(bytes, L"test.dxf");
         OdDbBlockReferenceReader reader;
         reader.read(database->getObjectId(0x50));
@@ -125,9 +123,8 @@ TEST(AttributeReader, UnderstandsUnusualRecords) {
         std::string bytes = std::string("0|SECTION|2|HEADER|9|$ACADVER|1|AC1032|0|ENDSEC|0|SECTION|2|ENTITIES|") +
                             "0|INSERT|5|50|100|AcDbEntity|8|0|100|AcDbBlockReference|2|A|0|ATTRIB|5|51|" + record +
                             "0|SEQEND|5|52|0|ENDSEC|0|EOF|";
-        for (char& c : bytes) {
+        for (char& c : bytes)
             if (c == '|') c = '\n';
-        }
         const OdDbDatabasePtr database = OdDbDatabase::readBytes(bytes, L"test.dxf");
         OdDbAttributeReader reader;
         ASSERT_TRUE(reader.read(database->getObjectId(0x51))) << record;

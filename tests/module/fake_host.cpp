@@ -47,17 +47,11 @@ Object factoryObject{factoryTable};
 int getPoint(void*, const OdGePoint3d*, OdGePoint3d* point, const wchar_t* prompt, const wchar_t*, int flags,
              std::uintptr_t, void* tracker) {
     host().pointPrompts.push_back(prompt);
-    if (flags != 4 || host().points.empty()) {
-        return hostapi::kCancel;
-    }
+    if (flags != 4 || host().points.empty()) return hostapi::kCancel;
     const PointReply reply = std::move(host().points.front());
     host().points.pop_front();
-    if (reply.whileAsked) {
-        reply.whileAsked(tracker);
-    }
-    if (reply.result == hostapi::kValue) {
-        *point = reply.point;
-    }
+    if (reply.whileAsked) reply.whileAsked(tracker);
+    if (reply.result == hostapi::kValue) *point = reply.point;
     return reply.result;
 }
 
@@ -69,9 +63,7 @@ void printMessage(void*, const wchar_t* format, ...) {
 }
 
 bool getString(void*, std::wstring* text) {
-    if (host().texts.empty()) {
-        return false;
-    }
+    if (host().texts.empty()) return false;
     *text = host().texts.front();
     host().texts.pop_front();
     return true;

@@ -10,6 +10,6 @@ struct FakeLibraryState {
     void* translatedModule = nullptr;  // what _InitResTranslation was given last
     int translationsEnded = 0;         // _DeInitResTranslation was called
 };
-// The one function that every stand-in exports beside those of its role.
+/// The one function that every stand-in exports beside those of its role.
 using FakeLibraryStateFunction = FakeLibraryState*();
 inline constexpr char kFakeLibraryState[] = "fakeLibraryState";

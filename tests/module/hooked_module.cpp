@@ -25,9 +25,7 @@ const torvel::ModuleEntry entry;
 extern "C" {
 
 int _CSAfxDllMain(void* instance, unsigned reason, void*) {
-    if (instance != torvel::GetModuleResourceHandle()) {
-        hookLog.add("[another instance]");
-    }
+    if (instance != torvel::GetModuleResourceHandle()) hookLog.add("[another instance]");
     hookLog.add(reason == 1 ? "[attach]" : "[detach]");
     return 0;  // the module loads all the same
 }

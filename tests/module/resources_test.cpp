@@ -25,9 +25,7 @@ TEST(Resources, OddTextsStandAsTheyAre) {
         {2399, L""},
         {3303, L""},
     };
-    for (const auto& [id, text] : texts) {
-        EXPECT_EQ(base::loadString(module.get(), id), text) << id;
-    }
+    for (const auto& [id, text] : texts) EXPECT_EQ(base::loadString(module.get(), id), text) << id;
 }
 
 }  // namespace

@@ -66,9 +66,7 @@ class ModuleInHost : public testing::Test {
 
     static std::vector<OdSmartPtr<OdDbRay>> raysIn(OdDbObjectId space) {
         std::vector<OdSmartPtr<OdDbRay>> rays;
-        for (OdDbObjectId id : space.openAs<OdDbBlockTableRecord>()->entities()) {
-            rays.push_back(id.openAs<OdDbRay>());
-        }
+        for (OdDbObjectId id : space.openAs<OdDbBlockTableRecord>()->entities()) rays.push_back(id.openAs<OdDbRay>());
         return rays;
     }
 
@@ -190,7 +188,7 @@ TEST_F(ModuleInHost, RayEndsAtItsFirstPrompt) {
     }
 }
 
-/// A tracker as a host drives it, and the entity that it shows.
+// A tracker as a host drives it, and the entity that it shows.
 template <class Entity>
 struct DrivenTracker {
     explicit DrivenTracker(void* object) : tracker(object) {
@@ -382,9 +380,7 @@ TEST_F(ModuleInHost, RayDrawsAFanAndShowsEachRayUnderTheCursor) {
                                          L"Specify through point", L"Specify through point"}));
     const auto rays = raysIn(host().database->modelSpaceId());
     ASSERT_EQ(rays.size(), 2u);
-    for (const auto& ray : rays) {
-        EXPECT_EQ(ray->basePoint(), OdGePoint3d(1, 2, 0));
-    }
+    for (const auto& ray : rays) EXPECT_EQ(ray->basePoint(), OdGePoint3d(1, 2, 0));
     EXPECT_EQ(rays[0]->unitDir(), OdGeVector3d(1, 0, 0));
     EXPECT_EQ(rays[1]->unitDir(), OdGeVector3d(0, -1, 0));
 }

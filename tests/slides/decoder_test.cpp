@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_literals;
 
-/// What a painter was told: "color 3 | line 0,0 1,1 | fill 0,0 1,0 1,1".
+// What a painter was told: "color 3 | line 0,0 1,1 | fill 0,0 1,0 1,1".
 class Recorder final : public slidePainter {
   public:
     void header(const SlideHeader& header) override {
@@ -156,9 +156,8 @@ TEST(SlideLibrary, ListsItsSlidesInTheOrderOfTheirOffsets) {
     EXPECT_EQ(listed, "table@200 CHAIR@300 " + full + "@4000000000 @176 ");
     // The file ends where the directory does, with an entry that is not whole.
     EXPECT_EQ(torvel::readSlideDirectory(library(entry("A", 1) + entry("B", 2).substr(1)), L"").size(), 2u);
-    for (const std::string& bad : {""s, library("").substr(0, 31), slide("", false)}) {
+    for (const std::string& bad : {""s, library("").substr(0, 31), slide("", false)})
         EXPECT_THROW(torvel::readSlideDirectory(bad, L"a.slb"), CXException);
-    }
 }
 
 TEST(SlideLibrary, FindsASlideWithoutCaseAndGivesNothingOfIt) {

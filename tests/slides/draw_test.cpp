@@ -5,7 +5,7 @@
 
 namespace {
 
-/// A view that says what is drawn into it, in whole pixels.
+// A view that says what is drawn into it, in whole pixels.
 class View final : public HostSlideView {
   public:
     View(int width, int height) : width_(width), height_(height) {}

@@ -31,7 +31,7 @@ class FieldEditTest : public testing::Test {
         return entity;
     }
     OdDbFieldPtr sum(const OdString& terms) { return fieldOf(sumCode(terms), database_.get()); }
-    /// A text whose field has that code and those children.
+    // A text whose field has that code and those children.
     OdSmartPtr<OdDbText> textWith(const OdString& code, const std::vector<OdDbFieldPtr>& children) {
         const auto text = append<OdDbText>();
         const OdDbFieldPtr field = OdDbField::createObject();
@@ -48,12 +48,11 @@ class FieldEditTest : public testing::Test {
         edit.load(entity, enabled);
         return edit;
     }
-    /// The owners as letters: "." plain, "a" the field with the number 0.
+    // The owners as letters: "." plain, "a" the field with the number 0.
     static OdString owners(const FieldEdit& edit) {
         OdString result;
-        for (const std::int32_t owner : edit.owners()) {
+        for (const std::int32_t owner : edit.owners())
             result += owner == FieldEdit::kNoField ? L'.' : static_cast<wchar_t>(L'a' + owner);
-        }
         return result;
     }
 
@@ -215,7 +214,7 @@ TEST_F(FieldEditTest, TakenOutFieldsAreShownButNotSaved) {
 // ---------------------------------------------------------------------------------------------------------------------
 // Generated sequences of edits
 
-/// What must hold after every edit.
+// What must hold after every edit.
 void check(const FieldEdit& edit) {
     ASSERT_EQ(edit.text().size(), edit.owners().size());
     std::vector<std::int32_t> expected(edit.text().size(), FieldEdit::kNoField);
@@ -280,9 +279,7 @@ TEST_F(FieldEditTest, AnySequenceOfEditsKeepsTextOwnersAndEntriesTogether) {
             }
             ASSERT_NO_FATAL_FAILURE(check(edit)) << "in sequence " << sequence;
         }
-        if (sequence % 3 != 0) {
-            continue;
-        }
+        if (sequence % 3 != 0) continue;
         const OdString& plain = edit.text();
         OdString shown;
         edit.save(*text, shown);

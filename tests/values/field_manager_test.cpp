@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Answers the prompts with texts; one that is a keyword in full is that keyword.
+// Answers the prompts with texts; one that is a keyword in full is that keyword.
 class Answers final : public HostEdInput {
   public:
     explicit Answers(std::deque<OdString> answers) : answers_(std::move(answers)) {}

@@ -22,9 +22,7 @@ TEST(TextEscapes, BecomeWhatTheyStandFor) {
         {L"C:\\temp\\x \\Hx", L"C:\\temp\\x \\Hx"},
         {L"end\\", L"end\\"},
     };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(torvel::withoutEscapes(row.escaped), row.plain);
-    }
+    for (const auto& row : kRows) EXPECT_EQ(torvel::withoutEscapes(row.escaped), row.plain);
 }
 
 }  // namespace

@@ -33,9 +33,7 @@ constexpr double kInchesPerMillimetre = 0.03937007874015748;
 
 bool weightsAreInInches() {
     std::int64_t units = 1;
-    if (auto* const variable = hostService(hostapi::getIntegerVariable)) {
-        variable(L"LWUNITS", units);
-    }
+    if (auto* const variable = hostService(hostapi::getIntegerVariable)) variable(L"LWUNITS", units);
     return units == 0;
 }
 
@@ -47,9 +45,7 @@ std::optional<double> leadingReal(std::wstring_view text) {
     const std::size_t start = at;
     const auto skipDigits = [&] {
         const std::size_t first = at;
-        while (at < text.size() && isDigit(text[at])) {
-            ++at;
-        }
+        while (at < text.size() && isDigit(text[at])) ++at;
         return at > first;
     };
     const auto skipSign = [&] {
@@ -63,16 +59,12 @@ std::optional<double> leadingReal(std::wstring_view text) {
         ++at;
         hasDigits = skipDigits() || hasDigits;
     }
-    if (!hasDigits) {
-        return std::nullopt;
-    }
+    if (!hasDigits) return std::nullopt;
     std::size_t end = at;
     if (at < text.size() && (text[at] == L'e' || text[at] == L'E')) {
         ++at;
         skipSign();
-        if (skipDigits()) {
-            end = at;
-        }
+        if (skipDigits()) end = at;
     }
     return base::parseReal(text.substr(start, end - start));
 }
@@ -80,9 +72,7 @@ std::optional<double> leadingReal(std::wstring_view text) {
 // The chooser begins at `color`.
 std::optional<OdCmColor> askHostForColor(OdCmColor color) {
     auto* const select = hostService(hostapi::selectColor);
-    if (select == nullptr || !select(color)) {
-        return std::nullopt;
-    }
+    if (!select || !select(color)) return std::nullopt;
     return color;
 }
 
@@ -104,37 +94,23 @@ OdString COdColorProperty::toText(const OdCmColor& color) const {
             break;
     }
     OdString name = color.colorNameForDisplay();
-    for (const BasicColor& basic : kBasicColors) {
-        if (name == basic.rgbText) {
-            return basic.name;
-        }
-    }
+    for (const BasicColor& basic : kBasicColors)
+        if (name == basic.rgbText) return basic.name;
     return name;
 }
 
 std::optional<OdCmColor> COdColorProperty::fromText(const OdString& text) const {
-    if (text == translate(kByLayer)) {
-        return OdCmColor::fromMethod(OdCmEntityColor::kByLayer);
-    }
-    if (text == translate(kByBlock)) {
-        return OdCmColor::fromMethod(OdCmEntityColor::kByBlock);
-    }
-    if (text == translate(kMoreColors)) {
-        return askHostForColor(value());
-    }
-    for (const BasicColor& basic : kBasicColors) {
-        if (base::equalsNoCase(text, basic.name)) {
-            return OdCmColor::fromRgb(basic.rgb);
-        }
-    }
+    if (text == translate(kByLayer)) return OdCmColor::fromMethod(OdCmEntityColor::kByLayer);
+    if (text == translate(kByBlock)) return OdCmColor::fromMethod(OdCmEntityColor::kByBlock);
+    if (text == translate(kMoreColors)) return askHostForColor(value());
+    for (const BasicColor& basic : kBasicColors)
+        if (base::equalsNoCase(text, basic.name)) return OdCmColor::fromRgb(basic.rgb);
     return OdCmColor::fromDisplayName(text);
 }
 
 std::vector<OdString> COdColorProperty::choices() const {
     std::vector<OdString> texts = {translate(kByLayer), translate(kByBlock)};
-    for (const BasicColor& basic : kBasicColors) {
-        texts.emplace_back(basic.name);
-    }
+    for (const BasicColor& basic : kBasicColors) texts.emplace_back(basic.name);
     texts.push_back(translate(kMoreColors));
     return texts;
 }
@@ -161,38 +137,25 @@ OdString CTLineWeightProperty::toText(const std::int32_t& weight) const {
 }
 
 std::optional<std::int32_t> CTLineWeightProperty::fromText(const OdString& text) const {
-    if (text == translate(kByLayer)) {
-        return kLineWeightByLayer;
-    }
-    if (text == translate(kByBlock)) {
-        return kLineWeightByBlock;
-    }
+    if (text == translate(kByLayer)) return kLineWeightByLayer;
+    if (text == translate(kByBlock)) return kLineWeightByBlock;
     // In inches a listed text has too few digits to give its weight back as a number.
-    for (std::int32_t weight : kStandardWeights) {
-        if (text == toText(weight)) {
-            return weight;
-        }
-    }
+    for (std::int32_t weight : kStandardWeights)
+        if (text == toText(weight)) return weight;
     const std::optional<double> number = text == translate(kDefault) ? std::nullopt : leadingReal(text);
-    if (!number) {
-        return kLineWeightDefault;
-    }
+    if (!number) return kLineWeightDefault;
     // Truncated towards zero behind the half, which is not rounding for negative numbers.
     const double weight = *number * (weightsAreInInches() ? 2540 : 100) + 0.5;
-    if (weight > std::numeric_limits<std::int32_t>::max() || weight < std::numeric_limits<std::int32_t>::min()) {
+    if (weight > std::numeric_limits<std::int32_t>::max() || weight < std::numeric_limits<std::int32_t>::min())
         return kLineWeightDefault;
-    }
     return static_cast<std::int32_t>(weight);
 }
 
 std::vector<OdString> CTLineWeightProperty::choices() const {
     std::vector<OdString> texts;
-    for (std::int32_t special : {kLineWeightByLayer, kLineWeightByBlock, kLineWeightDefault}) {
+    for (std::int32_t special : {kLineWeightByLayer, kLineWeightByBlock, kLineWeightDefault})
         texts.push_back(toText(special));
-    }
-    for (std::int32_t weight : kStandardWeights) {
-        texts.push_back(toText(weight));
-    }
+    for (std::int32_t weight : kStandardWeights) texts.push_back(toText(weight));
     return texts;
 }
 
@@ -200,17 +163,13 @@ std::vector<OdString> CTLineWeightProperty::choices() const {
 
 void CCSComboBoxCtrl::show() {
     dialog_.clearChoices(control_);
-    for (const OdString& choice : property_.choices()) {
-        dialog_.addChoice(control_, choice);
-    }
+    for (const OdString& choice : property_.choices()) dialog_.addChoice(control_, choice);
     dialog_.setText(control_, property_.text());
     dialog_.setModified(control_, false);
 }
 
 bool CCSComboBoxCtrl::commit() {
-    if (!dialog_.isModified(control_)) {
-        return false;
-    }
+    if (!dialog_.isModified(control_)) return false;
     const bool taken = property_.setText(dialog_.text(control_));
     // The value's own text, also in place of one that gave no value.
     dialog_.setText(control_, property_.text());

@@ -36,9 +36,7 @@ class CTEditableProperty : public EditableText {
     OdString text() const final { return toText(value_); }
     bool setText(const OdString& text) final {
         const std::optional<Value> value = fromText(text);
-        if (value) {
-            value_ = *value;
-        }
+        if (value) value_ = *value;
         return value.has_value();
     }
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kKeywordFlags = 4;
 
-/// A block that a user may choose. A null id: none was chosen.
+// A block that a user may choose. A null id: none was chosen.
 struct AttributedBlock {
     OdDbObjectId id;
     OdString name;
@@ -25,9 +25,7 @@ using AttributedBlocks = std::vector<AttributedBlock>;
 bool hasVariableAttributes(const OdDbBlockTableRecord& block) {
     for (OdDbObjectId id : block.entities()) {
         const auto definition = id.openIf<OdDbAttributeDefinition>();
-        if (definition && !definition->isConstant()) {
-            return true;
-        }
+        if (definition && !definition->isConstant()) return true;
     }
     return false;
 }
@@ -40,9 +38,7 @@ AttributedBlocks findAttributedBlocks(const OdDbDatabase& database) {
     for (OdDbObjectId id : table->records()) {
         const auto block = id.openAs<OdDbBlockTableRecord>();
         OdString name = block->name();
-        if (!name.starts_with(L'*') && hasVariableAttributes(*block)) {
-            blocks.push_back({id, std::move(name)});
-        }
+        if (!name.starts_with(L'*') && hasVariableAttributes(*block)) blocks.push_back({id, std::move(name)});
     }
     return blocks;
 }
@@ -70,14 +66,10 @@ AttributedBlock askName(HostEdInput& input, const AttributedBlocks& blocks) {
             continue;
         }
         // A cancel and an empty answer end the command without a message.
-        if (result != hostapi::kValue || name.empty()) {
-            return {};
-        }
+        if (result != hostapi::kValue || name.empty()) return {};
         const auto found = std::ranges::find_if(
             blocks, [&](const AttributedBlock& block) { return base::equalsNoCase(block.name, name); });
-        if (found != blocks.end()) {
-            return *found;
-        }
+        if (found != blocks.end()) return *found;
         printLine(base::formatPositional(loadText(IDS_ATTSYNC_NO_SUCH_BLOCK), name));
     }
 }
@@ -95,10 +87,8 @@ AttributedBlock selectBlock(HostEdInput& input, const AttributedBlocks& blocks) 
     for (;;) {
         auto* const selectEntity = hostService(hostapi::selectEntity);
         hostapi::Pick pick;
-        if (selectEntity == nullptr ||
-            selectEntity(prompt.c_str(), nullptr, hostapi::kSingleEntity, pick) == hostapi::kCancel) {
+        if (!selectEntity || selectEntity(prompt.c_str(), nullptr, hostapi::kSingleEntity, pick) == hostapi::kCancel)
             return {};
-        }
         if (pick.entity.isNull()) {
             printLine(loadText(IDS_ATTSYNC_SELECTION_ERROR));
             continue;
@@ -114,9 +104,7 @@ AttributedBlock selectBlock(HostEdInput& input, const AttributedBlocks& blocks) 
             continue;
         }
         // Everything but a yes, a cancel too, goes back to the selection.
-        if (confirms(input, *found)) {
-            return *found;
-        }
+        if (confirms(input, *found)) return *found;
     }
 }
 
@@ -146,9 +134,7 @@ AttributedBlock chooseBlock(HostEdInput& input, const AttributedBlocks& blocks) 
 void synchronizeBlock(OdDbObjectId block, OdDbDatabase& database) {
     ReferenceSynchronizer synchronizer(block);
     auto* const activeSpace = hostService(hostapi::getActiveBTRId);
-    if (activeSpace == nullptr) {
-        return;
-    }
+    if (!activeSpace) return;
     OdDbObjectId space;
     activeSpace(space, &database);
     synchronizer.synchronizeReferencesIn(space);
@@ -165,9 +151,7 @@ CMD_RUNSTATUS CAttSyncCmd::run() {
         return setRunStatus(kCommandCancelled);
     }
     const AttributedBlock chosen = chooseBlock(*frame.input, blocks);
-    if (chosen.id.isNull()) {
-        return setRunStatus(kCommandCancelled);
-    }
+    if (chosen.id.isNull()) return setRunStatus(kCommandCancelled);
     synchronizeBlock(chosen.id, *frame.database);
     printLine(loadText(IDS_ATTSYNC_COMPLETE));
     return setRunStatus(kCommandFinished);

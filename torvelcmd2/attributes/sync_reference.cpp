@@ -20,20 +20,15 @@ ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block) : block_(block)
 // opened to see what they are; they come in the order of their records.
 void ReferenceSynchronizer::synchronizeReferencesIn(OdDbObjectId space) {
     const auto record = space.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
-    for (OdDbObjectId id : block_.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false)) {
-        if (id.containerId() == space) {
-            synchronize(*id.openAs<OdDbBlockReference>());
-        }
-    }
+    for (OdDbObjectId id : block_.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false))
+        if (id.containerId() == space) synchronize(*id.openAs<OdDbBlockReference>());
 }
 
 void ReferenceSynchronizer::synchronize(OdDbBlockReference& reference) {
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     reference.upgradeOpen();
     matchOldAttributes(reference);
-    for (std::size_t i = 0; i < definitions_.size(); ++i) {
-        appendNewAttribute(reference, i, blockTransform);
-    }
+    for (std::size_t i = 0; i < definitions_.size(); ++i) appendNewAttribute(reference, i, blockTransform);
     eraseOldAttributes();
     reference.downgradeOpen();
 }
@@ -44,19 +39,14 @@ void ReferenceSynchronizer::synchronize(OdDbBlockReference& reference) {
 void ReferenceSynchronizer::matchOldAttributes(const OdDbBlockReference& reference) {
     oldAttributes_.clear();
     matches_.assign(definitions_.size(), nullptr);
-    for (auto& [tag, occurrences] : byTag_) {
-        occurrences.met = 0;
-    }
+    for (auto& [tag, occurrences] : byTag_) occurrences.met = 0;
     for (OdDbObjectId id : reference.attributes()) {
         oldAttributes_.push_back(id.openAs<OdDbAttribute>());
         const auto found = byTag_.find(oldAttributes_.back()->tag());
-        if (found == byTag_.end()) {
-            continue;
-        }
+        if (found == byTag_.end()) continue;
         Occurrences& occurrences = found->second;
-        if (occurrences.met < occurrences.positions.size()) {
+        if (occurrences.met < occurrences.positions.size())
             matches_[occurrences.positions[occurrences.met++]] = oldAttributes_.back().get();
-        }
     }
 }
 
@@ -65,7 +55,7 @@ void ReferenceSynchronizer::appendNewAttribute(OdDbBlockReference& reference, st
     const OdSmartPtr<OdDbAttribute> attribute = OdDbAttribute::createObject();
     reference.appendAttribute(attribute.get());
     const OdDbAttribute* const old = matches_[position];
-    if (old == nullptr) {
+    if (!old) {
         attribute->setAttributeFromBlock(*definitions_[position], blockTransform);
         return;
     }

@@ -35,15 +35,15 @@ class ReferenceSynchronizer {
 
     OdDbObjectId block_;
     std::vector<OdSmartPtr<OdDbAttributeDefinition>> definitions_;
-    // The positions in definitions_ of the definitions with an upper-cased tag: the n-th holds occurrence n.
+    /// The positions in definitions_ of the definitions with an upper-cased tag: the n-th holds occurrence n.
     struct Occurrences {
         std::vector<std::size_t> positions;
         std::size_t met = 0;  // old attributes of the current reference met so far
     };
     std::unordered_map<std::wstring, Occurrences> byTag_;
 
-    // Of the current reference; kept to spare allocations for each. The old attributes stay open while they are needed,
-    // so that each is read once.
+    /// Of the current reference; kept to spare allocations for each. The old attributes stay open while they are
+    /// needed, so that each is read once.
     std::vector<OdSmartPtr<OdDbAttribute>> oldAttributes_;
     std::vector<OdDbAttribute*> matches_;  // for each definition the old attribute, or null
 };

@@ -13,26 +13,21 @@ OdString CFEdCtrl::save(OdDbEntity& entity) const {
 
 std::vector<dialogs::RichText::Run> CFEdCtrl::runs() const {
     std::vector<Run> runs;
-    for (const FieldEdit::FieldEntry& entry : value_.entries()) {
-        if (entry.first <= entry.last) {
+    for (const FieldEdit::FieldEntry& entry : value_.entries())
+        if (entry.first <= entry.last)
             runs.push_back({static_cast<std::size_t>(entry.first), static_cast<std::size_t>(entry.last) + 1});
-        }
-    }
     // Entries stand in the order in which they were placed.
     std::sort(runs.begin(), runs.end(), [](const Run& a, const Run& b) { return a.begin < b.begin; });
     return runs;
 }
 
 void CFEdCtrl::replace(std::size_t begin, std::size_t end, std::wstring_view plain) {
-    if (plain.empty() && begin == end) {
-        return;
-    }
+    if (plain.empty() && begin == end) return;
     value_.select(begin, end);
-    if (plain.empty()) {
+    if (plain.empty())
         value_.deleteBack();
-    } else {
+    else
         value_.type(OdString(plain));
-    }
 }
 
 std::wstring CFEdCtrl::copy(std::size_t begin, std::size_t end) {
@@ -59,14 +54,10 @@ std::vector<dialogs::MenuEntry> CFEdCtrl::menu(const dialogs::TextSelection& sel
 void CFEdCtrl::onMenu(int command, dialogs::TextSelection& selection) {
     value_.select(selection.anchor, selection.caret);
     OdString clipboard;
-    if (command == FieldEdit::kPaste) {
-        clipboard = dialogs::clipboardText();
-    }
+    if (command == FieldEdit::kPaste) clipboard = dialogs::clipboardText();
     value_.run(static_cast<FieldEdit::Command>(command), clipboard);
     // Nothing was copied when nothing is selected.
-    if (command == FieldEdit::kCopy && !clipboard.empty()) {
-        dialogs::setClipboardText(clipboard);
-    }
+    if (command == FieldEdit::kCopy && !clipboard.empty()) dialogs::setClipboardText(clipboard);
     selection = {value_.anchor(), value_.caret()};
 }
 

@@ -15,14 +15,14 @@ constexpr int kPromptFlags = 4;
 constexpr int kFewestSegments = 2;
 constexpr int kMostSegments = 32767;
 
-/// What is put on the curve. A null block means points.
+// What is put on the curve. A null block means points.
 struct Markers {
     int segments = kFewestSegments;
     OdDbObjectId block;
     bool aligned = false;
 };
 
-/// Shows an object highlighted for as long as it lives.
+// Shows an object highlighted for as long as it lives.
 class Highlight {
   public:
     explicit Highlight(OdDbObjectId object) : object_(object) { show(true); }
@@ -32,9 +32,7 @@ class Highlight {
 
   private:
     void show(bool on) const {
-        if (auto* const highlight = hostService(hostapi::highlight)) {
-            highlight(object_, on);
-        }
+        if (auto* const highlight = hostService(hostapi::highlight)) highlight(object_, on);
     }
     OdDbObjectId object_;
 };
@@ -42,10 +40,9 @@ class Highlight {
 OdDbObjectId selectObject() {
     hostapi::Pick pick;
     auto* const selectEntity = hostService(hostapi::selectEntity);
-    if (selectEntity == nullptr || selectEntity(loadText(IDS_SELECT_OBJECT_TO_DIVIDE).c_str(), nullptr,
-                                                hostapi::kSingleEntity, pick) != hostapi::kValue) {
+    if (!selectEntity || selectEntity(loadText(IDS_SELECT_OBJECT_TO_DIVIDE).c_str(), nullptr, hostapi::kSingleEntity,
+                                      pick) != hostapi::kValue)
         return {};
-    }
     return pick.entity;
 }
 
@@ -54,12 +51,8 @@ int askSegments(HostEdInput& input, int& segments, const wchar_t* keywords, unsi
     const OdString prompt = loadText(IDS_ENTER_NUMBER_OF_SEGMENTS);
     for (;;) {
         const int result = input.getInteger(segments, prompt.c_str(), keywords, kPromptFlags, 0);
-        if (result == hostapi::kEmpty) {
-            segments = kFewestSegments;
-        }
-        if (result != hostapi::kValue || (segments >= kFewestSegments && segments <= kMostSegments)) {
-            return result;
-        }
+        if (result == hostapi::kEmpty) segments = kFewestSegments;
+        if (result != hostapi::kValue || (segments >= kFewestSegments && segments <= kMostSegments)) return result;
         printLine(loadText(refusal));
     }
 }
@@ -70,14 +63,10 @@ bool showsBlock(OdDbObjectId block, OdDbObjectId shown) {
     for (std::vector<OdDbObjectId> holders{shown}; !holders.empty();) {
         const OdDbObjectId holder = holders.back();
         holders.pop_back();
-        if (holder == block) {
-            return true;
-        }
+        if (holder == block) return true;
         for (OdDbObjectId reference : holder.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false)) {
             const OdDbObjectId outer = reference.openAs<OdDbBlockReference>()->blockId();
-            if (!outer.isNull() && seen.insert(outer).second) {
-                holders.push_back(outer);
-            }
+            if (!outer.isNull() && seen.insert(outer).second) holders.push_back(outer);
         }
     }
     return false;
@@ -98,13 +87,9 @@ int askBlock(const RunFrame& frame, OdDbObjectId space, OdDbObjectId& block) {
         OdString name;
         const int result =
             frame.input->getKeyword(prompt.c_str(), nullptr, kPromptFlags, reinterpret_cast<std::uintptr_t>(&name), 0);
-        if (result == hostapi::kCancel) {
-            return result;
-        }
+        if (result == hostapi::kCancel) return result;
         block = frame.database->findBlock(name);
-        if (canInsertInto(space, block)) {
-            return result;
-        }
+        if (canInsertInto(space, block)) return result;
         frame.input->printMessage(loadText(IDS_CANNOT_FIND_BLOCK).c_str(), name.c_str());
     }
 }
@@ -124,17 +109,14 @@ bool askMarkers(const RunFrame& frame, OdDbObjectId space, Markers& markers) {
                              IDS_SEGMENTS_RANGE_OR_KEYWORD);
     if (result == kBlock) {
         result = askBlock(frame, space, markers.block);
-        if (result != hostapi::kCancel) {
-            result = askAligned(*frame.input, markers.aligned);
-        }
-        if (result != hostapi::kCancel) {
+        if (result != hostapi::kCancel) result = askAligned(*frame.input, markers.aligned);
+        if (result != hostapi::kCancel)
             result = askSegments(*frame.input, markers.segments, nullptr, IDS_SEGMENTS_RANGE);
-        }
     }
     return result != hostapi::kCancel;
 }
 
-/// Where a curve is divided, and its first derivatives there.
+// Where a curve is divided, and its first derivatives there.
 struct Divisions {
     std::vector<OdGePoint3d> points;
     std::vector<OdGeVector3d> derivatives;
@@ -166,9 +148,7 @@ OdDbEntityPtr makeReference(OdDbDatabase& database, const Markers& markers, cons
     reference->setDatabaseDefaults(&database);
     reference->setBlockTableRecord(markers.block);
     reference->setPosition(position);
-    if (markers.aligned) {
-        reference->setRotation(OdGeVector3d::kXAxis.angleTo(derivative, OdGeVector3d::kZAxis));
-    }
+    if (markers.aligned) reference->setRotation(OdGeVector3d::kXAxis.angleTo(derivative, OdGeVector3d::kZAxis));
     return reference;
 }
 
@@ -200,9 +180,7 @@ CMD_RUNSTATUS CDivideCmd::run() {
     setRunStatus(kCommandRunning);
     const RunFrame frame = reachDocument();
     const OdDbObjectId object = selectObject();
-    if (!object.isValid()) {
-        return setRunStatus(kCommandCancelled);
-    }
+    if (!object.isValid()) return setRunStatus(kCommandCancelled);
     const Highlight highlight(object);
     Markers markers;
     const bool done = askMarkers(frame, spaceOf(object), markers) && divideObject(*frame.database, object, markers);

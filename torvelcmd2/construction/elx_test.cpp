@@ -7,9 +7,7 @@ CMD_RUNSTATUS TestCmd::run() {
     const RunFrame frame = reachDocument();
     OdString text;
     const bool entered = frame.input->getString(text);
-    if (entered) {
-        frame.input->printMessage(L"Inputed Text is %s.", text.c_str());
-    }
+    if (entered) frame.input->printMessage(L"Inputed Text is %s.", text.c_str());
     return setRunStatus(entered ? kCommandFinished : kCommandCancelled);
 }
 

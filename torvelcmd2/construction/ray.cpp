@@ -48,9 +48,7 @@ CMD_RUNSTATUS CRayCmd::run() {
     OdGePoint3d start;
     int result = askStartPoint(*frame.input, start);
     const OdString throughPrompt = loadText(IDS_SPECIFY_THROUGH_POINT);
-    while (result == hostapi::kValue) {
-        result = placeRay(frame, space, start, throughPrompt);
-    }
+    while (result == hostapi::kValue) result = placeRay(frame, space, start, throughPrompt);
     return setRunStatus(statusOfInput(result));
 }
 

@@ -24,16 +24,14 @@ OdDbPolyline::Vertex vertexAt(const OdDbPolyline& polyline, const OdGePoint3d& p
     return vertex;
 }
 
-/// Moves one vertex of the boundary with the cursor.
+// Moves one vertex of the boundary with the cursor.
 class WipeoutBoundsTracker final : public HostEdPointTracker {
   public:
     WipeoutBoundsTracker(const OdDbPolylinePtr& boundary, std::size_t index)
         : HostEdPointTracker(boundary), boundary_(*boundary), index_(index) {}
 
     bool filterEvent(const HostInputEvent& event, const OdGePoint3d&) override {
-        if (event.kind != HostInputEvent::kPointMoved) {
-            return false;
-        }
+        if (event.kind != HostInputEvent::kPointMoved) return false;
         update(event.cursor);
         return true;
     }
@@ -47,19 +45,14 @@ class WipeoutBoundsTracker final : public HostEdPointTracker {
 // ---- a wipeout from a polyline
 
 bool isClosedAndStraight(const OdDbPolyline& polyline) {
-    for (std::size_t i = 0; i < polyline.numVerts(); ++i) {
-        if (std::fabs(polyline.vertexAt(i).bulge) > kStraightBulge) {
-            return false;
-        }
-    }
+    for (std::size_t i = 0; i < polyline.numVerts(); ++i)
+        if (std::fabs(polyline.vertexAt(i).bulge) > kStraightBulge) return false;
     return polyline.isClosed() && polyline.numVerts() > 0;
 }
 
 std::vector<OdGePoint3d> cornersOf(const OdDbPolyline& polyline) {
     std::vector<OdGePoint3d> corners;
-    for (std::size_t i = 0; i < polyline.numVerts(); ++i) {
-        corners.push_back(polyline.pointAt(i));
-    }
+    for (std::size_t i = 0; i < polyline.numVerts(); ++i) corners.push_back(polyline.pointAt(i));
     corners.push_back(corners.front());
     return corners;
 }
@@ -88,9 +81,7 @@ bool createWipeout(const RunFrame& frame, OdDbPolyline& polyline) {
         return false;
     }
     const std::vector<OdGePoint3d> corners = cornersOf(polyline);
-    if (polyline.isDatabaseResident() && !eraseIfWanted(*frame.input, polyline)) {
-        return false;
-    }
+    if (polyline.isDatabaseResident() && !eraseIfWanted(*frame.input, polyline)) return false;
     const auto wipeout = OdDbWipeout::createObject();
     wipeout->setDatabaseDefaults(frame.database.get());
     wipeout->setBoundary(corners);
@@ -102,9 +93,7 @@ bool createWipeout(const RunFrame& frame, OdDbPolyline& polyline) {
 
 OdGeVector3d drawingPlaneNormal() {
     OdGeMatrix3d plane;
-    if (auto* const getDrawingPlane = hostService(hostapi::getDrawingPlane)) {
-        getDrawingPlane(plane);
-    }
+    if (auto* const getDrawingPlane = hostService(hostapi::getDrawingPlane)) getDrawingPlane(plane);
     return plane.zAxis();
 }
 
@@ -127,9 +116,7 @@ void removeLastVertex(OdDbPolyline& boundary) { boundary.removeVertexAt(boundary
 
 // Takes back the vertex under the cursor and the one that was placed last.
 void undoVertex(OdDbPolyline& boundary) {
-    if (boundary.numVerts() > 2) {
-        removeLastVertex(boundary);
-    }
+    if (boundary.numVerts() > 2) removeLastVertex(boundary);
     removeLastVertex(boundary);
 }
 
@@ -183,10 +170,9 @@ CMD_RUNSTATUS drawPolygon(const RunFrame& frame, const OdGePoint3d& first) {
 CMD_RUNSTATUS maskPolyline(const RunFrame& frame) {
     hostapi::Pick pick;
     auto* const selectEntity = hostService(hostapi::selectEntity);
-    if (selectEntity == nullptr || selectEntity(loadText(IDS_SELECT_CLOSED_POLYLINE).c_str(), nullptr,
-                                                hostapi::kSingleEntity, pick) != hostapi::kValue) {
+    if (!selectEntity || selectEntity(loadText(IDS_SELECT_CLOSED_POLYLINE).c_str(), nullptr, hostapi::kSingleEntity,
+                                      pick) != hostapi::kValue)
         return kCommandCancelled;
-    }
     const auto polyline = pick.entity.openIf<OdDbPolyline>();
     return polyline && createWipeout(frame, *polyline) ? kCommandFinished : kCommandCancelled;
 }
@@ -208,11 +194,10 @@ CMD_RUNSTATUS switchFrames(const RunFrame& frame) {
     const OdString& current = OdDbWipeoutVariables::showsFrames(*frame.database) ? on : off;
     const OdString prompt = loadText(IDS_ENTER_MODE) + L" <" + current + L">";
     const int result = frame.input->getKeyword(prompt.c_str(), (on + L" " + off).c_str(), kPromptFlags, 0, 0);
-    if (result == kOn || result == kOff) {
+    if (result == kOn || result == kOff)
         showFrames(*frame.database, result == kOn);
-    } else if (result != hostapi::kEmpty) {
+    else if (result != hostapi::kEmpty)
         return kCommandCancelled;
-    }
     return kCommandFinished;
 }
 

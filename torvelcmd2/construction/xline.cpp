@@ -23,7 +23,7 @@ constexpr double kEdgeOn = 1e-9;  // sine of the angle between a plane and the d
 
 using OdDbXlinePtr = OdSmartPtr<OdDbXline>;
 
-/// The mode is the reply to the first prompt: a point, or one of its keywords.
+// The mode is the reply to the first prompt: a point, or one of its keywords.
 enum Mode : int {
     kThroughPoints = hostapi::kValue,
     kHorizontal = hostapi::kFirstKeyword,
@@ -33,7 +33,7 @@ enum Mode : int {
     kOffset,
 };
 
-/// The last offset, remembered from run to run for as long as the module is loaded.
+// The last offset, remembered from run to run for as long as the module is loaded.
 struct OffsetMemory {
     double distance = 0.0;
     bool through = true;  // "Through" was chosen last; the default before anything was
@@ -42,7 +42,7 @@ OffsetMemory offsetMemory;
 
 // ---- trackers
 
-/// Along a fixed direction through the cursor; without one, through the base point and the cursor.
+// Along a fixed direction through the cursor; without one, through the base point and the cursor.
 class CXlineTracker : public ConstructionLineTracker {
   public:
     explicit CXlineTracker(const OdDbXlinePtr& xline, const OdGeVector3d& direction = OdGeVector3d::kIdentity)
@@ -71,28 +71,24 @@ class CVertXlineTracker final : public CXlineTracker {
     using CXlineTracker::CXlineTracker;
 };
 
-/// Moves a line whose direction is settled.
+// Moves a line whose direction is settled.
 class CAngXlineTracker final : public CXlineTracker {
   public:
     using CXlineTracker::CXlineTracker;
     void update(int, const OdGePoint3d& cursor) override { constructionLine().setBasePoint(cursor); }
 };
 
-/// Halves the angle between a start point and the cursor, with the line's base point as its vertex.
+// Halves the angle between a start point and the cursor, with the line's base point as its vertex.
 class CBisXlineTracker final : public CXlineTracker {
   public:
     CBisXlineTracker(const OdDbXlinePtr& xline, const OdGePoint3d& start) : CXlineTracker(xline), start_(start) {}
 
     void update(int, const OdGePoint3d& cursor) override {
         const OdGePoint3d vertex = constructionLine().basePoint();
-        if (cursor.isEqualTo(vertex)) {
-            return;
-        }
+        if (cursor.isEqualTo(vertex)) return;
         const OdGeVector3d bisector = ((start_ - vertex).normal() + (cursor - vertex).normal()) * 0.5;
         // A straight angle has its bisectors all around; the direction stays.
-        if (!bisector.isZeroLength()) {
-            constructionLine().setUnitDir(bisector);
-        }
+        if (!bisector.isZeroLength()) constructionLine().setUnitDir(bisector);
     }
 
   private:
@@ -103,9 +99,7 @@ class CBisXlineTracker final : public CXlineTracker {
 
 OdGeVector3d axisVariable(const wchar_t* name, const OdGeVector3d& standard) {
     OdGeVector3d axis = standard;
-    if (auto* const getVector = hostService(hostapi::getVectorVariable)) {
-        getVector(name, axis);
-    }
+    if (auto* const getVector = hostService(hostapi::getVectorVariable)) getVector(name, axis);
     return axis;
 }
 OdGeVector3d xAxis() { return axisVariable(L"UCSXDIR", OdGeVector3d::kXAxis); }
@@ -134,13 +128,11 @@ double distanceTo(const OdGePoint2d& point, const OdGePoint2d& from, const OdGeP
     return point.distanceTo(from + along * foot);
 }
 
-/// The point in the plane that is seen where `point` is, from above; beside it when the plane is seen from its edge.
+// The point in the plane that is seen where `point` is, from above; beside it when the plane is seen from its edge.
 OdGePoint2d inPlane(const OdGeMatrix3d& toPlane, double elevation, const OdGePoint3d& point) {
     const OdGePoint3d there = toPlane * point;
     const OdGeVector3d down = toPlane * OdGeVector3d::kZAxis;
-    if (std::fabs(down.z) < kEdgeOn) {
-        return there.xy();
-    }
+    if (std::fabs(down.z) < kEdgeOn) return there.xy();
     return (there + down * ((elevation - there.z) / down.z)).xy();
 }
 
@@ -170,31 +162,25 @@ std::size_t nearestSegment(const OdDbPolyline& polyline, const OdGePoint3d& poin
 }
 
 std::optional<PickedLine> straightSegment(const OdDbPolyline& polyline, const OdGePoint3d& point) {
-    if (polyline.endParam() < 1) {
-        return std::nullopt;
-    }
+    if (polyline.endParam() < 1) return std::nullopt;
     const std::size_t index = nearestSegment(polyline, point);
-    if (std::fabs(polyline.vertexAt(index).bulge) > kStraightBulge) {
-        return std::nullopt;
-    }
+    if (std::fabs(polyline.vertexAt(index).bulge) > kStraightBulge) return std::nullopt;
     const OdGePoint3d start = polyline.pointAt(index);
     return PickedLine{start, polyline.pointAt((index + 1) % polyline.numVerts()) - start};
 }
 
 std::optional<PickedLine> usableLine(const hostapi::Pick& pick) {
     std::optional<PickedLine> line;
-    if (const auto segment = pick.entity.openIf<OdDbLine>()) {
+    if (const auto segment = pick.entity.openIf<OdDbLine>())
         line = PickedLine{segment->startPoint(), segment->endPoint() - segment->startPoint()};
-    } else if (const auto infinite = pick.entity.openIf<OdDbConstructionLine>()) {
+    else if (const auto infinite = pick.entity.openIf<OdDbConstructionLine>())
         line = PickedLine{infinite->basePoint(), infinite->unitDir()};
-    } else if (const auto polyline = pick.entity.openIf<OdDbPolyline>()) {
+    else if (const auto polyline = pick.entity.openIf<OdDbPolyline>())
         line = straightSegment(*polyline, pick.point);
-    }
     // Along the drawing plane's normal it has neither an angle nor a side.
     if (line &&
-        (line->direction.isZeroLength() || line->direction.normal().crossProduct(drawingNormal()).length() < kEdgeOn)) {
+        (line->direction.isZeroLength() || line->direction.normal().crossProduct(drawingNormal()).length() < kEdgeOn))
         line.reset();
-    }
     return line;
 }
 
@@ -203,14 +189,10 @@ int selectLine(PickedLine& line) {
     const OdString prompt = loadText(IDS_SELECT_LINE_OBJECT);
     for (int flags = hostapi::kSingleEntity;; flags = hostapi::kSingleEntity | hostapi::kRetry) {
         auto* const selectEntity = hostService(hostapi::selectEntity);
-        if (selectEntity == nullptr) {
-            return hostapi::kCancel;
-        }
+        if (!selectEntity) return hostapi::kCancel;
         hostapi::Pick pick;
         const int result = selectEntity(prompt.c_str(), nullptr, flags, pick);
-        if (result != hostapi::kValue) {
-            return result;
-        }
+        if (result != hostapi::kValue) return result;
         if (const auto usable = usableLine(pick)) {
             line = *usable;
             return result;
@@ -221,12 +203,12 @@ int selectLine(PickedLine& line) {
 
 // ---- one run
 
-/// What one pass came to: the input result that decides whether there is another, or nothing when the run has failed.
+// What one pass came to: the input result that decides whether there is another, or nothing when the run has failed.
 using PassResult = std::optional<int>;
 constexpr PassResult kRunFailed = std::nullopt;
 
-/// One run in one mode. A pass gets a new line and places it by the mode's rules; it may put another line, or none, in
-/// its place. The first pass of a mode asks its one-time questions.
+// One run in one mode. A pass gets a new line and places it by the mode's rules; it may put another line, or none, in
+// its place. The first pass of a mode asks its one-time questions.
 class XlineRun {
   public:
     XlineRun(const RunFrame& frame, int mode, const OdGePoint3d& start)
@@ -318,9 +300,8 @@ class XlineRun {
 
     PassResult bisecting(const OdDbXlinePtr& xline) {
         if (firstPass_ && (askPoint(IDS_SPECIFY_ANGLE_VERTEX, vertex_, nullptr, nullptr) != hostapi::kValue ||
-                           askPoint(IDS_SPECIFY_ANGLE_START, angleStart_, &vertex_, nullptr) != hostapi::kValue)) {
+                           askPoint(IDS_SPECIFY_ANGLE_START, angleStart_, &vertex_, nullptr) != hostapi::kValue))
             return kRunFailed;
-        }
         xline->setBasePoint(vertex_);
         CBisXlineTracker tracker(xline, angleStart_);
         OdGePoint3d end;
@@ -346,9 +327,8 @@ class XlineRun {
         OdString standard = through;
         if (!offsetMemory.through) {
             constexpr int kDrawingsOwn = -1;
-            if (auto* const realToText = hostService(hostapi::realToText)) {
+            if (auto* const realToText = hostService(hostapi::realToText))
                 realToText(offsetMemory.distance, kDrawingsOwn, kDrawingsOwn, standard);
-            }
         }
         const OdString prompt = loadText(IDS_SPECIFY_OFFSET_DISTANCE) + L"<" + standard + L">";
         const int result =
@@ -390,9 +370,7 @@ CMD_RUNSTATUS CXLineCmd::run() {
     const int mode = frame.input->getPoint(nullptr, start, loadText(IDS_SPECIFY_START_POINT).c_str(),
                                            loadText(IDS_XLINE_KEYWORDS).c_str(), kPromptFlags, 0, nullptr);
     // Any reply that is no mode, Enter too, counts as a cancelled run.
-    if (mode != kThroughPoints && (mode < kHorizontal || mode > kOffset)) {
-        return setRunStatus(kCommandCancelled);
-    }
+    if (mode != kThroughPoints && (mode < kHorizontal || mode > kOffset)) return setRunStatus(kCommandCancelled);
     return setRunStatus(XlineRun(frame, mode, start).run());
 }
 

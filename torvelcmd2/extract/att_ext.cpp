@@ -16,20 +16,16 @@ namespace {
 constexpr int kClosedWithoutButton = 3;
 
 OdString drawingPath(const OdDbDatabase& database) {
-    if (!database.fileName().empty()) {
-        return base::absolutePath(database.fileName());
-    }
+    if (!database.fileName().empty()) return base::absolutePath(database.fileName());
     OdString name;
-    if (auto* const textVariable = hostService(hostapi::getTextVariable)) {
-        textVariable(L"DWGNAME", name);
-    }
+    if (auto* const textVariable = hostService(hostapi::getTextVariable)) textVariable(L"DWGNAME", name);
     return name;
 }
 
 void selectObjects(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
     auto* const select = hostService(hostapi::selectSet);
     OdDbObjectIdArray selected;
-    if (select != nullptr && select(loadText(IDS_ATTEXT_SELECT_OBJECTS).c_str(), 0, selected) == hostapi::kValue) {
+    if (select && select(loadText(IDS_ATTEXT_SELECT_OBJECTS).c_str(), 0, selected) == hostapi::kValue) {
         selection = std::move(selected);
         dialog.setNumberFound(static_cast<int>(selection.size()));
     }
@@ -57,16 +53,12 @@ bool workDialog(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
 // a selection is nearly always in order, so that sorting all pairs would mostly be in vain.
 OdDbObjectIdArray orderedReferences(const OdDbObjectIdArray& selection) {
     std::map<OdDbObjectId, OdDbObjectIdArray> byBlock;
-    for (OdDbObjectId id : selection) {
-        if (id.isValid() && id.isKindOf(OdDbBlockReference::desc())) {
+    for (OdDbObjectId id : selection)
+        if (id.isValid() && id.isKindOf(OdDbBlockReference::desc()))
             byBlock[OdDbBlockReference::blockTableRecordOf(id)].push_back(id);
-        }
-    }
     OdDbObjectIdArray ordered;
     for (auto& [block, references] : byBlock) {
-        if (!std::ranges::is_sorted(references)) {
-            std::ranges::sort(references);
-        }
+        if (!std::ranges::is_sorted(references)) std::ranges::sort(references);
         ordered.insert(ordered.end(), references.begin(), references.end());
     }
     return ordered;
@@ -74,15 +66,12 @@ OdDbObjectIdArray orderedReferences(const OdDbObjectIdArray& selection) {
 
 // The number of records written.
 int writeExtract(const CAttExtDlg& dialog, const OdDbObjectIdArray& selection) {
-    if (selection.empty()) {
-        return 0;
-    }
+    if (selection.empty()) return 0;
     ExtractSettings& settings = extractSettings();
     settings.format = dialog.format();
     const OdString templatePath = dialog.templatePath();
-    if (dialog.format() == ExtractFormat::dxf) {
+    if (dialog.format() == ExtractFormat::dxf)
         return writeDxfExtract(selection, dialog.outputPath(), templatePath.c_str());
-    }
     settings.delimiter.assign(1, dialog.format() == ExtractFormat::commaDelimited ? ',' : ' ');
     const OdDbObjectIdArray references = orderedReferences(selection);
     return references.empty() ? 0 : writeDelimitedExtract(templatePath, dialog.outputPath(), references);
@@ -97,13 +86,9 @@ CMD_RUNSTATUS AttExtCmd::run() {
     const RunFrame frame = reachDocument();
     CAttExtDlg dialog(drawingPath(*frame.database));
     OdDbObjectIdArray selection;
-    if (!workDialog(dialog, selection)) {
-        return runStatus();
-    }
+    if (!workDialog(dialog, selection)) return runStatus();
     const int written = writeExtract(dialog, selection);
-    if (written > 0) {
-        setRunStatus(kCommandFinished);
-    }
+    if (written > 0) setRunStatus(kCommandFinished);
     // The count is told whatever happened, 0 included.
     frame.input->printMessage(loadText(IDS_ATTEXT_COUNT).c_str(), written);
     return runStatus();

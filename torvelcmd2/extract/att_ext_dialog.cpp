@@ -25,9 +25,7 @@ std::size_t lastSeparator(const OdString& path) {
 OdString documentsFolder() {
     OdString folder;
     auto* const folders = hostService(hostapi::getStdDirs);
-    if (folders != nullptr && folders() != nullptr) {
-        folders()->documentsFolder(folder);
-    }
+    if (folders && folders()) folders()->documentsFolder(folder);
     return folder;
 }
 
@@ -74,17 +72,13 @@ void CAttExtDlg::setTexts() {
         {IDC_ATTEXT_NUMBER_LABEL, IDS_ATTEXT_NUMBER_FOUND},
     };
     setTitle(loadText(IDS_ATTEXT_TITLE));
-    for (const auto& [control, textId] : kTexts) {
-        setText(control, loadText(textId));
-    }
+    for (const auto& [control, textId] : kTexts) setText(control, loadText(textId));
 }
 
 // The file used last; else the drawing's name in the folder used last, or in the user's documents.
 OdString CAttExtDlg::firstOutputPath() const {
     const OdString remembered = readSetting(kSection, kOutputKey).value_or(L"");
-    if (!remembered.empty()) {
-        return remembered;
-    }
+    if (!remembered.empty()) return remembered;
     const std::optional<OdString> usedLast = readSetting(kSection, kFolderKey);
     const OdString folder = usedLast ? *usedLast : documentsFolder();
     const std::size_t separator = lastSeparator(drawingPath_);
@@ -97,15 +91,11 @@ OdString CAttExtDlg::firstOutputPath() const {
 void CAttExtDlg::applyExtensionRule() {
     const bool dxx = format_ == ExtractFormat::dxf;
     setText(IDC_ATTEXT_OUTPUT, base::replaceAll(outputPath(), L".dwg", dxx ? L".dxx" : L".txt"));
-    if (dxx) {
-        enable(IDC_ATTEXT_TEMPLATE_BUTTON, false);
-    }
+    if (dxx) enable(IDC_ATTEXT_TEMPLATE_BUTTON, false);
 }
 
 void CAttExtDlg::onCommand(int control, dialogs::Event event) {
-    if (event != dialogs::Event::kPressed) {
-        return;
-    }
+    if (event != dialogs::Event::kPressed) return;
     switch (control) {
         case IDC_ATTEXT_CDF:
             return chooseFormat(ExtractFormat::commaDelimited);
@@ -138,9 +128,7 @@ void CAttExtDlg::chooseTemplate() {
     request.fileName = L"*.txt";
     request.filter = kTextFilter;
     request.mustExist = true;
-    if (const auto path = dialogs::askFile(request)) {
-        setText(IDC_ATTEXT_TEMPLATE, *path);
-    }
+    if (const auto path = dialogs::askFile(request)) setText(IDC_ATTEXT_TEMPLATE, *path);
 }
 
 void CAttExtDlg::chooseOutput() {
@@ -164,13 +152,10 @@ void CAttExtDlg::onOk() {
         showBox(hostapi::kErrorBox, loadText(IDS_ATTEXT_NOT_SELECTED));
         return;
     }
-    if (format_ != ExtractFormat::dxf && !checkFiles()) {
-        return;
-    }
+    if (format_ != ExtractFormat::dxf && !checkFiles()) return;
     const OdString output = outputPath();
-    if (const std::size_t separator = lastSeparator(output); separator != OdString::npos) {
+    if (const std::size_t separator = lastSeparator(output); separator != OdString::npos)
         writeSetting(kSection, kFolderKey, output.substr(0, separator));
-    }
     rememberOutput();
     end(dialogs::kOkButton);
 }
@@ -194,9 +179,7 @@ bool CAttExtDlg::checkFiles() {
 }
 
 void CAttExtDlg::rememberOutput() {
-    if (!outputPath().empty()) {
-        writeSetting(kSection, kOutputKey, outputPath());
-    }
+    if (!outputPath().empty()) writeSetting(kSection, kOutputKey, outputPath());
 }
 
 }  // namespace torvel

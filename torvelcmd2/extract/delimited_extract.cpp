@@ -25,12 +25,12 @@ std::string inCodePage(std::string_view bytes, const OdDbDatabase* drawing) {
     constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
     if (!bytes.starts_with(kUtf8Mark)) return std::string(bytes);
     std::string narrow;
-    if (drawing != nullptr) drawing->appendNarrow(narrow, base::fromUtf8(bytes.substr(kUtf8Mark.size())));
+    if (drawing) drawing->appendNarrow(narrow, base::fromUtf8(bytes.substr(kUtf8Mark.size())));
     return narrow;
 }
 
-/// Pads the parts, one behind the other, with blanks to the width, which counts bytes of the file, and never cuts. A
-/// negative width means its size and the left side, as in printf's formats.
+// Pads the parts, one behind the other, with blanks to the width, which counts bytes of the file, and never cuts. A
+// negative width means its size and the left side, as in printf's formats.
 void appendColumn(std::string& bytes, std::initializer_list<std::string_view> parts, int width, bool toTheLeft) {
     const auto columns = static_cast<std::size_t>(std::abs(width));
     std::size_t size = 0;
@@ -42,8 +42,8 @@ void appendColumn(std::string& bytes, std::initializer_list<std::string_view> pa
     if (toTheLeft) bytes.append(blanks, ' ');
 }
 
-/// printf's "%*.*f", whole also where it takes more than the 256 characters that are usual for it: cut, it would be
-/// another number.
+// printf's "%*.*f", whole also where it takes more than the 256 characters that are usual for it: cut, it would be
+// another number.
 void assignNumber(std::string& text, double number, const ExtractField& field) {
     constexpr int kUsualPrecision = 6;      // what printf takes for a negative one
     constexpr std::size_t kLongest = 1400;  // sign, 309 digits, point, 999 digits
@@ -54,20 +54,18 @@ void assignNumber(std::string& text, double number, const ExtractField& field) {
     appendColumn(text, {std::string_view(digits, static_cast<std::size_t>(end - digits))}, field.width, false);
 }
 
-/// Fills the values of one reference after the other.
+// Fills the values of one reference after the other.
 class Records {
   public:
     explicit Records(const std::vector<ExtractField>& fields) : fields_(fields), values_(fields.size()) {
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            if (fields[i].source == Source::attribute) {
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            if (fields[i].source == Source::attribute)
                 tags_[fields[i].name].push_back(i);
-            } else {
+            else
                 properties_.push_back(i);
-            }
-        }
     }
 
-    /// The values in the order of the fields, until the next call.
+    // The values in the order of the fields, until the next call.
     const std::vector<std::string>& fill(OdDbObjectId id) {
         for (std::string& value : values_) value.clear();
         reference_.read(id);
@@ -151,11 +149,10 @@ class Records {
             namedBlock_ = id;
             const auto block = id.openIf<OdDbBlockTableRecord>();
             blockName_.clear();
-            if (block) {
+            if (block)
                 block->database()->appendNarrow(blockName_, block->name());
-            } else {
+            else
                 blockName_ = reference_.narrowBlockName();
-            }
         }
         return blockName_;
     }
@@ -224,7 +221,7 @@ int writeDelimitedExtract(const OdString& templatePath, const OdString& outputPa
         const auto bytes = delimitedText(base::readFile(templatePath).view(), references, extractSettings());
         if (!bytes) return 0;
         const auto output = openExtractOutput(outputPath, drawingOf(references));
-        if (output == nullptr) return 0;
+        if (!output) return 0;
         output->write(*bytes);
         output->commit();
         return static_cast<int>(references.size());

@@ -7,7 +7,7 @@
 namespace torvel {
 namespace {
 
-/// Returns the number of lines that the filer kept.
+// Returns the number of lines that the filer kept.
 std::size_t writeRecord(const OdDbBlockReference& reference, base::AtomicFile& output) {
     const auto filer = TVDxfFiler::create(reference.objectId(), reference.database());
     reference.dxfOutFields(*filer);
@@ -28,9 +28,9 @@ std::size_t writeRecord(const OdDbBlockReference& reference, base::AtomicFile& o
 }  // namespace
 
 int writeDxfExtract(const OdDbObjectIdArray& selection, const OdString& outputPath, const wchar_t* templatePath) {
-    if (selection.empty() || templatePath == nullptr) return 0;
+    if (selection.empty() || !templatePath) return 0;
     const auto output = openExtractOutput(outputPath, selection.front().database());
-    if (output == nullptr) return 0;
+    if (!output) return 0;
     int count = 0;
     try {
         for (const OdDbObjectId id : selection) {

@@ -31,13 +31,11 @@ constexpr std::pair<std::string_view, ExtractField::Source> kProperties[] = {
 
 // Case counts, also that of the prefix: "bl:name" is an attribute's tag, and so is "BL:" alone.
 ExtractField::Source sourceOf(std::string_view name) {
-    if (name.size() <= kPropertyPrefix.size() || !name.starts_with(kPropertyPrefix)) {
+    if (name.size() <= kPropertyPrefix.size() || !name.starts_with(kPropertyPrefix))
         return ExtractField::Source::attribute;
-    }
     const std::string_view property = name.substr(kPropertyPrefix.size());
-    for (const auto& [known, source] : kProperties) {
+    for (const auto& [known, source] : kProperties)
         if (property == known) return source;
-    }
     return ExtractField::Source::unknown;
 }
 
@@ -74,13 +72,12 @@ std::vector<ExtractField> parseExtractTemplate(std::string_view text, ExtractSet
         const std::string_view name = takeWord(text);
         const std::string_view format = takeWord(text);
         if (format.empty()) return fields;
-        if (base::equalsNoCase(name, "C:QUOTE")) {
+        if (base::equalsNoCase(name, "C:QUOTE"))
             settings.quote = format;
-        } else if (base::equalsNoCase(name, "C:DELIM")) {
+        else if (base::equalsNoCase(name, "C:DELIM"))
             settings.delimiter = format;
-        } else if (format.size() == kFormatLength) {
+        else if (format.size() == kFormatLength)
             fields.push_back(makeField(name, format));
-        }
     }
 }
 

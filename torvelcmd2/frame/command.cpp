@@ -25,9 +25,7 @@ void printLine(const OdString& text) { GetCurrentInput()->printMessage(L"%s", te
 OdDbObjectId targetSpaceId(const OdDbDatabase& database) {
     const OdDbObjectId current = database.currentSpaceId();
     const OdDbObjectId viewport = database.activeViewportId();
-    if (current == database.modelSpaceId() || viewport.isNull()) {
-        return current;
-    }
+    if (current == database.modelSpaceId() || viewport.isNull()) return current;
     // Number 1 is the paper space's own viewport.
     return viewport.openAs<OdDbViewport>()->number() > 1 ? database.modelSpaceId() : current;
 }

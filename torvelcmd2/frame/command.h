@@ -27,9 +27,7 @@ class CCSUnknownImpl : public Interface {
     int query6() final { return 1; }
 
     int getAttached(ICSUnknown** object) final {
-        if (attached_ == nullptr) {
-            return 0;
-        }
+        if (!attached_) return 0;
         attached_->addRef();
         *object = attached_.get();
         return 1;
@@ -37,9 +35,7 @@ class CCSUnknownImpl : public Interface {
 
     int setAttached(ICSUnknown* object) final {
         if (object != attached_.get()) {
-            if (object != nullptr) {
-                object->addRef();
-            }
+            if (object) object->addRef();
             attached_.reset(object);
         }
         return 1;
@@ -59,12 +55,10 @@ class CCSUnknownImpl : public Interface {
         // Only the root and the outermost interface are answered; ICmdRun, though it lies between them, is refused on
         // purpose.
         if (*id != typeid(ICSUnknown) && *id != typeid(Interface)) {
-            if (result != nullptr) {
-                *result = nullptr;
-            }
+            if (result) *result = nullptr;
             return 0;
         }
-        if (result != nullptr) {
+        if (result) {
             *result = static_cast<Interface*>(this);
             incrementReference();
         }
@@ -92,9 +86,7 @@ class CommandObject final : public Command {
   public:
     void destroy(unsigned flags) override {
         this->releaseAttached();
-        if ((flags & 1) != 0) {
-            delete this;
-        }
+        if ((flags & 1) != 0) delete this;
     }
 };
 

@@ -22,9 +22,7 @@ base::ModuleHandle factoryModule() {
         const wchar_t* const name = mainName();
         return name != nullptr ? base::findLoadedModule(name) : nullptr;
     }
-    if (base::ModuleHandle const view = viewModule()) {
-        return view;
-    }
+    if (base::ModuleHandle const view = viewModule()) return view;
     return mainModuleOfBridge();
 }
 
@@ -33,12 +31,9 @@ base::ModuleHandle factoryModule() {
 base::ModuleHandle GetHostMainModule() {
     using InstanceFunction = void*();
     if (auto* const mainInstance =
-            base::findFunction<InstanceFunction>(base::processImage(), hostapi::GetMainDllInstance.name)) {
+            base::findFunction<InstanceFunction>(base::processImage(), hostapi::GetMainDllInstance.name))
         return mainInstance();
-    }
-    if (base::ModuleHandle const view = viewModule()) {
-        return view;
-    }
+    if (base::ModuleHandle const view = viewModule()) return view;
     return mainModuleOfBridge();
 }
 
@@ -50,9 +45,7 @@ hostapi::HostFunction GetHostFunction(int id) {
 
 bool GetCommandFactory(ICmdFactory*& factory) {
     auto* const newFactory = base::findFunction<void(ICmdFactory**)>(factoryModule(), hostapi::new_ICmdFactory.name);
-    if (newFactory == nullptr) {
-        return false;
-    }
+    if (!newFactory) return false;
     newFactory(&factory);
     return true;
 }

@@ -16,16 +16,12 @@ Object* serviceObject(const hostapi::Service<Object*()>& service) {
 std::optional<OdString> readSetting(const wchar_t* section, const wchar_t* key) {
     IProfile* const profile = serviceObject(hostapi::getProfile);
     OdString value;
-    if (profile == nullptr || !profile->readText(section, key, value)) {
-        return std::nullopt;
-    }
+    if (!profile || !profile->readText(section, key, value)) return std::nullopt;
     return value;
 }
 
 void writeSetting(const wchar_t* section, const wchar_t* key, const OdString& value) {
-    if (IProfile* const profile = serviceObject(hostapi::getProfile)) {
-        profile->writeText(section, key, value.c_str());
-    }
+    if (IProfile* const profile = serviceObject(hostapi::getProfile)) profile->writeText(section, key, value.c_str());
 }
 
 int readIntegerSetting(const wchar_t* section, const wchar_t* key, int standard) {
@@ -35,9 +31,7 @@ int readIntegerSetting(const wchar_t* section, const wchar_t* key, int standard)
 }
 
 void writeIntegerSetting(const wchar_t* section, const wchar_t* key, int value) {
-    if (IProfile* const profile = serviceObject(hostapi::getProfile)) {
-        profile->writeInteger(section, key, value);
-    }
+    if (IProfile* const profile = serviceObject(hostapi::getProfile)) profile->writeInteger(section, key, value);
 }
 
 int showBox(hostapi::MessageKind kind, const OdString& text) {
@@ -46,24 +40,18 @@ int showBox(hostapi::MessageKind kind, const OdString& text) {
 }
 
 void notifyUser(const OdString& text) {
-    if (auto* const notify = hostService(hostapi::notify)) {
-        notify(text.c_str());
-    }
+    if (auto* const notify = hostService(hostapi::notify)) notify(text.c_str());
 }
 
 OdString translate(const wchar_t* text) {
     OdString translated = text;
-    if (auto* const translateText = hostService(hostapi::translateText)) {
-        translateText(text, translated);
-    }
+    if (auto* const translateText = hostService(hostapi::translateText)) translateText(text, translated);
     return translated;
 }
 
 void ModuleDialog::onHelp() {
     IHelpServiceEx* const help = serviceObject(hostapi::getHelpService);
-    if (help != nullptr && helpTopic_ != nullptr) {
-        help->showTopic(helpTopic_, window());
-    }
+    if (help && helpTopic_) help->showTopic(helpTopic_, window());
 }
 
 std::wstring ModuleDialog::savedPlacement() {
@@ -71,9 +59,7 @@ std::wstring ModuleDialog::savedPlacement() {
 }
 
 void ModuleDialog::savePlacement(const std::wstring& placement) {
-    if (settingsSection_ != nullptr) {
-        writeSetting(settingsSection_, kPlacementKey, placement);
-    }
+    if (settingsSection_) writeSetting(settingsSection_, kPlacementKey, placement);
 }
 
 }  // namespace torvel

@@ -12,11 +12,7 @@ ModuleEntry::~ModuleEntry() = default;
 }  // namespace torvel
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
-    if (reason == DLL_PROCESS_ATTACH) {
-        return torvel::attachModule(instance) ? TRUE : FALSE;
-    }
-    if (reason == DLL_PROCESS_DETACH) {
-        torvel::detachModule(instance, reserved);
-    }
+    if (reason == DLL_PROCESS_ATTACH) return torvel::attachModule(instance) ? TRUE : FALSE;
+    if (reason == DLL_PROCESS_DETACH) torvel::detachModule(instance, reserved);
     return TRUE;
 }

@@ -16,9 +16,7 @@ ModuleHook* moduleHook = nullptr;
 }  // namespace
 
 base::ModuleHandle GetModuleResourceHandle() {
-    if (moduleInstance == nullptr) {
-        moduleInstance = base::moduleOf(reinterpret_cast<const void*>(&GetModuleResourceHandle));
-    }
+    if (!moduleInstance) moduleInstance = base::moduleOf(reinterpret_cast<const void*>(&GetModuleResourceHandle));
     return moduleInstance;
 }
 
@@ -28,17 +26,13 @@ bool attachModule(base::ModuleHandle instance) {
     InitResourceTranslation(instance);
     // A build of this module may export a hook of its own; this one does not.
     moduleHook = base::findFunction<ModuleHook>(instance, "_CSAfxDllMain");
-    if (moduleHook != nullptr) {
-        moduleHook(instance, kAttach, nullptr);
-    }
+    if (moduleHook) moduleHook(instance, kAttach, nullptr);
     // The hook's answer does not matter: the module loads with or without it.
     return true;
 }
 
 void detachModule(base::ModuleHandle instance, void* reserved) {
-    if (moduleHook != nullptr) {
-        moduleHook(instance, kDetach, reserved);
-    }
+    if (moduleHook) moduleHook(instance, kDetach, reserved);
 }
 
 }  // namespace torvel

@@ -16,24 +16,20 @@
 namespace torvel {
 namespace {
 
-/// Registers one command, if there is a host to register it with. Nothing is unregistered.
+// Registers one command, if there is a host to register it with. Nothing is unregistered.
 class CommandRegistration {
   public:
     CommandRegistration(const char* name, CommandCreator creator) {
         ICmdFactory* found = nullptr;
         GetCommandFactory(found);
         const CountedReference<ICmdFactory> factory(found);
-        if (factory != nullptr) {
-            factory->addCommand(name, creator);
-        }
+        if (factory) factory->addCommand(name, creator);
     }
     CommandRegistration(const char* name, CommandCreator creator, const wchar_t* group, int flags) {
         ICmdFactory* found = nullptr;
         GetCommandFactory(found);
         const CountedReference<ICmdFactory> factory(found);
-        if (factory != nullptr) {
-            factory->addCommandInGroup(name, creator, group, flags, 0, 0);
-        }
+        if (factory) factory->addCommandInGroup(name, creator, group, flags, 0, 0);
     }
 };
 

@@ -14,9 +14,7 @@ class ConstructionLineTracker : public HostEdPointTracker {
         : HostEdPointTracker(constructionLine) {}
 
     bool filterEvent(const HostInputEvent& event, const OdGePoint3d&) override {
-        if (event.kind != HostInputEvent::kPointMoved) {
-            return false;
-        }
+        if (event.kind != HostInputEvent::kPointMoved) return false;
         update(0, event.cursor);
         return true;
     }
@@ -37,9 +35,7 @@ class ConstructionLineTracker : public HostEdPointTracker {
     /// Turns the line about its base point through the cursor; a cursor on the base point changes nothing.
     void turnTowards(const OdGePoint3d& cursor) {
         const OdGePoint3d base = constructionLine().basePoint();
-        if (!cursor.isEqualTo(base)) {
-            constructionLine().setUnitDir(cursor - base);
-        }
+        if (!cursor.isEqualTo(base)) constructionLine().setUnitDir(cursor - base);
     }
 };
 

@@ -35,7 +35,7 @@ SlidePoint moved(SlidePoint point, int dx, int dy) {
     return {static_cast<std::int16_t>(point.x + dx), static_cast<std::int16_t>(point.y + dy)};
 }
 
-/// The header as painters get it. Throws unless it is a slide's.
+// The header as painters get it. Throws unless it is a slide's.
 SlideHeader readHeader(std::string_view bytes, bool& isBigEndian) {
     SlideHeader header;
     if (bytes.size() < header.bytes.size() || !bytes.starts_with(kSlideMark)) fail(CXException::kNotASlide);
@@ -75,7 +75,7 @@ class Records {
     unsigned kind() const { return static_cast<unsigned>(byteAt(high_)); }
     std::size_t low() const { return 1 - high_; }
 
-    /// False at the end of the slide, and where the data ends inside the record.
+    // False at the end of the slide, and where the data ends inside the record.
     bool decodeRecord() {
         if (kind() <= kLastVector) return has(8) && vector();
         switch (kind()) {
@@ -158,5 +158,5 @@ void decodeSlide(std::string_view bytes, slidePainter& painter) {
 }  // namespace torvel
 
 void loadAndDrawVSlide(const CXStringW& name, slidePainter* painter) {
-    if (painter != nullptr) torvel::decodeSlide(torvel::loadSlide(name), *painter);
+    if (painter) torvel::decodeSlide(torvel::loadSlide(name), *painter);
 }

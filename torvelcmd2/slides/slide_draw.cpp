@@ -62,9 +62,8 @@ void slideDraw::line(const SlidePoint& from, const SlidePoint& to) {
 void slideDraw::fill(const SlidePoint* vertices, int count) {
     if (isInvisible_) return;
     std::array<OdGePoint3d, kMostVertices> points;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
         points[i] = toDevice(vertices[i].x, vertices[i].y);
-    }
     view_.drawPolygon(points.data(), count);
 }
 
@@ -79,9 +78,7 @@ std::uint32_t slideBackground(OdDbDatabase& database) {
     auto* const profile = hostService(hostapi::getProfile);
     IProfile* const settings = profile != nullptr ? profile() : nullptr;
     CXStringW text;
-    if (settings == nullptr || !settings->readText(L"Colors", isModelSpace ? L"Background" : L"LayoutPaper", text)) {
-        return 0;
-    }
+    if (!settings || !settings->readText(L"Colors", isModelSpace ? L"Background" : L"LayoutPaper", text)) return 0;
     return static_cast<std::uint32_t>(base::parseInteger(text).value_or(0)) & kRgb;
 }
 

@@ -69,9 +69,7 @@ bool findSlideFile(OdString& name, bool isLibrary) {
 }
 
 std::vector<SlideLibraryEntry> readSlideDirectory(std::string_view library, const OdString& fileName) {
-    if (library.size() < kLibraryHeader || !library.starts_with(kLibraryMark)) {
-        fail(CXException::kNotASlide, fileName);
-    }
+    if (library.size() < kLibraryHeader || !library.starts_with(kLibraryMark)) fail(CXException::kNotASlide, fileName);
     std::vector<SlideLibraryEntry> entries;
     for (std::string_view rest = library.substr(kLibraryHeader); rest.size() >= kEntry; rest.remove_prefix(kEntry)) {
         if (rest.starts_with("\0\0\0\0\0\0\0\0"sv)) break;

@@ -99,9 +99,7 @@ CMD_RUNSTATUS VSlideCmd::run() {
     // Empty when the user cancelled, or entered nothing where there is no default.
     const OdString name = asksByDialog() ? chooseFile(standard) : askName(*frame.input, standard);
     HostSlideView* const view = currentView();
-    if (name.empty() || view == nullptr) {
-        return setRunStatus(kCommandCancelled);
-    }
+    if (name.empty() || !view) return setRunStatus(kCommandCancelled);
     try {
         slideDraw painter(*view, slideBackground(*frame.database));
         loadAndDrawVSlide(name, &painter);

@@ -16,21 +16,21 @@ struct RegisteredCommand {
     int flags = 0;
 };
 
-// One for the process; modules get counted references to it.
+/// One for the process; modules get counted references to it.
 class CommandFactory final : public ICmdFactory {
   public:
     static CommandFactory& instance();
 
     std::uint32_t addRef() override { return ++references_; }
     std::uint32_t release() override { return --references_; }
-    // 1; 0 for a name that is taken or a null creator.
+    /// 1; 0 for a name that is taken or a null creator.
     int addCommandInGroup(const char* name, CommandCreator creator, const wchar_t* group, int flags,
                           std::uintptr_t reserved1, std::uintptr_t reserved2) override;
     int addCommand(const char* name, CommandCreator creator) override;
 
-    // In any case; null when there is none.
+    /// In any case; null when there is none.
     const RegisteredCommand* find(std::wstring_view name) const;
-    // References that modules hold.
+    /// References that modules hold.
     std::uint32_t references() const { return references_; }
 
   private:

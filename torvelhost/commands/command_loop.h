@@ -14,17 +14,17 @@ class CommandLoop {
     explicit CommandLoop(Application& application)
         : application_(application), session_(*application.session()), terminal_(application.terminal()) {}
 
-    // Until QUIT or the end of the replies. Returns kAllFinished, kSomeFailed or kFileFailed; throws ScriptError.
+    /// Until QUIT or the end of the replies. Returns kAllFinished, kSomeFailed or kFileFailed; throws ScriptError.
     ExitStatus run();
 
   private:
     using Body = std::function<CMD_RUNSTATUS()>;
 
-    // False: no more lines are wanted.
+    /// False: no more lines are wanted.
     bool runLine(const Reply& reply);
     void runCommand(const std::wstring& name, const Body& body, int flags = 0);
     void doubleClick(std::wstring_view handle);
-    // A line that names nothing: the end of a script, a hint for a person.
+    /// A line that names nothing: the end of a script, a hint for a person.
     void refuse(const std::wstring& what);
 
     Application& application_;

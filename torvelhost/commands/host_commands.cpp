@@ -51,11 +51,13 @@ CMD_RUNSTATUS HostCommands::refused(const std::wstring& why) {
 }
 
 int HostCommands::askNumber(const wchar_t* prompt, double& number) {
-    return session.input.ask(prompt, nullptr, L"a number", [&](const Reply& reply, std::wstring&) {
-        const auto typed = textToLength(reply.text);
-        if (typed) number = *typed;
-        return typed.has_value();
-    });
+    return session.input.ask(
+        prompt, nullptr, L"a number",
+        [&](const Reply& reply, std::wstring&) {
+            const auto typed = textToLength(reply.text);
+            if (typed) number = *typed;
+            return typed.has_value();
+        });
 }
 
 // ---- UNDO

@@ -8,7 +8,7 @@ namespace host {
 
 inline constexpr const wchar_t kUndoCommand[] = L"UNDO";
 
-// The bodies, one run each.
+/// The bodies, one run each.
 struct HostCommands {
     Application& application;
     Application::Session& session;
@@ -38,7 +38,7 @@ struct HostCommand {
     CMD_RUNSTATUS (HostCommands::*body)();
     bool changesView = false;  // it shows the drawing anew, so that a slide goes
 };
-// In any case; null when there is none.
+/// In any case; null when there is none.
 const HostCommand* findHostCommand(std::wstring_view name);
 
 }  // namespace host

@@ -13,7 +13,7 @@ class DialogLines final : public dialogs::LineSource {
     std::optional<std::wstring> next(const std::wstring& prompt) override;
     std::optional<std::wstring> peek() override { return replies_.peek(); }
     void print(std::wstring_view text) override { terminal_.show(text); }
-    // Throws ScriptError in a script.
+    /// Throws ScriptError in a script.
     void refuse(const std::wstring& why) override;
     bool isScript() const override { return replies_.isScript(); }
 
@@ -22,8 +22,8 @@ class DialogLines final : public dialogs::LineSource {
     Terminal& terminal_;
 };
 
-// Dialogs are windows or forms while this lives: windows where the options want them, and for a person at a terminal
-// where there are some.
+/// Dialogs are windows or forms while this lives: windows where the options want them, and for a person at a terminal
+/// where there are some.
 class DialogUse {
   public:
     DialogUse(bool windows, DialogLines& lines);

@@ -26,13 +26,13 @@ class LineEdit {
         kDeleteToEnd,
     };
 
-    // `history` is older lines, the oldest first; it must outlive this.
+    /// `history` is older lines, the oldest first; it must outlive this.
     explicit LineEdit(const std::vector<std::wstring>& history) : history_(history), line_(history.size()) {}
 
     void insert(std::wstring_view text);
     void press(Key key);
     const std::wstring& text() const { return text_; }
-    // In wchar_t units from the start of the text.
+    /// In wchar_t units from the start of the text.
     std::size_t caret() const { return caret_; }
 
   private:

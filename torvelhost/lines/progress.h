@@ -10,8 +10,8 @@
 
 namespace host {
 
-// Shows "Saving plan.dxf ... 3 s" on standard error while it lives, from the second second on. Does nothing when quiet
-// or when standard error is no terminal. One at a time.
+/// Shows "Saving plan.dxf ... 3 s" on standard error while it lives, from the second second on. Does nothing when quiet
+/// or when standard error is no terminal. One at a time.
 class Progress {
   public:
     Progress(const Terminal& terminal, const std::wstring& work);
@@ -19,7 +19,7 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // While a pause lives the program waits for the user; the clock starts anew behind it.
+    /// While a pause lives the program waits for the user; the clock starts anew behind it.
     class Pause {
       public:
         Pause();

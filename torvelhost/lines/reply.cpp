@@ -50,12 +50,11 @@ bool isComment(std::wstring_view line) {
 Keywords::Keywords(const wchar_t* list) {
     if (!list) return;
     std::vector<std::wstring>* names = &local_;
-    for (std::wstring_view word : words(list)) {
+    for (std::wstring_view word : words(list))
         if (word == L"_")
             names = &global_;
         else
             names->emplace_back(word);
-    }
 }
 
 std::wstring Keywords::joined() const {

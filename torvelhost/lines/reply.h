@@ -24,25 +24,25 @@ struct Reply {
     std::wstring text;    // without the quotes
     bool quoted = false;  // a quoted text is nothing but text: no keyword, no handle
 };
-// Blanks around the line do not count; quotes keep them.
+/// Blanks around the line do not count; quotes keep them.
 Reply parseReply(std::wstring_view line);
 bool isComment(std::wstring_view line);
 
-// The keywords of a prompt: "Yes No", or "Ja Nein _ Yes No" with the names that hold in every language behind the "_".
+/// The keywords of a prompt: "Yes No", or "Ja Nein _ Yes No" with the names that hold in every language behind the "_".
 class Keywords {
   public:
     Keywords() = default;
     explicit Keywords(const wchar_t* list);
 
     bool empty() const { return local_.empty(); }
-    // "Yes/No"
+    /// "Yes/No"
     std::wstring joined() const;
     struct Match {
         enum Kind { kNone, kAmbiguous, kAbbreviated, kExact };
         Kind kind = kNone;
         int index = 0;
     };
-    // By any unique abbreviation, in either language; an exact one wins. A "_" in front means the second names alone.
+    /// By any unique abbreviation, in either language; an exact one wins. A "_" in front means the second names alone.
     Match find(std::wstring_view text) const;
 
   private:
@@ -50,17 +50,17 @@ class Keywords {
     std::vector<std::wstring> global_;
 };
 
-// The prompt as it is shown: its last "[%s]" filled with the keywords, a colon at the end.
+/// The prompt as it is shown: its last "[%s]" filled with the keywords, a colon at the end.
 std::wstring promptText(const wchar_t* prompt, const Keywords& keywords);
 
-// A point as typed, in the user coordinate system.
+/// A point as typed, in the user coordinate system.
 struct TypedPoint {
     bool relative = false;
     bool flat = false;  // no Z was given, and 0 stands there
     OdGeVector3d value;
 };
 std::optional<TypedPoint> parsePoint(std::wstring_view text);
-// The unit direction at an angle in degrees, exact at the multiples of 90.
+/// The unit direction at an angle in degrees, exact at the multiples of 90.
 OdGeVector3d directionAt(double degrees);
 
 struct TypedPick {
@@ -68,7 +68,7 @@ struct TypedPick {
     std::optional<TypedPoint> point;
 };
 std::optional<TypedPick> parsePick(std::wstring_view text);
-// "#1F #20 #33"
+/// "#1F #20 #33"
 std::optional<std::vector<OdDbHandle>> parseHandles(std::wstring_view text);
 
 struct TypedWindow {

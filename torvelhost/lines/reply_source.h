@@ -10,7 +10,7 @@
 
 namespace host {
 
-// A script whose line does not fit the prompt it meets, or that ends inside a prompt. Ends the run.
+/// A script whose line does not fit the prompt it meets, or that ends inside a prompt. Ends the run.
 class ScriptError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -22,11 +22,11 @@ class ReplySource {
     ReplySource(const ReplySource&) = delete;
     ReplySource& operator=(const ReplySource&) = delete;
 
-    // Shows the prompt and takes a line. Nothing at the end.
+    /// Shows the prompt and takes a line. Nothing at the end.
     virtual std::optional<std::wstring> next(const std::wstring& prompt) = 0;
-    // The line that next() will take; nothing at the end, and from a person, who cannot be looked at in advance.
+    /// The line that next() will take; nothing at the end, and from a person, who cannot be looked at in advance.
     virtual std::optional<std::wstring> peek() { return std::nullopt; }
-    // Where the line taken last stands: "plan.scr:3".
+    /// Where the line taken last stands: "plan.scr:3".
     virtual std::wstring place() const { return L""; }
     virtual bool isScript() const = 0;
 
@@ -34,12 +34,12 @@ class ReplySource {
     ReplySource() = default;
 };
 
-// Lines of scripts, one after the other. Comment lines are left out. Each reply is echoed behind its prompt.
+/// Lines of scripts, one after the other. Comment lines are left out. Each reply is echoed behind its prompt.
 class ScriptReplies : public ReplySource {
   public:
     explicit ScriptReplies(Terminal& terminal) : terminal_(terminal) {}
 
-    // Throws base::FileError. "-" is standard input, which is read line by line as the replies are needed.
+    /// Throws base::FileError. "-" is standard input, which is read line by line as the replies are needed.
     void addFile(const std::wstring& path);
     void addText(const std::wstring& text);
 
@@ -64,7 +64,7 @@ class ScriptReplies : public ReplySource {
     std::wstring place_;
 };
 
-// A person at the prompt.
+/// A person at the prompt.
 class TypedReplies : public ReplySource {
   public:
     std::optional<std::wstring> next(const std::wstring& prompt) override;

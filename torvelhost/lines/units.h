@@ -19,13 +19,13 @@ constexpr int kScientific = 1, kDecimal = 2, kEngineering = 3, kArchitectural = 
 constexpr int kDegrees = 0, kDegreesMinutesSeconds = 1, kGrads = 2, kRadians = 3, kSurveyor = 4;
 constexpr int kLargestPrecision = 8;
 
-// `value` must be finite. Units and precisions out of range count as the nearest in range.
+/// `value` must be finite. Units and precisions out of range count as the nearest in range.
 std::wstring lengthToText(double value, int units, int precision);
 std::wstring angleToText(double radians, int units, int precision);
 
-// Every form above whatever the units: "2.5", "1e3", "15 1/2", "1'3.5\"", "1'-3 1/2\"". Feet are 12.
+/// Every form above whatever the units: "2.5", "1e3", "15 1/2", "1'3.5\"", "1'-3 1/2\"". Feet are 12.
 std::optional<double> textToLength(std::wstring_view text);
-// Every form above; a bare number is in `units`. Radians.
+/// Every form above; a bare number is in `units`. Radians.
 std::optional<double> textToAngle(std::wstring_view text, int units);
 
 }  // namespace host

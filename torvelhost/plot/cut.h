@@ -7,7 +7,7 @@
 
 namespace host {
 
-// Narrows the fractions `first` to `last` of the line from + t * along to those inside the box; false when none are.
+/// Narrows the fractions `first` to `last` of the line from + t * along to those inside the box; false when none are.
 inline bool cutLine(const OdGePoint2d& from, const OdGeVector2d& along, const OdGePoint2d& low, const OdGePoint2d& high,
                     double& first, double& last) {
     const auto cut = [&](double direction, double room) {  // direction * t <= room

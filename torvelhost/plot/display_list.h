@@ -37,17 +37,17 @@ class DisplayList {
         std::uint32_t attributes = 0;  // as many items behind the reference stand in each cell as it does
     };
 
-    // Goes on in this style.
+    /// Goes on in this style.
     void setStyle(const Style& style);
     const Style& style() const { return styles_.back(); }
 
-    // An item is begun, its contours are added point by point, and it is ended.
+    /// An item is begun, its contours are added point by point, and it is ended.
     void begin(Kind kind);
     void addPoint(const OdGePoint3d& point) { points_.push_back(point); }
     void endContour();
     void end();
     void add(Kind kind, std::span<const OdGePoint3d> contour);
-    // Returns its number; what is added from here to endAttributes belongs to its attributes.
+    /// Returns its number; what is added from here to endAttributes belongs to its attributes.
     std::size_t addReference(const Reference& reference);
     void endAttributes(std::size_t reference);
     void clear();
@@ -56,7 +56,7 @@ class DisplayList {
     const std::vector<Style>& styles() const { return styles_; }
     const Reference& reference(const Item& item) const { return references_[item.first]; }
     std::span<const OdGePoint3d> contour(std::size_t index) const;
-    // Around everything but references and what has no end. Not valid when there is nothing else.
+    /// Around everything but references and what has no end. Not valid when there is nothing else.
     OdGeExtents3d box() const;
 
   private:

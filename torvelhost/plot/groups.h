@@ -9,7 +9,7 @@
 
 namespace host {
 
-// A group as the file has it; a point is one group, and angles (50 to 58) are radians.
+/// A group as the file has it; a point is one group, and angles (50 to 58) are radians.
 struct PlotGroup {
     int code = 0;
     double real = 0.0;
@@ -19,12 +19,12 @@ struct PlotGroup {
     OdDbObjectId id;
 };
 
-// In the order of the file; subclass markers (100) are among them, the object's own handle and its extended data too.
+/// In the order of the file; subclass markers (100) are among them, the object's own handle and its extended data too.
 std::vector<PlotGroup> groupsOf(const OdDbObject& object);
 
-// The first with the code; null when there is none.
+/// The first with the code; null when there is none.
 const PlotGroup* findGroup(std::span<const PlotGroup> groups, int code);
-// The same, or one that is all zero.
+/// The same, or one that is all zero.
 const PlotGroup& groupOrZero(std::span<const PlotGroup> groups, int code);
 
 }  // namespace host

@@ -236,9 +236,12 @@ void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, Fi
             continue;
         }
         Contour inBox = contour;
-        cutBySide(inBox, [this](const OdGePoint2d& point) { return point.x - low_.x; });
-        cutBySide(inBox, [this](const OdGePoint2d& point) { return high_.x - point.x; });
-        cutBySide(inBox, [this](const OdGePoint2d& point) { return point.y - low_.y; });
+        cutBySide(
+            inBox, [this](const OdGePoint2d& point) { return point.x - low_.x; });
+        cutBySide(
+            inBox, [this](const OdGePoint2d& point) { return high_.x - point.x; });
+        cutBySide(
+            inBox, [this](const OdGePoint2d& point) { return point.y - low_.y; });
         cutBySide(inBox, [this](const OdGePoint2d& point) { return high_.y - point.y; });
         if (clip_.empty() || inBox.empty())
             addContour(inBox);

@@ -14,8 +14,8 @@
 
 namespace host {
 
-// What is inside an area of several contours: what an odd number of them surround, or what any does (contours that
-// turn opposite ways cancel out).
+/// What is inside an area of several contours: what an odd number of them surround, or what any does (contours that
+/// turn opposite ways cancel out).
 enum class FillRule : std::uint8_t { kEvenOdd, kNonZero };
 
 struct Pen {
@@ -27,11 +27,11 @@ struct Pen {
 
 class Picture {
   public:
-    // What is kept of a point: a thousandth of a pixel is exact enough in the largest picture.
+    /// What is kept of a point: a thousandth of a pixel is exact enough in the largest picture.
     struct Point {
         float x, y;
     };
-    // Polylines in one pen, or (width 0) one area between contours.
+    /// Polylines in one pen, or (width 0) one area between contours.
     struct Shape {
         std::uint32_t color;
         float width;
@@ -48,19 +48,19 @@ class Picture {
     // ---- drawing. What lies outside the picture and the clip is cut off; what reaches farther than 1e13 pixels, or is
     // not finite, is not drawn.
 
-    // Dashes are polylines of their own. Ends and corners are round; points that are all in one place give a dot.
+    /// Dashes are polylines of their own. Ends and corners are round; points that are all in one place give a dot.
     void addPolyline(std::span<const OdGePoint2d> points, const Pen& pen);
-    // Each contour is closed by itself.
+    /// Each contour is closed by itself.
     void addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule = FillRule::kEvenOdd);
 
-    // Cuts off what is drawn from now on at a polygon.
+    /// Cuts off what is drawn from now on at a polygon.
     void setClip(const Contour& polygon);
     void clearClip();
-    // What can be seen of the picture: nothing outside this box shows.
+    /// What can be seen of the picture: nothing outside this box shows.
     OdGePoint2d clipLow() const { return low_; }
     OdGePoint2d clipHigh() const { return high_; }
 
-    // ---- what was drawn
+    /// ---- what was drawn
     const std::vector<Shape>& shapes() const { return shapes_; }
     std::span<const Point> contour(std::uint32_t index) const;
 
@@ -85,13 +85,13 @@ class Picture {
     std::vector<Point> points_;
 };
 
-// The file's contents.
+/// The file's contents.
 std::string svgText(const Picture& picture);
 std::string pngBytes(const Picture& picture);
 
-// Whether the name ends as that of a picture file does: .svg or .png.
+/// Whether the name ends as that of a picture file does: .svg or .png.
 bool isPictureFileName(std::wstring_view path);
-// By what the name ends in. Throws base::FileError; the file is as it was then.
+/// By what the name ends in. Throws base::FileError; the file is as it was then.
 void writePicture(const Picture& picture, const std::wstring& path);
 
 }  // namespace host

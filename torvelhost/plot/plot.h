@@ -13,11 +13,11 @@ struct Plot {
     Picture picture;
     std::map<std::string, int> notDrawn;  // entities of each kind that could not be drawn
 
-    // "not drawn: 3 BODY, 1 IMAGE", or empty.
+    /// "not drawn: 3 BODY, 1 IMAGE", or empty.
     std::wstring warning() const;
 };
 
-// The current space on white paper: as ZOOM left it, or all of it.
+/// The current space on white paper: as ZOOM left it, or all of it.
 Plot plotView(Document& document);
 
 }  // namespace host

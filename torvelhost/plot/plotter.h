@@ -15,13 +15,13 @@ class Plotter {
   public:
     Plotter(OdDbDatabase& database, Picture& picture);
 
-    // A space as `toPixels` shows it. `pixelsPerUnit` is the scale that linetypes are drawn in.
+    /// A space as `toPixels` shows it. `pixelsPerUnit` is the scale that linetypes are drawn in.
     void drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit);
-    // Entities of each kind that could not be drawn; one in a block counts once.
+    /// Entities of each kind that could not be drawn; one in a block counts once.
     const std::map<std::string, int>& notDrawn() const { return notDrawn_; }
 
   private:
-    // Lists are worked out for a size on the picture: a power of two that is not below it.
+    /// Lists are worked out for a size on the picture: a power of two that is not below it.
     struct BlockAtSize {
         OdDbObjectId block;
         int size;
@@ -42,7 +42,7 @@ class Plotter {
                   const Look& look);
     void drawItems(const DisplayList& list, std::span<const DisplayList::Item> items, const OdGeMatrix3d& toPixels,
                    const Style* inside);
-    // `attributes` are the items of the list that are its attributes.
+    /// `attributes` are the items of the list that are its attributes.
     void drawReference(const DisplayList& list, const DisplayList::Reference& reference,
                        std::span<const DisplayList::Item> attributes, const OdGeMatrix3d& toPixels, const Style& style,
                        const Style* inside);

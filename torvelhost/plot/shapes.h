@@ -14,31 +14,31 @@
 
 namespace host {
 
-// The part of a reference that its block shows.
+/// The part of a reference that its block shows.
 DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 
-// Where single-line text stands. Justified text hangs on its alignment point in this font too, wherever another one
-// made it begin.
+/// Where single-line text stands. Justified text hangs on its alignment point in this font too, wherever another one
+/// made it begin.
 torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
 
-// The box around an entity's geometry and the width of a polyline's line; false for what has none.
+/// The box around an entity's geometry and the width of a polyline's line; false for what has none.
 bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box);
 
 class Shapes {
   public:
-    // `pixel` is the length of a pixel in the coordinates of what is added; 0: everything as fine as it gets.
+    /// `pixel` is the length of a pixel in the coordinates of what is added; 0: everything as fine as it gets.
     Shapes(Styles& styles, DisplayList& list, double pixel) : styles_(styles), list_(list), pixel_(pixel) {}
 
-    // In a block, definitions of attributes show only when they are constant.
+    /// In a block, definitions of attributes show only when they are constant.
     void setInBlock(bool inBlock) { inBlock_ = inBlock; }
-    // 0: no attribute shows, 1: all but invisible ones, 2: all.
+    /// 0: no attribute shows, 1: all but invisible ones, 2: all.
     void setAttributeMode(int mode) { attributeMode_ = mode; }
     void setWipeoutFrames(bool shown) { wipeoutFrames_ = shown; }
-    // Leaves out what lies beside a box, seen from above, as far as that is quickly told.
+    /// Leaves out what lies beside a box, seen from above, as far as that is quickly told.
     void setWindow(const OdGeExtents3d& window) { window_ = window; }
 
-    // False when the entity cannot be drawn: its kind is not known, or what it shows (its block, its boundary) is not
-    // there. What is invisible, or empty, is drawn.
+    /// False when the entity cannot be drawn: its kind is not known, or what it shows (its block, its boundary) is not
+    /// there. What is invisible, or empty, is drawn.
     bool add(const OdDbEntity& entity);
 
   private:
@@ -52,7 +52,7 @@ class Shapes {
         double startWidth = 0, endWidth = 0;
     };
 
-    // curve_shapes.cpp
+    /// curve_shapes.cpp
     void addCircle(const OdDbCircle& circle, double start, double sweep);
     void addCurve(const OdDbCurve& curve);
     void addPolyline(const OdDbPolyline& polyline);
@@ -60,20 +60,20 @@ class Shapes {
     void addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, bool throughout, const OdGeMatrix3d& toWorld,
                          double elevation);
     void addConstructionLine(const OdDbConstructionLine& line);
-    // Ends with the point at `to`; the point at `from` is there already.
+    /// Ends with the point at `to`; the point at `from` is there already.
     void addBulge(const OdGePoint2d& from, const OdGePoint2d& to, double bulge,
                   const std::function<void(const OdGePoint2d&)>& add) const;
     void addWide(const std::vector<WideSegment>& segments, bool closed, const OdGeMatrix3d& toWorld, double elevation);
     int stepsOf(double radius, double sweep) const;
 
-    // text_shapes.cpp
+    /// text_shapes.cpp
     void addText(const OdDbText& text, const OdString& shown);
     void addAttributeText(const OdDbAttributeText& text);
     void addMText(const OdDbMText& text);
     bool isBesideWindow(const OdDbText& text, const OdString& shown) const;
     bool isTooSmall(double height) const { return height < 1.3 * pixel_; }
 
-    // reference_shapes.cpp
+    /// reference_shapes.cpp
     bool addReference(const OdDbBlockReference& reference);
     void addWipeout(const OdDbWipeout& wipeout);
     bool addCarried(const OdDbEntity& entity, const std::string& kind);
@@ -83,18 +83,18 @@ class Shapes {
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
 
-    // leader_shapes.cpp
+    /// leader_shapes.cpp
     void addLeaderParts(const torvel::LeaderParts& parts);
     void addMultiLeader(const std::vector<PlotGroup>& groups);
     void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
     void addMultiLine(const std::vector<PlotGroup>& groups);
 
-    // mesh_shapes.cpp. False for another kind of polyline.
+    /// mesh_shapes.cpp. False for another kind of polyline.
     bool addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups);
     void addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups, std::int64_t flags);
     void addPolyfaceMesh(const OdDbEntity& polyline);
 
-    // hatch_shapes.cpp
+    /// hatch_shapes.cpp
     bool addHatch(const std::vector<PlotGroup>& groups);
 
     Styles& styles_;

@@ -30,9 +30,8 @@ void SlideView::drawPolygon(const OdGePoint3d* points, int count) {
 // From the view's middle with y up to the picture's corner with y down.
 void SlideView::toPicture(const OdGePoint3d* points, int count) {
     points_.clear();
-    for (const OdGePoint3d& point : std::span(points, static_cast<std::size_t>(count))) {
+    for (const OdGePoint3d& point : std::span(points, static_cast<std::size_t>(count)))
         points_.emplace_back(width_ / 2.0 + point.x, height_ / 2.0 - point.y);
-    }
 }
 
 }  // namespace host

@@ -11,7 +11,7 @@
 
 namespace host {
 
-// Where a property comes from.
+/// Where a property comes from.
 struct Source {
     enum Kind : std::uint8_t { kFixed, kOfLayer, kOfBlock };
     Kind kind = kFixed;
@@ -21,7 +21,7 @@ struct Source {
     bool operator==(const Source&) const = default;
 };
 
-// The look of an entity before it is known where its block is inserted. Layer 0 inside a block is the reference's.
+/// The look of an entity before it is known where its block is inserted. Layer 0 inside a block is the reference's.
 struct Style {
     std::uint32_t layer = 0;
     Source color, weight, linetype;
@@ -30,10 +30,10 @@ struct Style {
     bool operator==(const Style&) const = default;
 };
 
-// What an entity in a block looks like in one of the block's references.
+/// What an entity in a block looks like in one of the block's references.
 Style inReference(const Style& entity, const Style& reference);
 
-// What to draw with. Dash lengths are of the linetype: positive a dash, negative a gap, 0 a dot.
+/// What to draw with. Dash lengths are of the linetype: positive a dash, negative a gap, 0 a dot.
 struct Look {
     std::uint32_t color = 0;
     double width = 1.0;  // pixels
@@ -41,7 +41,7 @@ struct Look {
     double linetypeScale = 1.0;
 };
 
-// The layers and linetypes of a drawing.
+/// The layers and linetypes of a drawing.
 class Styles {
   public:
     static constexpr std::uint32_t kForeground = 0x000000, kBackground = 0xFFFFFF;
@@ -50,15 +50,15 @@ class Styles {
     OdDbDatabase& database() const { return database_; }
 
     Style styleOf(const OdDbEntity& entity);
-    // The rest as `style` has it.
+    /// The rest as `style` has it.
     Style colored(const Style& style, const OdCmColor& color) const;
     Look lookOf(const Style& style) const;
 
     bool isFrozen(const Style& style) const { return layers_[style.layer].frozen || layers_[style.layer].frozenHere; }
     bool isHidden(const Style& style) const { return isFrozen(style) || layers_[style.layer].off; }
-    // Some layers are seen when one draws, but never on paper: the points that dimensions hang on.
+    /// Some layers are seen when one draws, but never on paper: the points that dimensions hang on.
     bool isPlotted(const Style& style) const { return layers_[style.layer].plotted; }
-    // Layers that are frozen in the viewport that is being drawn.
+    /// Layers that are frozen in the viewport that is being drawn.
     void freezeHere(const std::vector<OdDbObjectId>& layers);
 
   private:

@@ -6,7 +6,7 @@
 
 namespace host {
 
-// A list of the numbered colours with swatches, and a field for any colour by number, name or "red,green,blue".
+/// A list of the numbered colours with swatches, and a field for any colour by number, name or "red,green,blue".
 class ColorDialog final : public dialogs::Dialog {
   public:
     explicit ColorDialog(const OdCmColor& color);
@@ -20,7 +20,7 @@ class ColorDialog final : public dialogs::Dialog {
     OdCmColor color_;
 };
 
-// By the dialog, or in forms by one line; false when the user cancels.
+/// By the dialog, or in forms by one line; false when the user cancels.
 bool chooseColor(OdCmColor& color);
 
 }  // namespace host

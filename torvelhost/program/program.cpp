@@ -30,12 +30,11 @@ void loadCommandModule(Terminal& terminal) {
 std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& terminal) {
     if (options.isInteractive()) return std::make_unique<TypedReplies>();
     auto replies = std::make_unique<ScriptReplies>(terminal);
-    for (const Options::Script& script : options.scripts) {
+    for (const Options::Script& script : options.scripts)
         if (script.isFile)
             replies->addFile(script.text);
         else
             replies->addText(script.text);
-    }
     return replies;
 }
 

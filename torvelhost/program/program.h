@@ -6,10 +6,10 @@
 
 namespace host {
 
-// The arguments are UTF-8, the program's name first.
+/// The arguments are UTF-8, the program's name first.
 int runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace host
 
-// For the program, which holds no code of its own.
+/// For the program, which holds no code of its own.
 extern "C" int torvelhostMain(int count, char** arguments);

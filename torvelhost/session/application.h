@@ -22,13 +22,13 @@ class Application final : public HostApplication {
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    // The one that runs; null before and after.
+    /// The one that runs; null before and after.
     static Application* current();
 
     HostDocument* activeDocument() override { return session_ ? &session_->document : nullptr; }
     HostEdInput* applicationInput() override { return &messages_; }
 
-    // An open drawing with what belongs to it.
+    /// An open drawing with what belongs to it.
     struct Session {
         Session(OdDbDatabasePtr database, ReplySource& replies, Terminal& terminal, const Options& options);
 
@@ -49,11 +49,11 @@ class Application final : public HostApplication {
     IHelpServiceEx& help() { return help_; }
     IStdDirs& folders() { return folders_; }
 
-    // Evaluates the drawing's fields and shows it anew.
+    /// Evaluates the drawing's fields and shows it anew.
     void regenerate(OdDbDatabase& database);
-    // Host function 12: the picture is drawn again as it stands.
+    /// Host function 12: the picture is drawn again as it stands.
     void refresh();
-    // Host function 17: the view that slides are drawn into.
+    /// Host function 17: the view that slides are drawn into.
     SlideView* slideView() { return session_ ? &slideView_ : nullptr; }
 
   private:

@@ -16,10 +16,10 @@ class EntityGrid {
         bool hasBox = false;  // infinite lines have none
     };
 
-    // Takes the entities as they are now; erased ones are not among them.
+    /// Takes the entities as they are now; erased ones are not among them.
     explicit EntityGrid(OdDbObjectId space);
 
-    // Those whose box shares a point with the rectangle, and those without a box, in the order of the space.
+    /// Those whose box shares a point with the rectangle, and those without a box, in the order of the space.
     std::vector<const Entry*> meeting(const Rectangle& rectangle) const;
 
   private:

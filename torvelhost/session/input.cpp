@@ -212,14 +212,16 @@ int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t*
 
 // Numbers beyond the limits count as the limits: whoever asks knows what range is wanted, and says so.
 int Input::getInteger(int& value, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t) {
-    return ask(prompt, keywords, L"an integer", [&](const Reply& reply, std::wstring&) {
-        const bool isWhole = !reply.quoted && reply.text.find_first_not_of(L"+-0123456789") == reply.text.npos;
-        const auto number = isWhole ? base::parseReal(std::wstring_view(reply.text)) : std::nullopt;
-        if (!number) return false;
-        using Limits = std::numeric_limits<int>;
-        value = static_cast<int>(std::clamp<double>(*number, Limits::min(), Limits::max()));
-        return true;
-    });
+    return ask(
+        prompt, keywords, L"an integer",
+        [&](const Reply& reply, std::wstring&) {
+            const bool isWhole = !reply.quoted && reply.text.find_first_not_of(L"+-0123456789") == reply.text.npos;
+            const auto number = isWhole ? base::parseReal(std::wstring_view(reply.text)) : std::nullopt;
+            if (!number) return false;
+            using Limits = std::numeric_limits<int>;
+            value = static_cast<int>(std::clamp<double>(*number, Limits::min(), Limits::max()));
+            return true;
+        });
 }
 
 int Input::getKeyword(const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t textOut, std::uintptr_t) {

@@ -34,20 +34,20 @@ class Input final : public HostEdInput {
 
     // ---- what every prompt is made of
 
-    // Looks at a reply that is neither Enter nor cancel nor a keyword. True takes it; false refuses it, with `reason`
-    // saying why unless it is simply not what was asked for.
+    /// Looks at a reply that is neither Enter nor cancel nor a keyword. True takes it; false refuses it, with `reason`
+    /// saying why unless it is simply not what was asked for.
     using Accept = std::function<bool(const Reply& reply, std::wstring& reason)>;
     enum class Asked { kValue, kText };  // a text may be anything, so keywords come before it
-    // Asks until a reply suits, and returns an input result. A script's reply that does not suit throws ScriptError.
-    // `expected` completes the sentence "... is not": "a point".
+    /// Asks until a reply suits, and returns an input result. A script's reply that does not suit throws ScriptError.
+    /// `expected` completes the sentence "... is not": "a point".
     int ask(const wchar_t* prompt, const wchar_t* keywords, const wchar_t* expected, const Accept& accept,
             Asked asked = Asked::kValue);
-    // A prompt whose answer a script may leave out: a next line that `suits` does not take stays for what comes after,
-    // and the result is kEmpty.
+    /// A prompt whose answer a script may leave out: a next line that `suits` does not take stays for what comes after,
+    /// and the result is kEmpty.
     int askIfNext(const wchar_t* prompt, const wchar_t* expected, const Accept& accept,
                   const std::function<bool(const Reply&)>& suits);
 
-    // Prompts for what the host's own commands need.
+    /// Prompts for what the host's own commands need.
     int askText(const wchar_t* prompt, const wchar_t* keywords, OdString& text);
     int askPoint(const wchar_t* prompt, const wchar_t* keywords, OdGePoint3d& point);
 
@@ -55,15 +55,15 @@ class Input final : public HostEdInput {
     Terminal& terminal() { return terminal_; }
     Document& document() { return document_; }
 
-    // What trackers show now.
+    /// What trackers show now.
     const std::vector<OdDbEntity*>& drawablesShown() const { return drawables_.shown(); }
-    // Is told a frame of the preview, all that trackers show: when a prompt with a tracker begins, after each event
-    // that changed it, and, with nothing in it, at the end.
+    /// Is told a frame of the preview, all that trackers show: when a prompt with a tracker begins, after each event
+    /// that changed it, and, with nothing in it, at the end.
     using PreviewWatcher = std::function<void(const std::vector<OdDbEntity*>& shown)>;
     void watchPreview(PreviewWatcher watcher) { previewWatcher_ = std::move(watcher); }
 
   private:
-    // What trackers show. In a terminal only who watches the preview sees it.
+    /// What trackers show. In a terminal only who watches the preview sees it.
     class Drawables final : public HostDrawableList {
       public:
         int add(OdDbEntity* entity, int kind, int flags, int reserved1, int reserved2) override;
@@ -88,7 +88,7 @@ class Input final : public HostEdInput {
     PreviewWatcher previewWatcher_;
 };
 
-// The channel that is there without a document: messages are printed, prompts are cancelled.
+/// The channel that is there without a document: messages are printed, prompts are cancelled.
 class MessageInput final : public HostEdInput {
   public:
     explicit MessageInput(Terminal& terminal) : terminal_(terminal) {}

@@ -67,11 +67,10 @@ void apply(Options& options, std::string_view name, const std::wstring& value) {
 }
 
 const OptionName* findOption(std::string_view argument) {
-    for (const OptionName& option : kOptions) {
+    for (const OptionName& option : kOptions)
         if (argument.starts_with("--") ? option.word == argument.substr(2)
                                        : argument.size() == 2 && option.letter && option.letter == argument[1])
             return &option;
-    }
     return nullptr;
 }
 

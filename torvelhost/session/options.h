@@ -9,7 +9,7 @@
 
 namespace host {
 
-// Exit statuses of the program.
+/// Exit statuses of the program.
 enum ExitStatus { kAllFinished = 0, kSomeFailed = 1, kWrongUsage = 2, kFileFailed = 3 };
 
 struct Options {
@@ -29,7 +29,7 @@ struct Options {
     bool help = false;
     bool version = false;
 
-    // A command prompt is shown: nothing else was asked for.
+    /// A command prompt is shown: nothing else was asked for.
     bool isInteractive() const { return scripts.empty() && !output && !plot; }
 };
 
@@ -38,7 +38,7 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// The arguments are UTF-8, the program's name first. Throws UsageError.
+/// The arguments are UTF-8, the program's name first. Throws UsageError.
 Options parseOptions(const std::vector<std::string>& arguments);
 extern const char kUsage[];
 

@@ -7,8 +7,8 @@
 
 namespace host {
 
-// "XLINE 0,0,0 towards 0.6,0.8,0", "LWPOLYLINE 0,0,0 4,0,0 4,3,0": the kind and where it runs, in world coordinates to
-// six places.
+/// "XLINE 0,0,0 towards 0.6,0.8,0", "LWPOLYLINE 0,0,0 4,0,0 4,3,0": the kind and where it runs, in world coordinates to
+/// six places.
 std::wstring previewText(const OdDbEntity& entity);
 
 }  // namespace host

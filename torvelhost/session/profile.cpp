@@ -46,11 +46,10 @@ Profile::Sections& Profile::sections() {
     Section* section = &(*sections_)[L""];
     for (std::wstring& line : base::split(text, L'\n')) {
         if (line.ends_with(L'\r')) line.pop_back();
-        if (line.size() > 1 && line.front() == L'[' && line.back() == L']') {
+        if (line.size() > 1 && line.front() == L'[' && line.back() == L']')
             section = &(*sections_)[unescaped(std::wstring_view(line).substr(1, line.size() - 2))];
-        } else if (const std::size_t equals = line.find(L'='); equals != line.npos) {
+        else if (const std::size_t equals = line.find(L'='); equals != line.npos)
             (*section)[line.substr(0, equals)] = unescaped(std::wstring_view(line).substr(equals + 1));
-        }
     }
     return *sections_;
 }

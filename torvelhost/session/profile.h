@@ -20,9 +20,9 @@ namespace host {
 
 class Profile final : public IProfile {
   public:
-    // Nothing is read before a setting is asked for.
+    /// Nothing is read before a setting is asked for.
     explicit Profile(std::wstring fileName) : fileName_(std::move(fileName)) {}
-    // The user's own file.
+    /// The user's own file.
     static std::wstring defaultFileName();
 
     bool readText(const wchar_t* section, const wchar_t* key, CXStringW& value) override;
@@ -32,13 +32,13 @@ class Profile final : public IProfile {
     void removeKey(const wchar_t* section, const wchar_t* key) override;
     void removeSection(const wchar_t* section) override;
 
-    // Writes the file if something was changed; makes its folder. Throws base::FileError.
+    /// Writes the file if something was changed; makes its folder. Throws base::FileError.
     void save();
 
   private:
     using Section = std::map<std::wstring, std::wstring, base::LessNoCase>;
     using Sections = std::map<std::wstring, Section, base::LessNoCase>;
-    // The settings, read at the first call. A file that cannot be read counts as an empty one.
+    /// The settings, read at the first call. A file that cannot be read counts as an empty one.
     Sections& sections();
 
     std::wstring fileName_;

@@ -16,40 +16,40 @@ class Selection {
   public:
     explicit Selection(Input& input) : input_(input), document_(input.document()) {}
 
-    // One entity of the active space. kValue with a null entity: nothing lay under the cursor.
+    /// One entity of the active space. kValue with a null entity: nothing lay under the cursor.
     int pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick);
-    // The innermost object, or the first candidate that the reactor takes. With `at` nothing is asked.
+    /// The innermost object, or the first candidate that the reactor takes. With `at` nothing is asked.
     int pickNested(const wchar_t* prompt, const hostapi::Pick* at, HostGsSelectionReactor* reactor,
                    hostapi::Pick& pick);
     int pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities);
 
-    // What a handle picks: an entity, also the one that holds an attribute. Nothing, and a reason, when it names none.
+    /// What a handle picks: an entity, also the one that holds an attribute. Nothing, and a reason, when it names none.
     std::optional<hostapi::Pick> pickByHandle(OdDbHandle handle, std::wstring& reason) const;
 
-    // ---- the pick-first set
+    /// ---- the pick-first set
     const OdDbObjectIdArray& pickFirst() const { return pickFirst_; }
     void setPickFirst(OdDbObjectIdArray entities);
-    // From a line of handles; false, and a reason, when one names nothing.
+    /// From a line of handles; false, and a reason, when one names nothing.
     bool setPickFirst(const std::vector<OdDbHandle>& handles, std::wstring& reason);
-    // A command uses up the set that was there when it began, unless it made one of its own. One that uses the
-    // pick-first set gets it from pickSet, the first time, without being asked.
+    /// A command uses up the set that was there when it began, unless it made one of its own. One that uses the
+    /// pick-first set gets it from pickSet, the first time, without being asked.
     void beginCommand(bool usesPickFirst) {
         pickFirstChanged_ = false;
         offersPickFirst_ = usesPickFirst;
     }
     void endCommand();
 
-    // ---- the pick that started the command
+    /// ---- the pick that started the command
     const std::optional<hostapi::Pick>& startingPick() const { return startingPick_; }
     void setStartingPick(std::optional<hostapi::Pick> pick) { startingPick_ = std::move(pick); }
 
     void highlight(OdDbObjectId entity, bool on);
     bool isHighlighted(OdDbObjectId entity) const { return highlighted_.contains(entity); }
-    // Is told each change that a screen would show.
+    /// Is told each change that a screen would show.
     using HighlightWatcher = std::function<void(OdDbObjectId entity, bool on)>;
     void watchHighlight(HighlightWatcher watcher) { highlightWatcher_ = std::move(watcher); }
 
-    // The half side of the pick box in pixels.
+    /// The half side of the pick box in pixels.
     int pickBox = 3;
 
   private:
@@ -58,7 +58,7 @@ class Selection {
     std::optional<hostapi::Pick> toPick(const TypedPick& typed, std::wstring& reason);
     OdDbObjectId entityAt(const Rectangle& box);
     std::vector<NestedHit> candidates(const hostapi::Pick& pick);
-    // False when the reply is no selection.
+    /// False when the reply is no selection.
     bool addToSet(const Reply& reply, Entities& entities, std::wstring& reason);
     const EntityGrid& grid();
     Entities entitiesIn(const Rectangle& rectangle, bool crossing);

@@ -184,18 +184,20 @@ void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const 
     hits.insert(hits.end(), found.rbegin(), found.rend());
     found.clear();
     if (const auto block = reference->blockTableRecord().openIf<OdDbBlockTableRecord>()) {
-        anyCell(*reference, budget, [&](const OdGeMatrix3d& cell) {
-            for (OdDbObjectId id : block->entities()) {
-                if (--budget < 0) return true;
-                const auto entity = id.openIf<OdDbEntity>();
-                if (!entity || !showsInReference(*entity)) continue;
-                if (entity->isKindOf(OdDbBlockReference::desc()))
-                    collectNested(id, toWorld * cell, rectangle, containers, budget, found);
-                else if (Meeting(rectangle).meets(*entity, toWorld * cell, 0))
-                    found.push_back({id, containers});
-            }
-            return false;
-        });
+        anyCell(
+            *reference, budget,
+            [&](const OdGeMatrix3d& cell) {
+                for (OdDbObjectId id : block->entities()) {
+                    if (--budget < 0) return true;
+                    const auto entity = id.openIf<OdDbEntity>();
+                    if (!entity || !showsInReference(*entity)) continue;
+                    if (entity->isKindOf(OdDbBlockReference::desc()))
+                        collectNested(id, toWorld * cell, rectangle, containers, budget, found);
+                    else if (Meeting(rectangle).meets(*entity, toWorld * cell, 0))
+                        found.push_back({id, containers});
+                }
+                return false;
+            });
     }
     hits.insert(hits.end(), found.rbegin(), found.rend());
     containers.pop_back();

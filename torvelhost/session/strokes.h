@@ -18,19 +18,19 @@ struct Rectangle {
     OdGeExtents3d box() const;
     bool contains(const OdGePoint2d& point) const;
     bool meets(const OdGePoint2d& from, const OdGePoint2d& to) const;
-    // The filled polygon shares a point with the rectangle.
+    /// The filled polygon shares a point with the rectangle.
     bool meetsArea(const std::vector<OdGePoint2d>& corners) const;
 };
 
-// Whether any part of the entity lies in the rectangle; `toWorld` maps the coordinates that the entity lives in. A
-// block reference is met through its geometry, not through its attributes. Texts are met inside the box around them.
+/// Whether any part of the entity lies in the rectangle; `toWorld` maps the coordinates that the entity lives in. A
+/// block reference is met through its geometry, not through its attributes. Texts are met inside the box around them.
 bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle);
 
-// Whether layers hide an entity; remembers what it has looked up.
+/// Whether layers hide an entity; remembers what it has looked up.
 class LayerStates {
   public:
     bool isVisible(const OdDbEntity& entity) { return !(flagsOf(entity) & (kOff | kFrozen)); }
-    // Whether it is worth asking.
+    /// Whether it is worth asking.
     static bool anyFrozen(const OdDbDatabase& database);
     bool isFrozen(const OdDbEntity& entity) { return (flagsOf(entity) & kFrozen) != 0; }
 
@@ -40,13 +40,13 @@ class LayerStates {
     std::map<OdDbObjectId, int> flags_;
 };
 
-// An object under the cursor, with the references that hold it, outermost first.
+/// An object under the cursor, with the references that hold it, outermost first.
 struct NestedHit {
     OdDbObjectId entity;
     std::vector<OdDbObjectId> containers;
 };
-// The objects inside a reference that lie in the rectangle: its attributes, then what its block shows, each kind from
-// top to bottom. Inner references are gone into; they do not appear themselves.
+/// The objects inside a reference that lie in the rectangle: its attributes, then what its block shows, each kind from
+/// top to bottom. Inner references are gone into; they do not appear themselves.
 std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle);
 
 }  // namespace host

@@ -228,7 +228,8 @@ void Variables::addRows() {
         return folder;
     });
     addSession(L"SUPPORTPATH", base::folderOf(file));
-    add(L"DBMOD", [database] { return std::int64_t{database->isModified()}; });
+    add(
+        L"DBMOD", [database] { return std::int64_t{database->isModified()}; });
 
     add(
         L"DATE", [this] { return julianDate(now() + document_.database()->utcOffset()); },
@@ -242,10 +243,12 @@ void Variables::addRows() {
             return std::wstring();
         });
     add(L"VIEWSIZE", [this] { return document_.view().height; });
-    add(L"VIEWCTR", [this] {
-        const View view = document_.view();
-        return OdGePoint3d(view.center.x, view.center.y, 0);
-    });
+    add(
+        L"VIEWCTR",
+        [this] {
+            const View view = document_.view();
+            return OdGePoint3d(view.center.x, view.center.y, 0);
+        });
 
     add(
         L"CTAB", [database] { return database->currentLayoutName(); },

@@ -1,5 +1,6 @@
-#pragma once
 // Attributes of block references, and their definitions in blocks.
+#pragma once
+
 #include "drawingdb/text.h"
 
 /// What attributes and attribute definitions have in common.

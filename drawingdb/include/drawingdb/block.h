@@ -1,5 +1,6 @@
-#pragma once
 // Block records, block references and the other symbol tables.
+#pragma once
+
 #include "drawingdb/entity.h"
 
 class OdDbAttribute;

@@ -1,5 +1,6 @@
-#pragma once
 // Lines, rays, infinite lines, points, circles, arcs and light polylines.
+#pragma once
+
 #include <memory>
 
 #include "drawingdb/entity.h"

@@ -1,5 +1,6 @@
-#pragma once
 // OdDbDatabase: one drawing.
+#pragma once
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -51,7 +52,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     OdDbDatabase();
     ~OdDbDatabase() override;
 
-    // ---- files ----
+    /// ---- files ----
     /// An empty drawing, version 2018, with the tables, dictionaries and one layout that every drawing has.
     static OdSmartPtr<OdDbDatabase> createNew();
     /// Throws OdError(fileError) when the file cannot be read and OdError(badFile) when it is no drawing. A damaged
@@ -78,7 +79,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// how many.
     std::size_t touchEverything();
 
-    // ---- where things are ----
+    /// ---- where things are ----
     OdDbObjectId blockTableId() const;
     OdDbObjectId layerTableId() const;
     OdDbObjectId textStyleTableId() const;
@@ -100,7 +101,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     OdDbObjectId findLinetype(const OdString& name) const;
     std::size_t objectCount() const;
 
-    // ---- the current space ----
+    /// ---- the current space ----
     /// The active layout's block record: model space, or the paper space of the current layout.
     OdDbObjectId currentSpaceId() const;
     OdString currentLayoutName() const;
@@ -114,7 +115,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// Enters a floating viewport of the current layout; null or the layout's own viewport leaves it.
     void setActiveViewport(OdDbObjectId viewport);
 
-    // ---- header variables, by name with "$" ----
+    /// ---- header variables, by name with "$" ----
     bool hasHeaderVariable(std::string_view name) const;
     OdString headerText(std::string_view name, const OdString& fallback = OdString()) const;
     double headerReal(std::string_view name, double fallback) const;
@@ -125,20 +126,20 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     void setHeaderInteger(std::string_view name, int groupCode, std::int64_t value);
     void setHeaderPoint(std::string_view name, const OdGePoint3d& value);
 
-    // ---- objects ----
+    /// ---- objects ----
     /// Adds an object that is no entity and no table record (a dictionary, a field, ...) to the drawing.
     OdDbObjectId addObject(const OdDbObjectPtr& object, OdDbObjectId owner);
     /// Copies entities into a block record, or dictionary entries into a dictionary, with what they own: attributes,
     /// extension dictionaries, fields. References among the copied objects point to the copies.
     void deepCloneObjects(const OdDbObjectIdArray& objects, OdDbObjectId owner, OdDbIdMapping& mapping);
 
-    // ---- text as bytes ----
+    /// ---- text as bytes ----
     /// Appends a text as other programs' plain text files have it: in the drawing's code page ($DWGCODEPAGE, ANSI_1252
     /// where it names none), whatever the file's own encoding. A character that the page does not hold becomes
     /// "\U+XXXX", one beyond 16 bits two of these, so that nothing is lost.
     void appendNarrow(std::string& bytes, std::wstring_view text) const;
 
-    // ---- undo ----
+    /// ---- undo ----
     /// Begins a record: a step that undoLastRecord takes back at once.
     void startUndoRecord();
     /// A place that undoBack comes back to. Marks nest.
@@ -161,7 +162,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// Takes everything back to that position, with the marks, records and groups that lie behind it.
     void undoTo(std::size_t position);
 
-    // ---- values that fields ask for ----
+    /// ---- values that fields ask for ----
     /// Gives the text of a system variable; false when it does not know it. Set by the host.
     using SystemVariables = std::function<bool(const OdString& name, OdString& value)>;
     void setSystemVariables(SystemVariables callback);

@@ -1,5 +1,6 @@
-#pragma once
 // Dictionaries, layouts and viewports.
+#pragma once
+
 #include "drawingdb/entity.h"
 
 class DRAWINGDB_API OdDbDictionary : public OdDbObject {

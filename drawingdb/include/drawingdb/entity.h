@@ -1,5 +1,6 @@
-#pragma once
 // Entities: what can be drawn, and curves among them.
+#pragma once
+
 #include <vector>
 
 #include "drawingdb/color.h"

@@ -1,5 +1,6 @@
-#pragma once
 // Result codes and exceptions of the drawing database.
+#pragma once
+
 #include <stdexcept>
 #include <string>
 

@@ -1,5 +1,6 @@
-#pragma once
 // Fields: texts that are computed from something else.
+#pragma once
+
 #include <map>
 
 #include "drawingdb/object.h"

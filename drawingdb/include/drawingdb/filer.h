@@ -1,5 +1,6 @@
-#pragma once
 // Filers: what an object writes its groups to.
+#pragma once
+
 #include <cstdint>
 #include <span>
 

@@ -1,5 +1,6 @@
-#pragma once
 // Leaders, which the database carries without a class: what they show.
+#pragma once
+
 #include <vector>
 
 #include "drawingdb/entity.h"

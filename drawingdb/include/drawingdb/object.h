@@ -1,5 +1,6 @@
-#pragma once
 // OdDbObject: what every object of a drawing database has.
+#pragma once
+
 #include <memory>
 #include <span>
 #include <vector>

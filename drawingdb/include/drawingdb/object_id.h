@@ -1,5 +1,6 @@
-#pragma once
 // The identity of an object in a database, and ranges of identities.
+#pragma once
+
 #include <compare>
 #include <cstdint>
 #include <iterator>

@@ -1,5 +1,6 @@
-#pragma once
 // Polylines of the old kind, whose vertices are records of their own behind theirs.
+#pragma once
+
 #include <memory>
 #include <optional>
 

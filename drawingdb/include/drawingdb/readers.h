@@ -1,7 +1,8 @@
-#pragma once
 // Reading many references and attributes, one after the other. What is not open is not made an object for that: its
 // record is looked through instead. Texts come wide or in the drawing's code page; narrow ones are good until the next
 // call for the same text, and as long as the drawing is not changed.
+#pragma once
+
 #include <string_view>
 
 #include "drawingdb/attribute.h"

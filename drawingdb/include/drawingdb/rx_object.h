@@ -1,5 +1,6 @@
-#pragma once
 // Reference-counted root class, run-time class system and smart pointer.
+#pragma once
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -84,7 +84,7 @@ class DRAWINGDB_API OdDbSpline : public OdDbCurve {
     std::int32_t knotCount_ = 0, controlCount_ = 0, fitCount_ = 0;
     std::int16_t flags_ = 0;
     std::int16_t degree_ = 3;
-    // Made when asked for, dropped after a change.
+    /// Made when asked for, dropped after a change.
     mutable std::shared_ptr<const Shape> shape_;
     mutable std::shared_ptr<const drawingdb::ArcLengths> lengths_;
 };

@@ -1,5 +1,6 @@
-#pragma once
 // Single-line and multi-line text.
+#pragma once
+
 #include <array>
 #include <limits>
 
@@ -240,8 +241,8 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     std::int16_t lineSpacingStyle_ = 1;
     bool byRotation_ = false;  // the direction stands in rotation_, not in direction_
 
-    // What files from 2018 on repeat of a text's place for its columns, in an embedded object; there, these are its
-    // figures.
+    /// What files from 2018 on repeat of a text's place for its columns, in an embedded object; there, these are its
+    /// figures.
     OdSmartPtr<OdDbMText> columns_;
     double columnsWidth_ = 0;
     double columnsHeight_ = 0;

@@ -1,6 +1,7 @@
-#pragma once
 // Memory for the bytes of changed records: only grows, freed with the database. Bytes once written never change, so
 // undo keeps pointers to them instead of copies.
+#pragma once
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>

@@ -1,4 +1,3 @@
-#pragma once
 // The machinery of one database: its file, stubs, open objects, undo log and indexes.
 //
 //   index.cpp      file bytes -> stubs, faults of the file
@@ -7,6 +6,8 @@
 //   undo.cpp       the log
 //   clone.cpp      deep clone
 //   save.cpp       stubs -> file bytes
+#pragma once
+
 #include <array>
 #include <deque>
 #include <functional>
@@ -46,7 +47,7 @@ class Core {
     bool readOnly = false;
     std::vector<OdDbWarning> warnings;
 
-    // ---- the file ----
+    /// ---- the file ----
     /// Throws OdError(badFile) for what is no drawing, and base::FileError.
     void readIndex(base::FileReading& reading);
     void write(const std::function<void(std::string_view)>& sink);
@@ -56,7 +57,7 @@ class Core {
     [[noreturn]] void failAt(const char* place, const std::string& text);
     std::string where(const char* place) const;
 
-    // ---- stubs ----
+    /// ---- stubs ----
     StubTable stubs{this};
     TypeTable types;
     std::uint32_t fileStubs = 0;
@@ -70,7 +71,7 @@ class Core {
     std::string_view groupText(Stub& stub, int code);
     OdString groupWide(Stub& stub, int code) { return decodeText(groupText(stub, code), format); }
 
-    // ---- containers ----
+    /// ---- containers ----
     /// The stub that anchors the chain of appended children; made when `make` and there is none.
     Stub* anchorOf(Stub& container, bool make);
     /// The record behind `stub` among the children of its container, or null.
@@ -92,7 +93,7 @@ class Core {
     /// until something changes, so that a block is measured once for all its references.
     const OdGeExtents3d& extentsOf(Stub& record);
 
-    // ---- finding ----
+    /// ---- finding ----
     Stub* byHandle(std::uint64_t handle);
     std::uint64_t newHandle();
     Stub* findRecord(std::string_view table, const std::wstring& recordName);
@@ -105,7 +106,7 @@ class Core {
     const std::vector<std::uint32_t>& referencesTo(Stub& record);
     void referenceAdded(Stub& insert, Stub* block);
 
-    // ---- objects ----
+    /// ---- objects ----
     OdDbObjectPtr open(Stub& stub, OdDb::OpenMode mode, bool erasedToo);
     void closed(OdDbObject& object);  // the last pointer is gone
     void becomeDirty(OdDbObject& object);
@@ -117,7 +118,7 @@ class Core {
     /// Reads an open object again from what its stub says.
     void refresh(OdDbObject& object);
 
-    // ---- editing ----
+    /// ---- editing ----
     Stub& addStub(std::uint16_t type, Stub& container);
     void appendObject(OdDbObject& object, Stub& container);
     void erase(Stub& stub, bool erasing);
@@ -131,7 +132,7 @@ class Core {
     void requireHeld(const OdDbObject& object) const;
     Stub* fieldList(bool make);
 
-    // ---- header variables ----
+    /// ---- header variables ----
     struct HeaderVariable {
         std::string_view first;   // value of the first group
         std::string_view groups;  // all its groups behind the name
@@ -148,7 +149,7 @@ class Core {
     const EntityDefaults& entityDefaults();
     void setHeaderVariable(std::string_view variable, const std::function<void(GroupWriter&)>& write);
 
-    // ---- undo ----
+    /// ---- undo ----
     void startRecord();
     void setMark();
     void undoBack();
@@ -166,7 +167,7 @@ class Core {
         return state_;
     }
 
-    // ---- the current space ----
+    /// ---- the current space ----
     std::string currentLayout;  // UTF-8; empty: as the file says
     std::uint32_t activeViewport = 0;
 
@@ -241,7 +242,7 @@ class Core {
     bool undoing_ = false;
     Arena arena_;
     std::string scratch_;
-    // What a change could not be stored for, and where the undo log ended then.
+    /// What a change could not be stored for, and where the undo log ended then.
     std::optional<OdError> fault_;
     std::size_t faultPosition_ = 0;
 };

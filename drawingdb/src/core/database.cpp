@@ -131,7 +131,7 @@ OdDbObjectId OdDbDatabase::getObjectId(OdDbHandle handle) const {
     return stub && !stub->has(Stub::unborn) ? OdDbObjectId(stub) : OdDbObjectId();
 }
 namespace {
-/// A record in a damaged table may be of another kind.
+// A record in a damaged table may be of another kind.
 template <class Record>
 OdDbObjectId recordOf(Stub* found) {
     const OdDbObjectId id(found);
@@ -277,16 +277,20 @@ OdGePoint3d OdDbDatabase::headerPoint(std::string_view name, const OdGePoint3d& 
     return point;
 }
 void OdDbDatabase::setHeaderText(std::string_view name, int groupCode, const OdString& value) {
-    core_->setHeaderVariable(name, [&](GroupWriter& writer) { writer.wide(groupCode, value); });
+    core_->setHeaderVariable(
+        name, [&](GroupWriter& writer) { writer.wide(groupCode, value); });
 }
 void OdDbDatabase::setHeaderReal(std::string_view name, int groupCode, double value) {
-    core_->setHeaderVariable(name, [&](GroupWriter& writer) { writer.real(groupCode, value); });
+    core_->setHeaderVariable(
+        name, [&](GroupWriter& writer) { writer.real(groupCode, value); });
 }
 void OdDbDatabase::setHeaderInteger(std::string_view name, int groupCode, std::int64_t value) {
-    core_->setHeaderVariable(name, [&](GroupWriter& writer) { writer.integer(groupCode, value); });
+    core_->setHeaderVariable(
+        name, [&](GroupWriter& writer) { writer.integer(groupCode, value); });
 }
 void OdDbDatabase::setHeaderPoint(std::string_view name, const OdGePoint3d& value) {
-    core_->setHeaderVariable(name, [&](GroupWriter& writer) { writer.point(10, value.x, value.y, value.z); });
+    core_->setHeaderVariable(
+        name, [&](GroupWriter& writer) { writer.point(10, value.x, value.y, value.z); });
 }
 
 // ---- objects

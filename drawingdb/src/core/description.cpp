@@ -106,9 +106,8 @@ void ClassDescription::finish() {
         note(field.code);
         note(field.chunkCode);
     }
-    for (const Zone& zone : zones) {
+    for (const Zone& zone : zones)
         for (const int code : zone.runCodes) code == -1 ? (void)occurring.set() : note(code);
-    }
     const int count = static_cast<int>(zones.size());
     meanings_.assign(static_cast<std::size_t>(count + 1) * kCodes, kNoField);
     for (int zone = -1; zone < count; ++zone) {
@@ -160,12 +159,12 @@ constexpr std::size_t kMaxFields = 192;
 constexpr int kUnknownZone = -2;
 constexpr int kNoMarkers = -1;
 
-/// Whether a chunked text goes on with a group.
+// Whether a chunked text goes on with a group.
 bool goesOn(const FieldSpec& field, const Group& group) {
     return group.code == field.code || group.code == field.chunkCode || group.code == 999;
 }
 
-/// The object that holds a zone's fields: the object itself, or the embedded one (null when there is none).
+// The object that holds a zone's fields: the object itself, or the embedded one (null when there is none).
 char* holder(const OdDbObject& object, const Zone& zone) {
     char* base = reinterpret_cast<char*>(const_cast<OdDbObject*>(&object));
     if (!zone.embedded) return base;
@@ -213,7 +212,7 @@ bool isDefault(char* base, const FieldSpec& field) {
     return true;
 }
 
-/// Whether the member is what `group` says.
+// Whether the member is what `group` says.
 bool sameValue(char* base, const FieldSpec& field, const Group& group, const FileFormat& format) {
     switch (field.kind) {
         case FieldKind::text: {
@@ -244,7 +243,7 @@ bool sameValue(char* base, const FieldSpec& field, const Group& group, const Fil
 
 constexpr std::size_t kChunk = 250;
 
-/// Where a text of bytes may be cut at the latest, `limit` at most: not inside a character or an escape sequence.
+// Where a text of bytes may be cut at the latest, `limit` at most: not inside a character or an escape sequence.
 std::size_t cutPlace(std::string_view text, std::size_t limit, const FileFormat& format) {
     if (text.size() <= limit) return text.size();
     std::size_t cut = limit;
@@ -304,8 +303,8 @@ void writeField(const OdDbObject& object, char* base, const FieldSpec& field, Gr
 
 bool knownTo(const FieldSpec& field, const FileFormat& format) { return format.version >= field.since; }
 
-/// Whether a field has to stand in a record that is written anew; a point stands there whole or not at all. `field` is
-/// its first part.
+// Whether a field has to stand in a record that is written anew; a point stands there whole or not at all. `field` is
+// its first part.
 bool wanted(char* base, const FieldSpec& field, const FileFormat& format) {
     if (!knownTo(field, format)) return false;
     if (field.required || field.kind == FieldKind::run) return true;
@@ -374,7 +373,7 @@ void writeGroup(const OdDbGroup& group, GroupWriter& writer) {
     }
 }
 
-/// Writes the applications of changed extended data that are not merely removed.
+// Writes the applications of changed extended data that are not merely removed.
 void writeXData(const OdDbObject& object, GroupWriter& writer) {
     const auto* groups = ObjectAccess::newXData(object);
     if (!groups) return;
@@ -387,7 +386,7 @@ void writeXData(const OdDbObject& object, GroupWriter& writer) {
 
 bool isHandleCode(int code, std::string_view recordType) { return code == (recordType == "DIMSTYLE" ? 105 : 5); }
 
-/// Skips from behind a "{..." group 102 to behind its "}"; gives what `each` wants to see in between.
+// Skips from behind a "{..." group 102 to behind its "}"; gives what `each` wants to see in between.
 template <class Cursor, class Each>
 void walkControlString(Cursor& cursor, Each each) {
     Group group;
@@ -404,7 +403,7 @@ void walkControlString(Cursor& cursor, Each each) {
 
 namespace {
 
-/// Reads the fields, beginning in `zone`. True when the record has markers; the reading without zones stops there.
+// Reads the fields, beginning in `zone`. True when the record has markers; the reading without zones stops there.
 template <class Cursor>
 bool decodeFrom(Cursor cursor, int zone, OdDbObject& object, const ClassDescription& description,
                 const FileFormat& format, const std::function<void(const Group&, const char*)>& fault) {
@@ -446,15 +445,20 @@ bool decodeFrom(Cursor cursor, int zone, OdDbObject& object, const ClassDescript
         }
         if (group.code == 102) {
             if (group.value == "{ACAD_REACTORS") {
-                walkControlString(cursor, [&](const Group& g) {
-                    if (g.code == 330) ObjectAccess::reactors(object).push_back({parseHandle(g.value)});
-                });
+                walkControlString(
+                    cursor,
+                    [&](const Group& g) {
+                        if (g.code == 330) ObjectAccess::reactors(object).push_back({parseHandle(g.value)});
+                    });
             } else if (group.value == "{ACAD_XDICTIONARY") {
-                walkControlString(cursor, [&](const Group& g) {
-                    if (g.code == 360) ObjectAccess::extensionDictionary(object).handle = parseHandle(g.value);
-                });
+                walkControlString(
+                    cursor,
+                    [&](const Group& g) {
+                        if (g.code == 360) ObjectAccess::extensionDictionary(object).handle = parseHandle(g.value);
+                    });
             } else if (!group.value.empty() && group.value.front() == '{') {
-                walkControlString(cursor, [](const Group&) {});
+                walkControlString(
+                    cursor, [](const Group&) {});
             } else if (zone != kUnknownZone && description.meaningOf(zone, 102, after) == ClassDescription::kRun) {
                 ObjectAccess::readRunGroup(object, group, zone);
             }
@@ -601,7 +605,7 @@ void encodeAnew(const OdDbObject& object, const ClassDescription& description, c
     writeXData(object, writer);
 }
 
-/// One old record being patched.
+// One old record being patched.
 class Patch {
   public:
     Patch(const OdDbObject& object, const ClassDescription& description, std::string_view old, const FileFormat& format,
@@ -755,7 +759,7 @@ class Patch {
         }
     }
 
-    /// Whether the control string that begins here names a dictionary; a damaged one is left alone.
+    // Whether the control string that begins here names a dictionary; a damaged one is left alone.
     static bool namesDictionary(GroupCursor ahead) {
         bool names = false;
         walkControlString(ahead,
@@ -784,7 +788,7 @@ class Patch {
         return -1;
     }
 
-    /// Whether the chunks that begin at the group just read hold the text that the object has.
+    // Whether the chunks that begin at the group just read hold the text that the object has.
     bool chunksSame(int fieldIndex, int index, GroupCursor ahead) const {
         const FieldSpec& field = description_.fields[static_cast<std::size_t>(fieldIndex)];
         const FileText& text = member<FileText>(holder(object_, description_.zones[field.zone]), field);
@@ -832,8 +836,8 @@ class Patch {
                          [](const Insert& a, const Insert& b) { return a.after < b.after; });
     }
 
-    /// Whether a field that does not stand in the record has to. A point of which some groups stand there gets only
-    /// those that are not the default: a flat point stays flat.
+    // Whether a field that does not stand in the record has to. A point of which some groups stand there gets only
+    // those that are not the default: a flat point stays flat.
     bool isMissing(char* base, std::size_t f) const {
         const FieldSpec& field = description_.fields[f];
         const std::size_t first = f - field.part;

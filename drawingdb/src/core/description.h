@@ -1,4 +1,3 @@
-#pragma once
 // Class descriptions: each class lists its fields once; reading, patching and writing anew all go by that list.
 //
 // A description is built from a prototype, a fresh object of the class: a field is a member of the prototype, its
@@ -16,6 +15,8 @@
 //       d.required().point(11, self.end_);
 //       d.point(210, self.normal_);
 //   }
+#pragma once
+
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -116,7 +117,7 @@ class Describer {
     /// described next are members of the pointed-to object.
     void embeddedZone(const char* name, OdSmartPtr<OdDbMText>& pointer);
 
-    // Apply to the next field only.
+    /// Apply to the next field only.
     Describer& required() {
         required_ = true;
         return *this;

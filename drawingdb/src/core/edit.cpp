@@ -19,30 +19,29 @@ constexpr bool isPointerCode(int code) {
 }
 constexpr bool isReferenceCode(int code) { return isOwnerCode(code) || isPointerCode(code) || code == 1005; }
 
-/// Kinds that have no owner groups of their own, so that an open one need not be searched for them.
+// Kinds that have no owner groups of their own, so that an open one need not be searched for them.
 constexpr bool ownsOnlyItsDictionary(std::uint16_t type) {
     return type == rtAttrib || type == rtAttdef || type == rtInsert || type == rtText || type == rtLine ||
            type == rtCircle || type == rtArc || type == rtPoint || type == rtLwpolyline;
 }
 
-/// Whether a record can own nothing: looking for one word is quicker than reading the groups.
+// Whether a record can own nothing: looking for one word is quicker than reading the groups.
 bool ownsNothing(std::uint16_t type, std::string_view bytes) {
     return ownsOnlyItsDictionary(type) && bytes.find("{ACAD_XDICTIONARY") == std::string_view::npos;
 }
 
-/// The owner that a record names: its first group 330 outside of control strings.
+// The owner that a record names: its first group 330 outside of control strings.
 std::uint64_t ownerHandle(std::string_view bytes, const FileFormat& format) {
     GroupCursor cursor(bytes, format);
     Group group;
     bool control = false;
-    while (cursor.next(group)) {
+    while (cursor.next(group))
         if (group.code == 102)
             control = !group.value.empty() && group.value.front() == '{';
         else if (group.code == 330 && !control)
             return parseHandle(group.value);
         else if (group.code == 100)
             break;
-    }
     return 0;
 }
 
@@ -209,7 +208,7 @@ std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::u
     std::string_view type;
     std::string list;  // a reactor list is only written when something stays in it
     while (cursor.next(group)) {
-        if (type.data() == nullptr) {
+        if (!type.data()) {
             type = group.value;
             out.append(group.bytes());
             continue;
@@ -281,7 +280,7 @@ std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::u
 
 namespace {
 
-/// The extended data at the end of a record, and what stands before it.
+// The extended data at the end of a record, and what stands before it.
 std::pair<std::string_view, std::string_view> splitXData(std::string_view bytes, const FileFormat& format) {
     GroupCursor cursor(bytes, format);
     Group group;
@@ -293,7 +292,7 @@ std::pair<std::string_view, std::string_view> splitXData(std::string_view bytes,
     return {bytes, {}};
 }
 
-/// The control string of the extension dictionary, or nothing.
+// The control string of the extension dictionary, or nothing.
 std::string_view dictionaryGroups(std::string_view bytes, const FileFormat& format) {
     GroupCursor cursor(bytes, format);
     Group group;

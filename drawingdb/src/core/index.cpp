@@ -17,7 +17,7 @@ namespace drawingdb {
 
 namespace {
 
-/// "… Binary DXF", CR, LF, 1A, 0: 22 bytes at the front of a binary file, behind a name of seven.
+// "… Binary DXF", CR, LF, 1A, 0: 22 bytes at the front of a binary file, behind a name of seven.
 constexpr std::string_view kBinarySign{" Binary DXF\r\n\x1A\0", 15};
 constexpr std::size_t kBinaryHead = 22;
 
@@ -27,7 +27,7 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-/// Groups that the index needs to know: kinds, names, handles and what refers to them.
+// Groups that the index needs to know: kinds, names, handles and what refers to them.
 constexpr bool tellsTheIndex(int code) {
     return code == 0 || code == 2 || code == 5 || code == 67 || code == 105 || (code >= 320 && code < 370) ||
            (code >= 390 && code < 400) || code == 480 || code == 481 || code == 1005;
@@ -63,7 +63,7 @@ class Indexer {
     }
 
   private:
-    /// Takes more bytes of the file, which then end further on.
+    // Takes more bytes of the file, which then end further on.
     void readMore() {
         core_.file_ = reading_.beyond(core_.file_.size());
         end_ = begin_ + core_.file_.size();
@@ -80,8 +80,8 @@ class Indexer {
         while (groups(p) && !reading_.isComplete()) readMore();
     }
 
-    /// Goes through the groups from `p` on, as far as the file is read; `p` ends up behind the last whole one. False
-    /// when nothing behind that is to be looked at.
+    // Goes through the groups from `p` on, as far as the file is read; `p` ends up behind the last whole one. False
+    // when nothing behind that is to be looked at.
     bool groups(const char*& p) {
         LineFeeds feeds(p, end_);
         while (p < end_) {
@@ -146,7 +146,7 @@ class Indexer {
         stopAt_ = cursor.place();
     }
 
-    /// A code that is not written as most are; blanks may stand around it. Nothing when the line is no number.
+    // A code that is not written as most are; blanks may stand around it. Nothing when the line is no number.
     static std::optional<int> readCode(const char* line, const char* lineEnd) {
         constexpr std::size_t kMostDigits = 6;
         std::string_view text = trimmed({line, static_cast<std::size_t>(lineEnd - line)});
@@ -159,7 +159,7 @@ class Indexer {
         return negative ? -code : code;
     }
 
-    /// One group; false behind the end-of-file record.
+    // One group; false behind the end-of-file record.
     bool group(int code, std::string_view value, const char* begin) {
         switch (code) {
             case 0:
@@ -413,7 +413,7 @@ class Indexer {
 };
 
 namespace {
-/// Line of a place in ASCII bytes, counted from 1.
+// Line of a place in ASCII bytes, counted from 1.
 std::uint64_t lineOf(std::string_view file, const char* place) {
     return static_cast<std::uint64_t>(std::count(file.data(), std::min(place, file.data() + file.size()), '\n')) + 1;
 }
@@ -476,11 +476,10 @@ void Core::readIndex(base::FileReading& reading) {
     for (std::uint32_t i = 1; i < fileStubs; ++i) withHandle += stubs[i].handle != 0;
     std::size_t doubles = 0;
     const auto twice = [&](std::uint32_t index) {
-        if (doubles++ < 10) {
+        if (doubles++ < 10)
             warnAt(file_.data() + stubs[index].offset,
                    typeName(stubs[index]) + " #" + OdDbHandle(stubs[index].handle).ascii() +
                        " has the handle of an earlier record; the first one is found by it");
-        }
     };
     std::uint64_t largest = 0;
     for (std::uint32_t i = 1; i < fileStubs; ++i) largest = std::max(largest, stubs[i].handle);

@@ -190,8 +190,9 @@ std::vector<OdDbGroup> OdDbObject::xData(const OdString& application) const {
     std::vector<OdDbGroup> all;
     OdString current;
     const auto changed = [&](const OdString& name) {
-        return newXData_ && std::any_of(newXData_->begin(), newXData_->end(),
-                                        [&](const OdDbGroup& g) { return g.code == 1001 && g.text == name; });
+        return newXData_ && std::any_of(
+                                newXData_->begin(), newXData_->end(),
+                                [&](const OdDbGroup& g) { return g.code == 1001 && g.text == name; });
     };
     const auto wanted = [&] { return application.empty() || current == application; };
     if (database_) {
@@ -315,7 +316,7 @@ std::vector<std::uint8_t> chunkBytes(std::string_view value, bool binary) {
 
 bool isScaleCode(int code) { return code >= 41 && code <= 43; }
 
-/// The scale whose first group was just read; factors that do not stand there are 1.
+// The scale whose first group was just read; factors that do not stand there are 1.
 OdGeScale3d takeScale(Group group, GroupCursor& cursor, const FileFormat& format) {
     OdGeScale3d scale;
     double* const factors[] = {&scale.sx, &scale.sy, &scale.sz};

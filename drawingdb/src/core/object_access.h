@@ -1,5 +1,6 @@
-#pragma once
 // What the database's own machinery may do with an object beyond its public interface.
+#pragma once
+
 #include "drawingdb/dictionary.h"
 #include "drawingdb/field.h"
 #include "drawingdb/object.h"

@@ -37,10 +37,10 @@ std::string_view ReadText::narrow() {
 
 namespace {
 
-/// Goes through a record that is written as nearly all are: ASCII, of no open object, with these subclasses in this
-/// order, nothing embedded, and application groups in none of the subclasses from `firstRead` on. `each(subclass,
-/// group)` gets the groups, with subclass 0 for those before the first marker. False for any other record, which its
-/// class's description is there for, and as soon as `each` is false.
+// Goes through a record that is written as nearly all are: ASCII, of no open object, with these subclasses in this
+// order, nothing embedded, and application groups in none of the subclasses from `firstRead` on. `each(subclass,
+// group)` gets the groups, with subclass 0 for those before the first marker. False for any other record, which its
+// class's description is there for, and as soon as `each` is false.
 template <std::size_t kCount, class Each>
 bool walkUsualRecord(Core& core, Stub& stub, const std::array<std::string_view, kCount>& subclasses,
                      std::size_t firstRead, Each each) {
@@ -65,7 +65,7 @@ bool walkUsualRecord(Core& core, Stub& stub, const std::array<std::string_view, 
     return subclass == kCount;
 }
 
-/// The first group of a code counts; an empty one is null no more.
+// The first group of a code counts; an empty one is null no more.
 void keepFirst(std::string_view& kept, const Group& group) {
     if (!kept.data()) kept = group.value;
 }

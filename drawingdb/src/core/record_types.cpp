@@ -65,7 +65,7 @@ constexpr const char* kNames[] = {"",
 static_assert(std::size(kNames) == rtFirstCarried);
 
 constexpr std::uint16_t kFree = 0xFFFF;
-/// A file with more kinds of record than this is no drawing.
+// A file with more kinds of record than this is no drawing.
 constexpr std::size_t kMostKinds = 32768;
 
 std::uint32_t hashOf(std::string_view name) {

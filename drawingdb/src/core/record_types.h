@@ -1,5 +1,6 @@
-#pragma once
 // The kinds of record: their names in files, and the classes that understand them.
+#pragma once
+
 #include <cstdint>
 #include <string>
 #include <string_view>

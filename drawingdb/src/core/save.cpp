@@ -16,7 +16,7 @@ namespace drawingdb {
 
 namespace {
 
-/// What a CLASS record says of a kind.
+// What a CLASS record says of a kind.
 struct KindRecord {
     RecordType type;
     const char* className;
@@ -64,8 +64,8 @@ class Saver {
         if (!newFields_.empty()) fieldList_ = core_.fieldList(false);
     }
 
-    /// Whether an anchor goes into the file: an appended SEQEND does when its reference is written anew and has
-    /// children.
+    // Whether an anchor goes into the file: an appended SEQEND does when its reference is written anew and has
+    // children.
     bool emitted(const Stub& anchor) const {
         Stub& owner = core_.stubs[anchor.owner];
         const bool anew = owner.has(Stub::appended) || owner.has(Stub::childrenChanged);
@@ -78,13 +78,13 @@ class Saver {
         return false;
     }
 
-    /// A handle that a living record has too finds that one first.
+    // A handle that a living record has too finds that one first.
     bool isErased(std::uint64_t handle) const {
         const Stub* const stub = core_.byHandle(handle);
         return stub && stub->gone();
     }
 
-    /// Writes a record of the file; gives the index of the next one to write.
+    // Writes a record of the file; gives the index of the next one to write.
     std::uint32_t record(std::uint32_t i) {
         Stub& stub = core_.stubs[i];
         switch (stub.type) {
@@ -127,7 +127,8 @@ class Saver {
     }
 
     bool lacksKindRecords() const {
-        return std::any_of(newObjects_.begin(), newObjects_.end(), [](int count) { return count > 0; });
+        return std::any_of(
+            newObjects_.begin(), newObjects_.end(), [](int count) { return count > 0; });
     }
 
     void emitKindRecords() {
@@ -153,8 +154,8 @@ class Saver {
         emit(patched_);
     }
 
-    /// A reference whose attributes were changed: itself with the right group 66, its attributes, SEQEND when it has
-    /// any.
+    // A reference whose attributes were changed: itself with the right group 66, its attributes, SEQEND when it has
+    // any.
     std::uint32_t reference(std::uint32_t i) {
         Stub& stub = core_.stubs[i];
         const bool own = stub.has(Stub::ownCloser);
@@ -236,7 +237,7 @@ class Saver {
         emit(core_.bytesOf(stub));
     }
 
-    /// The header with $HANDSEED above every handle that was given out and is alive.
+    // The header with $HANDSEED above every handle that was given out and is alive.
     std::string_view withSeed(std::string_view old) {
         if (!largest_) return old;
         const auto seed = core_.headerVariable("$HANDSEED");
@@ -256,7 +257,7 @@ class Saver {
         return patched_;
     }
 
-    /// Without the handles of erased objects, and with those of new ones that belong into the list.
+    // Without the handles of erased objects, and with those of new ones that belong into the list.
     std::string_view broughtUpToDate(Stub& stub) {
         const std::string_view old = core_.bytesOf(stub);
         patched_.clear();
@@ -327,7 +328,7 @@ class Saver {
         return patched_;
     }
 
-    /// Collects neighbouring stretches, so that an unchanged file goes out in one piece.
+    // Collects neighbouring stretches, so that an unchanged file goes out in one piece.
     void emit(std::string_view text) {
         if (text.empty()) return;
         if (run_.data() && text.data() == run_.data() + run_.size()) {

@@ -1,4 +1,3 @@
-#pragma once
 // Stubs: what the database keeps of every record of a file, in memory all the time.
 //
 // A file is a row of records, each beginning at a group 0. Stub i is the i-th record of the file, so the row never
@@ -13,6 +12,8 @@
 // Sections, tables, blocks, references and old polylines are containers: their children lie between them and their
 // closer. Appended children hang on a chain that the closer anchors (`next` the first, `close` the last of it); a
 // container without a closer of its own gets a new SEQEND stub as its anchor.
+#pragma once
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -69,7 +70,7 @@ class StubTable {
         std::uint32_t base;
     };
     static constexpr std::size_t kPerChunk = (kChunkBytes - 40) / sizeof(Stub);
-    // A small drawing has few chunks; a large one takes many at once, in large pages.
+    /// A small drawing has few chunks; a large one takes many at once, in large pages.
     static constexpr std::size_t kFewChunks = 32, kManyChunks = 128;
     struct Free {
         void operator()(char* p) const { ::operator delete(p, std::align_val_t(kChunkBytes)); }

@@ -1,6 +1,7 @@
-#pragma once
 // Objects of kinds that the database carries without understanding them. Their owner, reactors, extension dictionary
 // and extended data can be worked with, of entities also the common properties; the rest stays as it is.
+#pragma once
+
 #include "drawingdb/entity.h"
 
 class OdDbUnknownObject : public OdDbObject {

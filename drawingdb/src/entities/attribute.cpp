@@ -22,7 +22,7 @@ std::int16_t withBit(std::int16_t bits, std::int16_t bit, bool on) {
     return static_cast<std::int16_t>(on ? bits | bit : bits & ~bit);
 }
 
-/// Plain text as contents of a multi-line text.
+// Plain text as contents of a multi-line text.
 OdString escaped(const OdString& text) {
     OdString result;
     for (const wchar_t c : text) {

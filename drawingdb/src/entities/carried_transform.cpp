@@ -9,7 +9,7 @@
 namespace drawingdb {
 namespace {
 
-/// The groups of a record, with new values for some of them.
+// The groups of a record, with new values for some of them.
 class GroupList {
   public:
     GroupList(std::string_view record, const FileFormat& format) : format_(format) {
@@ -21,7 +21,7 @@ class GroupList {
     }
 
     std::size_t size() const { return items_.size(); }
-    /// Where extended data begins, of which nothing is transformed here.
+    // Where extended data begins, of which nothing is transformed here.
     std::size_t end() const { return end_; }
     int code(std::size_t i) const { return i < size() ? items_[i].group.code : -1; }
     std::string_view value(std::size_t i) const { return items_[i].group.value; }
@@ -32,13 +32,13 @@ class GroupList {
     void setReal(std::size_t i, double value) { items_[i].real = value; }
     void setInteger(std::size_t i, std::int64_t value) { items_[i].integer = value; }
 
-    /// The first group with the code from `from` on and before `to`; else `to`.
+    // The first group with the code from `from` on and before `to`; else `to`.
     std::size_t find(int wanted, std::size_t from, std::size_t to) const {
         while (from < to && code(from) != wanted) ++from;
         return from;
     }
     std::size_t find(int wanted, std::size_t from = 0) const { return find(wanted, from, end_); }
-    /// The point that begins at a group; parts that do not stand behind it are 0.
+    // The point that begins at a group; parts that do not stand behind it are 0.
     OdGePoint3d point(std::size_t i) const {
         const bool y = i + 1 < end_ && code(i + 1) == code(i) + 10;
         const bool z = y && i + 2 < end_ && code(i + 2) == code(i) + 20;
@@ -51,7 +51,7 @@ class GroupList {
         setReal(i + 1, p.y);
         if (i + 2 < end_ && code(i + 2) == first + 20) setReal(i + 2, p.z);
     }
-    /// Sets the extrusion direction, which stands in front of extended data when it is new.
+    // Sets the extrusion direction, which stands in front of extended data when it is new.
     void setNormal(const OdGeVector3d& normal) {
         const std::size_t i = find(210);
         if (i < end_)
@@ -103,12 +103,11 @@ bool isOneOf(int code, std::initializer_list<int> codes) {
 
 bool transformInWorld(GroupList& groups, const OdGeMatrix3d& matrix, std::initializer_list<int> points,
                       std::initializer_list<int> vectors) {
-    for (std::size_t i = 0; i < groups.end(); ++i) {
+    for (std::size_t i = 0; i < groups.end(); ++i)
         if (isOneOf(groups.code(i), points))
             groups.setPoint(i, matrix * groups.point(i));
         else if (isOneOf(groups.code(i), vectors))
             groups.setPoint(i, OdGePoint3d() + matrix * groups.point(i).asVector());
-    }
     return true;
 }
 
@@ -225,7 +224,7 @@ class HatchWithoutArcs {
                 for (std::size_t i = at; i < next; ++i) writer_.raw(groups_.bytes(i));
         }
     }
-    /// 97 counts the fit points of a spline, which follow it, too.
+    // 97 counts the fit points of a spline, which follow it, too.
     bool isSourceCount(std::size_t i) const {
         return groups_.code(i) == 97 && !isOneOf(groups_.code(i + 1), {11, 12, 72, 97});
     }
@@ -283,7 +282,7 @@ class HatchTransform {
         groups_.setPoint(at, {image.x, image.y, 0});
     }
 
-    /// A path from its 92 on; `at` is behind it afterwards.
+    // A path from its 92 on; `at` is behind it afterwards.
     bool path(std::size_t& at) {
         constexpr std::int64_t kPolyline = 2;
         const bool polyline = (groups_.integer(at++) & kPolyline) != 0;
@@ -312,7 +311,7 @@ class HatchTransform {
         return uniform_.has_value();
     }
 
-    /// Clockwise arcs have their angles counted clockwise, so that mirroring turns the sense round and leaves them.
+    // Clockwise arcs have their angles counted clockwise, so that mirroring turns the sense round and leaves them.
     bool curvedEdge(std::size_t at, bool arc) {
         if (!uniform_) return false;
         const std::size_t sense = groups_.find(73, at);
@@ -337,7 +336,7 @@ class HatchTransform {
         return std::atan2(image.y, image.x) / kDegree;
     }
 
-    /// From 75 on: the pattern's lines take any matrix, as lines do.
+    // From 75 on: the pattern's lines take any matrix, as lines do.
     void pattern(std::size_t at) {
         const double scale = std::sqrt(plane_->map.xAxis().crossProduct(plane_->map.yAxis()).length());
         double stretch = 1;
@@ -371,7 +370,7 @@ class HatchTransform {
             }
         }
     }
-    /// x and y have neighbouring codes here.
+    // x and y have neighbouring codes here.
     void patternPoint(std::size_t at, bool isPoint) {
         if (at + 1 >= groups_.end() || groups_.code(at + 1) != groups_.code(at) + 1) return;
         const OdGePoint2d p(groups_.real(at), groups_.real(at + 1));

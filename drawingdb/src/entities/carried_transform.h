@@ -1,5 +1,6 @@
-#pragma once
 // Transforms of entities that the database carries without a class of their own: their groups are mapped in place.
+#pragma once
+
 #include <optional>
 #include <string>
 #include <string_view>

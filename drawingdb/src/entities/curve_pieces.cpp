@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kFirstVersionWithEllipses = 1012;
 constexpr int kFirstVersionWithHatches = 1014;
-/// Lines that stand for a whole circle; they leave it by 0.0003 of its radius.
+// Lines that stand for a whole circle; they leave it by 0.0003 of its radius.
 constexpr int kLinesPerTurn = 128;
 
 int linesFor(double angle) {

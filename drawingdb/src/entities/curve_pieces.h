@@ -1,5 +1,6 @@
-#pragma once
 // What curves of circular arcs are exploded into: pieces that take any affine matrix.
+#pragma once
+
 #include <vector>
 
 #include "drawingdb/entity.h"

@@ -22,7 +22,7 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// The extrusion of something without a plane of its own: where the normal goes, and the thickness.
+// The extrusion of something without a plane of its own: where the normal goes, and the thickness.
 void transformExtrusion(const OdGeMatrix3d& matrix, OdGeVector3d& normal, double& thickness) {
     const OdGeVector3d image = matrix * normal;
     if (image.isZeroLength()) {
@@ -33,7 +33,7 @@ void transformExtrusion(const OdGeMatrix3d& matrix, OdGeVector3d& normal, double
     if (!image.normal().isEqualTo(normal, {1e-12, 1e-12})) normal = image.normal();
 }
 
-/// The way to the left of a direction, as long as the distance; none along the normal, where no side is the left one.
+// The way to the left of a direction, as long as the distance; none along the normal, where no side is the left one.
 std::optional<OdGeVector3d> leftOf(const OdGeVector3d& direction, const OdGeVector3d& normal, double distance) {
     const OdGeVector3d left = normal.normal().crossProduct(direction.normal());
     if (left.isZeroLength() || !std::isfinite(distance)) return std::nullopt;

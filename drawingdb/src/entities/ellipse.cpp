@@ -12,7 +12,7 @@ using drawingdb::Describer;
 OD_DEFINE_CLASS(OdDbEllipse, OdDbCurve)
 
 namespace {
-/// Files have 6.283185 and the like for the whole turn.
+// Files have 6.283185 and the like for the whole turn.
 constexpr double kTurnTolerance = 1e-6;
 }  // namespace
 
@@ -75,10 +75,12 @@ const ArcLengths& OdDbEllipse::lengths() const {
     return *lengths_;
 }
 double OdDbEllipse::distAtParam(double parameter) const {
-    return lengths().lengthAt(parameter, [this](double t) { return speedAt(t); });
+    return lengths().lengthAt(
+        parameter, [this](double t) { return speedAt(t); });
 }
 double OdDbEllipse::paramAtDist(double distance) const {
-    return lengths().parameterAt(distance, [this](double t) { return speedAt(t); });
+    return lengths().parameterAt(
+        distance, [this](double t) { return speedAt(t); });
 }
 
 bool OdDbEllipse::geomExtents(OdGeExtents3d& extents) const {
@@ -100,9 +102,7 @@ OdResult OdDbEllipse::transformBy(const OdGeMatrix3d& matrix) {
     const OdGeVector3d a = matrix * majorAxis_, b = matrix * minorAxis();
     const bool uniform = drawingdb::planarScale(*plane).has_value();
     double turn = 0;
-    if (!uniform) {
-        turn = std::atan2(2 * a.dotProduct(b), a.lengthSquared() - b.lengthSquared()) / 2;
-    }
+    if (!uniform) turn = std::atan2(2 * a.dotProduct(b), a.lengthSquared() - b.lengthSquared()) / 2;
     const OdGeVector3d major = a * std::cos(turn) + b * std::sin(turn);
     const OdGeVector3d minor = b * std::cos(turn) - a * std::sin(turn);
     const double length = major.length();

@@ -1,5 +1,6 @@
-#pragma once
 // Filled areas between two lines, as the entities that a drawing's version has for them.
+#pragma once
+
 #include <array>
 #include <vector>
 

@@ -1,5 +1,6 @@
-#pragma once
 // What the database itself needs to know of a leader.
+#pragma once
+
 #include <vector>
 
 #include "drawingdb/entity.h"

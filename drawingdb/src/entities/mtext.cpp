@@ -16,7 +16,7 @@ constexpr std::int32_t kFill = 1;         // bits of the background: it is fille
 constexpr std::int32_t kWindowColor = 2;  // with the colour of the drawing's window
 constexpr std::int16_t kExactSpacing = 2;
 
-/// The contents with the heights that stand in them (\H2.5;) multiplied. Relative ones (\H2x;) stay.
+// The contents with the heights that stand in them (\H2.5;) multiplied. Relative ones (\H2x;) stay.
 OdString withScaledHeights(const OdString& contents, double factor) {
     OdString result;
     for (std::size_t i = 0; i < contents.size(); ++i) {
@@ -35,7 +35,7 @@ OdString withScaledHeights(const OdString& contents, double factor) {
     return result;
 }
 
-/// The direction of an angle; quarter turns give the axes exactly.
+// The direction of an angle; quarter turns give the axes exactly.
 OdGeVector3d unitVector(double angle) {
     const auto clean = [](double v) { return std::fabs(v) < 1e-15 ? 0 : v; };
     return {clean(std::cos(angle)), clean(std::sin(angle)), 0};
@@ -109,12 +109,11 @@ void OdDbMText::chooseDirection(std::string_view record, const char* marker) {
     drawingdb::GroupCursor cursor(record, database_->core().format);
     drawingdb::Group group;
     bool inside = false;
-    while (cursor.next(group)) {
+    while (cursor.next(group))
         if (group.code == 100 || group.code == 101)
             inside = group.value == marker;
         else if (inside && (group.code == 11 || group.code == 50))
             byRotation_ = group.code == 50;
-    }
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -40,7 +40,7 @@ bool isShapeFont(std::wstring_view font) {
            base::equalsNoCase(font.substr(font.size() - kExtension.size()), kExtension);
 }
 
-/// The codes that lead from one format to the other.
+// The codes that lead from one format to the other.
 OdString formatCodes(const MTextFormat& to, const MTextFormat& from) {
     OdString codes;
     if (to.font != from.font || to.bold != from.bold || to.italic != from.italic)

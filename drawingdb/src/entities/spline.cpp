@@ -305,10 +305,12 @@ const ArcLengths& OdDbSpline::lengths() const {
     return *lengths_;
 }
 double OdDbSpline::distAtParam(double parameter) const {
-    return lengths().lengthAt(parameter, [this](double t) { return speedAt(t); });
+    return lengths().lengthAt(
+        parameter, [this](double t) { return speedAt(t); });
 }
 double OdDbSpline::paramAtDist(double distance) const {
-    return lengths().parameterAt(distance, [this](double t) { return speedAt(t); });
+    return lengths().parameterAt(
+        distance, [this](double t) { return speedAt(t); });
 }
 
 // Where the curve turns back along one of the world's axes, its derivative there changes sign.

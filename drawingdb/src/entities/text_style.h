@@ -1,5 +1,6 @@
-#pragma once
 // What texts take from the drawing's text styles.
+#pragma once
+
 #include "drawingdb/object_id.h"
 
 namespace drawingdb {

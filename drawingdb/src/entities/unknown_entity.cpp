@@ -12,7 +12,7 @@ using namespace drawingdb;
 
 namespace {
 
-/// An arrowhead is as large as its dimension style says, whatever has become of the line.
+// An arrowhead is as large as its dimension style says, whatever has become of the line.
 bool resizesHead(const OdDbEntity& leader, const OdGeMatrix3d& matrix) {
     const LeaderGroups groups = leaderGroups(leader);
     // Heads and curves of its own are left to the programs that know them.

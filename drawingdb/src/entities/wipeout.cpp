@@ -17,7 +17,7 @@ constexpr int kRectangle = 1;
 constexpr int kPolygon = 2;
 constexpr wchar_t kVariablesKey[] = L"ACAD_WIPEOUT_VARS";
 
-/// The side of the plane that faces up, or else back, or else right: flat drawings keep the world's axes.
+// The side of the plane that faces up, or else back, or else right: flat drawings keep the world's axes.
 OdGeVector3d facing(const OdGeVector3d& normal) {
     const double tolerance = OdGeContext::gTol.equalVector;
     const double tells = std::fabs(normal.z) > tolerance   ? normal.z
@@ -26,8 +26,8 @@ OdGeVector3d facing(const OdGeVector3d& normal) {
     return tells < 0 ? OdGeVector3d::kIdentity - normal : normal;
 }
 
-/// The normal of the plane that points lie in: the sum of the areas between the sides and the first point. Points on
-/// one line lie in many planes; the flattest is taken.
+// The normal of the plane that points lie in: the sum of the areas between the sides and the first point. Points on
+// one line lie in many planes; the flattest is taken.
 OdGeVector3d planeOf(const std::vector<OdGePoint3d>& points) {
     OdGeVector3d area, along;
     for (std::size_t i = 1; i < points.size(); ++i) {

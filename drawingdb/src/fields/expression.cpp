@@ -38,7 +38,7 @@ constexpr std::pair<std::wstring_view, Function> kFunctions[] = {
     {L"d2r", [](double x) { return x * kDegree; }},
 };
 
-/// What is not finite is no value: a division by zero, a root of a negative number, an overflow.
+// What is not finite is no value: a division by zero, a root of a negative number, an overflow.
 Value finite(double value) { return std::isfinite(value) ? Value(value) : Value(); }
 
 class Parser {
@@ -77,12 +77,11 @@ class Parser {
 
     Value factor() {
         bool negative = false;
-        for (;;) {
+        for (;;)
             if (take(L'-'))
                 negative = !negative;
             else if (!take(L'+'))
                 break;
-        }
         const Value value = power();
         return value && negative ? Value(-*value) : value;
     }

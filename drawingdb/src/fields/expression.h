@@ -1,4 +1,3 @@
-#pragma once
 // Arithmetic in fields.
 //
 //   sum      =  product { ("+" | "-") product }
@@ -6,6 +5,8 @@
 //   factor   =  { "+" | "-" } power
 //   power    =  primary [ "^" factor ]                    -2^2 is -4, 2^3^2 is 2^9
 //   primary  =  number | "pi" | function "(" sum ")" | "(" sum ")" | marker of a child
+#pragma once
+
 #include <functional>
 #include <optional>
 #include <string_view>

@@ -34,17 +34,17 @@ namespace {
 
 constexpr std::wstring_view kTextEvaluator = L"_text";
 constexpr std::wstring_view kVariableKey = L"Variable";
-/// A checksum that other programs keep to see whether the text was changed behind the field's back.
+// A checksum that other programs keep to see whether the text was changed behind the field's back.
 constexpr std::wstring_view kChecksumKey = L"ACFD_FIELDTEXT_CHECKSUM";
 constexpr wchar_t kNoValue[] = L"####";
 constexpr wchar_t kEmptyValue[] = L"----";
 
-/// Fields that stand in each other many times over could grow without end.
+// Fields that stand in each other many times over could grow without end.
 constexpr std::size_t kMostText = std::size_t{1} << 20;
 constexpr std::size_t kMostCopies = 10000;
 
 enum Status { notEvaluated = 1, success = 2, noEvaluator = 4, noValue = 64 };
-/// A bit that files have in the state of every field with a value.
+// A bit that files have in the state of every field with a value.
 constexpr int kValueStored = 32;
 
 constexpr int kFirstVersionWithUnits = 1021;
@@ -56,7 +56,7 @@ std::size_t utf16Length(std::wstring_view text) {
     return length;
 }
 
-/// A text in groups `code` of 250 UTF-16 units each and a last one `lastCode`.
+// A text in groups `code` of 250 UTF-16 units each and a last one `lastCode`.
 void writePieces(GroupWriter& writer, int code, int lastCode, std::wstring_view text) {
     std::size_t begin = 0, at = 0, units = 0;
     while (at < text.size()) {
@@ -83,8 +83,8 @@ std::string hexDigits(std::string_view bytes) {
     return hex;
 }
 
-/// A date is eight whole numbers of two bytes, the lower first: year, month, weekday, day, hour, minute, second,
-/// millisecond.
+// A date is eight whole numbers of two bytes, the lower first: year, month, weekday, day, hour, minute, second,
+// millisecond.
 constexpr std::size_t kDateBytes = 16;
 
 std::string dateBytes(double julian) {
@@ -130,7 +130,7 @@ struct StoredValue {
         payload.clear();
     }
 
-    /// Without what is spelled as in its file, to be written to any.
+    // Without what is spelled as in its file, to be written to any.
     StoredValue respelled() const {
         StoredValue result = *this;
         result.payload.clear();
@@ -193,7 +193,7 @@ bool isPayloadCode(int code) {
     return std::find(std::begin(kCodes), std::end(kCodes), code) != std::end(kCodes);
 }
 
-/// Reads a value that begins at groups[at]; `at` is behind it afterwards.
+// Reads a value that begins at groups[at]; `at` is behind it afterwards.
 StoredValue readValue(const std::vector<Group>& groups, std::size_t& at, const FileFormat& format,
                       const std::function<OdDbObjectId(std::uint64_t)>& objectOf) {
     StoredValue result;
@@ -281,7 +281,8 @@ struct OdDbField::Stored {
         return found == data.end() ? nullptr : &*found;
     }
     void remove(std::wstring_view key) {
-        std::erase_if(data, [&](const Item& item) { return item.key == key; });
+        std::erase_if(
+            data, [&](const Item& item) { return item.key == key; });
     }
     void set(std::wstring_view key, const OdDbFieldValue& value) {
         constexpr int kFlagsOfData = 2;
@@ -474,7 +475,7 @@ OdString OdDbField::getFieldCode(int flags) const {
     return rawCode(budget, 0);
 }
 
-/// Markers that are not followed any more, since the nesting is too deep or the text too long, stay as they are.
+// Markers that are not followed any more, since the nesting is too deep or the text too long, stay as they are.
 OdString OdDbField::rawCode(std::size_t& budget, int depth) const {
     budget -= std::min(budget, code_.size() + 1);
     const bool textField = evaluator_ == kTextEvaluator;
@@ -552,8 +553,8 @@ void OdDbField::takeCode(std::wstring_view code, int depth) {
     state_ |= kCompiled;
 }
 
-/// The code with markers in place of the fields in it, which become children, and of the objects that it names, if
-/// wanted.
+// The code with markers in place of the fields in it, which become children, and of the objects that it names, if
+// wanted.
 OdString OdDbField::takeNested(std::wstring_view code, bool objects, int depth) {
     OdString result;
     std::size_t copied = 0;
@@ -743,7 +744,7 @@ bool OdDbField::evaluateCode(Evaluation& run, const std::vector<FieldPtr>& child
 
 bool OdDbField::hasCache() const { return !shown_.empty() && shown_ != kNoValue; }
 
-/// Lets a cached value stand. Always false.
+// Lets a cached value stand. Always false.
 bool OdDbField::fail(int status) {
     const OdString shown = hasCache() ? shown_ : OdString(kNoValue);
     if (evaluationStatus_ == status && shown_ == shown) return false;
@@ -789,8 +790,8 @@ OdString currentText(const OdDbText& text) {
     return text.textString();
 }
 
-/// The object whose extension dictionary has the dictionary "ACAD_FIELD" with this field under "TEXT"; null when the
-/// field hangs elsewhere.
+// The object whose extension dictionary has the dictionary "ACAD_FIELD" with this field under "TEXT"; null when the
+// field hangs elsewhere.
 OdDbObjectId textOwner(const OdDbField& field) {
     const auto fields = field.ownerId().openIf<OdDbDictionary>();
     if (!fields || fields->getAt(L"TEXT") != field.objectId()) return {};

@@ -23,7 +23,7 @@ bool opensAt(std::wstring_view text, std::size_t at) {
     return next < text.size() && text[next] == L'\\';
 }
 
-/// Turns a field into the marker that it is, if it is one.
+// Turns a field into the marker that it is, if it is one.
 void classify(FieldSpan& span, std::wstring_view text) {
     static constexpr std::pair<std::wstring_view, FieldSpan::Kind> kMarkers[] = {
         {L"\\_FldIdx", FieldSpan::childIndex},
@@ -41,8 +41,8 @@ void classify(FieldSpan& span, std::wstring_view text) {
     }
 }
 
-/// Behind the quoted text that begins at `at`; the text without its quotes goes to `value`. A quote that is never
-/// closed reaches to the end.
+// Behind the quoted text that begins at `at`; the text without its quotes goes to `value`. A quote that is never
+// closed reaches to the end.
 std::size_t readQuoted(std::wstring_view text, std::size_t at, std::wstring& value) {
     for (++at; at < text.size(); ++at) {
         if (text[at] == L'"') return at + 1;
@@ -52,7 +52,7 @@ std::size_t readQuoted(std::wstring_view text, std::size_t at, std::wstring& val
     return at;
 }
 
-/// Where the next option begins, or the end: a backslash and a letter behind a blank, outside of quotes and fields.
+// Where the next option begins, or the end: a backslash and a letter behind a blank, outside of quotes and fields.
 std::size_t findOption(std::wstring_view code, std::size_t at, const std::vector<FieldSpan>& nested) {
     auto span = std::lower_bound(nested.begin(), nested.end(), at,
                                  [](const FieldSpan& s, std::size_t place) { return s.begin < place; });

@@ -1,4 +1,3 @@
-#pragma once
 // Field codes: the small language that fields are written in.
 //
 //   text    =  { character | field }                     Sheet %<\AcVar Title>% of %<\AcExpr (3+4)>%
@@ -10,6 +9,8 @@
 //            | "%<\_ObjId h>%"                           the object with the handle h, in decimal digits
 //
 // "%<" without its ">%", or not followed by a backslash, is plain text; so is a ">%" that closes nothing.
+#pragma once
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -47,7 +47,7 @@ FieldResult real(double value, Quantity quantity = Quantity::none) {
 FieldResult length(double value) { return real(value, Quantity::length); }
 FieldResult angle(double radians) { return real(radians, Quantity::angle); }
 
-/// Files hold 32 bits of a whole number.
+// Files hold 32 bits of a whole number.
 FieldResult whole(std::int64_t value) {
     if (value > std::numeric_limits<std::int32_t>::max() || value < std::numeric_limits<std::int32_t>::min())
         return real(static_cast<double>(value));
@@ -92,7 +92,7 @@ std::optional<double> numberOf(const OdDbFieldValue& value) {
 // ---------------------------------------------------------------------------------------------------------------------
 // AcVar: properties of the document, dates, system variables
 
-/// Properties that drawings keep in their header or, as older ones do, in the record DWGPROPS of the named objects.
+// Properties that drawings keep in their header or, as older ones do, in the record DWGPROPS of the named objects.
 struct DocumentProperty {
     std::wstring_view name;
     std::string_view headerVariable;
@@ -109,7 +109,7 @@ constexpr DocumentProperty kDocumentProperties[] = {
     {L"HyperlinkBase", "$HYPERLINKBASE", 1},
 };
 
-/// Calls `each` with code and text of the groups of the record DWGPROPS until it returns true.
+// Calls `each` with code and text of the groups of the record DWGPROPS until it returns true.
 void walkPropertyRecord(const OdDbDatabase& database, const std::function<bool(int, const OdString&)>& each) {
     const auto named = database.namedObjectsDictionaryId().openIf<OdDbDictionary>();
     const OdDbObjectId record = named ? named->getAt(L"DWGPROPS") : OdDbObjectId();
@@ -118,13 +118,12 @@ void walkPropertyRecord(const OdDbDatabase& database, const std::function<bool(i
     GroupCursor cursor(core.bytesOf(*record.stub()), core.format);
     Group group;
     bool inside = false;
-    while (cursor.next(group)) {
+    while (cursor.next(group))
         if (group.code == 100)
             inside = group.value == "AcDbXrecord";
         else if (inside && valueKind(group.code) == ValueKind::text &&
                  each(group.code, decodeText(group.value, core.format)))
             return;
-    }
 }
 
 OdString documentProperty(const OdDbDatabase& database, const DocumentProperty& property) {
@@ -138,7 +137,7 @@ OdString documentProperty(const OdDbDatabase& database, const DocumentProperty& 
     return value;
 }
 
-/// A property that the user has named. The header has pairs of a tag and a value, the record texts "name=value".
+// A property that the user has named. The header has pairs of a tag and a value, the record texts "name=value".
 std::optional<OdString> customProperty(const OdDbDatabase& database, std::wstring_view name) {
     Core& core = database.core();
     std::optional<OdString> value;
@@ -147,14 +146,13 @@ std::optional<OdString> customProperty(const OdDbDatabase& database, std::wstrin
         Group group;
         bool tagged = false;
         std::string_view variable;
-        while (cursor.next(group) && !value) {
+        while (cursor.next(group) && !value)
             if (group.code == 9)
                 variable = group.value;
             else if (variable == "$CUSTOMPROPERTYTAG")
                 tagged = base::equalsNoCase(decodeText(group.value, core.format), name);
             else if (variable == "$CUSTOMPROPERTY" && tagged)
                 value = decodeText(group.value, core.format);
-        }
     }
     if (value) return value;
     walkPropertyRecord(database, [&](int code, const OdString& text) {
@@ -232,7 +230,7 @@ struct Property {
     std::function<FieldResult(const OdDbObject&)> value;
 };
 
-/// A property of the class T; `value` takes a const T&.
+// A property of the class T; `value` takes a const T&.
 template <class T, class Value>
 Property of(std::wstring_view name, Value value) {
     return {name, T::desc(), [value](const OdDbObject& object) { return value(static_cast<const T&>(object)); }};
@@ -247,7 +245,7 @@ double arcAngle(const OdDbArc& arc) {
     return sweep > 0 ? sweep : sweep + 2 * kPi;
 }
 
-/// Of the outline that a straight line closes.
+// Of the outline that a straight line closes.
 double polylineArea(const OdDbPolyline& polyline) {
     double area = 0;
     const std::size_t count = polyline.numVerts();
@@ -278,14 +276,14 @@ OdString lineweightName(int lineweight) {
     }
 }
 
-/// The name that files mark a class by: "AcDbCircle".
+// The name that files mark a class by: "AcDbCircle".
 OdString className(const OdDbObject& object) {
     std::string name = object.isA()->name();
     if (name.starts_with("OdDb")) name.replace(0, 4, "AcDb");
     return base::widen(name);
 }
 
-/// The first property that fits counts: those of a class stand before those of the class that it is derived from.
+// The first property that fits counts: those of a class stand before those of the class that it is derived from.
 const std::vector<Property>& properties() {
     static const std::vector<Property> all = {
         of<OdDbLine>(L"StartPoint", [](const OdDbLine& e) { return point(e.startPoint()); }),
@@ -389,8 +387,8 @@ const std::vector<Property>& properties() {
     return all;
 }
 
-/// `Object(%<\_ObjIdx 0>%).Area`; behind the marker there may be a comma and a number, which say how the object is
-/// meant.
+// `Object(%<\_ObjIdx 0>%).Area`; behind the marker there may be a comma and a number, which say how the object is
+// meant.
 Result evaluateObjectProperty(const FieldInput& input) {
     constexpr std::wstring_view kObject = L"Object(";
     const std::wstring_view body = input.code.body;

@@ -1,5 +1,6 @@
-#pragma once
 // What computes the values of fields: one function an evaluator, found by name.
+#pragma once
+
 #include <optional>
 #include <span>
 #include <string_view>

@@ -42,7 +42,7 @@ struct ValueFormat {
 bool isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
 bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
-/// A separator by its number; what is no character of the first plane is left as it was.
+// A separator by its number; what is no character of the first plane is left as it was.
 void setSeparator(wchar_t& separator, int number) {
     if (number >= 32 && number < 0xD800) separator = static_cast<wchar_t>(number);
 }
@@ -110,7 +110,7 @@ std::wstring toText(double value, std::chars_format style, int precision) {
     return error == std::errc() ? std::wstring(buffer.data(), end) : std::wstring();
 }
 
-/// Applies separators and the suppression of zeros to digits with or without a point; no sign, no exponent.
+// Applies separators and the suppression of zeros to digits with or without a point; no sign, no exponent.
 std::wstring finishDigits(std::wstring digits, const ValueFormat& format) {
     const std::size_t point = std::min(digits.find(L'.'), digits.size());
     std::wstring whole = digits.substr(0, point);
@@ -123,7 +123,7 @@ std::wstring finishDigits(std::wstring digits, const ValueFormat& format) {
     return whole;
 }
 
-/// Whether any digit but zero stands in the text: "-0.00" is shown without its sign.
+// Whether any digit but zero stands in the text: "-0.00" is shown without its sign.
 bool isZeroText(std::wstring_view text) { return text.find_first_of(L"123456789") == std::wstring_view::npos; }
 
 std::wstring withSign(std::wstring text, double value) { return value < 0 && !isZeroText(text) ? L'-' + text : text; }
@@ -150,7 +150,7 @@ std::wstring fractionText(std::uint64_t whole, std::uint64_t parts, std::uint64_
     return text + std::to_wstring(parts) + L'/' + std::to_wstring(denominator);
 }
 
-/// Inches behind their feet: 1'-3 1/2". `inches` gives the text of the inches, which may stand behind feet.
+// Inches behind their feet: 1'-3 1/2". `inches` gives the text of the inches, which may stand behind feet.
 template <class Inches>
 std::wstring feetAndInches(std::uint64_t feet, bool zeroInches, const ValueFormat& format, Inches inches) {
     const bool showFeet = feet != 0 || !(format.zeros & kZeroFeet);
@@ -203,12 +203,12 @@ std::wstring linearText(double value, int unit, int precision, const ValueFormat
 
 int secondDigits(int precision) { return std::min(std::max(precision - 4, 0), 8); }
 
-/// Into how many parts a degree is divided when it is shown as degrees, minutes and seconds.
+// Into how many parts a degree is divided when it is shown as degrees, minutes and seconds.
 double minutesResolution(int precision) {
     return precision == 0 ? 1 : precision <= 2 ? 60 : 3600 * std::pow(10.0, secondDigits(precision));
 }
 
-/// Degrees as 12d30'15.5": the precision says how far; up to 2 minutes, up to 4 seconds, then digits of the seconds.
+// Degrees as 12d30'15.5": the precision says how far; up to 2 minutes, up to 4 seconds, then digits of the seconds.
 std::wstring degreesMinutesSeconds(double degrees, int precision, const ValueFormat& format) {
     const int digits = secondDigits(precision);
     const double secondParts = std::pow(10.0, digits);
@@ -225,7 +225,7 @@ std::wstring degreesMinutesSeconds(double degrees, int precision, const ValueFor
     return text + finishDigits(toText(seconds, std::chars_format::fixed, digits), format) + L'"';
 }
 
-/// Bearings: N 30d0'0" E. Degrees lie in [0, 360), counted from east.
+// Bearings: N 30d0'0" E. Degrees lie in [0, 360), counted from east.
 std::wstring surveyorsText(double degrees, int precision, const ValueFormat& format) {
     if (degrees == 0) return L"E";
     if (degrees == 90) return L"N";
@@ -378,8 +378,8 @@ std::wstring datePart(const CalendarDate& date, wchar_t letter, std::size_t widt
     }
 }
 
-/// Appends the quoted literal at `at`; gives the place behind it. Two quotes are a quote, within a literal and without
-/// one.
+// Appends the quoted literal at `at`; gives the place behind it. Two quotes are a quote, within a literal and without
+// one.
 std::size_t appendLiteral(std::wstring& text, std::wstring_view picture, std::size_t at) {
     const auto isPair = [&] { return picture.substr(at, 2) == L"''"; };
     if (isPair()) {

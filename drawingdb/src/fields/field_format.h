@@ -1,4 +1,3 @@
-#pragma once
 // How the value of a field becomes the text that it shows.
 //
 // A format is a row of codes; what is not understood is passed over.
@@ -17,6 +16,8 @@
 // What stands outside of codes is the picture of a date: d dd ddd dddd M MM MMM MMMM y yy yyyy h hh H HH m mm s ss t
 // tt, anything else as it is, letters in single quotes ('' is a quote). The pictures %c %x %X stand for date and time,
 // date, and time, with a "#" (%#c, %#x) in words. Names of months and days are English everywhere.
+#pragma once
+
 #include <string>
 #include <string_view>
 

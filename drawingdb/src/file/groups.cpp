@@ -146,8 +146,8 @@ bool BinaryGroupCursor::next(Group& group) {
 
 namespace {
 
-/// Numbers like "23.4" or "-100.0": so few digits that the double holds them exactly, as it does the power of ten, and
-/// one division rounds as it should. Nothing for any other.
+// Numbers like "23.4" or "-100.0": so few digits that the double holds them exactly, as it does the power of ten, and
+// one division rounds as it should. Nothing for any other.
 std::optional<double> shortReal(const char* p, const char* end) {
     static constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
@@ -279,7 +279,7 @@ int hexDigit(wchar_t c) {
     return -1;
 }
 
-/// The character of four hexadecimal digits at `at`, or -1.
+// The character of four hexadecimal digits at `at`, or -1.
 int fourHex(const std::wstring& text, std::size_t at) {
     if (at + 4 > text.size()) return -1;
     int value = 0;
@@ -291,7 +291,7 @@ int fourHex(const std::wstring& text, std::size_t at) {
     return value;
 }
 
-/// "\M+nXXXX": a double-byte character of one of five code pages.
+// "\M+nXXXX": a double-byte character of one of five code pages.
 bool appendMultiByte(wchar_t page, int bytes, std::wstring& out) {
     static constexpr const char* kPages[] = {"ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};
     if (page < L'1' || page > L'5') return false;
@@ -306,8 +306,8 @@ bool appendMultiByte(wchar_t page, int bytes, std::wstring& out) {
     return true;
 }
 
-/// Joins the two halves of a surrogate pair that were written as two "\U+" sequences, where wide characters hold one
-/// whole.
+// Joins the two halves of a surrogate pair that were written as two "\U+" sequences, where wide characters hold one
+// whole.
 void appendUnit(int unit, std::wstring& out) {
     if constexpr (sizeof(wchar_t) > 2) {
         if (unit >= 0xDC00 && unit < 0xE000 && !out.empty()) {
@@ -372,19 +372,21 @@ std::wstring decodeText(std::string_view raw, const FileFormat& format) {
 }
 
 std::string encodeNarrow(std::wstring_view text, const base::CodePage& codePage) {
-    return codePage.encode(text, [](char32_t character, std::string& bytes) {
-        const auto unit = [&bytes](unsigned value) {
-            static constexpr char kDigits[] = "0123456789ABCDEF";
-            bytes += "\\U+";
-            for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
-        };
-        if (character < 0x10000) {
-            unit(character);
-        } else {
-            unit(0xD800 + ((character - 0x10000) >> 10));
-            unit(0xDC00 + ((character - 0x10000) & 0x3FF));
-        }
-    });
+    return codePage.encode(
+        text,
+        [](char32_t character, std::string& bytes) {
+            const auto unit = [&bytes](unsigned value) {
+                static constexpr char kDigits[] = "0123456789ABCDEF";
+                bytes += "\\U+";
+                for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
+            };
+            if (character < 0x10000) {
+                unit(character);
+            } else {
+                unit(0xD800 + ((character - 0x10000) >> 10));
+                unit(0xDC00 + ((character - 0x10000) & 0x3FF));
+            }
+        });
 }
 
 std::string encodeText(std::wstring_view text, const FileFormat& format) {
@@ -492,10 +494,10 @@ void GroupWriter::text(int groupCode, std::string_view encoded) {
 
 namespace {
 
-/// Writes numbers of few decimals, whole ones as "5.0". Null, and nothing written, for any other.
-///
-/// Six decimals and nine digits before them make at most fifteen, which no two numbers share: if they give the number
-/// back, they are its shortest spelling once the zeros at the end are gone.
+// Writes numbers of few decimals, whole ones as "5.0". Null, and nothing written, for any other.
+//
+// Six decimals and nine digits before them make at most fifteen, which no two numbers share: if they give the number
+// back, they are its shortest spelling once the zeros at the end are gone.
 char* writeShortReal(char* place, double value) {
     constexpr double kLargest = 1e9, kSmallest = 1e-3;
     constexpr std::int64_t kScale = 1000000;

@@ -1,4 +1,3 @@
-#pragma once
 // Groups: the pairs of code and value that every DXF file is made of.
 //
 //   ASCII:   "  8\r\nWALLS\r\n"           code line, value line; either line end, blanks around the code
@@ -6,6 +5,8 @@
 //   code a text
 //                                          ended by a zero, a double, an integer of 1, 2, 4 or 8 bytes, or a counted
 //                                          chunk
+#pragma once
+
 #include <bit>
 #include <climits>
 #include <cstddef>

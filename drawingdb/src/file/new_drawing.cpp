@@ -7,7 +7,7 @@ namespace drawingdb {
 
 namespace {
 
-/// Handles of what the records name each other by.
+// Handles of what the records name each other by.
 enum Handle : unsigned {
     hNamed = 0xC,
     hGroups = 0xD,

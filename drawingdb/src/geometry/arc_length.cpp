@@ -8,15 +8,15 @@ namespace drawingdb {
 
 namespace {
 
-/// Of the whole length; the quadrature's own error is far smaller once two halves agree this well with their whole.
+// Of the whole length; the quadrature's own error is far smaller once two halves agree this well with their whole.
 constexpr double kAgreement = 1e-13;
 constexpr double kExactness = 1e-15;
 constexpr int kDeepestHalving = 40;
-/// A curve that needs more (out of a damaged file) is measured as well as they allow.
+// A curve that needs more (out of a damaged file) is measured as well as they allow.
 constexpr std::size_t kMostPieces = std::size_t{1} << 16;
 constexpr int kMostSteps = 100;
 
-/// A length beyond all numbers counts as none.
+// A length beyond all numbers counts as none.
 double integral(const ArcLengths::Speed& speed, double from, double to) {
     const double length = boost::math::quadrature::gauss<double, 15>::integrate(speed, from, to);
     return std::isfinite(length) ? length : 0;

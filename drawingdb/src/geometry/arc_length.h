@@ -1,5 +1,6 @@
-#pragma once
 // Lengths along curves that have no closed form for them.
+#pragma once
+
 #include <functional>
 #include <vector>
 

@@ -1,6 +1,7 @@
-#pragma once
 // What the planar entities share: how matrices act on the plane an entity lies in, thickness, and arcs between two
 // points.
+#pragma once
+
 #include <initializer_list>
 #include <optional>
 #include <utility>

@@ -55,7 +55,7 @@ bool isBlank(char32_t c) { return c == U' '; }
 // Scripts without blanks between words break between any two characters.
 bool breaksAnywhere(char32_t c) { return c >= 0x2E80 && c < 0xD7B0; }
 
-/// What stays in one piece when lines are broken: blanks, or characters that are no blanks, of one run.
+// What stays in one piece when lines are broken: blanks, or characters that are no blanks, of one run.
 struct Piece {
     std::size_t run = 0;
     std::wstring_view text;  // of a text run
@@ -110,7 +110,7 @@ class MTextLayouter {
     }
 
   private:
-    /// What a line needs to know of its paragraph once all lines are there.
+    // What a line needs to know of its paragraph once all lines are there.
     struct LineRoom {
         double indent = 0.0;
         double rightIndent = 0.0;

@@ -20,7 +20,7 @@ constexpr std::size_t kDeepestGroup = 1000;
 constexpr std::size_t kLongestFontName = 255;
 constexpr std::size_t kMostTabStops = 32;
 
-/// Reads parameters of codes. Where one does not read, it gives nothing; the caller then lets the code stand as text.
+// Reads parameters of codes. Where one does not read, it gives nothing; the caller then lets the code stand as text.
 class ParameterReader {
   public:
     ParameterReader(std::wstring_view text, std::size_t position) : text_(text), position_(position) {}
@@ -34,7 +34,7 @@ class ParameterReader {
         return there;
     }
 
-    /// A decimal number, finite, without exponent (an "e" would be text).
+    // A decimal number, finite, without exponent (an "e" would be text).
     std::optional<double> number() {
         char digits[64];
         std::size_t length = 0, i = position_;
@@ -238,12 +238,11 @@ class MTextParser {
         MTextFormat changed = format_;
         changed.font = base::prefix(parts[0], kLongestFontName);
         changed.bold = changed.italic = false;
-        for (std::size_t i = 1; i < parts.size(); ++i) {
+        for (std::size_t i = 1; i < parts.size(); ++i)
             if (base::startsWithNoCase(parts[i], L"b"))
                 changed.bold = parts[i].find_first_of(L"123456789", 1) == 1;
             else if (base::startsWithNoCase(parts[i], L"i"))
                 changed.italic = parts[i].find_first_of(L"123456789", 1) == 1;
-        }
         change(format_, changed);
         return true;
     }

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Opens everything there is and asks it for what every object can be asked for.
+// Opens everything there is and asks it for what every object can be asked for.
 void walk(const OdDbDatabasePtr& database) {
     for (std::uint64_t handle = 0; handle < 0x100; ++handle) {
         const auto object = database->getObjectId(handle).open();

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Every handle that a record of the bytes has or names must be there; 0 names nothing. Gives those that are missing.
+// Every handle that a record of the bytes has or names must be there; 0 names nothing. Gives those that are missing.
 std::string dangling(const std::string& bytes) {
     std::vector<std::string> defined, named;
     std::size_t at = 0;

@@ -112,8 +112,8 @@ TEST(Undo, OpenObjectsShowTheRestoredState) {
     EXPECT_EQ(radius(database), 8);
 }
 
-/// Random edits of every kind; after each the drawing must still save, and undoing to any position taken on the way
-/// must give the bytes of that moment.
+// Random edits of every kind; after each the drawing must still save, and undoing to any position taken on the way
+// must give the bytes of that moment.
 TEST(Undo, RandomEditsGiveTheBytesBack) {
     for (unsigned seed = 1; seed <= 60; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));

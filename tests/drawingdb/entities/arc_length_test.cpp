@@ -10,8 +10,8 @@
 
 namespace {
 
-/// The length between two parameters, the curve being smooth in between, by chords alone: no derivative, no quadrature
-/// rule. What halving the chords changes tells the error of all even orders (Richardson), until nothing changes.
+// The length between two parameters, the curve being smooth in between, by chords alone: no derivative, no quadrature
+// rule. What halving the chords changes tells the error of all even orders (Richardson), until nothing changes.
 double smoothLength(const OdDbCurve& curve, double from, double to, double tolerance) {
     constexpr int kMostHalvings = 16;
     std::vector<double> previous;
@@ -47,7 +47,7 @@ double chordLength(const OdDbCurve& curve, double from, double to, double tolera
     return length;
 }
 
-/// Divides as a drafter does and measures the parts one after the other.
+// Divides as a drafter does and measures the parts one after the other.
 void expectEqualParts(const OdDbCurve& curve, int parts, const char* what) {
     const double length = curve.distAtParam(curve.endParam());
     ASSERT_GT(length, 0) << what;

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The curve's length by its derivative alone, segment by segment (Simpson's rule).
+// The curve's length by its derivative alone, segment by segment (Simpson's rule).
 double integratedLength(const OdDbCurve& curve, double from, double to) {
     constexpr int kSteps = 2000;
     double sum = 0;

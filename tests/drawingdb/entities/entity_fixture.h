@@ -1,5 +1,6 @@
-#pragma once
 // Drawings made of a few groups, and random transforms to try entities with.
+#pragma once
+
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <iostream>

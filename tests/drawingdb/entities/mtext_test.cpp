@@ -59,21 +59,11 @@ TEST_F(MultiLineTexts, AttachmentsAndModesAreOne) {
             made->setTextHeight(3);
             ASSERT_TRUE(made->geomExtents(box));
             // The attachment is the point of the box that lies at the location.
-            if (horizontal == OdDb::kTextLeft) {
-                EXPECT_NEAR(box.minPoint().x, 0, 1e-9);
-            }
-            if (horizontal == OdDb::kTextCenter) {
-                EXPECT_NEAR(box.center().x, 0, 1e-9);
-            }
-            if (horizontal == OdDb::kTextRight) {
-                EXPECT_NEAR(box.maxPoint().x, 0, 1e-9);
-            }
-            if (vertical == OdDb::kTextTop) {
-                EXPECT_NEAR(box.maxPoint().y, 0, 1e-9);
-            }
-            if (vertical == OdDb::kTextBottom) {
-                EXPECT_NEAR(box.minPoint().y, 0, 1e-9);
-            }
+            if (horizontal == OdDb::kTextLeft) EXPECT_NEAR(box.minPoint().x, 0, 1e-9);
+            if (horizontal == OdDb::kTextCenter) EXPECT_NEAR(box.center().x, 0, 1e-9);
+            if (horizontal == OdDb::kTextRight) EXPECT_NEAR(box.maxPoint().x, 0, 1e-9);
+            if (vertical == OdDb::kTextTop) EXPECT_NEAR(box.maxPoint().y, 0, 1e-9);
+            if (vertical == OdDb::kTextBottom) EXPECT_NEAR(box.minPoint().y, 0, 1e-9);
         }
     EXPECT_EQ(made->attachment(), 9);
     EXPECT_THROW(made->setAttachment(0), OdError);

@@ -222,7 +222,7 @@ TEST(Wipeouts, PlaneOfTheBoundary) {
     EXPECT_EQ(normalOf({{0, 0, 0}, {0, 0, 3}, {3, 0, 3}, {0, 0, 0}}), OdGeVector3d(0, -1, 0));
 }
 
-/// The names of the CLASS records, with their counts.
+// The names of the CLASS records, with their counts.
 std::string kindRecords(const std::string& bytes) {
     std::istringstream lines(bytes);
     std::string code, value, type, found;

@@ -8,7 +8,7 @@ using drawingdb::evaluateExpression;
 
 namespace {
 
-/// Child 0 is 6, child 1 is -0.5, child 2 has no value.
+// Child 0 is 6, child 1 is -0.5, child 2 has no value.
 std::optional<double> child(std::size_t index) {
     if (index == 0) return 6.0;
     if (index == 1) return -0.5;

@@ -10,7 +10,7 @@ using drawingdb::parseFieldCode;
 
 namespace {
 
-/// What findFields sees, written down: F(code) a field, c3 o3 h3 markers; text between them as it is.
+// What findFields sees, written down: F(code) a field, c3 o3 h3 markers; text between them as it is.
 std::wstring seen(std::wstring_view text) {
     std::wstring result;
     std::size_t at = 0;

@@ -1,5 +1,6 @@
-#pragma once
 // A new drawing with a text in model space, and fields to hang on it.
+#pragma once
+
 #include <gmock/gmock.h>
 #include <string>
 

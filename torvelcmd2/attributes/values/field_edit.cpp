@@ -17,12 +17,9 @@ OdString shownText(const OdDbField& field) {
 
 // In a single line a backslash is a backslash.
 bool hasEscapes(const OdDbEntity& entity) {
-    if (entity.isKindOf(OdDbAttribute::desc())) {
-        return static_cast<const OdDbAttribute&>(entity).isMTextAttribute();
-    }
-    if (entity.isKindOf(OdDbAttributeDefinition::desc())) {
+    if (entity.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(entity).isMTextAttribute();
+    if (entity.isKindOf(OdDbAttributeDefinition::desc()))
         return static_cast<const OdDbAttributeDefinition&>(entity).isMTextAttributeDefinition();
-    }
     return entity.isKindOf(OdDbMText::desc());
 }
 
@@ -30,9 +27,7 @@ bool hasEscapes(const OdDbEntity& entity) {
 FieldEdit::Range findOpening(const OdString& text, std::size_t from) {
     for (std::size_t at = text.find(L"%<", from); at != OdString::npos; at = text.find(L"%<", at + 1)) {
         const std::size_t name = text.find_first_not_of(L" \t\r\n", at + 2);
-        if (name != OdString::npos && text[name] == L'\\') {
-            return {at, name + 1};
-        }
+        if (name != OdString::npos && text[name] == L'\\') return {at, name + 1};
     }
     return {text.size(), text.size()};
 }
@@ -95,9 +90,7 @@ void FieldEdit::loadFields(const OdDbField& parent) {
             continue;
         }
         appendRun(field->copy(), owner);
-        while (at < code.text.size() && code.owners[at] == owner) {
-            ++at;
-        }
+        while (at < code.text.size() && code.owners[at] == owner) ++at;
     }
     nextNumber_ = static_cast<std::int32_t>(parent.childCount());
 }
@@ -169,9 +162,8 @@ const FieldEdit::FieldEntry& FieldEdit::entryOf(std::int32_t number) const {
 }
 
 void FieldEdit::takeOut(std::int32_t number, bool out) {
-    if (const auto entry = std::ranges::find(entries_, number, &FieldEntry::number); entry != entries_.end()) {
+    if (const auto entry = std::ranges::find(entries_, number, &FieldEntry::number); entry != entries_.end())
         entry->takenOut = out;
-    }
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -180,9 +172,8 @@ void FieldEdit::takeOut(std::int32_t number, bool out) {
 // The run that holds the characters on both sides of a position; empty, at the position, when there is none.
 FieldEdit::Range FieldEdit::runAt(std::size_t position) const {
     if (position == 0 || position >= text_.size() || owners_[position] == kNoField ||
-        owners_[position] != owners_[position - 1]) {
+        owners_[position] != owners_[position - 1])
         return {position, position};
-    }
     const FieldEntry& entry = entryOf(owners_[position]);
     return {static_cast<std::size_t>(entry.first), static_cast<std::size_t>(entry.last) + 1};
 }
@@ -206,9 +197,7 @@ void FieldEdit::select(std::size_t anchor, std::size_t caret) {
 }
 
 std::size_t FieldEdit::stepFrom(std::size_t position, bool forward) const {
-    if (forward ? position == text_.size() : position == 0) {
-        return position;
-    }
+    if (forward ? position == text_.size() : position == 0) return position;
     const std::int32_t owner = owners_[forward ? position : position - 1];
     if (owner != kNoField) {
         const FieldEntry& entry = entryOf(owner);
@@ -238,12 +227,8 @@ void FieldEdit::replace(Range range, const Fragment& with) {
     const auto at = [&](std::size_t position) { return owners_.begin() + static_cast<std::ptrdiff_t>(position); };
     std::vector<std::int32_t> owners = with.owners;
     const std::int32_t firstNumber = nextNumber_;
-    for (std::int32_t& owner : owners) {
-        owner = owner == kNoField ? kNoField : firstNumber + owner;
-    }
-    for (const OdDbFieldPtr& field : with.fields) {
-        entries_.push_back({0, 0, nextNumber_++, field});
-    }
+    for (std::int32_t& owner : owners) owner = owner == kNoField ? kNoField : firstNumber + owner;
+    for (const OdDbFieldPtr& field : with.fields) entries_.push_back({0, 0, nextNumber_++, field});
     text_.replace(range.begin, range.end - range.begin, with.text);
     owners_.insert(owners_.erase(at(range.begin), at(range.end)), owners.begin(), owners.end());
     anchor_ = caret_ = range.begin + with.text.size();
@@ -252,13 +237,9 @@ void FieldEdit::replace(Range range, const Fragment& with) {
 
 // Brings the entries in line with the owners; those without a character go.
 void FieldEdit::findRuns() {
-    for (FieldEntry& entry : entries_) {
-        entry.first = entry.last = kNoField;
-    }
+    for (FieldEntry& entry : entries_) entry.first = entry.last = kNoField;
     for (std::size_t at = 0; at < owners_.size(); ++at) {
-        if (owners_[at] == kNoField) {
-            continue;
-        }
+        if (owners_[at] == kNoField) continue;
         FieldEntry& entry = *std::ranges::find(entries_, owners_[at], &FieldEntry::number);
         const auto begin = owners_.begin() + static_cast<std::ptrdiff_t>(at);
         entry.first = static_cast<std::int32_t>(at);
@@ -280,9 +261,7 @@ FieldEdit::Fragment FieldEdit::fragmentAt(Range range) const {
             continue;
         }
         const FieldEntry& entry = entryOf(owners_[at]);
-        if (at == static_cast<std::size_t>(entry.first)) {
-            fragment.fields.push_back(entry.field);
-        }
+        if (at == static_cast<std::size_t>(entry.first)) fragment.fields.push_back(entry.field);
         fragment.owners.push_back(static_cast<std::int32_t>(fragment.fields.size()) - 1);
     }
     return fragment;
@@ -310,14 +289,11 @@ OdString FieldEdit::copy() {
 
 // What another program has copied since has another text, most likely.
 void FieldEdit::paste(const OdString& text) {
-    if (text.empty()) {
-        return;
-    }
-    if (text == copied_.text) {
+    if (text.empty()) return;
+    if (text == copied_.text)
         replace(selection(), copied_);
-    } else {
+    else
         type(text);
-    }
 }
 
 void FieldEdit::insertField(const OdDbFieldPtr& field) {
@@ -349,11 +325,9 @@ std::vector<std::int32_t> FieldEdit::fieldsToWorkOn() const {
         range = behind || caret_ == 0 ? Range{caret_, std::min(caret_ + 1, text_.size())} : Range{caret_ - 1, caret_};
     }
     std::vector<std::int32_t> numbers;
-    for (std::size_t at = range.begin; at < range.end; ++at) {
-        if (owners_[at] != kNoField && (numbers.empty() || numbers.back() != owners_[at])) {
+    for (std::size_t at = range.begin; at < range.end; ++at)
+        if (owners_[at] != kNoField && (numbers.empty() || numbers.back() != owners_[at]))
             numbers.push_back(owners_[at]);
-        }
-    }
     return numbers;
 }
 
@@ -375,9 +349,7 @@ bool FieldEdit::isAvailable(Command command) const {
 }
 
 void FieldEdit::run(Command command, OdString& clipboard) {
-    if (!isAvailable(command)) {
-        return;
-    }
+    if (!isAvailable(command)) return;
     switch (command) {
         case kCopy:
             clipboard = copy();
@@ -417,11 +389,8 @@ void FieldEdit::showAgain(std::int32_t number, const OdDbFieldPtr& field) {
     text_.replace(first, end - first, shown);
     const auto owner = owners_.begin() + static_cast<std::ptrdiff_t>(first);
     owners_.insert(owners_.erase(owner, owner + static_cast<std::ptrdiff_t>(end - first)), shown.size(), number);
-    for (std::size_t* position : {&anchor_, &caret_}) {
-        if (*position >= end) {
-            *position = *position - (end - first) + shown.size();
-        }
-    }
+    for (std::size_t* position : {&anchor_, &caret_})
+        if (*position >= end) *position = *position - (end - first) + shown.size();
     findRuns();
 }
 
@@ -429,30 +398,22 @@ void FieldEdit::editField() {
     const ModuleFunction change(hostapi::changeField);
     const std::int32_t number = fieldsToWorkOn().front();
     OdDbFieldPtr field = entryOf(number).field;
-    if (change && change(field) && field) {
-        showAgain(number, field);
-    }
+    if (change && change(field) && field) showAgain(number, field);
 }
 
 void FieldEdit::updateFields() {
-    for (std::int32_t number : fieldsToWorkOn()) {
-        showAgain(number, newFieldLike(*entryOf(number).field, database_));
-    }
+    for (std::int32_t number : fieldsToWorkOn()) showAgain(number, newFieldLike(*entryOf(number).field, database_));
 }
 
 void FieldEdit::convertFieldsToText() {
-    for (std::int32_t number : fieldsToWorkOn()) {
-        std::ranges::replace(owners_, number, kNoField);
-    }
+    for (std::int32_t number : fieldsToWorkOn()) std::ranges::replace(owners_, number, kNoField);
     findRuns();
 }
 
 void FieldEdit::insertNewField() {
     const ModuleFunction insert(hostapi::insertField);
     OdDbFieldPtr field;
-    if (insert && insert(field) && field) {
-        insertField(field);
-    }
+    if (insert && insert(field) && field) insertField(field);
 }
 
 }  // namespace torvel

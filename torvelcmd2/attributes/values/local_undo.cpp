@@ -23,22 +23,16 @@ HostLocalUndo::HostLocalUndo() : HostLocalUndo(activeDatabase()) {}
 
 HostLocalUndo::HostLocalUndo(OdDbDatabasePtr database)
     : database_(std::move(database)), outerGroup_(database_ && database_->isUndoBlockStarted()) {
-    if (database_ && !outerGroup_) {
-        database_->blockUndoRecording(true);
-    }
+    if (database_ && !outerGroup_) database_->blockUndoRecording(true);
 }
 
 HostLocalUndo::~HostLocalUndo() {
-    if (database_ && !outerGroup_) {
-        database_->blockUndoRecording(false);
-    }
+    if (database_ && !outerGroup_) database_->blockUndoRecording(false);
 }
 
 // A record before the mark and one behind it, so that neither has changes of both sides.
 void HostLocalUndo::recordStep() {
-    if (!database_) {
-        return;
-    }
+    if (!database_) return;
     database_->startUndoRecord();
     database_->setUndoMark();
     database_->startUndoRecord();
@@ -46,12 +40,8 @@ void HostLocalUndo::recordStep() {
 }
 
 bool HostLocalUndo::undo() {
-    if (steps_.empty()) {
-        return false;
-    }
-    for (int marks = steps_.back(); marks > 0; --marks) {
-        database_->undoBack();
-    }
+    if (steps_.empty()) return false;
+    for (int marks = steps_.back(); marks > 0; --marks) database_->undoBack();
     steps_.pop_back();
     database_->startUndoRecord();
     return true;
@@ -61,9 +51,7 @@ void HostLocalUndo::dropTo(std::int32_t level) {
     const auto kept = static_cast<std::size_t>(std::clamp<std::int32_t>(level, 0, this->level()));
     const int dropped = std::accumulate(steps_.begin() + static_cast<std::ptrdiff_t>(kept), steps_.end(), 0);
     steps_.resize(kept);
-    if (!steps_.empty()) {
-        steps_.back() += dropped;
-    }
+    if (!steps_.empty()) steps_.back() += dropped;
 }
 
 }  // namespace torvel

@@ -41,8 +41,8 @@ class HostLocalUndo {
   private:
     OdDbDatabasePtr database_;
     bool outerGroup_;
-    // Of each step the number of the database's undo marks that it stands for: its own and those of steps that were
-    // dropped above it.
+    /// Of each step the number of the database's undo marks that it stands for: its own and those of steps that were
+    /// dropped above it.
     std::vector<int> steps_;
 };
 

@@ -15,9 +15,7 @@ std::wstring withPlainQuotes(std::wstring_view text) {
             continue;
         }
         ++i;
-        if (text[i] != L'"') {
-            result += L'\\';
-        }
+        if (text[i] != L'"') result += L'\\';
         result += text[i];
     }
     return result;

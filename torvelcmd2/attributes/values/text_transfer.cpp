@@ -22,11 +22,8 @@ CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
     const InlineCode code = inlineCode(field);
     // A field that is not found takes no index, so that the markers stay in step with the captured fields.
     std::vector<bool> found(code.fields.size());
-    for (const std::int32_t owner : code.owners) {
-        if (owner != InlineCode::kNobody) {
-            found[static_cast<std::size_t>(owner)] = true;
-        }
-    }
+    for (const std::int32_t owner : code.owners)
+        if (owner != InlineCode::kNobody) found[static_cast<std::size_t>(owner)] = true;
     std::vector<std::size_t> indices(code.fields.size());
     for (std::size_t i = 0; i < code.fields.size(); ++i) {
         if (found[i]) {
@@ -41,9 +38,7 @@ CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
             continue;
         }
         captured.text += fieldIndexMarker(indices[static_cast<std::size_t>(owner)]);
-        while (at < code.text.size() && code.owners[at] == owner) {
-            ++at;
-        }
+        while (at < code.text.size() && code.owners[at] == owner) ++at;
     }
     return captured;
 }
@@ -67,12 +62,8 @@ OdString plainValue(const OdDbEntity& source) {
         return definition.isMTextAttributeDefinition() ? definition.getMTextAttributeDefinition()->contents()
                                                        : definition.textString();
     }
-    if (source.isKindOf(OdDbText::desc())) {
-        return static_cast<const OdDbText&>(source).textString();
-    }
-    if (source.isKindOf(OdDbMText::desc())) {
-        return static_cast<const OdDbMText&>(source).contents();
-    }
+    if (source.isKindOf(OdDbText::desc())) return static_cast<const OdDbText&>(source).textString();
+    if (source.isKindOf(OdDbMText::desc())) return static_cast<const OdDbMText&>(source).contents();
     throw OdError_NotThatKindOfClass(source.isA()->name(), OdDbText::desc()->name());
 }
 
@@ -98,9 +89,7 @@ InlineCode inlineCode(const OdDbField& textField) {
     for (std::size_t i = 0; i < textField.childCount(); ++i) {
         code.fields.push_back(textField.getChild(i));
         const OdString own = code.fields[i] ? code.fields[i]->getFieldCode(OdDbField::kRawCode) : OdString();
-        if (own.empty()) {
-            continue;
-        }
+        if (own.empty()) continue;
         std::size_t place = code.text.find(own);
         while (place != OdString::npos && code.owners[place] != InlineCode::kNobody) {
             // Two codes may share the per cent sign between them.
@@ -131,19 +120,16 @@ OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database) {
 }
 
 CapturedText captureText(const OdDbEntity& source) {
-    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
-        return captureFields(*field, source.database());
-    }
+    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) return captureFields(*field, source.database());
     return {false, plainValue(source), {}};
 }
 
 void applyText(const CapturedText& captured, OdDbEntity& target) {
     target.upgradeOpen();
-    if (captured.hasField) {
+    if (captured.hasField)
         applyFields(captured, target);
-    } else {
+    else
         setPlainValue(captured.text, target);
-    }
 }
 
 }  // namespace torvel

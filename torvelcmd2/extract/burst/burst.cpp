@@ -12,31 +12,24 @@ constexpr int kSelectionFlags = 0;
 OdDbObjectIdArray selectObjects() {
     OdDbObjectIdArray selected;
     auto* const selectSet = hostService(hostapi::selectSet);
-    if (selectSet == nullptr || selectSet(L"Select objects", kSelectionFlags, selected) == hostapi::kCancel) {
-        selected.clear();
-    }
+    if (!selectSet || selectSet(L"Select objects", kSelectionFlags, selected) == hostapi::kCancel) selected.clear();
     return selected;
 }
 
 // The objects selected will not be there any more.
 void clearHostSelection() {
-    if (auto* const setPickFirst = hostService(hostapi::setPickFirst)) {
-        setPickFirst(OdDbObjectIdArray());
-    }
+    if (auto* const setPickFirst = hostService(hostapi::setPickFirst)) setPickFirst(OdDbObjectIdArray());
 }
 
 // Whatever is no reference is passed over.
 void burstObject(OdDbObjectId id, ReferenceBurster& burster) {
     const auto reference = id.openIf<OdDbBlockReference>(OdDb::forWrite);
-    if (!reference) {
-        return;
-    }
+    if (!reference) return;
     const auto owner = reference->blockId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
-    if (burster.burst(*reference, *owner)) {
+    if (burster.burst(*reference, *owner))
         reference->erase();
-    } else if (!burster.obstacle().empty()) {
+    else if (!burster.obstacle().empty())
         notifyUser(L"reference #" + reference->handle().text() + L" stays: its " + burster.obstacle());
-    }
 }
 
 }  // namespace
@@ -44,14 +37,10 @@ void burstObject(OdDbObjectId id, ReferenceBurster& burster) {
 CMD_RUNSTATUS BurstCmd::run() {
     setRunStatus(kCommandRunning);
     const OdDbObjectIdArray selected = selectObjects();
-    if (selected.empty()) {
-        return setRunStatus(kCommandCancelled);
-    }
+    if (selected.empty()) return setRunStatus(kCommandCancelled);
     clearHostSelection();
     ReferenceBurster burster;
-    for (OdDbObjectId id : selected) {
-        burstObject(id, burster);
-    }
+    for (OdDbObjectId id : selected) burstObject(id, burster);
     return setRunStatus(kCommandFinished);
 }
 

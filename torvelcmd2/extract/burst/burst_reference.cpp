@@ -73,12 +73,8 @@ class Lettering {
             styleSlant = style->obliquingAngle();
         }
         OdString result;
-        if (stretches()) {
-            result += code(L'W', stretch(styleWidth));
-        }
-        if (std::fabs(slant(styleSlant) - styleSlant) > kSame) {
-            result += code(L'Q', slant(styleSlant) * 180 / kPi);
-        }
+        if (stretches()) result += code(L'W', stretch(styleWidth));
+        if (std::fabs(slant(styleSlant) - styleSlant) > kSame) result += code(L'Q', slant(styleSlant) * 180 / kPi);
         const OdString old = text.contents();
         for (std::size_t at = 0; at < old.size(); ++at) {
             const wchar_t letter = old[at] == L'\\' && at + 1 < old.size() ? old[at + 1] : L'\0';
@@ -92,9 +88,7 @@ class Lettering {
                 at = end;
             } else {
                 result += old[at];
-                if (letter != L'\0') {
-                    result += old[++at];
-                }
+                if (letter != L'\0') result += old[++at];
             }
         }
         return result;
@@ -121,9 +115,7 @@ bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
 // justification for its place.
 void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
     // Between two points these give the rotation, and what the text says of it may be anything.
-    if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) {
-        text.adjustAlignment();
-    }
+    if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) text.adjustAlignment();
     if (text.isJustified() && !leavesUpright(text, matrix)) {
         text.adjustAlignment();
         const OdGePoint3d start = text.position();
@@ -146,9 +138,8 @@ OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
     // Nothing but the text itself can cover what lies under it with the colour of the drawing's background.
     const bool masks = text.backgroundFillOn() && text.useBackgroundColorOn();
     if (takesCodes(text) && !masks &&
-        ((lettering.slants() && layout.lines.size() > 1) || ((lettering.slants() || lettering.stretches()) && boxed))) {
+        ((lettering.slants() && layout.lines.size() > 1) || ((lettering.slants() || lettering.stretches()) && boxed)))
         return OdResult::transformRefused;
-    }
     const OdResult result = text.transformBy(matrix);
     if (result == OdResult::ok && takesCodes(text)) {
         if (const OdString contents = lettering.contents(text); contents != text.contents()) {
@@ -158,9 +149,7 @@ OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
                 return OdGePoint3d(of.lines.front().position.x, of.lines.front().position.y, 0);
             };
             const OdGeVector3d astray = matrix * (before * start(layout)) - text.layoutToWorld() * start(text.layout());
-            if (lettering.slants()) {
-                text.setLocation(text.location() + astray);
-            }
+            if (lettering.slants()) text.setLocation(text.location() + astray);
         }
     }
     return result;
@@ -179,28 +168,18 @@ OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& m
         }
     }
     const OdResult result = reference.transformBy(matrix);
-    if (result == OdResult::ok) {
-        for (const auto& [attribute, contents] : withCodes) {
-            attribute->setTextString(contents);
-        }
-    }
+    if (result == OdResult::ok)
+        for (const auto& [attribute, contents] : withCodes) attribute->setTextString(contents);
     return result;
 }
 
 // Transforms an entity so that it looks as the matrix makes it, also where transformBy alone would only come near.
 OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
-    if (matrix.isUniScaledOrtho()) {
-        return entity.transformBy(matrix);
-    }
-    if (entity.isKindOf(OdDbMText::desc())) {
-        return transformMText(static_cast<OdDbMText&>(entity), matrix);
-    }
-    if (entity.isKindOf(OdDbBlockReference::desc())) {
+    if (matrix.isUniScaledOrtho()) return entity.transformBy(matrix);
+    if (entity.isKindOf(OdDbMText::desc())) return transformMText(static_cast<OdDbMText&>(entity), matrix);
+    if (entity.isKindOf(OdDbBlockReference::desc()))
         return transformReference(static_cast<OdDbBlockReference&>(entity), matrix);
-    }
-    if (entity.isKindOf(OdDbText::desc())) {
-        giveUpJustification(static_cast<OdDbText&>(entity), matrix);
-    }
+    if (entity.isKindOf(OdDbText::desc())) giveUpJustification(static_cast<OdDbText&>(entity), matrix);
     return entity.transformBy(matrix);
 }
 
@@ -216,9 +195,7 @@ bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTable
         definitions_.erase(owner.objectId());
         return true;
     }
-    for (OdDbObjectId id : added_) {
-        id.openAs<OdDbEntity>(OdDb::forWrite, true)->erase();
-    }
+    for (OdDbObjectId id : added_) id.openAs<OdDbEntity>(OdDb::forWrite, true)->erase();
     return false;
 }
 
@@ -228,20 +205,17 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     const OdDbObjectId block = reference.blockTableRecord();
     const Definition& definition = definitionOf(block);
     // A block that holds itself, which damaged files have, could be burst without end.
-    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0) {
+    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0)
         return false;
-    }
-    if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces) {
+    if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces)
         return false;
-    }
     within_.push_back(block);
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     for (const OdGeMatrix3d& step : placesOf(reference)) {
         const OdGeMatrix3d place = outer * step;
         if (added_.size() + definition.entities.size() > kMostPieces ||
-            !copyEntities(definition, place * blockTransform)) {
+            !copyEntities(definition, place * blockTransform))
             return false;
-        }
         addConstants(definition, place * blockTransform);
         addAttributes(reference, place);
     }
@@ -253,17 +227,13 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
     const auto [found, fresh] = definitions_.try_emplace(block);
     Definition& definition = found->second;
     const auto record = fresh ? block.openIf<OdDbBlockTableRecord>() : OdSmartPtr<OdDbBlockTableRecord>();
-    if (!record) {
-        return definition;
-    }
+    if (!record) return definition;
     // What an external drawing shows is not in this one.
     definition.explodable = record->explodable() && !record->isFromExternalReference();
     // The copies cover each other as the originals do.
     for (OdDbObjectId id : record->entitiesInDrawOrder()) {
         if (auto attribute = id.openIf<OdDbAttributeDefinition>()) {
-            if (attribute->isConstant()) {
-                definition.constants.push_back(std::move(attribute));
-            }
+            if (attribute->isConstant()) definition.constants.push_back(std::move(attribute));
         } else {
             definition.entities.push_back(id);
         }
@@ -283,15 +253,10 @@ bool ReferenceBurster::isFrozen(OdDbObjectId layer) {
 bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
     OdDbIdMapping mapping;
     owner_->database()->deepCloneObjects(definition.entities, owner_->objectId(), mapping);
+    for (const OdDbIdMapping::Pair& pair : mapping.pairs())
+        if (pair.primary) added_.push_back(pair.copy);
     for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
-        if (pair.primary) {
-            added_.push_back(pair.copy);
-        }
-    }
-    for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
-        if (!pair.primary) {
-            continue;
-        }
+        if (!pair.primary) continue;
         const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
         if (!place(*copy, transform)) {
             noteObstacle(*copy);
@@ -303,9 +268,7 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
 
 // The innermost one has been noted first, and stays.
 void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
-    if (!obstacle_.empty()) {
-        return;
-    }
+    if (!obstacle_.empty()) return;
     const OdString block = within_.back().openAs<OdDbBlockTableRecord>()->name();
     obstacle_ = L"block " + block + L" has a ";
     if (entity.isKindOf(OdDbBlockReference::desc())) {
@@ -319,12 +282,8 @@ void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
 // The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is
 // left for them is the identity.
 bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) {
-    if (transformExactly(entity, transform) != OdResult::transformRefused) {
-        return true;
-    }
-    if (!explodeAndPlace(entity, transform)) {
-        return false;
-    }
+    if (transformExactly(entity, transform) != OdResult::transformRefused) return true;
+    if (!explodeAndPlace(entity, transform)) return false;
     entity.erase();
     return true;
 }
@@ -338,9 +297,7 @@ bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& t
         return showsNothing || burstContents(nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;
-    if (entity.explode(pieces) != OdResult::ok) {
-        return false;
-    }
+    if (entity.explode(pieces) != OdResult::ok) return false;
     return std::ranges::all_of(pieces, [&](const OdDbEntityPtr& piece) {
         append(*piece);
         return place(*piece, transform);
@@ -349,20 +306,15 @@ bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& t
 
 // A reference draws the constant attributes of its block; they must not vanish with it.
 void ReferenceBurster::addConstants(const Definition& definition, const OdGeMatrix3d& transform) {
-    for (const auto& constant : definition.constants) {
-        if (isShown(*constant)) {
-            addText(*constant, constant->getMTextAttributeDefinition(), transform);
-        }
-    }
+    for (const auto& constant : definition.constants)
+        if (isShown(*constant)) addText(*constant, constant->getMTextAttributeDefinition(), transform);
 }
 
 // Attributes have their places in the world, not in the block.
 void ReferenceBurster::addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& transform) {
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openAs<OdDbAttribute>();
-        if (isShown(*attribute)) {
-            addText(*attribute, attribute->getMTextAttribute(), transform);
-        }
+        if (isShown(*attribute)) addText(*attribute, attribute->getMTextAttribute(), transform);
     }
 }
 
@@ -374,12 +326,8 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
         lines ? OdDbEntityPtr(newMText(*lines, database).get()) : OdDbEntityPtr(newText(source, database).get());
     append(*text);
     // The code goes along with the value that it shows now.
-    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) {
-        text->setField(kTextFieldKey, field->copy());
-    }
-    if (transform != OdGeMatrix3d::kIdentity && !place(*text, transform)) {
-        text->transformBy(transform);
-    }
+    if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) text->setField(kTextFieldKey, field->copy());
+    if (transform != OdGeMatrix3d::kIdentity && !place(*text, transform)) text->transformBy(transform);
 }
 
 void ReferenceBurster::append(OdDbEntity& entity) { added_.push_back(owner_->appendOdDbEntity(&entity)); }

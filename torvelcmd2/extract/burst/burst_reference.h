@@ -50,7 +50,7 @@ class ReferenceBurster {
     std::unordered_map<OdDbObjectId, Definition> definitions_;
     std::unordered_map<OdDbObjectId, bool> frozenLayers_;
 
-    // Of the reference at work.
+    /// Of the reference at work.
     OdString obstacle_;
     OdDbBlockTableRecord* owner_ = nullptr;
     OdDbObjectIdArray added_;           // everything added so far, to be taken back when an entity cannot be placed

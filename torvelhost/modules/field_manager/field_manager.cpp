@@ -31,20 +31,14 @@ OdDbObjectId selectObject(const wchar_t* prompt) {
 }
 
 void notice(const OdString& text) {
-    if (auto* const notify = coreService(hostapi::notify)) {
-        notify(text.c_str());
-    }
+    if (auto* const notify = coreService(hostapi::notify)) notify(text.c_str());
 }
 
 bool ask(OdDbFieldPtr& field) {
     HostDocument* const document = activeDocument();
-    if (document == nullptr) {
-        return false;
-    }
+    if (!document) return false;
     const OdDbFieldPtr made = fieldmanager::askField({*document->input(), *document->database(), selectObject, notice});
-    if (made) {
-        field = made;
-    }
+    if (made) field = made;
     return static_cast<bool>(made);
 }
 
@@ -55,9 +49,7 @@ extern "C" {
 bool insertField(OdDbFieldPtr& field) { return ask(field); }
 
 bool changeField(OdDbFieldPtr& field) {
-    if (field) {
-        notice(L"The field is: " + field->getFieldCode(OdDbField::kRawCode));
-    }
+    if (field) notice(L"The field is: " + field->getFieldCode(OdDbField::kRawCode));
     return ask(field);
 }
 

@@ -19,12 +19,9 @@ constexpr const wchar_t* kDates = L"Date CreateDate SaveDate PlotDate";
 Answer ask(const Desk& desk, const wchar_t* prompt, const wchar_t* keywords = L"", bool* cancelled = nullptr) {
     OdString text;
     const int result = desk.input.getKeyword(prompt, keywords, 0, reinterpret_cast<std::uintptr_t>(&text), 0);
-    if (cancelled != nullptr) {
-        *cancelled = result == hostapi::kCancel;
-    }
-    if (result >= hostapi::kFirstKeyword) {
+    if (cancelled) *cancelled = result == hostapi::kCancel;
+    if (result >= hostapi::kFirstKeyword)
         return base::split(keywords, L' ')[static_cast<std::size_t>(result - hostapi::kFirstKeyword)];
-    }
     return result == hostapi::kValue && !text.empty() ? Answer(text) : Answer();
 }
 
@@ -36,9 +33,7 @@ OdString variableCode(const OdString& name) { return L"\\AcVar " + name; }
 
 Answer propertyCode(const Desk& desk) {
     const Answer name = ask(desk, L"Enter property name [%s]", kProperties);
-    if (!name) {
-        return {};
-    }
+    if (!name) return {};
     const auto known = base::split(kProperties, L' ');
     const bool custom = std::ranges::find(known, *name) == known.end();
     return variableCode(custom ? L"CustomDP." + *name : *name);
@@ -57,9 +52,7 @@ Answer systemVariableCode(const Desk& desk) {
 Answer objectCode(const Desk& desk) {
     const OdDbObjectId object = desk.selectObject(L"Select object");
     const Answer property = object.isNull() ? Answer() : ask(desk, L"Enter property name");
-    if (!property) {
-        return {};
-    }
+    if (!property) return {};
     return L"\\AcObjProp Object(%<\\_ObjId " + std::to_wstring(object.handle().value()) + L">%)." + *property;
 }
 
@@ -86,13 +79,9 @@ OdString quoted(const OdString& text) {
 Answer askCode(const Desk& desk) {
     for (;;) {
         const Answer answer = ask(desk, L"Enter field code or kind of field [%s]", kKindKeywords);
-        if (!answer || holdsField(*answer)) {
-            return answer;
-        }
+        if (!answer || holdsField(*answer)) return answer;
         // Without brackets it is a code all the same, also one whose evaluator is not there.
-        if (answer->starts_with(L'\\')) {
-            return L"%<" + *answer + L">%";
-        }
+        if (answer->starts_with(L'\\')) return L"%<" + *answer + L">%";
         const auto kind = std::ranges::find(kKinds, *answer, [](const Kind& k) { return OdString(k.keyword); });
         if (kind == std::end(kKinds)) {
             desk.notice(L"\"" + *answer +
@@ -100,14 +89,10 @@ Answer askCode(const Desk& desk) {
             continue;
         }
         const Answer code = kind->code(desk);
-        if (!code) {
-            return {};
-        }
+        if (!code) return {};
         bool cancelled = false;
         const Answer format = ask(desk, L"Enter format <none>", L"", &cancelled);
-        if (cancelled) {
-            return {};
-        }
+        if (cancelled) return {};
         return L"%<" + *code + (format ? L" \\f " + quoted(*format) : OdString()) + L">%";
     }
 }
@@ -116,9 +101,7 @@ Answer askCode(const Desk& desk) {
 
 OdDbFieldPtr askField(const Desk& desk) {
     const Answer code = askCode(desk);
-    if (!code) {
-        return {};
-    }
+    if (!code) return {};
     OdDbFieldPtr field = OdDbField::createObject();
     field->setFieldCode(*code);
     field->evaluate(OdDbField::kAutomatic, &desk.database);
