@@ -15,6 +15,14 @@ constexpr int kCancel = -2;
 constexpr int kEmpty = 1;  ///< Enter
 constexpr int kFirstKeyword = 2;
 
+/// Flags of prompts; others are the host's business and have no effect.
+constexpr int kPlainPrompt = 4;  ///< every prompt has it, and it asks for nothing more
+constexpr int kNotNegative = 8;  ///< a distance below 0 is refused
+
+/// What HostEdInput::setCurrentEntity announces.
+constexpr int kNoEntity = 0;
+constexpr int kNewEntity = 1;
+
 }  // namespace hostapi
 
 /// The command line of a document.

@@ -6,6 +6,7 @@
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"
 
 namespace torvel {
@@ -31,11 +32,7 @@ constexpr std::int32_t kStandardWeights[] = {0,  5,  9,  13, 15, 18,  20,  25,  
 
 constexpr double kInchesPerMillimetre = 0.03937007874015748;
 
-bool weightsAreInInches() {
-    std::int64_t units = 1;
-    if (auto* const variable = hostService(hostapi::getIntegerVariable)) variable(L"LWUNITS", units);
-    return units == 0;
-}
+bool weightsAreInInches() { return hostVariable(hostapi::getIntegerVariable, L"LWUNITS", 1) == 0; }
 
 bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 

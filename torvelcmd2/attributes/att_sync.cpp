@@ -8,12 +8,11 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "torvelcmd2/attributes/sync_reference.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
 namespace {
-
-constexpr int kKeywordFlags = 4;
 
 // A block that a user may choose. A null id: none was chosen.
 struct AttributedBlock {
@@ -59,8 +58,7 @@ AttributedBlock askName(HostEdInput& input, const AttributedBlocks& blocks) {
     const OdString keyword = loadText(IDS_ATTSYNC_NAME_KEYWORD);
     for (;;) {
         OdString name;
-        const int result = input.getKeyword(prompt.c_str(), keyword.c_str(), kKeywordFlags,
-                                            reinterpret_cast<std::uintptr_t>(&name), 0);
+        const int result = askText(input, prompt, name, keyword);
         if (result == kListing) {
             printListing(blocks);
             continue;
@@ -77,18 +75,15 @@ AttributedBlock askName(HostEdInput& input, const AttributedBlocks& blocks) {
 bool confirms(HostEdInput& input, const AttributedBlock& block) {
     constexpr int kYes = hostapi::kFirstKeyword;
     const OdString prompt = base::formatPositional(loadText(IDS_ATTSYNC_CONFIRM), block.name);
-    const int result =
-        input.getKeyword(prompt.c_str(), loadText(IDS_ATTSYNC_YES_NO_KEYWORDS).c_str(), kKeywordFlags, 0, 0);
+    const int result = askKeyword(input, prompt, loadText(IDS_ATTSYNC_YES_NO_KEYWORDS));
     return result == hostapi::kEmpty || result == kYes;
 }
 
 AttributedBlock selectBlock(HostEdInput& input, const AttributedBlocks& blocks) {
     const OdString prompt = loadText(IDS_ATTSYNC_SELECT_BLOCK);
     for (;;) {
-        auto* const selectEntity = hostService(hostapi::selectEntity);
         hostapi::Pick pick;
-        if (!selectEntity || selectEntity(prompt.c_str(), nullptr, hostapi::kSingleEntity, pick) == hostapi::kCancel)
-            return {};
+        if (askEntity(prompt, pick) == hostapi::kCancel) return {};
         if (pick.entity.isNull()) {
             printLine(loadText(IDS_ATTSYNC_SELECTION_ERROR));
             continue;
@@ -115,7 +110,7 @@ AttributedBlock chooseBlock(HostEdInput& input, const AttributedBlocks& blocks) 
     const OdString prompt = loadText(IDS_ATTSYNC_ENTER_OPTION);
     const OdString keywords = loadText(IDS_ATTSYNC_KEYWORDS);
     for (;;) {
-        switch (input.getKeyword(prompt.c_str(), keywords.c_str(), kKeywordFlags, 0, 0)) {
+        switch (askKeyword(input, prompt, keywords)) {
             case kListing:
                 printListing(blocks);
                 break;

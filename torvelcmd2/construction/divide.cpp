@@ -6,12 +6,12 @@
 
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
 namespace {
 
-constexpr int kPromptFlags = 4;
 constexpr int kFewestSegments = 2;
 constexpr int kMostSegments = 32767;
 
@@ -39,18 +39,14 @@ class Highlight {
 
 OdDbObjectId selectObject() {
     hostapi::Pick pick;
-    auto* const selectEntity = hostService(hostapi::selectEntity);
-    if (!selectEntity || selectEntity(loadText(IDS_SELECT_OBJECT_TO_DIVIDE).c_str(), nullptr, hostapi::kSingleEntity,
-                                      pick) != hostapi::kValue)
-        return {};
-    return pick.entity;
+    return askEntity(loadText(IDS_SELECT_OBJECT_TO_DIVIDE), pick) == hostapi::kValue ? pick.entity : OdDbObjectId();
 }
 
 // Asks until the number suits; anything that is no number is the caller's business. Enter means the fewest.
 int askSegments(HostEdInput& input, int& segments, const wchar_t* keywords, unsigned refusal) {
     const OdString prompt = loadText(IDS_ENTER_NUMBER_OF_SEGMENTS);
     for (;;) {
-        const int result = input.getInteger(segments, prompt.c_str(), keywords, kPromptFlags, 0);
+        const int result = input.getInteger(segments, prompt.c_str(), keywords, hostapi::kPlainPrompt, 0);
         if (result == hostapi::kEmpty) segments = kFewestSegments;
         if (result != hostapi::kValue || (segments >= kFewestSegments && segments <= kMostSegments)) return result;
         printLine(loadText(refusal));
@@ -85,8 +81,7 @@ int askBlock(const RunFrame& frame, OdDbObjectId space, OdDbObjectId& block) {
     const OdString prompt = loadText(IDS_ENTER_BLOCK_TO_INSERT);
     for (;;) {
         OdString name;
-        const int result =
-            frame.input->getKeyword(prompt.c_str(), nullptr, kPromptFlags, reinterpret_cast<std::uintptr_t>(&name), 0);
+        const int result = askText(*frame.input, prompt, name);
         if (result == hostapi::kCancel) return result;
         block = frame.database->findBlock(name);
         if (canInsertInto(space, block)) return result;
@@ -96,8 +91,7 @@ int askBlock(const RunFrame& frame, OdDbObjectId space, OdDbObjectId& block) {
 
 int askAligned(HostEdInput& input, bool& aligned) {
     constexpr int kYes = hostapi::kFirstKeyword;
-    const int result = input.getKeyword(loadText(IDS_ALIGN_BLOCK_WITH_OBJECT).c_str(),
-                                        loadText(IDS_YES_NO_KEYWORDS).c_str(), kPromptFlags, 0, 0);
+    const int result = askKeyword(input, loadText(IDS_ALIGN_BLOCK_WITH_OBJECT), loadText(IDS_YES_NO_KEYWORDS));
     aligned = result == kYes;
     return result;
 }

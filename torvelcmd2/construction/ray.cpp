@@ -1,14 +1,12 @@
 #include "torvelcmd2/construction/ray.h"
 
 #include "drawingdb/curves.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/trackers.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
 namespace {
-
-constexpr int kPointFlags = 4;
-constexpr int kNewEntity = 1;
 
 class RayTracker final : public ConstructionLineTracker {
   public:
@@ -18,8 +16,8 @@ class RayTracker final : public ConstructionLineTracker {
 
 int askStartPoint(HostEdInput& input, OdGePoint3d& start) {
     // The host only looks at what kind of entity is coming.
-    input.setCurrentEntity(kNewEntity, OdDbRay::createObject().get());
-    return input.getPoint(nullptr, start, loadText(IDS_SPECIFY_START_POINT).c_str(), nullptr, kPointFlags, 0, nullptr);
+    input.setCurrentEntity(hostapi::kNewEntity, OdDbRay::createObject().get());
+    return askPoint(input, loadText(IDS_SPECIFY_START_POINT), start);
 }
 
 // One ray: asks for its through point and appends it. Returns the input result.
@@ -29,8 +27,8 @@ int placeRay(const RunFrame& frame, OdDbObjectId space, const OdGePoint3d& start
     ray->setBasePoint(start);
     RayTracker tracker(ray);
     OdGePoint3d through;
-    frame.input->setCurrentEntity(kNewEntity, ray.get());
-    const int result = frame.input->getPoint(&start, through, prompt.c_str(), nullptr, kPointFlags, 0, &tracker);
+    frame.input->setCurrentEntity(hostapi::kNewEntity, ray.get());
+    const int result = askPoint(*frame.input, prompt, through, &start, &tracker);
     // A point on the start point gives no direction; it is passed over without a word.
     if (result == hostapi::kValue && !through.isEqualTo(start)) {
         ray->setUnitDir(through - start);

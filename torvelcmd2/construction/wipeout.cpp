@@ -8,12 +8,12 @@
 #include "drawingdb/curves.h"
 #include "drawingdb/wipeout.h"
 #include "hostapi/trackers.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
 namespace {
 
-constexpr int kPromptFlags = 4;
 constexpr double kStraightBulge = 1e-10;
 
 using OdDbPolylinePtr = OdSmartPtr<OdDbPolyline>;
@@ -65,8 +65,7 @@ bool isOnLockedLayer(const OdDbEntity& entity) {
 // False when the user cancels. What lies on a locked layer is not erased.
 bool eraseIfWanted(HostEdInput& input, OdDbPolyline& polyline) {
     constexpr int kYes = hostapi::kFirstKeyword;
-    const int result = input.getKeyword(loadText(IDS_ERASE_POLYLINE).c_str(), loadText(IDS_YES_NO_KEYWORDS).c_str(),
-                                        kPromptFlags, 0, 0);
+    const int result = askKeyword(input, loadText(IDS_ERASE_POLYLINE), loadText(IDS_YES_NO_KEYWORDS));
     if (result == kYes && !isOnLockedLayer(polyline)) {
         polyline.upgradeOpen();
         polyline.erase();
@@ -91,16 +90,10 @@ bool createWipeout(const RunFrame& frame, OdDbPolyline& polyline) {
 
 // ---- polygon mode
 
-OdGeVector3d drawingPlaneNormal() {
-    OdGeMatrix3d plane;
-    if (auto* const getDrawingPlane = hostService(hostapi::getDrawingPlane)) getDrawingPlane(plane);
-    return plane.zAxis();
-}
-
 // The polyline's elevation counts from the world's origin, wherever the user coordinate system has its own.
 OdDbPolylinePtr beginBoundary(const OdGePoint3d& first) {
     auto boundary = OdDbPolyline::createObject();
-    boundary->setNormal(drawingPlaneNormal());
+    boundary->setNormal(drawingPlane().zAxis());
     boundary->setElevation(OdGePlane(OdGePoint3d::kOrigin, boundary->normal()).signedDistanceTo(first));
     boundary->setClosed(true);
     boundary->addVertexAt(0, vertexAt(*boundary, first));
@@ -138,8 +131,7 @@ CMD_RUNSTATUS drawPolygon(const RunFrame& frame, const OdGePoint3d& first) {
         const OdGePoint3d last = boundary->pointAt(index);
         const OdString keywords = polygonKeywords(boundary->numVerts());
         OdGePoint3d point;
-        switch (frame.input->getPoint(&last, point, prompt.c_str(), keywords.empty() ? nullptr : keywords.c_str(),
-                                      kPromptFlags, 0, &tracker)) {
+        switch (askPoint(*frame.input, prompt, point, &last, &tracker, keywords)) {
             case hostapi::kCancel:
                 return kCommandCancelled;
             case hostapi::kValue:
@@ -169,10 +161,7 @@ CMD_RUNSTATUS drawPolygon(const RunFrame& frame, const OdGePoint3d& first) {
 
 CMD_RUNSTATUS maskPolyline(const RunFrame& frame) {
     hostapi::Pick pick;
-    auto* const selectEntity = hostService(hostapi::selectEntity);
-    if (!selectEntity || selectEntity(loadText(IDS_SELECT_CLOSED_POLYLINE).c_str(), nullptr, hostapi::kSingleEntity,
-                                      pick) != hostapi::kValue)
-        return kCommandCancelled;
+    if (askEntity(loadText(IDS_SELECT_CLOSED_POLYLINE), pick) != hostapi::kValue) return kCommandCancelled;
     const auto polyline = pick.entity.openIf<OdDbPolyline>();
     return polyline && createWipeout(frame, *polyline) ? kCommandFinished : kCommandCancelled;
 }
@@ -193,7 +182,7 @@ CMD_RUNSTATUS switchFrames(const RunFrame& frame) {
     const OdString on = loadText(IDS_FRAMES_ON), off = loadText(IDS_FRAMES_OFF);
     const OdString& current = OdDbWipeoutVariables::showsFrames(*frame.database) ? on : off;
     const OdString prompt = loadText(IDS_ENTER_MODE) + L" <" + current + L">";
-    const int result = frame.input->getKeyword(prompt.c_str(), (on + L" " + off).c_str(), kPromptFlags, 0, 0);
+    const int result = askKeyword(*frame.input, prompt, on + L" " + off);
     if (result == kOn || result == kOff)
         showFrames(*frame.database, result == kOn);
     else if (result != hostapi::kEmpty)
@@ -209,8 +198,8 @@ CMD_RUNSTATUS CWipeoutCmd::run() {
     setRunStatus(kCommandRunning);
     const RunFrame frame = reachDocument();
     OdGePoint3d first;
-    switch (frame.input->getPoint(nullptr, first, loadText(IDS_WIPEOUT_START_POINT).c_str(),
-                                  loadText(IDS_WIPEOUT_KEYWORDS).c_str(), kPromptFlags, 0, nullptr)) {
+    switch (askPoint(*frame.input, loadText(IDS_WIPEOUT_START_POINT), first, nullptr, nullptr,
+                     loadText(IDS_WIPEOUT_KEYWORDS))) {
         case hostapi::kValue:
             return setRunStatus(drawPolygon(frame, first));
         case kFrames:

@@ -7,16 +7,13 @@
 #include <vector>
 
 #include "drawingdb/curves.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/trackers.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
 namespace {
 
-constexpr int kPromptFlags = 4;
-constexpr int kDistanceFlags = 12;
-constexpr int kNoEntity = 0;
-constexpr int kNewEntity = 1;
 constexpr double kStraightBulge = 1e-10;
 constexpr double kSideTolerance = 1e-10;
 constexpr double kEdgeOn = 1e-9;  // sine of the angle between a plane and the direction it is seen in
@@ -97,13 +94,8 @@ class CBisXlineTracker final : public CXlineTracker {
 
 // ---- directions in the user coordinate system
 
-OdGeVector3d axisVariable(const wchar_t* name, const OdGeVector3d& standard) {
-    OdGeVector3d axis = standard;
-    if (auto* const getVector = hostService(hostapi::getVectorVariable)) getVector(name, axis);
-    return axis;
-}
-OdGeVector3d xAxis() { return axisVariable(L"UCSXDIR", OdGeVector3d::kXAxis); }
-OdGeVector3d yAxis() { return axisVariable(L"UCSYDIR", OdGeVector3d::kYAxis); }
+OdGeVector3d xAxis() { return hostVariable(hostapi::getVectorVariable, L"UCSXDIR", OdGeVector3d::kXAxis); }
+OdGeVector3d yAxis() { return hostVariable(hostapi::getVectorVariable, L"UCSYDIR", OdGeVector3d::kYAxis); }
 
 OdGeVector3d drawingNormal() { return xAxis().crossProduct(yAxis()).normal(); }
 
@@ -188,10 +180,8 @@ std::optional<PickedLine> usableLine(const hostapi::Pick& pick) {
 int selectLine(PickedLine& line) {
     const OdString prompt = loadText(IDS_SELECT_LINE_OBJECT);
     for (int flags = hostapi::kSingleEntity;; flags = hostapi::kSingleEntity | hostapi::kRetry) {
-        auto* const selectEntity = hostService(hostapi::selectEntity);
-        if (!selectEntity) return hostapi::kCancel;
         hostapi::Pick pick;
-        const int result = selectEntity(prompt.c_str(), nullptr, flags, pick);
+        const int result = askEntity(prompt, pick, flags);
         if (result != hostapi::kValue) return result;
         if (const auto usable = usableLine(pick)) {
             line = *usable;
@@ -218,7 +208,7 @@ class XlineRun {
         for (;;) {
             OdDbXlinePtr xline = OdDbXline::createObject();
             xline->setDatabaseDefaults(&database_);
-            input_.setCurrentEntity(kNoEntity, nullptr);
+            input_.setCurrentEntity(hostapi::kNoEntity, nullptr);
             const PassResult result = pass(xline);
             if (result == kRunFailed) return kCommandCancelled;
             if (result != hostapi::kValue) return kCommandFinished;
@@ -247,20 +237,17 @@ class XlineRun {
         }
     }
 
-    int askPoint(unsigned prompt, OdGePoint3d& point, const OdGePoint3d* base, HostEdInputTracker* tracker) {
-        return input_.getPoint(base, point, loadText(prompt).c_str(), nullptr, kPromptFlags, 0, tracker);
-    }
     // What the tracker last showed is not relied on: it gets the final point once more.
     int placeThrough(CXlineTracker& tracker, const OdGePoint3d* base = nullptr) {
         OdGePoint3d point;
-        const int result = askPoint(IDS_SPECIFY_THROUGH_POINT, point, base, &tracker);
+        const int result = askPoint(input_, loadText(IDS_SPECIFY_THROUGH_POINT), point, base, &tracker);
         if (result == hostapi::kValue) tracker.update(0, point);
         return result;
     }
 
     // All lines of the run go through the same start point.
     PassResult throughStartPoint(const OdDbXlinePtr& xline) {
-        input_.setCurrentEntity(kNewEntity, xline.get());
+        input_.setCurrentEntity(hostapi::kNewEntity, xline.get());
         xline->setBasePoint(start_);
         CXlineTracker tracker(xline);
         return placeThrough(tracker, &start_);
@@ -288,24 +275,25 @@ class XlineRun {
     bool askAngle() {
         constexpr int kReference = hostapi::kFirstKeyword;
         const OdString prompt = loadText(IDS_ENTER_XLINE_ANGLE);
-        int result =
-            input_.getAngle(angle_, prompt.c_str(), loadText(IDS_XLINE_REFERENCE_KEYWORD).c_str(), kPromptFlags, 0);
+        int result = input_.getAngle(angle_, prompt.c_str(), loadText(IDS_XLINE_REFERENCE_KEYWORD).c_str(),
+                                     hostapi::kPlainPrompt, 0);
         if (result != kReference) return result != hostapi::kCancel;
         PickedLine reference;
         if (selectLine(reference) != hostapi::kValue) return false;
-        result = input_.getAngle(angle_, prompt.c_str(), nullptr, kPromptFlags, 0);
+        result = input_.getAngle(angle_, prompt.c_str(), nullptr, hostapi::kPlainPrompt, 0);
         angle_ += angleOf(reference.direction);
         return result != hostapi::kCancel;
     }
 
     PassResult bisecting(const OdDbXlinePtr& xline) {
-        if (firstPass_ && (askPoint(IDS_SPECIFY_ANGLE_VERTEX, vertex_, nullptr, nullptr) != hostapi::kValue ||
-                           askPoint(IDS_SPECIFY_ANGLE_START, angleStart_, &vertex_, nullptr) != hostapi::kValue))
+        if (firstPass_ &&
+            (askPoint(input_, loadText(IDS_SPECIFY_ANGLE_VERTEX), vertex_) != hostapi::kValue ||
+             askPoint(input_, loadText(IDS_SPECIFY_ANGLE_START), angleStart_, &vertex_) != hostapi::kValue))
             return kRunFailed;
         xline->setBasePoint(vertex_);
         CBisXlineTracker tracker(xline, angleStart_);
         OdGePoint3d end;
-        const int result = askPoint(IDS_SPECIFY_ANGLE_END, end, &vertex_, &tracker);
+        const int result = askPoint(input_, loadText(IDS_SPECIFY_ANGLE_END), end, &vertex_, &tracker);
         // Whatever the result; a line that is not appended takes no harm.
         tracker.update(0, end);
         return result;
@@ -331,8 +319,8 @@ class XlineRun {
                 realToText(offsetMemory.distance, kDrawingsOwn, kDrawingsOwn, standard);
         }
         const OdString prompt = loadText(IDS_SPECIFY_OFFSET_DISTANCE) + L"<" + standard + L">";
-        const int result =
-            input_.getDistance(nullptr, offsetMemory.distance, prompt.c_str(), through.c_str(), kDistanceFlags, 0);
+        const int result = input_.getDistance(nullptr, offsetMemory.distance, prompt.c_str(), through.c_str(),
+                                              hostapi::kPlainPrompt | hostapi::kNotNegative, 0);
         if (result == kThrough) offsetMemory.through = true;
         if (result == hostapi::kValue) offsetMemory.through = false;
         return result != hostapi::kCancel;
@@ -340,7 +328,7 @@ class XlineRun {
     // To the left of the line, seen against the drawing plane's normal, is the positive side.
     PassResult offsetToSide(OdDbXlinePtr& xline) {
         OdGePoint3d side;
-        const int result = askPoint(IDS_SPECIFY_SIDE_TO_OFFSET, side, nullptr, nullptr);
+        const int result = askPoint(input_, loadText(IDS_SPECIFY_SIDE_TO_OFFSET), side);
         if (result == hostapi::kEmpty || result == hostapi::kCancel) return kRunFailed;
         const OdGeVector3d normal = drawingNormal();
         const double turn = xline->unitDir().crossProduct(side - xline->basePoint()).dotProduct(normal);
@@ -367,8 +355,8 @@ CMD_RUNSTATUS CXLineCmd::run() {
     setRunStatus(kCommandRunning);
     const RunFrame frame = reachDocument();
     OdGePoint3d start;
-    const int mode = frame.input->getPoint(nullptr, start, loadText(IDS_SPECIFY_START_POINT).c_str(),
-                                           loadText(IDS_XLINE_KEYWORDS).c_str(), kPromptFlags, 0, nullptr);
+    const int mode = askPoint(*frame.input, loadText(IDS_SPECIFY_START_POINT), start, nullptr, nullptr,
+                              loadText(IDS_XLINE_KEYWORDS));
     // Any reply that is no mode, Enter too, counts as a cancelled run.
     if (mode != kThroughPoints && (mode < kHorizontal || mode > kOffset)) return setRunStatus(kCommandCancelled);
     return setRunStatus(XlineRun(frame, mode, start).run());

@@ -8,6 +8,7 @@
 #include "drawingdb/block.h"
 #include "torvelcmd2/extract/att_ext_dialog.h"
 #include "torvelcmd2/extract/extract.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
@@ -17,15 +18,12 @@ constexpr int kClosedWithoutButton = 3;
 
 OdString drawingPath(const OdDbDatabase& database) {
     if (!database.fileName().empty()) return base::absolutePath(database.fileName());
-    OdString name;
-    if (auto* const textVariable = hostService(hostapi::getTextVariable)) textVariable(L"DWGNAME", name);
-    return name;
+    return hostVariable(hostapi::getTextVariable, L"DWGNAME", OdString());
 }
 
 void selectObjects(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
-    auto* const select = hostService(hostapi::selectSet);
     OdDbObjectIdArray selected;
-    if (select && select(loadText(IDS_ATTEXT_SELECT_OBJECTS).c_str(), 0, selected) == hostapi::kValue) {
+    if (askSet(loadText(IDS_ATTEXT_SELECT_OBJECTS), selected) == hostapi::kValue) {
         selection = std::move(selected);
         dialog.setNumberFound(static_cast<int>(selection.size()));
     }

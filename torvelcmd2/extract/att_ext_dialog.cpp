@@ -24,8 +24,7 @@ std::size_t lastSeparator(const OdString& path) {
 
 OdString documentsFolder() {
     OdString folder;
-    auto* const folders = hostService(hostapi::getStdDirs);
-    if (folders && folders()) folders()->documentsFolder(folder);
+    if (IStdDirs* const folders = hostObject(hostapi::getStdDirs)) folders->documentsFolder(folder);
     return folder;
 }
 

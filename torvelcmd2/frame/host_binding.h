@@ -34,6 +34,13 @@ Signature* hostService(const hostapi::Service<Signature>& service) {
     return base::findFunction<Signature>(base::findLoadedModule(base::libraryFileName(service.library)), service.name);
 }
 
+/// A service that is an object, which lives as long as the host; null when there is none.
+template <class Object>
+Object* hostObject(const hostapi::Service<Object*()>& service) {
+    auto* const get = hostService(service);
+    return get != nullptr ? get() : nullptr;
+}
+
 /// A function of a module that is loaded by its file name for one use and unloaded together with this object. False
 /// when the module is not there or lacks the function; the caller then does without, silently.
 template <class Signature>

@@ -5,33 +5,27 @@ namespace {
 
 constexpr wchar_t kPlacementKey[] = L"Placement";
 
-template <class Object>
-Object* serviceObject(const hostapi::Service<Object*()>& service) {
-    auto* const get = hostService(service);
-    return get != nullptr ? get() : nullptr;
-}
-
 }  // namespace
 
 std::optional<OdString> readSetting(const wchar_t* section, const wchar_t* key) {
-    IProfile* const profile = serviceObject(hostapi::getProfile);
+    IProfile* const profile = hostObject(hostapi::getProfile);
     OdString value;
     if (!profile || !profile->readText(section, key, value)) return std::nullopt;
     return value;
 }
 
 void writeSetting(const wchar_t* section, const wchar_t* key, const OdString& value) {
-    if (IProfile* const profile = serviceObject(hostapi::getProfile)) profile->writeText(section, key, value.c_str());
+    if (IProfile* const profile = hostObject(hostapi::getProfile)) profile->writeText(section, key, value.c_str());
 }
 
 int readIntegerSetting(const wchar_t* section, const wchar_t* key, int standard) {
-    IProfile* const profile = serviceObject(hostapi::getProfile);
+    IProfile* const profile = hostObject(hostapi::getProfile);
     std::int32_t value = 0;
     return profile != nullptr && profile->readInteger(section, key, value) ? value : standard;
 }
 
 void writeIntegerSetting(const wchar_t* section, const wchar_t* key, int value) {
-    if (IProfile* const profile = serviceObject(hostapi::getProfile)) profile->writeInteger(section, key, value);
+    if (IProfile* const profile = hostObject(hostapi::getProfile)) profile->writeInteger(section, key, value);
 }
 
 int showBox(hostapi::MessageKind kind, const OdString& text) {
@@ -50,7 +44,7 @@ OdString translate(const wchar_t* text) {
 }
 
 void ModuleDialog::onHelp() {
-    IHelpServiceEx* const help = serviceObject(hostapi::getHelpService);
+    IHelpServiceEx* const help = hostObject(hostapi::getHelpService);
     if (help && helpTopic_) help->showTopic(helpTopic_, window());
 }
 

@@ -75,8 +75,7 @@ std::uint32_t slideBackground(OdDbDatabase& database) {
     auto* const activeSpace = hostService(hostapi::getActiveBTRId);
     OdDbObjectId space;
     const bool isModelSpace = activeSpace == nullptr || activeSpace(space, &database) != 0;
-    auto* const profile = hostService(hostapi::getProfile);
-    IProfile* const settings = profile != nullptr ? profile() : nullptr;
+    IProfile* const settings = hostObject(hostapi::getProfile);
     CXStringW text;
     if (!settings || !settings->readText(L"Colors", isModelSpace ? L"Background" : L"LayoutPaper", text)) return 0;
     return static_cast<std::uint32_t>(base::parseInteger(text).value_or(0)) & kRgb;

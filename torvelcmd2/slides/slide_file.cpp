@@ -45,9 +45,7 @@ base::FileBuffer readSlideFile(const OdString& path) {
 
 std::vector<OdString> supportFolders() {
     CXStringW folders;
-    if (auto* const standardFolders = hostService(hostapi::getStdDirs)) {
-        if (IStdDirs* const found = standardFolders()) found->supportPath(folders);
-    }
+    if (IStdDirs* const standardFolders = hostObject(hostapi::getStdDirs)) standardFolders->supportPath(folders);
     return base::splitSearchPath(folders);
 }
 

@@ -4,6 +4,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "dialogs/boxes.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"
 #include "torvelcmd2/resources/resource.h"
 #include "torvelcmd2/slides/slide_decoder.h"
@@ -13,7 +14,6 @@
 namespace torvel {
 namespace {
 
-constexpr int kKeywordFlags = 4;
 constexpr std::size_t kLongestFolder = 260;
 
 // A slide beside the drawing and of its name; none for a drawing that has no file.
@@ -22,11 +22,7 @@ OdString defaultName(const OdDbDatabase& database) {
     return drawing.substr(0, drawing.size() - base::extensionOf(drawing).size());
 }
 
-std::int64_t variable(const wchar_t* name) {
-    std::int64_t value = 0;
-    if (auto* const getVariable = hostService(hostapi::getIntegerVariable)) getVariable(name, value);
-    return value;
-}
+std::int64_t variable(const wchar_t* name) { return hostVariable(hostapi::getIntegerVariable, name, 0); }
 
 bool asksByDialog() {
     constexpr std::int64_t kScript = 4;
@@ -48,7 +44,7 @@ OdString askName(HostEdInput& input, const OdString& standard) {
                                 ? loadText(IDS_VSLIDE_SELECT_FILE)
                                 : base::format(loadText(IDS_VSLIDE_SELECT_FILE_DEFAULT).c_str(), standard.c_str());
     OdString name;
-    switch (input.getKeyword(prompt.c_str(), nullptr, kKeywordFlags, reinterpret_cast<std::uintptr_t>(&name), 0)) {
+    switch (askText(input, prompt, name)) {
         case hostapi::kValue:
             return name;
         case hostapi::kEmpty:

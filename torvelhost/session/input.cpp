@@ -12,11 +12,6 @@
 #include "torvelhost/lines/units.h"
 
 namespace host {
-namespace {
-
-constexpr int kNotNegative = 8;  // a flag of distances
-
-}  // namespace
 
 // ---- trackers
 
@@ -190,7 +185,7 @@ int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t*
         length = textToLength(reply.text);
         if (length) {
             if (std::fabs(*length) > kFarthest) reason = L"the distance is too long";
-            if (*length < 0 && (flags & kNotNegative) != 0) reason = L"a distance is not negative";
+            if (*length < 0 && (flags & hostapi::kNotNegative) != 0) reason = L"a distance is not negative";
             return reason.empty();
         }
         if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed, reason);

@@ -1,18 +1,16 @@
 #include "torvelcmd2/extract/burst/burst.h"
 
 #include "torvelcmd2/extract/burst/burst_reference.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"
 
 namespace torvel {
 namespace {
 
-constexpr int kSelectionFlags = 0;
-
 // Empty when the selection was cancelled, too.
 OdDbObjectIdArray selectObjects() {
     OdDbObjectIdArray selected;
-    auto* const selectSet = hostService(hostapi::selectSet);
-    if (!selectSet || selectSet(L"Select objects", kSelectionFlags, selected) == hostapi::kCancel) selected.clear();
+    askSet(L"Select objects", selected);
     return selected;
 }
 

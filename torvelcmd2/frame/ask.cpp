@@ -1,0 +1,44 @@
+#include "torvelcmd2/frame/ask.h"
+
+namespace torvel {
+namespace {
+
+const wchar_t* listOrNull(const OdString& keywords) { return keywords.empty() ? nullptr : keywords.c_str(); }
+
+}  // namespace
+
+int askPoint(HostEdInput& input, const OdString& prompt, OdGePoint3d& point, const OdGePoint3d* base,
+             HostEdInputTracker* tracker, const OdString& keywords) {
+    return input.getPoint(base, point, prompt.c_str(), listOrNull(keywords), hostapi::kPlainPrompt, 0, tracker);
+}
+
+int askKeyword(HostEdInput& input, const OdString& prompt, const OdString& keywords) {
+    return input.getKeyword(prompt.c_str(), listOrNull(keywords), hostapi::kPlainPrompt, 0, 0);
+}
+
+int askText(HostEdInput& input, const OdString& prompt, OdString& text, const OdString& keywords) {
+    return input.getKeyword(prompt.c_str(), listOrNull(keywords), hostapi::kPlainPrompt,
+                            reinterpret_cast<std::uintptr_t>(&text), 0);
+}
+
+int askEntity(const OdString& prompt, hostapi::Pick& pick, int flags) {
+    auto* const selectEntity = hostService(hostapi::selectEntity);
+    return selectEntity != nullptr ? selectEntity(prompt.c_str(), nullptr, flags, pick) : hostapi::kCancel;
+}
+
+int askSet(const OdString& prompt, OdDbObjectIdArray& entities) {
+    constexpr int kNoFlags = 0;
+    auto* const selectSet = hostService(hostapi::selectSet);
+    const int result =
+        selectSet != nullptr ? selectSet(prompt.c_str(), kNoFlags, entities) : static_cast<int>(hostapi::kCancel);
+    if (result == hostapi::kCancel) entities.clear();
+    return result;
+}
+
+OdGeMatrix3d drawingPlane() {
+    OdGeMatrix3d plane;
+    if (auto* const getDrawingPlane = hostService(hostapi::getDrawingPlane)) getDrawingPlane(plane);
+    return plane;
+}
+
+}  // namespace torvel
