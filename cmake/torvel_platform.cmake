@@ -3,7 +3,7 @@
 option(TORVEL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(TORVEL_FUZZ "Build the fuzzers (clang only)" OFF)
 option(TORVEL_TESTS "Build the tests where GoogleTest's sources are installed" ON)
-option(TORVEL_CHECK_SOURCES "Register the tests that read the sources themselves (layout, format)" OFF)
+option(TORVEL_CHECK_ONCE "Do what one build of several is enough for: check the sources, and saved drawings with an auditor" OFF)
 set(TORVEL_PRESET "" CACHE STRING "Name put before the names of this build's tests")
 
 find_program(TORVEL_CCACHE ccache)

@@ -1,7 +1,7 @@
 # torvel_script_cases(NAME [DIALOGS] [SCRIPTS SCRIPT...])
-#     The test that runs every script of this folder through torvelhost; run_case.py says what belongs to a case. Programs
-#     for Windows run under Wine by themselves. With DIALOGS every script is run there once more, working real windows.
-#     SCRIPTS are cases that lie elsewhere.
+#     A test NAME.CASE for every script CASE.scr of this folder, which runs it through torvelhost; run_case.py says what
+#     belongs to a case. Programs for Windows run under Wine by themselves. With DIALOGS every script is run there once
+#     more, working real windows, as NAME_in_windows.CASE. SCRIPTS are cases that lie elsewhere.
 find_program(TORVEL_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
 if(NOT TORVEL_PYTHON)
   find_program(TORVEL_PYTHON python3)
@@ -13,13 +13,18 @@ function(torvel_script_cases name)
     return()
   endif()
   cmake_parse_arguments(PARSE_ARGV 1 arg "DIALOGS" "" "SCRIPTS")
-  file(GLOB cases CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.scr")
-  list(APPEND cases ${arg_SCRIPTS})
+  file(GLOB scripts CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.scr")
   list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "\\;" emulator)
-  torvel_add_test(${name} "${TORVEL_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/run_case.py"
-                  --program "$<TARGET_FILE:torvelhost>" "--emulator=${emulator}" ${cases})
-  if(WIN32 AND arg_DIALOGS)
-    torvel_add_test(${name}_in_windows "${TORVEL_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/run_case.py"
-                    --program "$<TARGET_FILE:torvelhost>" "--emulator=${emulator}" --option=--windows ${cases})
+  set(run_case "${TORVEL_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/run_case.py" --program "$<TARGET_FILE:torvelhost>"
+               "--emulator=${emulator}")
+  if(TORVEL_CHECK_ONCE)
+    list(APPEND run_case --audit)
   endif()
+  foreach(script IN LISTS scripts arg_SCRIPTS)
+    cmake_path(GET script STEM case)
+    torvel_add_test(${name}.${case} ${run_case} "${script}")
+    if(WIN32 AND arg_DIALOGS)
+      torvel_add_test(${name}_in_windows.${case} ${run_case} --option=--windows "${script}")
+    endif()
+  endforeach()
 endfunction()
