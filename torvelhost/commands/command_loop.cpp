@@ -6,7 +6,6 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "torvelhost/commands/command_factory.h"
 #include "torvelhost/commands/host_commands.h"
 #include "torvelhost/lines/progress.h"
 
@@ -22,7 +21,7 @@ struct CommandReleaser {
 };
 using CommandReference = std::unique_ptr<ICmdProcess, CommandReleaser>;
 
-CMD_RUNSTATUS runRegistered(const RegisteredCommand& registered) {
+CMD_RUNSTATUS runOnce(const RegisteredCommand& registered) {
     ICmdProcess* created = nullptr;
     registered.creator(&created);
     if (!created) throw std::runtime_error("there is not enough memory for it");
@@ -56,12 +55,11 @@ bool CommandLoop::runLine(const Reply& reply) {
         return true;
     }
     if (const HostCommand* command = findHostCommand(text)) {
-        HostCommands context{application_, session_};
-        runCommand(command->name, [&] { return (context.*command->body)(); });
-        if (command->changesView) application_.refresh();
+        commands::HostRun run{application_, session_};
+        runCommand(command->name, [&] { return command->body(run); }, {.isForUndo = command->isForUndo()});
+        if (command->changesView()) application_.refresh();
     } else if (const RegisteredCommand* registered = CommandFactory::instance().find(text)) {
-        runCommand(
-            registered->name, [registered] { return runRegistered(*registered); }, registered->flags);
+        runRegistered(*registered);
     } else {
         refuse(L"unknown command \"" + text + L"\"");
     }
@@ -79,8 +77,7 @@ void CommandLoop::doubleClick(std::wstring_view handle) {
         if (!registered) continue;
         session_.selection.setPickFirst(OdDbObjectIdArray{pick->nested});
         session_.selection.setStartingPick(std::move(pick));
-        return runCommand(
-            registered->name, [registered] { return runRegistered(*registered); }, registered->flags);
+        return runRegistered(*registered);
     }
     refuse(L"no command is there for a double click");
 }
@@ -91,7 +88,13 @@ void CommandLoop::refuse(const std::wstring& what) {
     terminal_.error(what);
 }
 
-void CommandLoop::runCommand(const std::wstring& name, const Body& body, int flags) {
+void CommandLoop::runRegistered(const RegisteredCommand& registered) {
+    runCommand(
+        registered.name, [&] { return runOnce(registered); },
+        {.usesPickFirst = (registered.flags & hostapi::kUsesPickFirst) != 0});
+}
+
+void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner manner) {
     const std::size_t position = session_.document.undoPosition();
     const auto takeBack = [&] {
         session_.document.database()->undoTo(position);
@@ -103,7 +106,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, int fla
         terminal_.error(name + L": " + what);
         status_ = std::max(status_, status);
     };
-    session_.selection.beginCommand((flags & hostapi::kUsesPickFirst) != 0);
+    session_.selection.beginCommand(manner.usesPickFirst);
     session_.commandActive = true;
     try {
         const Progress progress(terminal_, name);
@@ -123,8 +126,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, int fla
     }
     session_.commandActive = false;
     session_.selection.endCommand();
-    // UNDO has taken back, it does not stand there to be taken back itself.
-    if (name != kUndoCommand) session_.document.keepForUndo(name, position);
+    if (manner.isForUndo) session_.document.keepForUndo(name, position);
     try {
         application_.profile().save();
     } catch (const base::FileError& error) {

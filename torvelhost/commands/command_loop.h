@@ -5,6 +5,7 @@
 #include <string>
 
 #include "hostapi/command.h"
+#include "torvelhost/commands/command_factory.h"
 #include "torvelhost/session/application.h"
 
 namespace host {
@@ -22,7 +23,13 @@ class CommandLoop {
 
     /// False: no more lines are wanted.
     bool runLine(const Reply& reply);
-    void runCommand(const std::wstring& name, const Body& body, int flags = 0);
+    /// How a command is run.
+    struct Manner {
+        bool usesPickFirst = false;
+        bool isForUndo = true;
+    };
+    void runCommand(const std::wstring& name, const Body& body, Manner manner);
+    void runRegistered(const RegisteredCommand& registered);
     void doubleClick(std::wstring_view handle);
     /// A line that names nothing: the end of a script, a hint for a person.
     void refuse(const std::wstring& what);

@@ -1,43 +1,43 @@
-// The host's own commands; their prompts are in docs/scripts.md.
+// The table of the host's own commands; their prompts are in docs/scripts.md.
 #pragma once
 
-#include "hostapi/command.h"
-#include "torvelhost/session/application.h"
+#include <string_view>
+
+#include "torvelhost/commands/host_command.h"
 
 namespace host {
 
-inline constexpr const wchar_t kUndoCommand[] = L"UNDO";
+namespace commands {
 
-/// The bodies, one run each.
-struct HostCommands {
-    Application& application;
-    Application::Session& session;
+// The bodies, each in the file of its family.
 
-    CMD_RUNSTATUS undo();
-    CMD_RUNSTATUS zoom();
-    CMD_RUNSTATUS regen();
-    CMD_RUNSTATUS layer();
-    CMD_RUNSTATUS ucs();
-    CMD_RUNSTATUS insert();
-    CMD_RUNSTATUS setVariable();
-    CMD_RUNSTATUS layout();
-    CMD_RUNSTATUS enterViewport();
-    CMD_RUNSTATUS leaveViewport();
-    CMD_RUNSTATUS save();
+CMD_RUNSTATUS insert(HostRun& run);         // insert.cpp
+CMD_RUNSTATUS layer(HostRun& run);          // layer.cpp
+CMD_RUNSTATUS layout(HostRun& run);         // layouts.cpp
+CMD_RUNSTATUS enterViewport(HostRun& run);  // layouts.cpp
+CMD_RUNSTATUS leaveViewport(HostRun& run);  // layouts.cpp
+CMD_RUNSTATUS save(HostRun& run);           // save.cpp
+CMD_RUNSTATUS setVariable(HostRun& run);    // set_variable.cpp
+CMD_RUNSTATUS ucs(HostRun& run);            // ucs.cpp
+CMD_RUNSTATUS undo(HostRun& run);           // undo.cpp
+CMD_RUNSTATUS zoom(HostRun& run);           // views.cpp
+CMD_RUNSTATUS regen(HostRun& run);          // views.cpp
 
-  private:
-    int askNumber(const wchar_t* prompt, double& number);
-    CMD_RUNSTATUS refused(const std::wstring& why);
-    void changeLayers(int option);
-    void addLayer(const OdString& name);
-    bool fillAttributes(OdDbObjectId reference, OdDbObjectId block);
-};
+}  // namespace commands
 
 struct HostCommand {
+    enum Flags { kChangesView = 1, kNotForUndo = 2 };
+
     const wchar_t* name;
-    CMD_RUNSTATUS (HostCommands::*body)();
-    bool changesView = false;  // it shows the drawing anew, so that a slide goes
+    commands::HostCommandBody body;
+    int flags = 0;
+
+    /// It shows the drawing anew, so that a slide goes.
+    bool changesView() const { return (flags & kChangesView) != 0; }
+    /// What it changed stands there to be taken back.
+    bool isForUndo() const { return (flags & kNotForUndo) == 0; }
 };
+
 /// In any case; null when there is none.
 const HostCommand* findHostCommand(std::wstring_view name);
 
