@@ -8,6 +8,7 @@ Unless a test says otherwise a drawing unit is a pixel, and the point x,y of the
 
 import argparse
 import math
+import os
 import pathlib
 import struct
 import subprocess
@@ -104,6 +105,46 @@ class PlotTest(unittest.TestCase):
         self.assertEqual(png[:8], b"\x89PNG\r\n\x1a\n")
         self.assertEqual(struct.unpack(">II", png[16:24]), (320, 200))
         self.assertEqual(self.run_program("plan.dxf", "-p", "nowhere/plot.svg").returncode, 3)
+
+    def test_a_picture_is_whole_or_the_old_one_stays(self):
+        """However much memory there is."""
+        if not hasattr(os, "posix_spawn") or COMMAND[1:]:
+            self.skipTest("memory cannot be limited here")
+        import resource
+        slide = pathlib.Path(__file__).resolve().parent.parent / "slides" / "chair"
+        picture = self.folder / "plot.png"
+
+        def plot_within(kilobytes):
+            picture.write_bytes(b"the old one")
+            limit = kilobytes * 1024
+            run = subprocess.run(COMMAND + ["--profile", "profile.ini", "-c", f"VSlide|{slide}", "-p", "plot.png"],
+                                 cwd=self.folder, capture_output=True, timeout=120,
+                                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+            if run.returncode == 0:
+                return picture.read_bytes(), 0
+            self.assertEqual(picture.read_bytes(), b"the old one", f"{kilobytes} kB: {run.stderr}")
+            return run.stderr.decode("utf-8"), run.returncode
+
+        enough = 1 << 17
+        whole, status = plot_within(enough)
+        if status != 0:
+            self.skipTest("the program's own checks need more memory than can be limited")
+        self.assertTrue(whole.endswith(b"IEND\xaeB`\x82"))
+        too_little = 1 << 12
+        while enough - too_little > 100:
+            middle = (enough + too_little) // 2
+            if plot_within(middle) == (whole, 0):
+                enough = middle
+            else:
+                too_little = middle
+        messages = []
+        for kilobytes in range(enough - 4000, enough, 200):
+            result, status = plot_within(kilobytes)
+            if status == 0:
+                self.assertEqual(result, whole, f"{kilobytes} kB")
+            elif status == 3:
+                messages.append(result)
+        self.assertTrue(any("plot.png: not written, for there is not enough memory" in text for text in messages), messages)
 
     # ---- curves
 

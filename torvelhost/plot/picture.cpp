@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <new>
 
 #include "base/files.h"
 #include "base/text.h"
@@ -283,7 +284,12 @@ bool isPictureFileName(std::wstring_view path) {
 void writePicture(const Picture& picture, const std::wstring& path) {
     const bool isSvg =
         base::equalsNoCase(std::wstring_view(path).substr(path.size() < 4 ? 0 : path.size() - 4), L".svg");
-    base::writeFile(path, isSvg ? svgText(picture) : pngBytes(picture));
+    try {
+        base::writeFile(path, isSvg ? svgText(picture) : pngBytes(picture));
+    } catch (const std::bad_alloc&) {
+        throw base::FileError(
+            path, L"not written, for there is not enough memory for the picture; a smaller one (--size) needs less");
+    }
 }
 
 }  // namespace host

@@ -3,10 +3,61 @@
 #include <agg2/agg_rasterizer_scanline_aa_nogamma.h>
 #include <agg2/agg_renderer_scanline.h>
 #include <agg2/agg_scanline_p.h>
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <memory>
+#include <new>
 
 #include "torvelhost/plot/picture.h"
 
+namespace host {
+namespace {
+
+// The memory of the PNG writer, which goes on writing where it got none. Here it does not come back then: the
+// exception leaves it, and whatever it holds is given back.
+class WriterMemory {
+  public:
+    WriterMemory() { current_ = this; }
+    ~WriterMemory() { current_ = nullptr; }
+    WriterMemory(const WriterMemory&) = delete;
+    WriterMemory& operator=(const WriterMemory&) = delete;
+
+    static void* allocate(std::size_t size) {
+        auto& blocks = current_->blocks_;
+        blocks.push_back(std::make_unique_for_overwrite<std::max_align_t[]>(size / sizeof(std::max_align_t) + 1));
+        return blocks.back().get();
+    }
+    static void* reallocate(void* old, std::size_t oldSize, std::size_t size) {
+        void* const block = allocate(size);
+        if (old) std::memcpy(block, old, std::min(oldSize, size));
+        free(old);
+        return block;
+    }
+    static void free(void* old) {
+        // The writer keeps few blocks for long: the latest are the first to go.
+        auto& blocks = current_->blocks_;
+        const auto found =
+            std::find_if(blocks.rbegin(), blocks.rend(), [old](const auto& block) { return block.get() == old; });
+        if (found == blocks.rend()) return;
+        std::swap(*found, blocks.back());
+        blocks.pop_back();
+    }
+
+  private:
+    static thread_local WriterMemory* current_;
+    std::vector<std::unique_ptr<std::max_align_t[]>> blocks_;
+};
+
+thread_local WriterMemory* WriterMemory::current_ = nullptr;
+
+}  // namespace
+}  // namespace host
+
+#define STBIW_MALLOC(size) host::WriterMemory::allocate(size)
+#define STBIW_REALLOC_SIZED(old, oldSize, size) \
+    host::WriterMemory::reallocate(old, static_cast<std::size_t>(oldSize), static_cast<std::size_t>(size))
+#define STBIW_FREE(old) host::WriterMemory::free(old)
 #define STBI_WRITE_NO_STDIO
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
@@ -122,8 +173,10 @@ std::string pngBytes(const Picture& picture) {
     stbi_write_force_png_filter = 0;
     stbi_write_png_compression_level = 5;
     std::string bytes;
-    stbi_write_png_to_func(append, &bytes, picture.width(), picture.height(), 3, painter.paint().data(),
-                           picture.width() * 3);
+    WriterMemory memory;
+    if (!stbi_write_png_to_func(append, &bytes, picture.width(), picture.height(), 3, painter.paint().data(),
+                                picture.width() * 3))
+        throw std::bad_alloc();
     return bytes;
 }
 
