@@ -330,8 +330,13 @@ const std::vector<std::uint32_t>& Core::referencesTo(Stub& record) {
     if (!referencesKnown_) {
         referencesKnown_ = true;
         references_.clear();
-        for (std::uint32_t i = 1; i < stubs.size(); ++i)
-            if (stubs[i].type == rtInsert) referenceAdded(stubs[i], blockByRawName(groupText(stubs[i], 2)));
+        try {
+            for (std::uint32_t i = 1; i < stubs.size(); ++i)
+                if (stubs[i].type == rtInsert) referenceAdded(stubs[i], blockByRawName(groupText(stubs[i], 2)));
+        } catch (...) {
+            referencesKnown_ = false;
+            throw;
+        }
     }
     return references_[indexOf(&record)];
 }
@@ -403,36 +408,17 @@ void Core::becomeDirty(OdDbObject& object) { dirty_.push_back(&object); }
 
 void Core::flush(OdDbObject& object) {
     if (!ObjectAccess::dirty(object)) return;
-    ObjectAccess::beforeEncode(object);
-    Stub& stub = *ObjectAccess::stub(object);
-    std::string bytes;
-    bytes.swap(scratch_);
-    bytes.clear();
-    const std::string_view old = ObjectAccess::source(object);
-    bool moved = false;  // a reference that may name another block now
+    // Objects are closed by destructors, which throw nothing: what cannot be stored stays as it was, and the next to
+    // ask for the undo position or the file is told.
+    bool moved = false;
     try {
-        encodeObject(object, *ObjectAccess::description(object), old, format, bytes);
-    } catch (const OdError& error) {
-        // Objects are closed by destructors, which throw nothing: the object stays as it was, and the next to ask for
-        // the undo position or the file is told.
-        bytes = old;
+        moved = store(object);
+    } catch (...) {
         if (!fault_) {
-            fault_.emplace(error.code(),
-                           where(nullptr) + object.dxfName() + " #" + object.handle().ascii() + ": " + error.what());
+            fault_ = std::current_exception();
             faultPosition_ = log_.size();
         }
     }
-    if (bytes != old) {
-        const bool fresh = old.empty() && stub.has(Stub::appended) && ObjectAccess::closedContent(object) == 0;
-        // The creation of a new object is already in the log; its first bytes belong to it.
-        if (!fresh) log(stub, Step::content, ObjectAccess::closedContent(object));
-        const Body* body = arena_.add(bytes, stub.type);
-        ObjectAccess::closedContent(object) = Arena::contentOf(body);
-        ObjectAccess::source(object) = body->view();
-        if (stub.owner && stubs[stub.owner].type == rtTable) forgetNames();
-        moved = stub.type == rtInsert && !fresh;
-    }
-    bytes.swap(scratch_);
     ObjectAccess::dirty(object) = false;
     ObjectAccess::runsChanged(object) = false;
     ObjectAccess::reactorsChanged(object) = false;
@@ -443,8 +429,40 @@ void Core::flush(OdDbObject& object) {
         dirty_.pop_back();
         break;
     }
-    // Only now, for asking for the block's name wants the object's bytes.
-    if (moved && referencesKnown_) referenceAdded(stub, blockByRawName(groupText(stub, 2)));
+    if (!moved || !referencesKnown_) return;
+    try {
+        referenceAdded(*ObjectAccess::stub(object), blockByRawName(groupText(*ObjectAccess::stub(object), 2)));
+    } catch (const std::bad_alloc&) {
+        referencesKnown_ = false;  // gathered anew when somebody asks
+    }
+}
+
+bool Core::store(OdDbObject& object) {
+    ObjectAccess::beforeEncode(object);
+    Stub& stub = *ObjectAccess::stub(object);
+    std::string bytes;
+    bytes.swap(scratch_);
+    bytes.clear();
+    bool moved = false;
+    const std::string_view old = ObjectAccess::source(object);
+    try {
+        encodeObject(object, *ObjectAccess::description(object), old, format, bytes);
+    } catch (const OdError& error) {
+        throw OdError(error.code(),
+                      where(nullptr) + object.dxfName() + " #" + object.handle().ascii() + ": " + error.what());
+    }
+    if (bytes != old) {
+        const bool fresh = old.empty() && stub.has(Stub::appended) && ObjectAccess::closedContent(object) == 0;
+        const Body* body = arena_.add(bytes, stub.type);
+        // The creation of a new object is already in the log; its first bytes belong to it.
+        if (!fresh) log(stub, Step::content, ObjectAccess::closedContent(object));
+        ObjectAccess::closedContent(object) = Arena::contentOf(body);
+        ObjectAccess::source(object) = body->view();
+        if (stub.owner && stubs[stub.owner].type == rtTable) forgetNames();
+        moved = stub.type == rtInsert && !fresh;
+    }
+    bytes.swap(scratch_);
+    return moved;
 }
 
 void Core::flushAll() {
@@ -457,7 +475,7 @@ void Core::flushAll() {
 
 void Core::requireStored() {
     flushAll();
-    if (fault_) throw OdError(*fault_);
+    if (fault_) std::rethrow_exception(fault_);
 }
 
 void Core::refresh(OdDbObject& object) {

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -187,6 +188,9 @@ class Core {
     void linkChild(Stub& container, Stub& child);
     void eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more);
     void decode(OdDbObject& object, std::string_view bytes);
+    /// Encodes a changed object. True for a reference that may name another block now. Nothing has changed when it
+    /// throws.
+    bool store(OdDbObject& object);
     /// The bytes of a record with another handle, owner and references: `map` gives the new handle for an old one, and
     /// is told whether it stands in the list of reactors, from where 0 removes it.
     std::string rewritten(std::string_view bytes, std::uint64_t handle, std::uint64_t owner, bool paperSpace,
@@ -243,7 +247,7 @@ class Core {
     Arena arena_;
     std::string scratch_;
     /// What a change could not be stored for, and where the undo log ended then.
-    std::optional<OdError> fault_;
+    std::exception_ptr fault_;
     std::size_t faultPosition_ = 0;
 };
 

@@ -64,10 +64,11 @@ Stub& Core::addStub(std::uint16_t type, Stub& container) {
     Stub& stub = stubs.add();
     stub.type = type;
     stub.owner = indexOf(&container);
-    stub.flags = Stub::appended;
+    stub.flags = Stub::appended | Stub::unborn;
     stub.handle = newHandle();
     newHandles_.back() = indexOf(&stub);
     linkChild(container, stub);
+    stub.flags = Stub::appended;
     if (container.type == rtTable || type == rtBlock) forgetNames();
     return stub;
 }

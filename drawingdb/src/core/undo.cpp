@@ -135,7 +135,7 @@ std::size_t Core::undoPosition() {
 
 void Core::undoTo(std::size_t position) {
     flushAll();
-    if (position <= faultPosition_) fault_.reset();
+    if (position <= faultPosition_) fault_ = nullptr;
     while (log_.size() > position) {
         const Step step = log_.back();
         log_.pop_back();
