@@ -2,9 +2,12 @@
 #
 # Compiles resource scripts (UTF-8) into TARGET: on Windows into its resource section, elsewhere embedded as they are
 # and found through a note in the module (see base/resources.h). Both platforms get the same compiled bytes.
-# The scripts include <winres.h>, which is the project's own short one in base/rc.
+# The scripts include <winres.h>, which is the project's own short one in base/rc. TORVEL_VERSION and
+# TORVEL_VERSION_NUMBERS are the project's version as a text and as four numbers.
 
 find_program(TORVEL_LLVM_RC NAMES llvm-rc llvm-rc-14 llvm-rc-15 llvm-rc-16 llvm-rc-17 llvm-rc-18 llvm-rc-19)
+
+string(REPLACE "." "," TORVEL_VERSION_NUMBERS "${PROJECT_VERSION}.0")
 
 function(torvel_resources target)
   if(NOT TORVEL_LLVM_RC)
@@ -22,6 +25,7 @@ function(torvel_resources target)
       OUTPUT "${stem}.res"
       COMMAND "${CMAKE_CXX_COMPILER}" -E -x c -DRC_INVOKED -MD -MF "${stem}.d" -MT "${stem}.res"
               -I "${folder}" -I "${PROJECT_SOURCE_DIR}/base/rc" -I "${PROJECT_SOURCE_DIR}"
+              "-DTORVEL_VERSION=\"${PROJECT_VERSION}\"" "-DTORVEL_VERSION_NUMBERS=${TORVEL_VERSION_NUMBERS}"
               -o "${stem}.preprocessed.rc" "${script}"
       COMMAND "${TORVEL_LLVM_RC}" /no-preprocess /C 65001 /I "${folder}" /FO "${stem}.unchecked"
               "${target}_${name}.preprocessed.rc"

@@ -54,7 +54,9 @@ class CommandLine(unittest.TestCase):
         run = self.run_program("--help")
         self.assertEqual(run.status, 0)
         self.assertIn("--command TEXT", run.output)
-        self.assertRegex(self.run_program("--version").output, r"^torvelhost \d+\.\d+\.\d+\n$")
+        lists = (pathlib.Path(__file__).parents[2] / "CMakeLists.txt").read_text(encoding="utf-8")
+        version = re.search(r"project\(torvelcmd2 VERSION ([\d.]+)", lists)[1]
+        self.assertEqual(self.run_program("--version").output, f"torvelhost {version}\n")
 
     def test_vslide_asks_by_a_dialog_unless_told_otherwise(self):
         # The dialog wants a file that is there, and an empty line closes it; the command line takes any name.

@@ -16,7 +16,7 @@
 namespace host {
 namespace {
 
-constexpr char kVersion[] = "torvelhost 0.1.0\n";
+constexpr char kVersion[] = "torvelhost " TORVEL_VERSION "\n";
 
 // The command module. It knows the way back by itself, and stays loaded: its commands are registered until the end.
 void loadCommandModule(Terminal& terminal) {
