@@ -62,6 +62,15 @@ void printMessage(void*, const wchar_t* format, ...) {
     va_end(arguments);
 }
 
+int getDistance(void*, const OdGePoint3d*, double* distance, const wchar_t* prompt, const wchar_t*, int flags,
+                std::uintptr_t) {
+    host().distancePrompts.push_back(prompt);
+    if (flags != 12 || host().distances.empty()) return hostapi::kCancel;
+    *distance = host().distances.front();
+    host().distances.pop_front();
+    return hostapi::kValue;
+}
+
 bool getString(void*, std::wstring* text) {
     if (host().texts.empty()) return false;
     *text = host().texts.front();
@@ -78,7 +87,7 @@ const Table inputTable[] = {entry(getPoint),
                             entry(printMessage),
                             kUnexpected,
                             entry(getString),
-                            kUnexpected,
+                            entry(getDistance),
                             kUnexpected,
                             kUnexpected,
                             kUnexpected,

@@ -40,6 +40,8 @@ struct Host {
     std::vector<std::wstring> messages;
     std::deque<PointReply> points;
     std::vector<std::wstring> pointPrompts;
+    std::deque<double> distances;  // none left: the prompt is cancelled
+    std::vector<std::wstring> distancePrompts;
     std::deque<std::wstring> texts;  // none left: the prompt is cancelled
     std::vector<int> announcedKinds;
     int applicationRequests = 0;

@@ -45,6 +45,8 @@ class ModuleInHost : public testing::Test {
         host().messages.clear();
         host().points.clear();
         host().pointPrompts.clear();
+        host().distances.clear();
+        host().distancePrompts.clear();
         host().announcedKinds.clear();
     }
     void TearDown() override { host().database.reset(); }
@@ -277,6 +279,21 @@ TEST_F(ModuleInHost, XlineTrackersGoByTheirMode) {
     EXPECT_EQ(driven, 3);
     // What is no mode ends the run as a cancelled one, Enter and results that no keyword has among them.
     for (const int result : {hostapi::kEmpty, hostapi::kCancel, 0, 7}) EXPECT_EQ(runs({{result, {}, {}}}), 1) << result;
+}
+
+// This host cannot pick lines, nor has it a service for lengths.
+TEST_F(ModuleInHost, XlineOffersTheOffsetThatEnterTakes) {
+    constexpr int kOffset = 6;
+    host().distances = {2.5};
+    for (int i = 0; i < 2; ++i) {
+        host().points = {{kOffset, {}, {}}};
+        void* const command = create("XLINE");
+        run(command);
+        release(command);
+    }
+    ASSERT_EQ(host().distancePrompts.size(), 2u);
+    EXPECT_TRUE(host().distancePrompts[0].ends_with(L"<Through>")) << base::toUtf8(host().distancePrompts[0]);
+    EXPECT_TRUE(host().distancePrompts[1].ends_with(L"<2.5>")) << base::toUtf8(host().distancePrompts[1]);
 }
 
 TEST_F(ModuleInHost, WipeoutShowsItsPolygonUnderTheCursor) {

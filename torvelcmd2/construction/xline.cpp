@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "base/number.h"
+#include "base/text.h"
 #include "drawingdb/curves.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/trackers.h"
@@ -104,6 +106,16 @@ OdGeVector3d directionAt(double angle) {
 }
 double angleOf(const OdGeVector3d& direction) {
     return OdGeVector2d(direction.dotProduct(xAxis().normal()), direction.dotProduct(yAxis().normal())).angle();
+}
+
+// In the drawing's units; as a plain number where the host has no service for them.
+OdString lengthText(double length) {
+    constexpr int kDrawingsOwn = -1;
+    OdString text;
+    auto* const realToText = hostService(hostapi::realToText);
+    if (!realToText || !realToText(length, kDrawingsOwn, kDrawingsOwn, text))
+        text = base::widen(base::realToText(length));
+    return text;
 }
 
 // ---- picking a line
@@ -312,12 +324,7 @@ class XlineRun {
     bool askOffset() {
         constexpr int kThrough = hostapi::kFirstKeyword;
         const OdString through = loadText(IDS_XLINE_THROUGH_KEYWORD);
-        OdString standard = through;
-        if (!offsetMemory.through) {
-            constexpr int kDrawingsOwn = -1;
-            if (auto* const realToText = hostService(hostapi::realToText))
-                realToText(offsetMemory.distance, kDrawingsOwn, kDrawingsOwn, standard);
-        }
+        const OdString standard = offsetMemory.through ? through : lengthText(offsetMemory.distance);
         const OdString prompt = loadText(IDS_SPECIFY_OFFSET_DISTANCE) + L"<" + standard + L">";
         const int result = input_.getDistance(nullptr, offsetMemory.distance, prompt.c_str(), through.c_str(),
                                               hostapi::kPlainPrompt | hostapi::kNotNegative, 0);
