@@ -445,7 +445,7 @@ TEST(Picks, ByPointAndByHandle) {
     circle->setRadius(3);
     const OdDbObjectId circleId =
         host.database()->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(circle.get());
-    host.session().document.setView({{10, 0}, 30});
+    host.session().view.set({{10, 0}, 30});
 
     host.replies.addText(L"2,0|5,0|20,0|17.01,0|2,1|#" + below.handle().text() + L"||^C|K");
     const auto pick = [&](int expected = hostapi::kValue) {
@@ -505,7 +505,7 @@ class AttributesOnly final : public HostGsSelectionReactor {
 
 TEST(Picks, ObjectsInsideReferences) {
     Host host(L"", OdDbDatabase::readBytes(kHouse, L"house.dxf"));
-    host.session().document.setView({{30, 30}, 60});
+    host.session().view.set({{30, 30}, 60});
     struct Case {
         const wchar_t* reply;
         std::vector<std::uint64_t> path;  // the containers, then what was picked
@@ -571,6 +571,32 @@ TEST(Picks, LayersHideWhatIsOnThem) {
     OdDbObjectIdArray set;
     host.session().selection.pickSet(L"Select objects", set);
     EXPECT_TRUE(set.empty());
+}
+
+// The text of the attribute #31 is gone from the screen, its reference is not.
+TEST(Picks, PointsMeetNoHiddenAttributes) {
+    const std::string layer[] = {"0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n70\n1\n0\nLAYER\n2\nNOTES\n70\n",
+                                 "6\nCONTINUOUS\n0\nENDTAB\n0\nENDSEC\n"};
+    struct Case {
+        const char *layerState, *attribute;
+        bool isPicked;
+    };
+    for (const Case& c : {Case{"0\n62\n7\n", "8\nNOTES\n", true}, Case{"1\n62\n7\n", "8\nNOTES\n", false},
+                          Case{"0\n62\n-7\n", "8\nNOTES\n", false}, Case{"0\n62\n7\n", "8\n0\n60\n1\n", false}}) {
+        std::string house = layer[0] + c.layerState + layer[1] + kHouse;
+        const std::string head = "ATTRIB\n5\n31\n";
+        house.replace(house.find(head + "8\n0\n"), head.size() + 4, head + c.attribute);
+        Host host(L"5.4,7.4|#30 5.4,7.4|C 5,6.5 6,8.5|", OdDbDatabase::readBytes(house, L"house.dxf"));
+        host.session().view.set({{30, 30}, 60});
+        hostapi::Pick at, named;
+        host.session().selection.pickEntity(L"Select", nullptr, at);
+        EXPECT_EQ(at.entity.isNull(), !c.isPicked) << c.layerState << c.attribute;
+        host.session().selection.pickEntity(L"Select", nullptr, named);
+        EXPECT_EQ(named.nested.handle().value(), c.isPicked ? 0x31 : 0x30) << c.layerState << c.attribute;
+        OdDbObjectIdArray set;
+        host.session().selection.pickSet(L"Select objects", set);
+        EXPECT_EQ(set.empty(), !c.isPicked) << c.layerState << c.attribute;
+    }
 }
 
 // ---- system variables

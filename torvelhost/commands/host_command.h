@@ -19,6 +19,7 @@ struct HostRun {
     Application::Session& session;
     Document& document = session.document;
     OdDbDatabase* const database = document.database();
+    DocumentView& view = session.view;
     Input& input = session.input;
     Variables& variables = session.variables;
 

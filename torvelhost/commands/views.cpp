@@ -11,42 +11,42 @@ enum Option { kAll, kCenter, kExtents, kPrevious, kWindow };
 
 // Nothing to see changes nothing.
 CMD_RUNSTATUS zoomExtents(HostRun& run) {
-    Document& document = run.document;
-    const auto extents = document.extents();
-    if (extents) document.setZoomedView(document.zoomedViewOf(document.seenInZoomedView(*extents)));
+    DocumentView& view = run.view;
+    const auto extents = view.extents();
+    if (extents) view.setZoomed(view.zoomedOn(view.seenInZoomed(*extents)));
     return kCommandFinished;
 }
 
 CMD_RUNSTATUS zoomScale(HostRun& run, double factor) {
-    View view = run.document.zoomedView();
-    view.height /= factor;
-    run.document.setZoomedView(view);
+    View zoomed = run.view.zoomed();
+    zoomed.height /= factor;
+    run.view.setZoomed(zoomed);
     return kCommandFinished;
 }
 
 CMD_RUNSTATUS zoomCenter(HostRun& run) {
-    Document& document = run.document;
+    DocumentView& view = run.view;
     OdGePoint3d center;
-    double height = document.zoomedView().height;
+    double height = view.zoomed().height;
     if (run.input.askPoint(L"Specify center point", nullptr, center) != kValue) return kCommandCancelled;
     if (run.askNumber(L"Enter height", height) == kCancel) return kCommandCancelled;
     if (!(height > 0)) return run.refused(L"a height is more than 0");
-    document.setZoomedView({document.seenInZoomedView({center, center}).center().xy(), height});
+    view.setZoomed({view.seenInZoomed({center, center}).center().xy(), height});
     return kCommandFinished;
 }
 
 CMD_RUNSTATUS zoomWindow(HostRun& run, std::optional<OdGePoint3d> corner) {
-    Document& document = run.document;
+    DocumentView& view = run.view;
     if (!corner && run.input.askPoint(L"Specify first corner", nullptr, corner.emplace()) != kValue)
         return kCommandCancelled;
-    document.setLastPoint(*corner);
+    run.document.setLastPoint(*corner);
     OdGePoint3d opposite;
     if (run.input.askPoint(L"Specify opposite corner", nullptr, opposite) != kValue) return kCommandCancelled;
     // The corners as they are seen: the box around a turned box would be larger.
-    const auto seen = [&](const OdGePoint3d& point) { return document.seenInZoomedView({point, point}).center(); };
+    const auto seen = [&](const OdGePoint3d& point) { return view.seenInZoomed({point, point}).center(); };
     const OdGeExtents3d window(seen(*corner), seen(opposite));
     if (window.diagonal().xy().isZeroLength()) return run.refused(L"the window has no size");
-    document.setZoomedView(document.zoomedViewOf(window));
+    view.setZoomed(view.zoomedOn(window));
     return kCommandFinished;
 }
 
@@ -77,7 +77,7 @@ CMD_RUNSTATUS zoom(HostRun& run) {
         case kFirstKeyword + kCenter:
             return zoomCenter(run);
         case kFirstKeyword + kPrevious:
-            return run.document.setPreviousView() ? kCommandFinished : run.refused(L"There is no view before this one");
+            return run.view.setPrevious() ? kCommandFinished : run.refused(L"There is no view before this one");
         case kFirstKeyword + kWindow:
             return zoomWindow(run, std::nullopt);
         default:

@@ -12,13 +12,13 @@ std::wstring Plot::warning() const {
     return text;
 }
 
-Plot plotView(Document& document) {
-    Plot plot{Picture(document.width(), document.height(), Styles::kBackground), {}};
-    const View view = document.viewToPlot();
-    const double scale = document.height() / view.height;
+Plot plotView(Document& document, DocumentView& view) {
+    Plot plot{Picture(view.width(), view.height(), Styles::kBackground), {}};
+    const View seen = view.toPlot();
+    const double scale = view.height() / seen.height;
     // y runs down in pictures.
     const OdGeMatrix3d toPixels = OdGeMatrix3d::coordSystem(
-        OdGePoint3d(document.width() / 2.0 - view.center.x * scale, document.height() / 2.0 + view.center.y * scale, 0),
+        OdGePoint3d(view.width() / 2.0 - seen.center.x * scale, view.height() / 2.0 + seen.center.y * scale, 0),
         OdGeVector3d(scale, 0, 0), OdGeVector3d(0, -scale, 0), OdGeVector3d());
     Plotter plotter(*document.database(), plot.picture);
     plotter.drawSpace(document.database()->currentSpaceId(), toPixels, scale);

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "torvelhost/plot/picture.h"
-#include "torvelhost/session/document.h"
+#include "torvelhost/session/document_view.h"
 
 namespace host {
 
@@ -18,6 +18,6 @@ struct Plot {
 };
 
 /// The current space on white paper: as ZOOM left it, or all of it.
-Plot plotView(Document& document);
+Plot plotView(Document& document, DocumentView& view);
 
 }  // namespace host

@@ -68,7 +68,8 @@ void plotShown(const Options& options, Application& application, Terminal& termi
     if (!options.plot) return;
     const Progress progress(terminal, L"Plotting " + *options.plot);
     if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
-    const Plot plot = plotView(application.session()->document);
+    Application::Session& session = *application.session();
+    const Plot plot = plotView(session.document, session.view);
     if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
     writePicture(plot.picture, *options.plot);
 }

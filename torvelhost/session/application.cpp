@@ -31,14 +31,22 @@ Application* Application::current() { return g_current; }
 
 Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Terminal& terminal,
                               const Options& options)
-    : document(std::move(database), options.width, options.height),
+    : document(std::move(database)),
+      view(document, options.width, options.height),
       input(document, replies, terminal),
-      selection(input),
+      selection(input, view),
       variables(document) {
     document.setInput(&input);
-    variables.add(L"CMDACTIVE", [this, &replies] {
-        constexpr std::int64_t kCommand = 1, kScript = 4;
-        return replies.isScript() ? kScript : commandActive ? kCommand : 0;
+    variables.add(
+        L"CMDACTIVE",
+        [this, &replies] {
+            constexpr std::int64_t kCommand = 1, kScript = 4;
+            return replies.isScript() ? kScript : commandActive ? kCommand : 0;
+        });
+    variables.add(L"VIEWSIZE", [this] { return view.current().height; });
+    variables.add(L"VIEWCTR", [this] {
+        const OdGePoint2d center = view.current().center;
+        return OdGePoint3d(center.x, center.y, 0);
     });
     const auto dragMode = std::make_shared<std::int64_t>(0);
     variables.add(

@@ -7,6 +7,7 @@
 #include "hostapi/settings.h"
 #include "torvelhost/plot/slide_view.h"
 #include "torvelhost/session/document.h"
+#include "torvelhost/session/document_view.h"
 #include "torvelhost/session/input.h"
 #include "torvelhost/session/options.h"
 #include "torvelhost/session/profile.h"
@@ -33,6 +34,7 @@ class Application final : public HostApplication {
         Session(OdDbDatabasePtr database, ReplySource& replies, Terminal& terminal, const Options& options);
 
         Document document;
+        DocumentView view;
         Input input;
         Selection selection;
         Variables variables;

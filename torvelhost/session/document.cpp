@@ -6,17 +6,9 @@
 #include "base/files.h"
 #include "drawingdb/block.h"
 #include "drawingdb/dictionary.h"
-#include "torvelhost/plot/extents.h"
 
 namespace host {
-namespace {
-
-constexpr double kEmptyViewHeight = 9.0;
-
-}  // namespace
-
-Document::Document(OdDbDatabasePtr database, int width, int height)
-    : database_(std::move(database)), width_(width), height_(height) {}
+Document::Document(OdDbDatabasePtr database) : database_(std::move(database)) {}
 
 OdDbObjectId Document::floatingViewportId() const {
     if (database_->currentSpaceId() == database_->modelSpaceId()) return {};
@@ -84,98 +76,6 @@ std::optional<OdGePoint3d> Document::toWorld(const TypedPoint& point, std::wstri
 }
 
 double Document::elevation() const { return database_->headerReal(elevationName(), 0.0); }
-
-OdDbObjectId Document::viewedSpaceId() const { return database_->currentSpaceId(); }
-
-View Document::view() {
-    std::vector<View>& views = views_[viewedSpaceId()];
-    if (views.empty()) {
-        // What the drawing was seen with is not asked: it need not fit this view's shape. The header knows how far the
-        // drawing reached when it was saved, which spares a walk over it.
-        const bool model = database_->currentSpaceId() == database_->modelSpaceId();
-        const OdGePoint3d low = database_->headerPoint(model ? "$EXTMIN" : "$PEXTMIN", OdGePoint3d(1, 1, 1));
-        const OdGePoint3d high = database_->headerPoint(model ? "$EXTMAX" : "$PEXTMAX", OdGePoint3d());
-        std::optional<OdGeExtents3d> box;
-        if (low.x < high.x && low.y < high.y && high.x < 1e15 && high.y < 1e15 && low.x > -1e15 && low.y > -1e15)
-            box = OdGeExtents3d(low, high);
-        else
-            box = extentsOfSpace(viewedSpaceId());
-        views.push_back(
-            box ? viewOf(*box)
-                : View{OdGePoint2d(kEmptyViewHeight * viewAspect() / 2, kEmptyViewHeight / 2), kEmptyViewHeight});
-    }
-    return views.back();
-}
-
-void Document::setView(const View& view) {
-    this->view();
-    keep(views_[viewedSpaceId()], view);
-}
-
-void Document::keep(std::vector<View>& views, const View& view) {
-    constexpr std::size_t kKept = 10;
-    if (views.size() == kKept) views.erase(views.begin());
-    views.push_back(view);
-}
-
-View Document::zoomedView() {
-    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
-    return viewport ? View{viewport->viewCenter(), viewport->viewHeight()} : view();
-}
-
-void Document::setZoomedView(const View& view) {
-    const OdDbObjectId viewport = floatingViewportId();
-    if (!viewport) return setView(view);
-    keep(views_[viewport], zoomedView());
-    viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(view.center, view.height);
-}
-
-bool Document::setPreviousView() {
-    if (const OdDbObjectId viewport = floatingViewportId()) {
-        std::vector<View>& before = views_[viewport];
-        if (before.empty()) return false;
-        viewport.openAs<OdDbViewport>(OdDb::forWrite)->setView(before.back().center, before.back().height);
-        before.pop_back();
-        return true;
-    }
-    std::vector<View>& views = views_[viewedSpaceId()];
-    if (views.size() < 2) return false;
-    views.pop_back();
-    return true;
-}
-
-std::optional<OdGeExtents3d> Document::extents() const { return extentsOfSpace(activeSpaceId()); }
-
-View Document::viewToPlot() {
-    if (views_[viewedSpaceId()].size() > 1) return view();
-    const auto box = extentsOfSpace(viewedSpaceId());
-    return box ? viewOf(*box) : view();
-}
-
-View Document::viewOf(const OdGeExtents3d& box, double aspect) {
-    const OdGeVector3d size = box.diagonal();
-    const double height = std::max(size.y, size.x / aspect);
-    return {box.center().xy(), height > 0 ? height * 1.02 : kEmptyViewHeight};
-}
-
-OdGeExtents3d Document::seenInZoomedView(const OdGeExtents3d& box) const {
-    OdGeExtents3d seen = box;
-    if (const auto viewport = floatingViewportId().openIf<OdDbViewport>()) seen.transformBy(viewport->worldToView());
-    return seen;
-}
-
-View Document::zoomedViewOf(const OdGeExtents3d& seen) const {
-    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
-    if (!viewport || !(viewport->width() > 0) || !(viewport->height() > 0)) return viewOf(seen);
-    return viewOf(seen, viewport->width() / viewport->height());
-}
-
-double Document::pixelSize() {
-    const double paperPixel = view().height / height_;
-    const auto viewport = floatingViewportId().openIf<OdDbViewport>();
-    if (!viewport || viewport->customScale() <= 0) return paperPixel;
-    return paperPixel / viewport->customScale();
-}
 
 void Document::keepForUndo(const std::wstring& command, std::size_t position) {
     if (database_->undoPosition() != position) done_.push_back({command, position});

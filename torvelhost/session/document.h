@@ -1,7 +1,7 @@
-// An open drawing: its database, its coordinate system, what its view shows, and the commands that can be undone.
+// An open drawing: its database, where in it the user draws, its coordinate system, and the commands that can be
+// undone. What is seen of it is in document_view.h.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,19 +12,12 @@
 
 namespace host {
 
-/// What is seen of a space, from above. Lengths are drawing units of that space.
-struct View {
-    OdGePoint2d center;
-    double height = 1.0;
-};
-
 /// No coordinate or distance that is typed lies beyond; squares and cubes of it are finite.
 constexpr double kFarthest = 1e100;
 
 class Document final : public HostDocument {
   public:
-    /// `width` and `height` are the view's size in pixels.
-    Document(OdDbDatabasePtr database, int width, int height);
+    explicit Document(OdDbDatabasePtr database);
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
@@ -55,32 +48,6 @@ class Document final : public HostDocument {
     OdGePoint3d lastPoint() const { return lastPoint_; }
     void setLastPoint(const OdGePoint3d& point) { lastPoint_ = point; }
 
-    /// ---- the view
-    /// Of the active space; inside a floating viewport, of the paper space around it.
-    View view();
-    void setView(const View& view);
-    /// What zooming changes: inside a floating viewport, what that shows, a part of the drawing like any other; else
-    /// the view.
-    View zoomedView();
-    void setZoomedView(const View& view);
-    /// False when there was none.
-    bool setPreviousView();
-    /// The box in the coordinates that the zoomed view is counted in.
-    OdGeExtents3d seenInZoomedView(const OdGeExtents3d& box) const;
-    /// The zoomed view that shows such a box.
-    View zoomedViewOf(const OdGeExtents3d& seen) const;
-    /// The whole of what can be seen of the active space; nothing when it is empty.
-    std::optional<OdGeExtents3d> extents() const;
-    /// The view that shows this box.
-    View viewOf(const OdGeExtents3d& box) const { return viewOf(box, viewAspect()); }
-    /// What a plot shows: the view that was set, or all there is now.
-    View viewToPlot();
-    int width() const { return width_; }
-    int height() const { return height_; }
-    double viewAspect() const { return static_cast<double>(width_) / height_; }
-    /// The length in the active space that a pixel covers.
-    double pixelSize();
-
     /// Throws base::FileError when the file cannot be written, or when the drawing was opened for reading alone.
     void save(const std::wstring& path);
 
@@ -96,16 +63,10 @@ class Document final : public HostDocument {
         std::wstring command;
         std::size_t position;
     };
-    OdDbObjectId viewedSpaceId() const;
-    static View viewOf(const OdGeExtents3d& box, double aspect);
-    static void keep(std::vector<View>& views, const View& view);
 
     OdDbDatabasePtr database_;
     HostEdInput* input_ = nullptr;
-    int width_, height_;
     OdGePoint3d lastPoint_;
-    /// Of a space the last one is shown; of a floating viewport they are those before the one it shows.
-    std::map<OdDbObjectId, std::vector<View>> views_;
     std::vector<Done> done_;
 };
 

@@ -24,26 +24,26 @@ OdGePoint3d placeOf(OdDbObjectId id) {
 
 bool isViewport(OdDbObjectId id) { return id.isKindOf(OdDbViewport::desc()); }
 
-bool anyVisibleAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle) {
+bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle, LayerStates& layers) {
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
-        if (attribute && !attribute->isInvisible() && meetsRectangle(*attribute, OdGeMatrix3d::kIdentity, rectangle))
+        if (attribute && isShown(*attribute, layers) && meetsRectangle(*attribute, OdGeMatrix3d::kIdentity, rectangle))
             return true;
     }
     return false;
 }
 
 // Attributes are part of what a reference shows.
-bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle) {
+bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, LayerStates& layers) {
     return meetsRectangle(entity, OdGeMatrix3d::kIdentity, rectangle) ||
            (entity.isKindOf(OdDbBlockReference::desc()) &&
-            anyVisibleAttributeMeets(static_cast<const OdDbBlockReference&>(entity), rectangle));
+            anyShownAttributeMeets(static_cast<const OdDbBlockReference&>(entity), rectangle, layers));
 }
 
 }  // namespace
 
 Rectangle Selection::pickRectangle(const OdGePoint3d& center) {
-    return Rectangle::around(center, pickBox * document_.pixelSize());
+    return Rectangle::around(center, pickBox * view_.pixelSize());
 }
 
 // The topmost entity, which is the one drawn last.
@@ -72,7 +72,7 @@ Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool cross
         if (!entry->hasBox && !crossing) continue;
         const auto entity = entry->id.openIf<OdDbEntity>();
         if (!entity || entity->isInvisibleEntity() || !layers.isVisible(*entity)) continue;
-        const bool hit = crossing ? meetsWithAttributes(*entity, rectangle)
+        const bool hit = crossing ? meetsWithAttributes(*entity, rectangle, layers)
                                   : rectangle.contains(entry->box.low) && rectangle.contains(entry->box.high);
         if (hit) found.push_back(entry->id);
     }
@@ -152,7 +152,8 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
         const bool deeper = pick.entity.isKindOf(OdDbBlockReference::desc()) && pick.containers.empty();
         if (typed.path.empty()) pick.nested = pick.entity;
         if (deeper) {
-            if (const std::vector<NestedHit> hits = nestedHits(pick.entity, box); !hits.empty()) {
+            LayerStates layers;
+            if (const std::vector<NestedHit> hits = nestedHits(pick.entity, box, layers); !hits.empty()) {
                 pick.nested = hits.front().entity;
                 pick.containers = hits.front().containers;
             }
@@ -178,7 +179,8 @@ std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
     std::vector<NestedHit> found;
     if (pick.nested && pick.nested != pick.entity) found.push_back({pick.nested, pick.containers});
     if (pick.hasPoint && pick.entity.isKindOf(OdDbBlockReference::desc())) {
-        for (NestedHit& hit : nestedHits(pick.entity, pickRectangle(pick.point)))
+        LayerStates layers;
+        for (NestedHit& hit : nestedHits(pick.entity, pickRectangle(pick.point), layers))
             if (hit.entity != pick.nested || hit.containers != pick.containers) found.push_back(std::move(hit));
     }
     if (pick.entity) found.push_back({pick.entity, {}});

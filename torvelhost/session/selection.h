@@ -6,6 +6,7 @@
 #include <set>
 
 #include "hostapi/selection.h"
+#include "torvelhost/session/document_view.h"
 #include "torvelhost/session/entity_grid.h"
 #include "torvelhost/session/input.h"
 #include "torvelhost/session/strokes.h"
@@ -14,7 +15,7 @@ namespace host {
 
 class Selection {
   public:
-    explicit Selection(Input& input) : input_(input), document_(input.document()) {}
+    Selection(Input& input, DocumentView& view) : input_(input), document_(input.document()), view_(view) {}
 
     /// One entity of the active space. kValue with a null entity: nothing lay under the cursor.
     int pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick);
@@ -68,6 +69,7 @@ class Selection {
 
     Input& input_;
     Document& document_;
+    DocumentView& view_;
     OdDbObjectIdArray pickFirst_;
     bool pickFirstChanged_ = false;
     bool offersPickFirst_ = false;

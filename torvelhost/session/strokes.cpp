@@ -171,15 +171,16 @@ class Meeting {
 };
 
 void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const Rectangle& rectangle,
-                   std::vector<OdDbObjectId>& containers, int& budget, std::vector<NestedHit>& hits) {
+                   LayerStates& layers, std::vector<OdDbObjectId>& containers, int& budget,
+                   std::vector<NestedHit>& hits) {
     const auto reference = referenceId.openIf<OdDbBlockReference>();
     if (!reference || containers.size() >= kDeepestNesting) return;
     containers.push_back(referenceId);
     std::vector<NestedHit> found;
     for (OdDbObjectId id : reference->attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
-        if (!attribute || attribute->isInvisible() || attribute->isInvisibleEntity()) continue;
-        if (Meeting(rectangle).meets(*attribute, toWorld, 0)) found.push_back({id, containers});
+        if (attribute && isShown(*attribute, layers) && Meeting(rectangle).meets(*attribute, toWorld, 0))
+            found.push_back({id, containers});
     }
     hits.insert(hits.end(), found.rbegin(), found.rend());
     found.clear();
@@ -192,7 +193,7 @@ void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const 
                     const auto entity = id.openIf<OdDbEntity>();
                     if (!entity || !showsInReference(*entity)) continue;
                     if (entity->isKindOf(OdDbBlockReference::desc()))
-                        collectNested(id, toWorld * cell, rectangle, containers, budget, found);
+                        collectNested(id, toWorld * cell, rectangle, layers, containers, budget, found);
                     else if (Meeting(rectangle).meets(*entity, toWorld * cell, 0))
                         found.push_back({id, containers});
                 }
@@ -260,11 +261,15 @@ int LayerStates::flagsOf(const OdDbEntity& entity) {
     return entry->second;
 }
 
-std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle) {
+bool isShown(const OdDbAttribute& attribute, LayerStates& layers) {
+    return !attribute.isInvisible() && !attribute.isInvisibleEntity() && layers.isVisible(attribute);
+}
+
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, LayerStates& layers) {
     std::vector<NestedHit> hits;
     std::vector<OdDbObjectId> containers;
     int budget = kMostEntities;
-    collectNested(reference, OdGeMatrix3d::kIdentity, rectangle, containers, budget, hits);
+    collectNested(reference, OdGeMatrix3d::kIdentity, rectangle, layers, containers, budget, hits);
     return hits;
 }
 

@@ -8,6 +8,8 @@
 #include "drawingdb/block.h"
 #include "drawingdb/entity.h"
 
+class OdDbAttribute;
+
 namespace host {
 
 struct Rectangle {
@@ -40,6 +42,9 @@ class LayerStates {
     std::map<OdDbObjectId, int> flags_;
 };
 
+/// Whether an attribute of a reference is seen: by its mode, as an entity, and on its layer.
+bool isShown(const OdDbAttribute& attribute, LayerStates& layers);
+
 /// An object under the cursor, with the references that hold it, outermost first.
 struct NestedHit {
     OdDbObjectId entity;
@@ -47,6 +52,6 @@ struct NestedHit {
 };
 /// The objects inside a reference that lie in the rectangle: its attributes, then what its block shows, each kind from
 /// top to bottom. Inner references are gone into; they do not appear themselves.
-std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle);
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, LayerStates& layers);
 
 }  // namespace host

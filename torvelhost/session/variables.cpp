@@ -1,3 +1,6 @@
+// The tables of the system variables, and how a value is typed, checked and shown. A new variable is a row: of the
+// header where the drawing keeps it, of the document where it is worked out, of the session where it is gone at the
+// end; what belongs to another part of the host is added by its owner.
 #include "torvelhost/session/variables.h"
 
 #include <chrono>
@@ -18,6 +21,14 @@ constexpr double kSecondsPerDay = 86400.0;
 
 enum class Kind { kText, kInteger, kReal, kPoint };
 
+// What refuses a text says why, or nothing.
+std::wstring unlessLayer(const OdDbDatabase& database, const std::wstring& name) {
+    return database.findLayer(name) ? L"" : L"the drawing has no layer \"" + name + L"\"";
+}
+std::wstring unlessTextStyle(const OdDbDatabase& database, const std::wstring& name) {
+    return database.findTextStyle(name) ? L"" : L"the drawing has no text style \"" + name + L"\"";
+}
+
 // A variable that stands in the header under the same name.
 struct HeaderVariable {
     const char* name;
@@ -26,6 +37,7 @@ struct HeaderVariable {
     double standard = 0;
     std::int64_t low = 0, high = 0;  // of integers; equal: any
     const wchar_t* standardText = L"";
+    std::wstring (*refusal)(const OdDbDatabase& database, const std::wstring& text) = nullptr;
 };
 const HeaderVariable kHeaderVariables[] = {
     {"ANGBASE", Kind::kReal, 50},
@@ -37,7 +49,7 @@ const HeaderVariable kHeaderVariables[] = {
     {"CELTSCALE", Kind::kReal, 40, 1},
     {"CELTYPE", Kind::kText, 6, 0, 0, 0, L"ByLayer"},
     {"CELWEIGHT", Kind::kInteger, 370, -1, -3, 211},
-    {"CLAYER", Kind::kText, 8, 0, 0, 0, L"0"},
+    {"CLAYER", Kind::kText, 8, 0, 0, 0, L"0", unlessLayer},
     {"DIMSCALE", Kind::kReal, 40, 1},
     {"DWGCODEPAGE", Kind::kText, 0, 0, 0, 0, L"ANSI_1252"},
     {"FILLMODE", Kind::kInteger, 70, 1, 0, 1},
@@ -51,7 +63,7 @@ const HeaderVariable kHeaderVariables[] = {
     {"PDMODE", Kind::kInteger, 70, 0, 0, 100},
     {"PDSIZE", Kind::kReal, 40},
     {"TEXTSIZE", Kind::kReal, 40, 0.2},
-    {"TEXTSTYLE", Kind::kText, 7, 0, 0, 0, L"Standard"},
+    {"TEXTSTYLE", Kind::kText, 7, 0, 0, 0, L"Standard", unlessTextStyle},
     {"THICKNESS", Kind::kReal, 40},
 };
 
@@ -63,7 +75,12 @@ std::optional<OdGePoint3d> parseCoordinates(std::wstring_view text) {
     return OdGePoint3d(typed->value.x, typed->value.y, typed->value.z);
 }
 
-std::optional<VariableValue> parseLike(const VariableValue& model, std::wstring_view text) {
+const wchar_t* kindName(const VariableValue& value) {
+    static const wchar_t* const kNames[] = {L"a text", L"an integer", L"a number", L"a point"};
+    return kNames[value.index()];
+}
+
+std::optional<VariableValue> parseLike(const VariableValue& model, std::wstring_view text, std::wstring& reason) {
     if (std::holds_alternative<std::wstring>(model)) return VariableValue(std::wstring(text));
     if (std::holds_alternative<std::int64_t>(model)) {
         if (const auto number = base::parseInteger(text)) return VariableValue(*number);
@@ -72,18 +89,112 @@ std::optional<VariableValue> parseLike(const VariableValue& model, std::wstring_
     } else if (const auto point = parseCoordinates(text)) {
         return VariableValue(*point);
     }
+    reason = L"\"" + std::wstring(text) + L"\" is not " + kindName(model);
     return std::nullopt;
-}
-
-const wchar_t* kindName(const VariableValue& value) {
-    static const wchar_t* const kNames[] = {L"a text", L"an integer", L"a number", L"a point"};
-    return kNames[value.index()];
 }
 
 std::wstring rangeRefusal(const VariableValue& value, std::int64_t low, std::int64_t high) {
     const auto* number = std::get_if<std::int64_t>(&value);
     if (!number || low == high || (*number >= low && *number <= high)) return L"";
     return L"an integer between " + std::to_wstring(low) + L" and " + std::to_wstring(high) + L" is wanted";
+}
+
+// ---- variables of the session that switch something on or off
+
+struct SwitchVariable {
+    const wchar_t* name;
+    std::int64_t standard;
+};
+const SwitchVariable kSwitches[] = {{L"FILEDIA", 1}, {L"ATTIPE", 0}, {L"LWUNITS", 1}};
+
+// ---- variables that the document works out
+
+std::wstring setLayout(Document& document, const VariableValue& value) {
+    const auto& name = std::get<std::wstring>(value);
+    return document.database()->setCurrentLayout(name) ? L"" : L"the drawing has no layout \"" + name + L"\"";
+}
+
+VariableValue isModelCurrent(Document& document) {
+    return std::int64_t{document.database()->currentSpaceId() == document.database()->modelSpaceId()};
+}
+std::wstring setModelCurrent(Document& document, const VariableValue& value) {
+    const std::int64_t wanted = std::get<std::int64_t>(value);
+    if (wanted != 0 && wanted != 1) return L"0 or 1 is wanted";
+    if (value == isModelCurrent(document)) return L"";
+    const std::vector<OdString> layouts = document.database()->layoutNames();
+    if (wanted == 0 && layouts.size() < 2) return L"the drawing has no paper space layout";
+    document.database()->setCurrentLayout(wanted == 1 ? OdString(L"Model") : layouts[1]);
+    return L"";
+}
+
+constexpr std::int64_t kPaperViewport = 1, kModelViewport = 2;
+
+VariableValue viewportNumber(Document& document) {
+    const auto viewport = document.database()->activeViewportId().openIf<OdDbViewport>();
+    return viewport ? std::int64_t{viewport->number()} : kModelViewport;
+}
+std::wstring setViewportNumber(Document& document, const VariableValue& value) {
+    const std::int64_t wanted = std::get<std::int64_t>(value);
+    if (wanted == kPaperViewport) {
+        document.database()->setActiveViewport({});
+        return L"";
+    }
+    for (OdDbObjectId id : document.floatingViewports()) {
+        if (id.openAs<OdDbViewport>()->number() != wanted) continue;
+        document.database()->setActiveViewport(id);
+        return L"";
+    }
+    return L"the current layout has no viewport " + std::to_wstring(wanted);
+}
+
+// The user coordinate system belongs to the active space, and the elevation in it.
+std::wstring setUcsPart(Document& document, const char* part, const OdGePoint3d& point) {
+    document.database()->setHeaderPoint((document.isModelSpaceActive() ? "$UCS" : "$PUCS") + std::string(part), point);
+    return L"";
+}
+std::wstring setUcsAxis(Document& document, const char* part, const OdGePoint3d& point) {
+    return point.asVector().isZeroLength() ? L"a direction has a length" : setUcsPart(document, part, point);
+}
+
+OdGePoint3d pointOf(const OdGeVector3d& vector) { return {vector.x, vector.y, vector.z}; }
+const OdGePoint3d& pointOf(const VariableValue& value) { return std::get<OdGePoint3d>(value); }
+
+struct DocumentVariable {
+    const wchar_t* name;
+    VariableValue (*get)(Document& document);
+    std::wstring (*set)(Document& document, const VariableValue& value);  // null: cannot be set
+};
+const DocumentVariable kDocumentVariables[] = {
+    {L"CTAB", [](Document& document) -> VariableValue { return document.database()->currentLayoutName(); }, setLayout},
+    {L"CVPORT", viewportNumber, setViewportNumber},
+    {L"DBMOD", [](Document& document) -> VariableValue { return std::int64_t{document.database()->isModified()}; },
+     nullptr},
+    {L"ELEVATION", [](Document& document) -> VariableValue { return document.elevation(); },
+     [](Document& document, const VariableValue& value) -> std::wstring {
+         document.database()->setHeaderReal(document.elevationName(), 40, std::get<double>(value));
+         return L"";
+     }},
+    {L"LASTPOINT", [](Document& document) -> VariableValue { return document.lastPoint(); },
+     [](Document& document, const VariableValue& value) -> std::wstring {
+         document.setLastPoint(pointOf(value));
+         return L"";
+     }},
+    {L"TILEMODE", isModelCurrent, setModelCurrent},
+    {L"UCSORG", [](Document& document) -> VariableValue { return document.ucs().origin(); },
+     [](Document& document, const VariableValue& value) { return setUcsPart(document, "ORG", pointOf(value)); }},
+    {L"UCSXDIR", [](Document& document) -> VariableValue { return pointOf(document.ucs().xAxis()); },
+     [](Document& document, const VariableValue& value) { return setUcsAxis(document, "XDIR", pointOf(value)); }},
+    {L"UCSYDIR", [](Document& document) -> VariableValue { return pointOf(document.ucs().yAxis()); },
+     [](Document& document, const VariableValue& value) { return setUcsAxis(document, "YDIR", pointOf(value)); }},
+};
+
+// ---- dates and users
+
+std::optional<VariableValue> parseDateValue(std::wstring_view text, std::wstring& reason) {
+    const auto date = parseDate(text);
+    if (date) return VariableValue(*date);
+    reason = L"\"" + std::wstring(text) + L"\" is no date; give it as 2026-03-01 12:30:00";
+    return std::nullopt;
 }
 
 int localOffset(std::int64_t now) {
@@ -140,7 +251,8 @@ std::optional<std::int64_t> parseDate(std::wstring_view text) {
 
 Variables::Variables(Document& document) : document_(document) {
     addHeaderRows();
-    addRows();
+    addSessionRows();
+    addDocumentRows();
     OdDbDatabase* database = document_.database();
     database->setSystemVariables([this](const OdString& name, OdString& value) {
         const auto found = get(name);
@@ -158,8 +270,8 @@ Variables::~Variables() {
 
 std::int64_t Variables::now() const { return fixedNow_ ? *fixedNow_ : static_cast<std::int64_t>(std::time(nullptr)); }
 
-void Variables::add(const std::wstring& name, Getter get, Setter set) {
-    rows_[name] = {std::move(get), std::move(set)};
+void Variables::add(const std::wstring& name, Getter get, Setter set, Parser parse) {
+    rows_[name] = {std::move(get), std::move(set), parse};
 }
 
 void Variables::addSession(const std::wstring& name, VariableValue value, std::int64_t low, std::int64_t high) {
@@ -194,11 +306,8 @@ void Variables::addHeaderRows() {
             std::wstring refusal = rangeRefusal(value, variable.low, variable.high);
             if (!refusal.empty()) return refusal;
             if (const auto* text = std::get_if<std::wstring>(&value)) {
-                if (name == "$CLAYER" && !database->findLayer(*text))
-                    return L"the drawing has no layer \"" + *text + L"\"";
-                if (name == "$TEXTSTYLE" && !database->findTextStyle(*text))
-                    return L"the drawing has no text style \"" + *text + L"\"";
-                database->setHeaderText(name, variable.group, *text);
+                if (variable.refusal) refusal = variable.refusal(*database, *text);
+                if (refusal.empty()) database->setHeaderText(name, variable.group, *text);
             } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
                 database->setHeaderInteger(name, variable.group, *integer);
             } else if (const auto* real = std::get_if<double>(&value)) {
@@ -212,15 +321,12 @@ void Variables::addHeaderRows() {
     }
 }
 
-void Variables::addRows() {
-    OdDbDatabase* database = document_.database();
-
-    addSession(L"FILEDIA", std::int64_t{1}, 0, 1);
-    addSession(L"ATTIPE", std::int64_t{0}, 0, 1);
-    addSession(L"LWUNITS", std::int64_t{1}, 0, 1);
+void Variables::addSessionRows() {
+    for (const SwitchVariable& variable : kSwitches) addSession(variable.name, variable.standard, 0, 1);
     addSession(L"LOGINNAME", loginName());
 
-    const std::wstring file = database->fileName().empty() ? L"" : base::absolutePath(database->fileName());
+    const OdString& fileName = document_.database()->fileName();
+    const std::wstring file = fileName.empty() ? L"" : base::absolutePath(fileName);
     add(L"DWGNAME", [file] { return file.empty() ? L"Drawing1.dxf" : base::fileNameOf(file); });
     add(L"DWGPREFIX", [file] {
         std::wstring folder = file.empty() ? base::currentFolder() : base::folderOf(file);
@@ -228,91 +334,25 @@ void Variables::addRows() {
         return folder;
     });
     addSession(L"SUPPORTPATH", base::folderOf(file));
-    add(
-        L"DBMOD", [database] { return std::int64_t{database->isModified()}; });
 
     add(
         L"DATE", [this] { return julianDate(now() + document_.database()->utcOffset()); },
-        // Refused values never get here: a date is typed as a text or a number and parsed in set().
-        [](const VariableValue&) { return std::wstring(); });
-
-    add(
-        L"LASTPOINT", [this] { return document_.lastPoint(); },
-        [this](const VariableValue& value) {
-            document_.setLastPoint(std::get<OdGePoint3d>(value));
+        [this](const VariableValue& seconds) {
+            fixedNow_ = std::get<std::int64_t>(seconds);
+            document_.database()->setUtcOffset(0);
             return std::wstring();
-        });
-    add(L"VIEWSIZE", [this] { return document_.view().height; });
-    add(
-        L"VIEWCTR",
-        [this] {
-            const View view = document_.view();
-            return OdGePoint3d(view.center.x, view.center.y, 0);
-        });
-
-    add(
-        L"CTAB", [database] { return database->currentLayoutName(); },
-        [database](const VariableValue& value) {
-            const auto& name = std::get<std::wstring>(value);
-            return database->setCurrentLayout(name) ? std::wstring() : L"the drawing has no layout \"" + name + L"\"";
-        });
-    add(
-        L"TILEMODE", [database] { return std::int64_t{database->currentSpaceId() == database->modelSpaceId()}; },
-        [database](const VariableValue& value) -> std::wstring {
-            const std::int64_t wanted = std::get<std::int64_t>(value);
-            if (wanted != 0 && wanted != 1) return L"0 or 1 is wanted";
-            if (wanted == (database->currentSpaceId() == database->modelSpaceId())) return L"";
-            const std::vector<OdString> layouts = database->layoutNames();
-            if (wanted == 0 && layouts.size() < 2) return L"the drawing has no paper space layout";
-            database->setCurrentLayout(wanted == 1 ? OdString(L"Model") : layouts[1]);
-            return L"";
-        });
-    add(
-        L"CVPORT",
-        [this]() -> VariableValue {
-            const auto viewport = document_.database()->activeViewportId().openIf<OdDbViewport>();
-            return std::int64_t{viewport ? viewport->number() : 2};
         },
-        [this](const VariableValue& value) -> std::wstring {
-            const std::int64_t wanted = std::get<std::int64_t>(value);
-            if (wanted == 1) {
-                document_.database()->setActiveViewport({});
-                return L"";
-            }
-            for (OdDbObjectId id : document_.floatingViewports()) {
-                if (id.openAs<OdDbViewport>()->number() != wanted) continue;
-                document_.database()->setActiveViewport(id);
-                return L"";
-            }
-            return L"the current layout has no viewport " + std::to_wstring(wanted);
-        });
+        parseDateValue);
+}
 
-    // The user coordinate system belongs to the active space, and the elevation in it.
-    const auto ucsName = [this](const char* model, const char* paper) {
-        return document_.isModelSpaceActive() ? model : paper;
-    };
-    const auto setPoint = [this, ucsName](const char* model, const char* paper) {
-        return [this, ucsName, model, paper](const VariableValue& value) {
-            const auto& point = std::get<OdGePoint3d>(value);
-            if (!std::string_view(model).ends_with("ORG") && point.asVector().isZeroLength())
-                return std::wstring(L"a direction has a length");
-            document_.database()->setHeaderPoint(ucsName(model, paper), point);
-            return std::wstring();
-        };
-    };
-    const auto asPoint = [](const OdGeVector3d& v) { return OdGePoint3d(v.x, v.y, v.z); };
-    add(
-        L"ELEVATION", [this] { return document_.elevation(); },
-        [this](const VariableValue& value) {
-            document_.database()->setHeaderReal(document_.elevationName(), 40, std::get<double>(value));
-            return std::wstring();
-        });
-    add(
-        L"UCSORG", [this] { return document_.ucs().origin(); }, setPoint("$UCSORG", "$PUCSORG"));
-    add(
-        L"UCSXDIR", [this, asPoint] { return asPoint(document_.ucs().xAxis()); }, setPoint("$UCSXDIR", "$PUCSXDIR"));
-    add(
-        L"UCSYDIR", [this, asPoint] { return asPoint(document_.ucs().yAxis()); }, setPoint("$UCSYDIR", "$PUCSYDIR"));
+void Variables::addDocumentRows() {
+    for (const DocumentVariable& variable : kDocumentVariables) {
+        Setter set;
+        if (variable.set)
+            set = [this, &variable](const VariableValue& value) { return variable.set(document_, value); };
+        add(
+            variable.name, [this, &variable] { return variable.get(document_); }, std::move(set));
+    }
 }
 
 const Variables::Row* Variables::find(std::wstring_view name) const {
@@ -343,21 +383,8 @@ bool Variables::set(std::wstring_view name, std::wstring_view value, std::wstrin
         reason = base::toUpper(name) + L" cannot be set";
         return false;
     }
-    if (base::equalsNoCase(name, L"DATE")) {
-        const auto date = parseDate(value);
-        if (!date) reason = L"\"" + std::wstring(value) + L"\" is no date; give it as 2026-03-01 12:30:00";
-        if (date) {
-            fixedNow_ = date;
-            document_.database()->setUtcOffset(0);
-        }
-        return date.has_value();
-    }
-    const VariableValue current = row->get();
-    const auto wanted = parseLike(current, value);
-    if (!wanted) {
-        reason = L"\"" + std::wstring(value) + L"\" is not " + kindName(current);
-        return false;
-    }
+    const auto wanted = row->parse ? row->parse(value, reason) : parseLike(row->get(), value, reason);
+    if (!wanted) return false;
     reason = row->set(*wanted);
     return reason.empty();
 }

@@ -37,7 +37,10 @@ class Variables {
     using Getter = std::function<VariableValue()>;
     /// Says why a value is refused, or nothing.
     using Setter = std::function<std::wstring(const VariableValue&)>;
-    void add(const std::wstring& name, Getter get, Setter set = nullptr);
+    /// Reads a text where that is more than a value of the kind that the variable has. Nothing, and why, when it
+    /// cannot.
+    using Parser = std::optional<VariableValue> (*)(std::wstring_view text, std::wstring& reason);
+    void add(const std::wstring& name, Getter get, Setter set = nullptr, Parser parse = nullptr);
     /// A variable that is nothing but its value.
     void addSession(const std::wstring& name, VariableValue value, std::int64_t low = 0, std::int64_t high = 0);
 
@@ -48,9 +51,11 @@ class Variables {
     struct Row {
         Getter get;
         Setter set;
+        Parser parse = nullptr;
     };
     void addHeaderRows();
-    void addRows();
+    void addSessionRows();
+    void addDocumentRows();
     const Row* find(std::wstring_view name) const;
 
     Document& document_;
