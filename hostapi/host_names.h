@@ -15,6 +15,8 @@ inline constexpr wchar_t kSelectionLibrary[] = L"torvelcore";  ///< picks, selec
 inline constexpr wchar_t kEventLibrary[] = L"torvelcore";      ///< message boxes, notifications
 inline constexpr wchar_t kGraphicsLibrary[] = L"torvelcore";   ///< what the view shows
 
+inline constexpr wchar_t kCommandModule[] = L"torvelcmd2";  ///< the command module itself
+
 inline constexpr wchar_t kFieldModule[] = L"torvelfields";      ///< the field manager, loaded for each use
 inline constexpr wchar_t kTextEditorModule[] = L"torvelmtext";  ///< the multi-line text editor, loaded for each use
 

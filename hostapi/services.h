@@ -21,6 +21,7 @@
 #include "drawingdb/color.h"
 #include "drawingdb/field.h"
 #include "drawingdb/ge.h"
+#include "drawingdb/text.h"
 #include "hostapi/command.h"
 #include "hostapi/host_names.h"
 #include "hostapi/selection.h"
@@ -29,6 +30,8 @@
 #include "hostapi/text.h"
 
 class HostApplication;
+class HostDocument;
+class HostEdInput;
 
 namespace hostapi {
 
@@ -37,6 +40,16 @@ struct Service {
     const wchar_t* library;  ///< bare name, or null
     const char* name;
 };
+
+/// Whether a function is what the row says; for static_assert beside the functions.
+template <class Signature>
+constexpr bool fits(const Service<Signature>&, Signature*) {
+    return true;
+}
+template <class Signature, class Other>
+constexpr bool fits(const Service<Signature>&, Other*) {
+    return false;
+}
 
 // ---- finding the host
 
@@ -146,6 +159,20 @@ inline constexpr Service<bool(OdCmColor& color)> selectColor{kEventLibrary, "hos
 /// A notification that asks nothing.
 inline constexpr Service<void(const wchar_t* text)> notify{kEventLibrary, "hostNotify"};
 
+/// How far the command is: `done` of `total` steps. False when the user wants it to stop; the caller then ends by an
+/// exception, and the host takes the command back. Cheap, but no call for every object of a drawing.
+inline constexpr Service<bool(std::uint64_t done, std::uint64_t total)> progress{kEventLibrary, "hostProgress"};
+
+// ---- undo groups of a document. What is done while one is open can be taken back together.
+
+/// How many are open.
+inline constexpr Service<int(HostDocument* document)> undoGroupDepth{kCoreLibrary, "hostUndoGroupDepth"};
+inline constexpr Service<void(HostDocument* document)> openUndoGroup{kCoreLibrary, "hostOpenUndoGroup"};
+/// Closes the innermost one: its changes belong to what is around it.
+inline constexpr Service<void(HostDocument* document)> closeUndoGroup{kCoreLibrary, "hostCloseUndoGroup"};
+/// Takes back what the innermost one has done, and closes it.
+inline constexpr Service<void(HostDocument* document)> rollBackUndoGroup{kCoreLibrary, "hostRollBackUndoGroup"};
+
 // ---- services that are objects
 
 inline constexpr Service<IProfile*()> getProfile{kCoreLibrary, "hostGetProfile"};
@@ -160,8 +187,22 @@ inline constexpr Service<bool(OdDbFieldPtr& field)> insertField{kFieldModule, "i
 /// its place.
 inline constexpr Service<bool(OdDbFieldPtr& field)> changeField{kFieldModule, "changeField"};
 
+/// Edits the contents and the width of a multi-line text that lies in a drawing, fields included. `context` is the name
+/// of the variable that says how the editor presents itself ("ATTIPE"). False when the user left the text alone.
+inline constexpr Service<bool(OdDbMText& text, const wchar_t* context)> editMText{kTextEditorModule, "editMText"};
+/// Makes a multi-line text with that style, first contents and width; `onScreen` begins it where the user points. True
+/// when the user accepted it: `made` then lies in the space where the user draws, for the caller to use and to erase.
+inline constexpr Service<bool(HostDocument* document, OdDbObjectId style, const wchar_t* text, double width,
+                              bool onScreen, OdSmartPtr<OdDbMText>& made)>
+    newMTextAtt{kTextEditorModule, "newMTextAtt"};
+/// Edits a single-line text that lies in a drawing, an attribute too, fields included. False when the user left it
+/// alone.
+inline constexpr Service<bool(OdDbText& text, HostEdInput& input)> editText{kTextEditorModule, "editText"};
+
 // ---- the view
 
+/// Shows one entity as it is now, after a change of its visibility, say.
+inline constexpr Service<void(OdDbObjectId entity)> redrawEntity{kGraphicsLibrary, "hostRedrawEntity"};
 /// Evaluates the drawing's fields and shows it anew; a slide that was shown goes. A null database means the active
 /// document's.
 inline constexpr Service<void(OdDbDatabase* database)> regenerate{kGraphicsLibrary, "hostRegenerate"};

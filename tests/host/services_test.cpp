@@ -70,6 +70,12 @@ TEST(Services, EveryRowIsExported) {
     EXPECT_TRUE(find(getHelpService));
     EXPECT_TRUE(find(getStdDirs));
     EXPECT_TRUE(find(regenerate));
+    EXPECT_TRUE(find(progress));
+    EXPECT_TRUE(find(undoGroupDepth));
+    EXPECT_TRUE(find(openUndoGroup));
+    EXPECT_TRUE(find(closeUndoGroup));
+    EXPECT_TRUE(find(rollBackUndoGroup));
+    EXPECT_TRUE(find(redrawEntity));
 }
 
 TEST(Services, HostFunctionsByNumber) {

@@ -153,7 +153,7 @@ TEST_F(FieldEditTest, RunsGoAsAWhole) {
     EXPECT_EQ(after([](FieldEdit& e) { e.select(1, 6), e.moveCaret(false, false); }), L"ab111cd222|..aaa..bbb|1-1");
     EXPECT_EQ(after([](FieldEdit& e) { e.select(0, 0), e.deleteBack(); }), L"ab111cd222|..aaa..bbb|0-0");
 
-    // Copies of a field are fields of their own; the same text from elsewhere is text.
+    // Copies of a field are fields of their own, in another value too; any other text is text.
     EXPECT_EQ(after([](FieldEdit& e) {
                   e.select(2, 5);
                   const OdString copied = e.copy();
@@ -161,7 +161,8 @@ TEST_F(FieldEditTest, RunsGoAsAWhole) {
                   e.paste(copied);
               }),
               L"ab111cd222111|..aaa..bbbccc|13-13");
-    EXPECT_EQ(after([](FieldEdit& e) { e.select(0, 5), e.paste(L"111"); }), L"111cd222|.....bbb|3-3");
+    EXPECT_EQ(after([](FieldEdit& e) { e.select(0, 5), e.paste(L"111"); }), L"111cd222|ccc..bbb|3-3");
+    EXPECT_EQ(after([](FieldEdit& e) { e.select(0, 5), e.paste(L"11"); }), L"11cd222|....bbb|2-2");
 }
 
 TEST_F(FieldEditTest, MenuCommandsDoWhatTheyAreCalled) {

@@ -5,8 +5,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
-#include "drawingdb/attribute.h"
-#include "drawingdb/block.h"
+#include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/attributes/sync_reference.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
@@ -14,33 +13,7 @@
 namespace torvel {
 namespace {
 
-// A block that a user may choose. A null id: none was chosen.
-struct AttributedBlock {
-    OdDbObjectId id;
-    OdString name;
-};
 using AttributedBlocks = std::vector<AttributedBlock>;
-
-bool hasVariableAttributes(const OdDbBlockTableRecord& block) {
-    for (OdDbObjectId id : block.entities()) {
-        const auto definition = id.openIf<OdDbAttributeDefinition>();
-        if (definition && !definition->isConstant()) return true;
-    }
-    return false;
-}
-
-// In the order of the block table; spaces and anonymous blocks, whose names begin with "*", never count.
-AttributedBlocks findAttributedBlocks(const OdDbDatabase& database) {
-    AttributedBlocks blocks;
-    const auto table = database.blockTableId().openIf<OdDbSymbolTable>();
-    if (!table) return blocks;  // an old drawing of bare entities
-    for (OdDbObjectId id : table->records()) {
-        const auto block = id.openAs<OdDbBlockTableRecord>();
-        OdString name = block->name();
-        if (!name.starts_with(L'*') && hasVariableAttributes(*block)) blocks.push_back({id, std::move(name)});
-    }
-    return blocks;
-}
 
 void printListing(const AttributedBlocks& blocks) {
     OdString line = loadText(IDS_ATTSYNC_LIST_HEAD);
@@ -52,6 +25,7 @@ void printListing(const AttributedBlocks& blocks) {
     printLine(line);
 }
 
+// A null id: none was chosen.
 AttributedBlock askName(HostEdInput& input, const AttributedBlocks& blocks) {
     constexpr int kListing = hostapi::kFirstKeyword;
     const OdString prompt = loadText(IDS_ATTSYNC_ENTER_NAME);
@@ -140,7 +114,7 @@ void synchronizeBlock(OdDbObjectId block, OdDbDatabase& database) {
 CMD_RUNSTATUS CAttSyncCmd::run() {
     setRunStatus(kCommandRunning);
     const RunFrame frame = reachDocument();
-    const AttributedBlocks blocks = findAttributedBlocks(*frame.database);
+    const AttributedBlocks blocks = attributedBlocks(*frame.database, Definitions::kNotConstant);
     if (blocks.empty()) {
         printLine(loadText(IDS_ATTSYNC_NO_ATTRIBUTED_BLOCKS));
         return setRunStatus(kCommandCancelled);

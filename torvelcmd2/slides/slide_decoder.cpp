@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/format.h"
+#include "hostapi/module_functions.h"
 #include "torvelcmd2/frame/module_instance.h"
 #include "torvelcmd2/slides/slide_file.h"
 
@@ -160,3 +161,4 @@ void decodeSlide(std::string_view bytes, slidePainter& painter) {
 void loadAndDrawVSlide(const CXStringW& name, slidePainter* painter) {
     if (painter) torvel::decodeSlide(torvel::loadSlide(name), *painter);
 }
+static_assert(hostapi::fits(hostapi::loadAndDrawVSlide, &loadAndDrawVSlide));

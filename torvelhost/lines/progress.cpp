@@ -1,6 +1,7 @@
 #include "torvelhost/lines/progress.h"
 
 #include <chrono>
+#include <csignal>
 
 #include "base/console.h"
 #include "base/text.h"
@@ -9,6 +10,20 @@ namespace host {
 namespace {
 
 Progress* g_current = nullptr;
+
+// Ctrl-C is a wish to stop from when the work has shown that it asks for one; pressed once more it ends the program, as
+// it does everywhere else.
+volatile std::sig_atomic_t g_stop = 0;
+bool g_listens = false;
+
+void onInterrupt(int number) {
+    if (g_stop) {
+        std::signal(number, SIG_DFL);
+        std::raise(number);
+    }
+    g_stop = 1;
+    std::signal(number, onInterrupt);  // one system forgets the handler when it is called
+}
 
 }  // namespace
 
@@ -28,6 +43,18 @@ Progress::~Progress() {
     change_.notify_one();
     thread_.join();
     g_current = nullptr;
+    if (g_listens) std::signal(SIGINT, SIG_DFL);
+    g_listens = false;
+    g_stop = 0;
+}
+
+bool Progress::tell(std::uint64_t done, std::uint64_t total) {
+    if (!g_current) return true;
+    if (!g_listens) std::signal(SIGINT, onInterrupt);
+    g_listens = true;
+    if (total > 0)
+        g_current->percent_ = static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total));
+    return g_stop == 0;
 }
 
 void Progress::watch() {
@@ -43,7 +70,10 @@ void Progress::watch() {
             continue;
         }
         ++elapsed;
-        base::writeTo(base::Stream::kError, "\r" + base::toUtf8(work_) + " ... " + std::to_string(elapsed) + " s");
+        const int percent = percent_;
+        base::writeTo(base::Stream::kError, "\r" + base::toUtf8(work_) + " ... " +
+                                                (percent >= 0 ? std::to_string(percent) + " %, " : std::string()) +
+                                                std::to_string(elapsed) + " s");
         shown_ = true;
     }
 }

@@ -1,7 +1,9 @@
 // Work that takes more than a second says so on a terminal.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -10,14 +12,18 @@
 
 namespace host {
 
-/// Shows "Saving plan.dxf ... 3 s" on standard error while it lives, from the second second on. Does nothing when quiet
-/// or when standard error is no terminal. One at a time.
+/// Shows "Saving plan.dxf ... 3 s" on standard error while it lives, from the second second on; "AttSync ... 42 %, 3 s"
+/// once the work has told how far it is. Does nothing when quiet or when standard error is no terminal. One at a time.
 class Progress {
   public:
     Progress(const Terminal& terminal, const std::wstring& work);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
+
+    /// `done` of `total` steps of the work are done. False when the user wants it to stop: Ctrl-C was pressed since it
+    /// began.
+    static bool tell(std::uint64_t done, std::uint64_t total);
 
     /// While a pause lives the program waits for the user; the clock starts anew behind it.
     class Pause {
@@ -38,6 +44,7 @@ class Progress {
     bool ended_ = false;
     bool paused_ = false;
     unsigned starts_ = 0;
+    std::atomic<int> percent_ = -1;  // -1: not told
     bool shown_ = false;
     std::thread thread_;  // last: it uses all of the above
 };

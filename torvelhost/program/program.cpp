@@ -7,6 +7,7 @@
 #include "base/modules.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "hostapi/host_names.h"
 #include "torvelhost/commands/command_loop.h"
 #include "torvelhost/lines/dialog_lines.h"
 #include "torvelhost/lines/progress.h"
@@ -20,7 +21,7 @@ constexpr char kVersion[] = "torvelhost " TORVEL_VERSION "\n";
 
 // The command module. It knows the way back by itself, and stays loaded: its commands are registered until the end.
 void loadCommandModule(Terminal& terminal) {
-    const std::wstring fileName = base::libraryFileName(L"torvelcmd2");
+    const std::wstring fileName = base::libraryFileName(hostapi::kCommandModule);
     std::wstring reason;
     base::ModuleReference module = base::loadModule(fileName, &reason);
     if (!module) return terminal.error(L"the commands of " + fileName + L" are missing: " + reason);

@@ -250,6 +250,26 @@ IHelpServiceEx* hostGetHelpService() { return Application::current() ? &Applicat
 
 IStdDirs* hostGetStdDirs() { return Application::current() ? &Application::current()->folders() : nullptr; }
 
+bool hostProgress(std::uint64_t done, std::uint64_t total) { return host::Progress::tell(done, total); }
+
+int hostUndoGroupDepth(HostDocument* document) { return document ? document->database()->undoGroupDepth() : 0; }
+
+void hostOpenUndoGroup(HostDocument* document) {
+    if (document) document->database()->blockUndoRecording(true);
+}
+
+void hostCloseUndoGroup(HostDocument* document) {
+    if (document) document->database()->blockUndoRecording(false);
+}
+
+void hostRollBackUndoGroup(HostDocument* document) {
+    if (document) document->database()->rollBackUndoGroup();
+}
+
+void hostRedrawEntity(OdDbObjectId entity) {
+    if (Application::Session* current = session()) current->selection.redraw(entity);
+}
+
 void hostRegenerate(OdDbDatabase* database) {
     Application::Session* current = session();
     if (!current) return;
@@ -259,10 +279,7 @@ void hostRegenerate(OdDbDatabase* database) {
 }  // extern "C"
 
 // The table and the functions say the same.
-template <class Signature, class Function>
-constexpr bool fits(const hostapi::Service<Signature>&, Function*) {
-    return std::is_same_v<Signature, Function>;
-}
+using hostapi::fits;
 static_assert(fits(hostapi::get_host_funcptr, &get_host_funcptr));
 static_assert(fits(hostapi::new_ICmdFactory, &new_ICmdFactory));
 static_assert(fits(hostapi::initResTranslation, &_InitResTranslation));
@@ -296,3 +313,9 @@ static_assert(fits(hostapi::getProfile, &hostGetProfile));
 static_assert(fits(hostapi::getHelpService, &hostGetHelpService));
 static_assert(fits(hostapi::getStdDirs, &hostGetStdDirs));
 static_assert(fits(hostapi::regenerate, &hostRegenerate));
+static_assert(fits(hostapi::progress, &hostProgress));
+static_assert(fits(hostapi::undoGroupDepth, &hostUndoGroupDepth));
+static_assert(fits(hostapi::openUndoGroup, &hostOpenUndoGroup));
+static_assert(fits(hostapi::closeUndoGroup, &hostCloseUndoGroup));
+static_assert(fits(hostapi::rollBackUndoGroup, &hostRollBackUndoGroup));
+static_assert(fits(hostapi::redrawEntity, &hostRedrawEntity));

@@ -71,6 +71,7 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
 void Application::Session::tellPreview(bool on) {
     input.watchPreview(nullptr);
     selection.watchHighlight(nullptr);
+    selection.watchRedraw(nullptr);
     if (!on) return;
     const auto tell = [this](const std::wstring& what) { input.terminal().notice(L"[preview] " + what); };
     input.watchPreview([tell](const std::vector<OdDbEntity*>& shown) {
@@ -78,6 +79,10 @@ void Application::Session::tellPreview(bool on) {
     });
     selection.watchHighlight([tell](OdDbObjectId entity, bool highlighted) {
         tell(L"#" + entity.handle().text() + (highlighted ? L" highlighted" : L" as before"));
+    });
+    selection.watchRedraw([tell](OdDbObjectId entity, Selection::Redrawn how) {
+        static constexpr const wchar_t* kWords[] = {L" hidden", L" shown", L" redrawn"};
+        tell(L"#" + entity.handle().text() + kWords[static_cast<int>(how)]);
     });
 }
 

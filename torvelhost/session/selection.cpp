@@ -306,11 +306,21 @@ void Selection::endCommand() {
     if (!pickFirstChanged_) pickFirst_.clear();
     startingPick_.reset();
     highlighted_.clear();
+    hidden_.clear();
 }
 
 void Selection::highlight(OdDbObjectId entity, bool on) {
     const bool changed = on ? highlighted_.insert(entity).second : highlighted_.erase(entity) > 0;
     if (changed && highlightWatcher_) highlightWatcher_(entity, on);
+}
+
+void Selection::redraw(OdDbObjectId entity) {
+    const auto opened = entity.openIf<OdDbEntity>();
+    if (!opened) return;
+    const Redrawn how = opened->isInvisibleEntity() ? (hidden_.insert(entity), Redrawn::kHidden)
+                        : hidden_.erase(entity) > 0 ? Redrawn::kShown
+                                                    : Redrawn::kRedrawn;
+    if (redrawWatcher_) redrawWatcher_(entity, how);
 }
 
 }  // namespace host

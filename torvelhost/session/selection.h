@@ -50,6 +50,13 @@ class Selection {
     using HighlightWatcher = std::function<void(OdDbObjectId entity, bool on)>;
     void watchHighlight(HighlightWatcher watcher) { highlightWatcher_ = std::move(watcher); }
 
+    /// An entity is to be shown as it is now.
+    void redraw(OdDbObjectId entity);
+    /// Is told what a screen would show of it: whether it goes, comes back, or is drawn anew.
+    enum class Redrawn { kHidden, kShown, kRedrawn };
+    using RedrawWatcher = std::function<void(OdDbObjectId entity, Redrawn how)>;
+    void watchRedraw(RedrawWatcher watcher) { redrawWatcher_ = std::move(watcher); }
+
     /// The half side of the pick box in pixels.
     int pickBox = 3;
 
@@ -76,6 +83,8 @@ class Selection {
     std::optional<hostapi::Pick> startingPick_;
     std::set<OdDbObjectId> highlighted_;
     HighlightWatcher highlightWatcher_;
+    std::set<OdDbObjectId> hidden_;  // while the command runs
+    RedrawWatcher redrawWatcher_;
     std::optional<EntityGrid> grid_;  // of that space, as it was at that revision of the drawing
     OdDbObjectId gridSpace_;
     std::uint64_t gridRevision_ = 0;

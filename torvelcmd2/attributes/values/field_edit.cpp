@@ -282,16 +282,21 @@ void FieldEdit::deleteForward() {
     replace(selected.isEmpty() ? Range{caret_, stepFrom(caret_, true)} : selected, {});
 }
 
+FieldEdit::Fragment& FieldEdit::copied() {
+    static Fragment fragment;
+    return fragment;
+}
+
 OdString FieldEdit::copy() {
-    copied_ = fragmentAt(selection());
-    return copied_.text;
+    copied() = fragmentAt(selection());
+    return copied().text;
 }
 
 // What another program has copied since has another text, most likely.
 void FieldEdit::paste(const OdString& text) {
     if (text.empty()) return;
-    if (text == copied_.text)
-        replace(selection(), copied_);
+    if (text == copied().text)
+        replace(selection(), copied());
     else
         type(text);
 }

@@ -76,7 +76,8 @@ class FieldEdit {
     /// The selection, or else the character or run beside the caret.
     void deleteBack();
     void deleteForward();
-    /// The selected text, for other programs; a paste of the same text brings its fields back.
+    /// The selected text, for other programs; a paste of the same text brings its fields back, in this value and in any
+    /// other.
     OdString copy();
     void paste(const OdString& text);
     void insertField(const OdDbFieldPtr& field);
@@ -107,6 +108,8 @@ class FieldEdit {
         std::vector<OdDbFieldPtr> fields;
     };
 
+    /// What was copied last, in whichever control.
+    static Fragment& copied();
     void loadFields(const OdDbField& parent);
     void appendRun(const OdDbFieldPtr& field, std::int32_t number);
     void replace(Range range, const Fragment& with);
@@ -129,7 +132,6 @@ class FieldEdit {
     std::vector<FieldEntry> entries_;
     std::int32_t nextNumber_ = 0;
     std::size_t anchor_ = 0, caret_ = 0;
-    Fragment copied_;
 };
 
 }  // namespace torvel

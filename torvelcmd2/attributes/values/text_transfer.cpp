@@ -52,6 +52,8 @@ void applyFields(const CapturedText& captured, OdDbEntity& target) {
     field->evaluate(OdDbField::kAutomatic, target.database());
 }
 
+OdString codeOf(const OdDbFieldPtr& field) { return field->getFieldCode(OdDbField::kRawCode); }
+
 OdString plainValue(const OdDbEntity& source) {
     if (source.isKindOf(OdDbAttribute::desc())) {
         const auto& attribute = static_cast<const OdDbAttribute&>(source);
@@ -122,6 +124,11 @@ OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database) {
 CapturedText captureText(const OdDbEntity& source) {
     if (const OdDbFieldPtr field = source.getField(kTextFieldKey)) return captureFields(*field, source.database());
     return {false, plainValue(source), {}};
+}
+
+bool sameText(const CapturedText& one, const CapturedText& other) {
+    return one.hasField == other.hasField && one.text == other.text &&
+           std::ranges::equal(one.fields, other.fields, {}, codeOf, codeOf);
 }
 
 void applyText(const CapturedText& captured, OdDbEntity& target) {

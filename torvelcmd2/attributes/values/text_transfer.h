@@ -56,6 +56,9 @@ OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database);
 /// OdError_NotThatKindOfClass.
 CapturedText captureText(const OdDbEntity& source);
 
+/// Whether two captured values are the same: the text, and the fields by their codes.
+bool sameText(const CapturedText& one, const CapturedText& other);
+
 /// Makes the captured value the value of `target`, of the kinds that captureText takes. The target must be in a
 /// database; it is upgraded to write and stays so. The captured fields become the target's: capture again for another
 /// target.

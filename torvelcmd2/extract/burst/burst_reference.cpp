@@ -7,6 +7,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/database.h"
+#include "hostapi/module_functions.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace torvel {
@@ -337,3 +338,4 @@ void ReferenceBurster::append(OdDbEntity& entity) { added_.push_back(owner_->app
 bool burstBlockReference(OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
     return torvel::ReferenceBurster().burst(reference, owner);
 }
+static_assert(hostapi::fits(hostapi::burstBlockReference, &burstBlockReference));

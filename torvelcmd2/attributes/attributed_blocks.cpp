@@ -1,0 +1,59 @@
+#include "torvelcmd2/attributes/attributed_blocks.h"
+
+#include <utility>
+
+#include "base/format.h"
+#include "torvelcmd2/frame/command.h"
+#include "torvelcmd2/resources/resource.h"
+
+namespace torvel {
+
+bool hasDefinitions(const OdDbBlockTableRecord& block, Definitions which) {
+    if (which == Definitions::kAny) return block.hasAttributeDefinitions();
+    for (OdDbObjectId id : block.entities())
+        if (const auto definition = id.openIf<OdDbAttributeDefinition>(); definition && !definition->isConstant())
+            return true;
+    return false;
+}
+
+std::vector<AttributedBlock> attributedBlocks(const OdDbDatabase& database, Definitions which) {
+    std::vector<AttributedBlock> blocks;
+    const auto table = database.blockTableId().openIf<OdDbSymbolTable>();
+    if (!table) return blocks;  // an old drawing of bare entities
+    for (OdDbObjectId id : table->records()) {
+        const auto block = id.openAs<OdDbBlockTableRecord>();
+        OdString name = block->name();
+        if (!name.starts_with(L'*') && hasDefinitions(*block, which)) blocks.push_back({id, std::move(name)});
+    }
+    return blocks;
+}
+
+bool blockHasAttributes(OdDbObjectId id, bool editableOnly) {
+    id.openAs<OdDbEntity>();  // anything else is an error of the caller
+    if (!id.isKindOf(OdDbBlockReference::desc())) return false;
+    const auto block = OdDbBlockReference::blockTableRecordOf(id).openAs<OdDbBlockTableRecord>();
+    return hasDefinitions(*block, editableOnly ? Definitions::kNotConstant : Definitions::kAny);
+}
+
+OdDbObjectIdArray editableAttributes(const OdDbBlockReference& reference) {
+    OdDbObjectIdArray editable;
+    for (OdDbObjectId id : reference.attributes())
+        if (const auto attribute = id.openIf<OdDbAttribute>(); attribute && !attribute->isConstant())
+            editable.push_back(id);
+    return editable;
+}
+
+bool isOnLockedLayer(const OdDbEntity& entity) {
+    const auto layer = entity.layerId().openIf<OdDbLayerTableRecord>();
+    return layer && layer->isLocked();
+}
+
+OdString lockedLayerOf(OdDbObjectId attribute) {
+    for (OdDbObjectId id : {attribute, attribute.containerId()})
+        if (const auto entity = id.openIf<OdDbEntity>(); entity && isOnLockedLayer(*entity)) return entity->layer();
+    return {};
+}
+
+OdString lockedLayerText(const OdString& layer) { return base::formatPositional(loadText(IDS_LAYER_IS_LOCKED), layer); }
+
+}  // namespace torvel

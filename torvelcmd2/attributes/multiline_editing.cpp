@@ -1,0 +1,123 @@
+#include "torvelcmd2/attributes/multiline_editing.h"
+
+#include <utility>
+
+#include "drawingdb/attribute.h"
+#include "drawingdb/database.h"
+#include "torvelcmd2/frame/command.h"
+
+namespace torvel {
+namespace {
+
+// The variable that says how the editor presents itself.
+constexpr wchar_t kEditorContext[] = L"ATTIPE";
+
+HostDocument* activeDocument() {
+    HostApplication* const application = hostApplication();
+    return application ? application->activeDocument() : nullptr;
+}
+
+void redraw(OdDbObjectId object) {
+    auto* const redrawEntity = hostService(hostapi::redrawEntity);
+    if (redrawEntity && object) redrawEntity(object);
+}
+
+// A copy, in no drawing; null for what has no multi-line text.
+OdSmartPtr<OdDbMText> multiLineTextOf(const OdDbEntity& source) {
+    if (source.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(source).getMTextAttribute();
+    if (source.isKindOf(OdDbAttributeDefinition::desc()))
+        return static_cast<const OdDbAttributeDefinition&>(source).getMTextAttributeDefinition();
+    if (!source.isKindOf(OdDbMText::desc())) return {};
+    auto copy = OdDbMText::createObject();
+    copy->setTextFrom(static_cast<const OdDbMText&>(source));
+    return copy;
+}
+
+// How much longer a length along the text's lines is after the transform.
+double scaleAlong(const OdDbMText& text, const OdGeMatrix3d& transform) {
+    const double scale = (transform * text.direction()).length() / text.direction().length();
+    return scale > 0 ? scale : 1;
+}
+
+// The temporary text in the space where the user draws.
+OdSmartPtr<OdDbMText> appendTemporary(const OdDbEntity& source, const OdDbMText& form, OdDbDatabase& database,
+                                      const OdGeMatrix3d& transform, CapturedText value) {
+    const auto text = OdDbMText::createObject();
+    text->setDatabaseDefaults(&database);
+    text->setPropertiesFrom(source);
+    text->setVisibility(true);
+    text->setTextFrom(form);
+    appendToSpace(targetSpaceId(database), *text);
+    // The value comes after the transform, which would scale heights in it.
+    text->transformBy(transform);
+    applyText(value, *text);
+    return text;
+}
+
+void setWidth(OdDbEntity& target, double width) {
+    const OdSmartPtr<OdDbMText> text = multiLineTextOf(target);
+    if (!text || text->width() == width) return;
+    target.upgradeOpen();
+    text->setWidth(width);
+    if (target.isKindOf(OdDbAttribute::desc()))
+        static_cast<OdDbAttribute&>(target).setMTextAttribute(*text);
+    else if (target.isKindOf(OdDbAttributeDefinition::desc()))
+        static_cast<OdDbAttributeDefinition&>(target).setMTextAttributeDefinition(*text);
+    else
+        static_cast<OdDbMText&>(target).setWidth(width);
+}
+
+}  // namespace
+
+ScratchEditing::Redraw::~Redraw() { redraw(object); }
+
+ScratchEditing::ScratchEditing(const OdDbEntity& object, WhileEdited how) : group_(OdDbDatabasePtr(object.database())) {
+    if (how == WhileEdited::kAsItIs || object.isInvisibleEntity() == (how == WhileEdited::kHidden)) return;
+    redraw_.object = object.objectId();
+    object.objectId().openAs<OdDbEntity>(OdDb::forWrite)->setVisibility(how == WhileEdited::kShown);
+    redraw(redraw_.object);
+}
+
+MultiLineEdit editMultiLine(const OdDbEntity& source, WhileEdited how, const OdGeMatrix3d& transform,
+                            std::optional<CapturedText> value) {
+    const OdSmartPtr<OdDbMText> form = multiLineTextOf(source);
+    const ModuleFunction edit(hostapi::editMText);
+    MultiLineEdit result;
+    result.hasEditor = static_cast<bool>(edit);
+    HostDocument* const document = activeDocument();
+    OdDbDatabase* const database = source.database() ? source.database() : document ? document->database() : nullptr;
+    if (!form || !edit || !database) return result;
+    if (!value) value = captureText(source);
+
+    std::optional<ScratchEditing> editing;
+    std::optional<ScratchGroup> group;
+    if (source.isDatabaseResident())
+        editing.emplace(source, how);
+    else
+        group.emplace(OdDbDatabasePtr(database));
+    const auto text = appendTemporary(source, *form, *database, transform, std::move(*value));
+    if (edit(*text, kEditorContext))
+        result.value =
+            MultiLineValue{captureText(*text), text->width() / scaleAlong(*form, transform), text->location()};
+    return result;
+}
+
+MultiLineEdit newMultiLine(OdDbObjectId style, const OdString& text, double width, bool onScreen) {
+    const ModuleFunction make(hostapi::newMTextAtt);
+    MultiLineEdit result;
+    result.hasEditor = static_cast<bool>(make);
+    HostDocument* const document = activeDocument();
+    if (!make || !document) return result;
+    const ScratchGroup group(OdDbDatabasePtr(document->database()));
+    OdSmartPtr<OdDbMText> made;
+    if (make(document, style, text.c_str(), width, onScreen, made) && made)
+        result.value = MultiLineValue{captureText(*made), made->width(), made->location()};
+    return result;
+}
+
+void applyMultiLine(const MultiLineValue& value, OdDbEntity& target) {
+    setWidth(target, value.width);
+    if (!sameText(value.text, captureText(target))) applyText(value.text, target);
+}
+
+}  // namespace torvel

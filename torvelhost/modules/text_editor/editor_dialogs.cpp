@@ -1,0 +1,106 @@
+#include "torvelhost/modules/text_editor/editor_dialogs.h"
+
+#include "base/text.h"
+#include "dialogs/boxes.h"
+#include "torvelhost/modules/host_services.h"
+#include "torvelhost/modules/text_editor/resource.h"
+
+namespace texteditor {
+namespace {
+
+constexpr wchar_t kParagraphEnd[] = L"\\P";
+constexpr wchar_t kLineEnd[] = L"\r\n";
+
+// Behind a backslash a P is a P: "\\P" in the contents shows a backslash and a P.
+OdString withLineEnds(const OdString& contents) {
+    OdString lines;
+    for (std::size_t at = 0; at < contents.size(); ++at) {
+        if (contents.compare(at, 2, kParagraphEnd) == 0) {
+            lines += kLineEnd;
+            ++at;
+        } else {
+            lines += contents[at];
+            if (contents[at] == L'\\' && at + 1 < contents.size()) lines += contents[++at];
+        }
+    }
+    return lines;
+}
+
+OdString withParagraphs(const OdString& lines) {
+    return base::replaceAll(base::replaceAll(lines, kLineEnd, L"\n"), L"\n", kParagraphEnd);
+}
+
+base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const void*>(&thisModule)); }
+
+OdString lengthText(double length) {
+    CXStringW text;
+    auto* const toText = hostmodule::hostService(hostapi::realToText);
+    return toText && toText(length, -1, -1, text) ? OdString(text) : OdString();
+}
+
+}  // namespace
+
+EditorDialog::EditorDialog(Lines lines, const Sheet& sheet)
+    : Dialog(lines == Lines::kMany ? IDD_TEXT_EDITOR : IDD_LINE_EDITOR), lines_(lines), sheet_(sheet) {
+    setText(IDC_EDITOR_TEXT, hasWidth() ? withLineEnds(sheet.contents.text) : sheet.contents.text);
+    if (hasWidth()) setText(IDC_EDITOR_WIDTH, lengthText(sheet.width));
+    focus(IDC_EDITOR_TEXT);
+}
+
+void EditorDialog::onCommand(int control, dialogs::Event event) {
+    if (control == IDC_EDITOR_FIELD && event == dialogs::Event::kPressed) insertField();
+}
+
+// A field goes in as its marker, in the place of what is selected.
+void EditorDialog::insertField() {
+    OdDbFieldPtr field;
+    if (!hostmodule::askField(field)) return;
+    const OdString added = marker(sheet_.contents.fields.size());
+    sheet_.contents.fields.push_back(field);
+    OdString edited = text(IDC_EDITOR_TEXT);
+    const dialogs::TextSelection selected = selection(IDC_EDITOR_TEXT);
+    edited.replace(selected.begin(), selected.end() - selected.begin(), added);
+    setText(IDC_EDITOR_TEXT, edited);
+    focus(IDC_EDITOR_TEXT);
+    setSelection(IDC_EDITOR_TEXT, {selected.begin() + added.size(), selected.begin() + added.size()});
+}
+
+// What was not changed stands for the width to its last digit.
+std::optional<double> EditorDialog::typedWidth() const {
+    const OdString typed = text(IDC_EDITOR_WIDTH);
+    if (typed == lengthText(sheet_.width)) return sheet_.width;
+    auto* const toReal = hostmodule::hostService(hostapi::textToReal);
+    double width = 0;
+    return toReal && toReal(typed.c_str(), -1, width) && width >= 0 ? std::optional(width) : std::nullopt;
+}
+
+bool EditorDialog::onLeave(int control, int next) {
+    if (control != IDC_EDITOR_WIDTH || next == dialogs::kCancelButton || typedWidth()) return true;
+    dialogs::messageBox(dialogs::BoxKind::kWarning,
+                        L"\"" + text(IDC_EDITOR_WIDTH) + L"\" is no width; give a length, or 0 for none.");
+    return false;
+}
+
+void EditorDialog::onOk() {
+    if (hasWidth()) sheet_.width = typedWidth().value_or(sheet_.width);
+    sheet_.contents.text = hasWidth() ? withParagraphs(text(IDC_EDITOR_TEXT)) : text(IDC_EDITOR_TEXT);
+    end(dialogs::kOkButton);
+}
+
+bool editLines(Sheet& sheet) {
+    const dialogs::ResourceScope resources(thisModule());
+    EditorDialog dialog(EditorDialog::Lines::kMany, sheet);
+    if (dialog.runModal() != dialogs::kOkButton) return false;
+    sheet = dialog.sheet();
+    return true;
+}
+
+bool editLine(FieldText& contents) {
+    const dialogs::ResourceScope resources(thisModule());
+    EditorDialog dialog(EditorDialog::Lines::kOne, {contents, 0});
+    if (dialog.runModal() != dialogs::kOkButton) return false;
+    contents = dialog.sheet().contents;
+    return true;
+}
+
+}  // namespace texteditor
