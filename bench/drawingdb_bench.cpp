@@ -8,6 +8,7 @@
 #include "bench/make_drawing.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
 #include "drawingdb/spline.h"
 

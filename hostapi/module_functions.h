@@ -15,6 +15,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "hostapi/services.h"
+#include "drawingdb/block_reference.h"
 
 namespace hostapi {
 

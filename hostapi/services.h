@@ -28,6 +28,7 @@
 #include "hostapi/settings.h"
 #include "hostapi/slides.h"
 #include "hostapi/text.h"
+#include "drawingdb/mtext.h"
 
 class HostApplication;
 class HostDocument;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
 
 namespace {

@@ -6,6 +6,8 @@
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 
 namespace {
 

@@ -2,9 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
 #include "drawingdb/ellipse.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/symbol_table.h"
+#include "drawingdb/text.h"
 
 namespace {
 
@@ -114,9 +120,9 @@ TEST_F(BurstReference, UnequalScalesMakeEllipsesOfCircularArcs) {
             const OdGeVector3d offset = point - ellipse->center();
             const double x = offset.dotProduct(ellipse->majorAxis()) / ellipse->majorAxis().lengthSquared();
             const double y = offset.dotProduct(ellipse->minorAxis()) / ellipse->minorAxis().lengthSquared();
-            const double angle = torvel::normalizedAngle(std::atan2(y, x) - ellipse->startParam());
+            const double angle = drawingdb::normalizedAngle(std::atan2(y, x) - ellipse->startParam());
             const double sweep = ellipse->endParam() - ellipse->startParam();
-            if (angle <= sweep + 1e-9 || angle >= torvel::kTwoPi - 1e-9)
+            if (angle <= sweep + 1e-9 || angle >= drawingdb::kTwoPi - 1e-9)
                 nearest = std::min(nearest, ellipse->pointAtParam(ellipse->startParam() + angle).distanceTo(point));
         }
         EXPECT_LT(nearest, 1e-9) << point.x << "," << point.y;

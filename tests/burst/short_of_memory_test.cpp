@@ -7,6 +7,8 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
 #include "torvelcmd2/extract/burst/burst_reference.h"
 

@@ -1,3 +1,4 @@
+#include "drawingdb/block_reference.h"
 #include "extract_fixture.h"
 #include "torvelcmd2/extract/tv_dxf_filer.h"
 

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "base/files.h"
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "tests/base/temporary_folder.h"
 #include "torvelcmd2/extract/extract.h"

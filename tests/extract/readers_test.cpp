@@ -6,7 +6,10 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
+#include "drawingdb/symbol_table.h"
 
 namespace {
 

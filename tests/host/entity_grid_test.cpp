@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
 #include "gtest/gtest.h"

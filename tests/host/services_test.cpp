@@ -124,7 +124,7 @@ TEST(Slots, OfTheInterfacesThatModulesCall) {
     result = callSlot<int, double*, const wchar_t*, const wchar_t*, int, std::uintptr_t>(input, 1, &number, L"Angle",
                                                                                          nullptr, 4, none);
     EXPECT_EQ(result, -1);
-    EXPECT_DOUBLE_EQ(number, torvel::kPi / 4);
+    EXPECT_DOUBLE_EQ(number, drawingdb::kPi / 4);
     result = callSlot<int, const wchar_t*, const wchar_t*, int, std::uintptr_t, std::uintptr_t>(
         input, 2, L"Sure? [%s]", L"Yes No", 4, none, none);
     EXPECT_EQ(result, 2);

@@ -9,8 +9,9 @@
 #include "base/text.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/layer.h"
 #include "torvelhost/commands/command_factory.h"
 #include "torvelhost/commands/command_loop.h"
 
@@ -177,9 +178,9 @@ TEST(Prompts, NumbersAnglesDistancesAndTexts) {
     Host host(L"90|0,0|0,5|2.5|0,0|3,4|3,4|Through|17|-99999999999999999999|B|S");
     double angle = 0, distance = 0;
     EXPECT_EQ(host.input().getAngle(angle, L"Angle", L"Reference", 4, 0), hostapi::kValue);
-    EXPECT_DOUBLE_EQ(angle, torvel::kPi / 2);
+    EXPECT_DOUBLE_EQ(angle, drawingdb::kPi / 2);
     EXPECT_EQ(host.input().getAngle(angle = 0, L"Angle", nullptr, 4, 0), hostapi::kValue);
-    EXPECT_DOUBLE_EQ(angle, torvel::kPi / 2);  // from one point to another
+    EXPECT_DOUBLE_EQ(angle, drawingdb::kPi / 2);  // from one point to another
     EXPECT_EQ(host.input().getDistance(nullptr, distance, L"Distance", nullptr, 12, 0), hostapi::kValue);
     EXPECT_EQ(distance, 2.5);
     EXPECT_EQ(host.input().getDistance(nullptr, distance, L"Distance", nullptr, 12, 0), hostapi::kValue);

@@ -10,7 +10,7 @@
 using namespace host;
 
 namespace {
-constexpr double kDegree = torvel::kPi / 180.0;
+constexpr double kDegree = drawingdb::kPi / 180.0;
 }
 
 TEST(Units, Lengths) {
@@ -114,7 +114,7 @@ TEST(Units, WhatIsShownReadsBack) {
         const double angle = std::ldexp(static_cast<double>(random() % 360000), 0) / 1000 * kDegree;
         for (int units = kDegrees; units <= kSurveyor; ++units) {
             const double back = textToAngle(angleToText(angle, units, 8), units).value_or(99);
-            EXPECT_NEAR(std::remainder(back - angle, torvel::kTwoPi), 0, 1e-7) << "units " << units;
+            EXPECT_NEAR(std::remainder(back - angle, drawingdb::kTwoPi), 0, 1e-7) << "units " << units;
         }
     }
 }

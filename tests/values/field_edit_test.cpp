@@ -7,6 +7,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
+#include "drawingdb/text.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace {

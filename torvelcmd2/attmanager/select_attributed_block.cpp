@@ -4,6 +4,7 @@
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
+#include "drawingdb/block_reference.h"
 
 namespace torvel {
 namespace {

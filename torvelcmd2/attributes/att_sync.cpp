@@ -9,6 +9,7 @@
 #include "torvelcmd2/attributes/sync_reference.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
+#include "drawingdb/block_reference.h"
 
 namespace torvel {
 namespace {

@@ -5,6 +5,10 @@
 #include "base/format.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/resources/resource.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/symbol_table.h"
 
 namespace torvel {
 

@@ -6,6 +6,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
+#include "drawingdb/block_reference.h"
 
 namespace torvel {
 

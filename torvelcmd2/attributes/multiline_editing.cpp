@@ -5,6 +5,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
 #include "torvelcmd2/frame/command.h"
+#include "drawingdb/mtext.h"
 
 namespace torvel {
 namespace {

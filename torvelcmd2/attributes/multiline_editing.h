@@ -4,7 +4,6 @@
 
 #include <optional>
 
-#include "drawingdb/text.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 #include "torvelcmd2/frame/undo_scope.h"
 

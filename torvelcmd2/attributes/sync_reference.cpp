@@ -1,6 +1,8 @@
 #include "torvelcmd2/attributes/sync_reference.h"
 
 #include "base/text.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace torvel {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "drawingdb/attribute.h"
-#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 
 namespace torvel {
 

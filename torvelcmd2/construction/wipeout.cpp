@@ -4,8 +4,8 @@
 #include <cmath>
 #include <vector>
 
-#include "drawingdb/block.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/layer.h"
 #include "drawingdb/wipeout.h"
 #include "hostapi/trackers.h"
 #include "torvelcmd2/frame/ask.h"

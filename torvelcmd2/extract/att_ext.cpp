@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/paths.h"
-#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "torvelcmd2/extract/att_ext_dialog.h"
 #include "torvelcmd2/extract/extract.h"
 #include "torvelcmd2/frame/ask.h"

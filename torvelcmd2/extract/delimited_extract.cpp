@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "base/text.h"
+#include "drawingdb/block.h"
 #include "drawingdb/readers.h"
 #include "torvelcmd2/extract/delimited_text.h"
 #include "torvelcmd2/extract/extract_output.h"

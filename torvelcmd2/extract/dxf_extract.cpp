@@ -1,5 +1,5 @@
 // The DXF extract (DXX): the groups of block references as TVDxfFiler tells them.
-#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "torvelcmd2/extract/extract.h"
 #include "torvelcmd2/extract/extract_output.h"
 #include "torvelcmd2/extract/tv_dxf_filer.h"

@@ -2,7 +2,7 @@
 
 #include "base/resources.h"
 #include "drawingdb/block.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/viewport.h"
 #include "torvelcmd2/frame/module_instance.h"
 
 namespace torvel {

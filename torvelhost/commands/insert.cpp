@@ -3,6 +3,7 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "torvelhost/commands/host_commands.h"
 
 namespace host::commands {

@@ -1,7 +1,9 @@
 // LAYER: makes layers and changes their states.
+#include "drawingdb/layer.h"
+
 #include "base/number.h"
 #include "base/text.h"
-#include "drawingdb/block.h"
+#include "drawingdb/symbol_table.h"
 #include "torvelhost/commands/host_commands.h"
 
 namespace host::commands {

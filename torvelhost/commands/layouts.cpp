@@ -1,6 +1,6 @@
 // LAYOUT, and MSPACE and PSPACE, which enter and leave a viewport of it.
 #include "base/number.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/viewport.h"
 #include "torvelhost/commands/host_commands.h"
 
 namespace host::commands {

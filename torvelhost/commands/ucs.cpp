@@ -20,7 +20,7 @@ CMD_RUNSTATUS ucs(HostRun& run) {
             break;
         default: {
             const int axis = result - kFirstKeyword;
-            double angle = torvel::kPi / 2;
+            double angle = drawingdb::kPi / 2;
             const wchar_t* const prompt = axis == kX   ? L"Specify rotation angle about X axis <90>"
                                           : axis == kY ? L"Specify rotation angle about Y axis <90>"
                                                        : L"Specify rotation angle about Z axis <90>";

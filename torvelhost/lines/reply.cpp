@@ -99,7 +99,7 @@ OdGeVector3d directionAt(double degrees) {
         static constexpr OdGeVector3d kDirections[] = {{1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}};
         return kDirections[(static_cast<int>(quarter) + 4) % 4];
     }
-    const double angle = turn * torvel::kPi / 180.0;
+    const double angle = turn * drawingdb::kPi / 180.0;
     return {std::cos(angle), std::sin(angle), 0};
 }
 

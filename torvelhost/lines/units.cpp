@@ -184,8 +184,8 @@ std::wstring lengthToText(double value, int units, int precision) {
 
 std::wstring angleToText(double radians, int units, int precision) {
     precision = std::clamp(precision, 0, kLargestPrecision);
-    const double turned = torvel::normalizedAngle(radians);
-    double degrees = turned * 180.0 / torvel::kPi;
+    const double turned = drawingdb::normalizedAngle(radians);
+    double degrees = turned * 180.0 / drawingdb::kPi;
     // What rounds up to a full turn is none.
     if (const double scale = std::pow(10.0, precision); std::round(degrees * scale) >= 360.0 * scale) degrees = 0.0;
     switch (units) {
@@ -225,7 +225,7 @@ std::optional<double> textToLength(std::wstring_view text) {
 
 std::optional<double> textToAngle(std::wstring_view text, int units) {
     Scanner scanner(text);
-    constexpr double kRadiansPerDegree = torvel::kPi / 180.0;
+    constexpr double kRadiansPerDegree = drawingdb::kPi / 180.0;
     const bool north = scanner.take(L'n');
     const bool south = !north && scanner.take(L's');
     if (north || south || (units == kSurveyor && !scanner.atEnd())) {
@@ -244,7 +244,7 @@ std::optional<double> textToAngle(std::wstring_view text, int units) {
         }
         if (north || south) return (north ? 90.0 : 270.0) * kRadiansPerDegree;
         if (scanner.take(L'e')) return scanner.atEnd() ? std::optional(0.0) : std::nullopt;
-        if (scanner.take(L'w')) return scanner.atEnd() ? std::optional(torvel::kPi) : std::nullopt;
+        if (scanner.take(L'w')) return scanner.atEnd() ? std::optional(drawingdb::kPi) : std::nullopt;
     }
     const bool negative = scanner.take(L'-');
     if (!negative) scanner.take(L'+');

@@ -32,7 +32,7 @@ bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box) {
 
 int Shapes::stepsOf(double radius, double sweep) const {
     sweep = std::fabs(sweep);
-    double step = torvel::kTwoPi / kFinestSteps;
+    double step = drawingdb::kTwoPi / kFinestSteps;
     if (pixel_ > 0 && radius > 0) {
         const double flatness = std::min(kTolerance * pixel_ / radius, 0.5);
         step = 2 * std::acos(1 - flatness);

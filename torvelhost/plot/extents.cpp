@@ -2,7 +2,11 @@
 
 #include <cmath>
 
-#include "drawingdb/dictionary.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/text.h"
+#include "drawingdb/text_metrics.h"
+#include "drawingdb/viewport.h"
 
 namespace host {
 namespace {
@@ -15,7 +19,7 @@ void addText(const OdDbText& text, const OdString& shown, OdGeExtents3d& box) {
     if (box.isValid() && box.contains(position - around) && box.contains(position + around)) return;
     const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
     const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * position).z;
-    for (const OdGePoint2d& corner : torvel::textBoundingPoints(shown, geometryOf(text, shown)))
+    for (const OdGePoint2d& corner : drawingdb::textBoundingPoints(shown, geometryOf(text, shown)))
         box.addPoint(plane * OdGePoint3d(corner.x, corner.y, elevation));
 }
 

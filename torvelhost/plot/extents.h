@@ -4,6 +4,8 @@
 #include <optional>
 #include <unordered_map>
 
+#include "drawingdb/block_reference.h"
+#include "drawingdb/text.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {

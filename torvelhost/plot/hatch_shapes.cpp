@@ -182,7 +182,7 @@ bool Shapes::addHatch(const std::vector<PlotGroup>& groups) {
                     const OdGeVector2d x = kind == 2 ? OdGeVector2d(groupOrZero(edge, 40).real, 0) : to;
                     const OdGeVector2d y = kind == 2 ? x.perpVector() : x.perpVector() * groupOrZero(edge, 40).real;
                     double start = groupOrZero(edge, 50).real, end = groupOrZero(edge, 51).real;
-                    if (end <= start) end += torvel::kTwoPi;
+                    if (end <= start) end += drawingdb::kTwoPi;
                     // Clockwise arcs have their angles counted clockwise too.
                     const double turn = groupOrZero(edge, 73).integer != 0 ? 1 : -1;
                     const int steps = stepsOf(x.length(), end - start);

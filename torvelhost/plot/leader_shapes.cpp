@@ -1,4 +1,5 @@
 // Leaders of both kinds, and multiple lines.
+#include "drawingdb/mtext.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -21,7 +22,7 @@ OdCmColor colorOf(std::int64_t number) {
 
 }  // namespace
 
-void Shapes::addLeaderParts(const torvel::LeaderParts& parts) {
+void Shapes::addLeaderParts(const drawingdb::LeaderParts& parts) {
     if (parts.line.size() < 2) return;
     if (!parts.head.empty()) list_.add(DisplayList::Kind::kArea, parts.head);
     list_.add(DisplayList::Kind::kPolyline, parts.line);
@@ -29,7 +30,7 @@ void Shapes::addLeaderParts(const torvel::LeaderParts& parts) {
 
 // The head is closed and filled, whatever arrow is asked for.
 void Shapes::addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow) {
-    addLeaderParts(torvel::leaderParts(std::move(corners), normal, arrow));
+    addLeaderParts(drawingdb::leaderParts(std::move(corners), normal, arrow));
 }
 
 //   300 CONTEXT_DATA{   41 text height  140 arrowhead   290 text: 304 contents  11 normal  12 place  13 direction

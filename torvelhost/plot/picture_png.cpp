@@ -139,7 +139,7 @@ class Painter {
     void disc(const OdGePoint2d& center, double radius) {
         const int corners = radius < 2 ? 8 : radius < 10 ? 16 : 48;
         for (int i = 0; i < corners; ++i) {
-            const double angle = torvel::kTwoPi * i / corners;
+            const double angle = drawingdb::kTwoPi * i / corners;
             const double x = center.x + radius * std::cos(angle), y = center.y + radius * std::sin(angle);
             if (i == 0)
                 rasterizer_.move_to_d(x, y);

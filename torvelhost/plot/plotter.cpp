@@ -2,7 +2,10 @@
 
 #include <cmath>
 
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/dictionary.h"
+#include "drawingdb/viewport.h"
 #include "torvelhost/plot/cut.h"
 #include "torvelhost/plot/dashes.h"
 
@@ -258,13 +261,13 @@ void Plotter::drawMarker(const OdGePoint2d& center, const Look& look) {
     const auto around = [&](int corners, double radius, double turned) {
         std::vector<OdGePoint2d> points;
         for (int i = 0; i <= corners; ++i) {
-            const double angle = turned + torvel::kTwoPi * i / corners;
+            const double angle = turned + drawingdb::kTwoPi * i / corners;
             points.push_back(center + OdGeVector2d(std::cos(angle), std::sin(angle)) * radius);
         }
         picture_.addPolyline(points, pen);
     };
     if (pointMode_ & 32) around(48, size / 2, 0);
-    if (pointMode_ & 64) around(4, size / 2 * std::sqrt(2.0), torvel::kPi / 4);
+    if (pointMode_ & 64) around(4, size / 2 * std::sqrt(2.0), drawingdb::kPi / 4);
 }
 
 bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size) const {

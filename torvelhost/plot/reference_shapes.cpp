@@ -1,4 +1,8 @@
 // Block references, and the kinds that the database carries without understanding them.
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -69,7 +73,7 @@ bool Shapes::add(const OdDbEntity& entity) {
         const auto& arc = static_cast<const OdDbArc&>(entity);
         addCircle(arc, arc.startParam(), arc.endParam() - arc.startParam());
     } else if (is(OdDbCircle::desc())) {
-        addCircle(static_cast<const OdDbCircle&>(entity), 0, torvel::kTwoPi);
+        addCircle(static_cast<const OdDbCircle&>(entity), 0, drawingdb::kTwoPi);
     } else if (is(OdDbPoint::desc())) {
         list_.add(DisplayList::Kind::kMarker, Corners{static_cast<const OdDbPoint&>(entity).position()});
     } else if (is(OdDbWipeout::desc())) {
@@ -120,7 +124,7 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     else if (is("ACAD_TABLE"))
         return addTable(groupsOf(entity));
     else if (is("LEADER"))
-        addLeaderParts(torvel::leaderParts(entity));
+        addLeaderParts(drawingdb::leaderParts(entity));
     else if (is("MULTILEADER"))
         addMultiLeader(groupsOf(entity));
     else if (is("MLINE"))

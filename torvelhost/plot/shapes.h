@@ -5,9 +5,13 @@
 #include <optional>
 
 #include "drawingdb/attribute.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/leader.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/old_polyline.h"
+#include "drawingdb/text.h"
+#include "drawingdb/text_metrics.h"
 #include "drawingdb/wipeout.h"
 #include "torvelhost/plot/display_list.h"
 #include "torvelhost/plot/groups.h"
@@ -19,7 +23,7 @@ DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 
 /// Where single-line text stands. Justified text hangs on its alignment point in this font too, wherever another one
 /// made it begin.
-torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
+drawingdb::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
 
 /// The box around an entity's geometry and the width of a polyline's line; false for what has none.
 bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box);
@@ -84,7 +88,7 @@ class Shapes {
     void addFace(const std::vector<PlotGroup>& groups);
 
     /// leader_shapes.cpp
-    void addLeaderParts(const torvel::LeaderParts& parts);
+    void addLeaderParts(const drawingdb::LeaderParts& parts);
     void addMultiLeader(const std::vector<PlotGroup>& groups);
     void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
     void addMultiLine(const std::vector<PlotGroup>& groups);

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/symbol_table.h"
 #include "torvelhost/plot/groups.h"
 
 namespace host {

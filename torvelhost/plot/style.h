@@ -6,7 +6,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
 
 namespace host {

@@ -1,12 +1,17 @@
 // Single-line and multi-line text.
+#include "drawingdb/mtext.h"
+#include "drawingdb/mtext_layout.h"
+#include "drawingdb/stroke_font.h"
+#include "drawingdb/text.h"
+#include "drawingdb/text_metrics.h"
 #include "torvelhost/plot/extents.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
 
-torvel::TextGeometry geometryOf(const OdDbText& text, const OdString& shown) {
-    const torvel::TextGeometry geometry = text.textGeometry();
-    return text.isJustified() ? torvel::alignText(shown, geometry) : geometry;
+drawingdb::TextGeometry geometryOf(const OdDbText& text, const OdString& shown) {
+    const drawingdb::TextGeometry geometry = text.textGeometry();
+    return text.isJustified() ? drawingdb::alignText(shown, geometry) : geometry;
 }
 
 bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
@@ -19,7 +24,7 @@ bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
 
 void Shapes::addText(const OdDbText& text, const OdString& shown) {
     if (shown.empty() || isBesideWindow(text, shown)) return;
-    const torvel::TextGeometry geometry = geometryOf(text, shown);
+    const drawingdb::TextGeometry geometry = geometryOf(text, shown);
     const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
     const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
     const auto add = [&](const OdGePoint2d& point) {
@@ -28,11 +33,11 @@ void Shapes::addText(const OdDbText& text, const OdString& shown) {
     list_.begin(DisplayList::Kind::kStrokes);
     if (isTooSmall(geometry.height)) {
         // A line where it stands; nobody could read it.
-        const auto corners = torvel::textBoundingPoints(shown, geometry);
+        const auto corners = drawingdb::textBoundingPoints(shown, geometry);
         add(corners[0] + (corners[3] - corners[0]) * 0.5);
         add(corners[1] + (corners[2] - corners[1]) * 0.5);
     } else {
-        for (const torvel::Polyline2d& stroke : torvel::textStrokes(shown, geometry)) {
+        for (const drawingdb::Polyline2d& stroke : drawingdb::textStrokes(shown, geometry)) {
             for (const OdGePoint2d& point : stroke) add(point);
             list_.endContour();
         }
@@ -59,7 +64,7 @@ void Shapes::addAttributeText(const OdDbAttributeText& text) {
 
 void Shapes::addMText(const OdDbMText& text) {
     const OdGeMatrix3d toWorld = text.layoutToWorld();
-    const torvel::MTextLayout layout = text.layout();
+    const drawingdb::MTextLayout layout = text.layout();
     const auto inWorld = [&](const OdGePoint2d& point) { return toWorld * OdGePoint3d(point.x, point.y, 0); };
     const Style own = list_.style();
 
@@ -76,7 +81,7 @@ void Shapes::addMText(const OdDbMText& text) {
         corners.push_back(corners.front());
         if (text.hasFrame()) list_.add(DisplayList::Kind::kStrokes, corners);
     }
-    for (const torvel::MTextLine& line : layout.lines) {
+    for (const drawingdb::MTextLine& line : layout.lines) {
         if (isTooSmall(line.height)) {
             const OdGePoint2d middle(line.position.x, line.position.y + line.height / 2);
             list_.setStyle(own);
@@ -84,10 +89,10 @@ void Shapes::addMText(const OdDbMText& text) {
                       Corners{inWorld(middle), inWorld({middle.x + line.width, middle.y})});
             continue;
         }
-        for (const torvel::MTextPlacedRun& run : line.runs) {
+        for (const drawingdb::MTextPlacedRun& run : line.runs) {
             list_.setStyle(run.format.color ? styles_.colored(own, *run.format.color) : own);
             list_.begin(DisplayList::Kind::kStrokes);
-            for (const torvel::Polyline2d& stroke : torvel::mtextRunStrokes(run)) {
+            for (const drawingdb::Polyline2d& stroke : drawingdb::mtextRunStrokes(run)) {
                 for (const OdGePoint2d& point : stroke) list_.addPoint(inWorld(point));
                 list_.endContour();
             }

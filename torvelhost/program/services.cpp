@@ -128,7 +128,7 @@ double getTextOrientation(OdGeVector3d& normal, double rotation, OdDbDatabase*) 
     normal = ucs.zAxis();
     if (ucs.xAxis() == OdGeVector3d::kXAxis && ucs.yAxis() == OdGeVector3d::kYAxis) return rotation;
     // The user's X axis, seen in the plane of the normal, is where rotations are counted from.
-    return torvel::normalizedAngle((OdGeMatrix3d::worldToPlane(normal) * ucs.xAxis()).xy().angle() + rotation);
+    return drawingdb::normalizedAngle((OdGeMatrix3d::worldToPlane(normal) * ucs.xAxis()).xy().angle() + rotation);
 }
 
 void hostGetDrawingPlane(OdGeMatrix3d& toWorld) {

@@ -2,7 +2,10 @@
 
 #include "base/paths.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/field.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
 #include "torvelhost/session/preview.h"
 

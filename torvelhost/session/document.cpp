@@ -5,7 +5,7 @@
 
 #include "base/files.h"
 #include "drawingdb/block.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/viewport.h"
 
 namespace host {
 Document::Document(OdDbDatabasePtr database) : database_(std::move(database)) {}

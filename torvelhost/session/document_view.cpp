@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "drawingdb/dictionary.h"
+#include "drawingdb/viewport.h"
 #include "torvelhost/plot/extents.h"
 
 namespace host {

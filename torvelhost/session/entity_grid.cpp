@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drawingdb/block.h"
+
 namespace host {
 namespace {
 

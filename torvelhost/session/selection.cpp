@@ -6,7 +6,10 @@
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/text.h"
+#include "drawingdb/viewport.h"
 
 namespace host {
 namespace {

@@ -4,10 +4,15 @@
 #include <cmath>
 
 #include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
+#include "drawingdb/layer.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/spline.h"
+#include "drawingdb/symbol_table.h"
+#include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/wipeout.h"
 #include "torvelhost/plot/cut.h"
@@ -50,7 +55,7 @@ bool showsInReference(const OdDbEntity& entity) {
 std::vector<OdGePoint2d> textCorners(const OdDbText& text, const OdGeMatrix3d& toWorld) {
     const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
     const OdGePoint3d position = OdGeMatrix3d::worldToPlane(text.normal()) * text.position();
-    torvel::TextGeometry geometry;
+    drawingdb::TextGeometry geometry;
     geometry.position = position.xy();
     geometry.height = text.height();
     geometry.rotation = text.rotation();
@@ -59,7 +64,7 @@ std::vector<OdGePoint2d> textCorners(const OdDbText& text, const OdGeMatrix3d& t
     geometry.mirroredInX = text.isMirroredInX();
     geometry.mirroredInY = text.isMirroredInY();
     std::vector<OdGePoint2d> corners;
-    for (const OdGePoint2d& corner : torvel::textBoundingPoints(text.textString(), geometry))
+    for (const OdGePoint2d& corner : drawingdb::textBoundingPoints(text.textString(), geometry))
         corners.push_back((toWorld * (plane * OdGePoint3d(corner.x, corner.y, position.z))).xy());
     return corners;
 }

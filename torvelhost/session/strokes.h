@@ -5,7 +5,6 @@
 #include <map>
 #include <vector>
 
-#include "drawingdb/block.h"
 #include "drawingdb/entity.h"
 
 class OdDbAttribute;

@@ -10,7 +10,7 @@
 
 #include "base/number.h"
 #include "base/paths.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/viewport.h"
 #include "torvelhost/lines/units.h"
 
 namespace host {

@@ -1,6 +1,7 @@
 // Attributes of block references, and their definitions in blocks.
 #pragma once
 
+#include "drawingdb/mtext.h"
 #include "drawingdb/text.h"
 
 /// What attributes and attribute definitions have in common.

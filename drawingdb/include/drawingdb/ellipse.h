@@ -21,7 +21,7 @@ class DRAWINGDB_API OdDbEllipse : public OdDbCurve {
     /// Throws OdError(invalidInput) for an axis without length, a ratio outside (0, 1], or a normal that is not at
     /// right angles to the major axis. The whole ellipse is 0 to 2 pi.
     void set(const OdGePoint3d& center, const OdGeVector3d& normal, const OdGeVector3d& majorAxis, double radiusRatio,
-             double start = 0, double end = torvel::kTwoPi);
+             double start = 0, double end = drawingdb::kTwoPi);
 
     bool isClosed() const override;
     /// Takes every matrix that does not squeeze the plane to a line.
@@ -46,6 +46,6 @@ class DRAWINGDB_API OdDbEllipse : public OdDbCurve {
     OdGeVector3d normal_{0, 0, 1};
     double ratio_ = 1;
     double start_ = 0;
-    double end_ = torvel::kTwoPi;
+    double end_ = drawingdb::kTwoPi;
     mutable std::shared_ptr<const drawingdb::ArcLengths> lengths_;  // none until asked for; none after a change
 };

@@ -22,7 +22,7 @@ struct OdGeContext {
     static constexpr OdGeTol gTol{};
 };
 
-namespace torvel {
+namespace drawingdb {
 
 inline constexpr double kPi = 3.14159265358979323846;
 inline constexpr double kTwoPi = 6.28318530717958647693;
@@ -40,7 +40,7 @@ inline double euclideanLength(double x, double y, double z = 0.0) {
     return largest * std::sqrt(sx * sx + sy * sy + sz * sz);
 }
 
-}  // namespace torvel
+}  // namespace drawingdb
 
 class OdGeMatrix3d;
 
@@ -72,7 +72,7 @@ struct OdGeVector2d {
     /// Positive when v lies counter-clockwise of this vector.
     constexpr double crossProduct(const OdGeVector2d& v) const { return x * v.y - y * v.x; }
     constexpr double lengthSquared() const { return dotProduct(*this); }
-    double length() const { return torvel::euclideanLength(x, y); }
+    double length() const { return drawingdb::euclideanLength(x, y); }
     bool isZeroLength(const OdGeTol& tol = OdGeContext::gTol) const { return length() <= tol.equalVector; }
 
     /// Makes the length 1; the zero vector stays as it is.
@@ -104,12 +104,12 @@ struct OdGeVector2d {
         return set(c * x - s * y, s * x + c * y);
     }
     /// The direction from the X axis, counter-clockwise, in [0, 2 pi); 0 for the zero vector.
-    double angle() const { return torvel::normalizedAngle(std::atan2(y, x)); }
+    double angle() const { return drawingdb::normalizedAngle(std::atan2(y, x)); }
     /// In [0, pi]; 0 when either has no length.
     double angleTo(const OdGeVector2d& v) const { return std::atan2(std::fabs(crossProduct(v)), dotProduct(v)); }
     /// Counter-clockwise from this vector to v, in [0, 2 pi).
     double ccwAngleTo(const OdGeVector2d& v) const {
-        return torvel::normalizedAngle(std::atan2(crossProduct(v), dotProduct(v)));
+        return drawingdb::normalizedAngle(std::atan2(crossProduct(v), dotProduct(v)));
     }
 };
 
@@ -181,7 +181,7 @@ struct OdGeVector3d {
         return {y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x};
     }
     constexpr double lengthSquared() const { return dotProduct(*this); }
-    double length() const { return torvel::euclideanLength(x, y, z); }
+    double length() const { return drawingdb::euclideanLength(x, y, z); }
     bool isZeroLength(const OdGeTol& tol = OdGeContext::gTol) const { return length() <= tol.equalVector; }
 
     /// Makes the length 1; the zero vector stays as it is.
@@ -277,7 +277,7 @@ struct OdGeScale3d {
     constexpr OdGeScale3d operator*(double s) const { return {sx * s, sy * s, sz * s}; }
     constexpr OdGeScale3d operator*(const OdGeScale3d& s) const { return {sx * s.sx, sy * s.sy, sz * s.sz}; }
     bool isEqualTo(const OdGeScale3d& s, const OdGeTol& tol = OdGeContext::gTol) const {
-        return torvel::euclideanLength(sx - s.sx, sy - s.sy, sz - s.sz) <= tol.equalVector;
+        return drawingdb::euclideanLength(sx - s.sx, sy - s.sy, sz - s.sz) <= tol.equalVector;
     }
     /// The three factors have the same size, whatever their signs.
     bool isProportional(const OdGeTol& tol = OdGeContext::gTol) const {
@@ -338,7 +338,7 @@ class OdGeMatrix3d {
     static constexpr OdGeMatrix3d mirroring(const OdGePoint3d& center) { return scaling(-1.0, center); }
     /// The half turn about a line.
     static OdGeMatrix3d mirroring(const OdGePoint3d& onLine, const OdGeVector3d& direction) {
-        return rotation(torvel::kPi, direction, onLine);
+        return rotation(drawingdb::kPi, direction, onLine);
     }
 
     /// From the object coordinates of an entity with this extrusion direction to the world. The X axis follows the

@@ -5,7 +5,7 @@
 
 #include "drawingdb/entity.h"
 
-namespace torvel {
+namespace drawingdb {
 
 /// World coordinates.
 struct LeaderParts {
@@ -22,4 +22,4 @@ DRAWINGDB_API LeaderParts leaderParts(std::vector<OdGePoint3d> corners, const Od
 /// filled and the line straight, whatever is asked for.
 DRAWINGDB_API LeaderParts leaderParts(const OdDbEntity& leader);
 
-}  // namespace torvel
+}  // namespace drawingdb

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "drawingdb/attribute.h"
-#include "drawingdb/block.h"
 
 namespace drawingdb {
 

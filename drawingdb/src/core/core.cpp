@@ -4,10 +4,12 @@
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
 #include "drawingdb/src/core/unknown.h"
+#include "drawingdb/symbol_table.h"
 
 namespace drawingdb {
 

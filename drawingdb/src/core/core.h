@@ -20,8 +20,8 @@
 #include <vector>
 
 #include "base/files.h"
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
+#include "drawingdb/entity.h"
 #include "drawingdb/src/core/arena.h"
 #include "drawingdb/src/core/record_types.h"
 #include "drawingdb/src/core/stub.h"

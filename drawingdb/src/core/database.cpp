@@ -7,9 +7,12 @@
 #include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/dictionary.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/layout.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/object_access.h"
 #include "drawingdb/src/file/new_drawing.h"
+#include "drawingdb/viewport.h"
 
 using namespace drawingdb;
 

@@ -5,9 +5,9 @@
 #include <bitset>
 #include <cstring>
 
+#include "drawingdb/mtext.h"
 #include "drawingdb/src/core/object_access.h"
 #include "drawingdb/src/geometry/curve_math.h"
-#include "drawingdb/text.h"
 
 namespace drawingdb {
 

@@ -3,6 +3,7 @@
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
 #include "drawingdb/dictionary.h"
 #include "drawingdb/field.h"
 #include "drawingdb/src/core/core.h"

@@ -372,7 +372,7 @@ void replay(std::string_view bytes, const FileFormat& format, OdDbDatabase& data
                 else if (parts == 2)
                     filer.wrPoint2d(code, OdGePoint2d(x, rest[0]));
                 else if (isAngleCode(code))
-                    filer.wrAngle(code, x * torvel::kPi / 180.0);
+                    filer.wrAngle(code, x * drawingdb::kPi / 180.0);
                 else
                     filer.wrDouble(code, x);
                 break;

@@ -1,7 +1,7 @@
 // What the database's own machinery may do with an object beyond its public interface.
 #pragma once
 
-#include "drawingdb/dictionary.h"
+#include "drawingdb/entity.h"
 #include "drawingdb/field.h"
 #include "drawingdb/object.h"
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "drawingdb/block_reference.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/geometry/curve_math.h"
 

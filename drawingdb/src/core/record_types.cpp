@@ -4,13 +4,20 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/dictionary.h"
 #include "drawingdb/ellipse.h"
 #include "drawingdb/error.h"
 #include "drawingdb/field.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/layout.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/spline.h"
+#include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
+#include "drawingdb/text_style.h"
+#include "drawingdb/viewport.h"
 #include "drawingdb/wipeout.h"
 
 namespace drawingdb {

@@ -1,9 +1,11 @@
 #include "drawingdb/attribute.h"
 
 #include "base/text.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/geometry/curve_math.h"
+#include "drawingdb/text.h"
 
 using drawingdb::ClassDescription;
 using drawingdb::Describer;
@@ -182,7 +184,7 @@ void OdDbAttributeText::changed(Change what) {
             mtext_->setNormal(normal_);
             [[fallthrough]];
         case Change::rotation: {
-            const double reading = isMirroredInX() ? rotation_ + torvel::kPi : rotation_;
+            const double reading = isMirroredInX() ? rotation_ + drawingdb::kPi : rotation_;
             mtext_->setDirection(OdGeMatrix3d::planeToWorld(normal_) *
                                  OdGeVector3d(std::cos(reading), std::sin(reading), 0));
             return;

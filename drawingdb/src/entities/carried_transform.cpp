@@ -142,7 +142,7 @@ bool transformSolid(GroupList& groups, const OdGeMatrix3d& matrix) {
 // rational spline of degree 2, which takes any matrix.
 void writeSplineEdge(GroupWriter& writer, const OdGePoint2d& center, const OdGeVector2d& x, const OdGeVector2d& y,
                      double start, double end) {
-    const int spans = std::max(1, static_cast<int>(std::ceil(std::fabs(end - start) / (torvel::kPi / 2) - 1e-9)));
+    const int spans = std::max(1, static_cast<int>(std::ceil(std::fabs(end - start) / (drawingdb::kPi / 2) - 1e-9)));
     const double step = (end - start) / spans, weight = std::cos(step / 2);
     writer.integer(72, 4);
     writer.integer(94, 2);  // degree
@@ -240,10 +240,10 @@ class HatchWithoutArcs {
         if (!circular) x = major < end ? groups_.point(major).xy() - OdGePoint2d() : OdGeVector2d();
         const OdGeVector2d y = x.perpVector() * (circular ? 1 : real(40));
         double start = real(50) * kDegree, sweep = real(51) * kDegree - start;
-        if (sweep <= 0) sweep += torvel::kTwoPi;
+        if (sweep <= 0) sweep += drawingdb::kTwoPi;
         // Clockwise arcs have their angles counted clockwise too.
         writeSplineEdge(writer_, center < end ? groups_.point(center).xy() : OdGePoint2d(), x, y, turn * start,
-                        turn * (start + std::min(sweep, torvel::kTwoPi)));
+                        turn * (start + std::min(sweep, drawingdb::kTwoPi)));
     }
 
     const GroupList& groups_;

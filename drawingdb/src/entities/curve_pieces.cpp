@@ -16,7 +16,7 @@ constexpr int kFirstVersionWithHatches = 1014;
 constexpr int kLinesPerTurn = 128;
 
 int linesFor(double angle) {
-    const double lines = std::ceil(std::fabs(angle) / torvel::kTwoPi * kLinesPerTurn);
+    const double lines = std::ceil(std::fabs(angle) / drawingdb::kTwoPi * kLinesPerTurn);
     return lines >= 1 ? static_cast<int>(std::min(lines, static_cast<double>(kLinesPerTurn))) : 1;
 }
 

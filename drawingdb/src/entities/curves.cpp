@@ -229,7 +229,7 @@ OdResult OdDbPoint::transformBy(const OdGeMatrix3d& matrix) {
         // The direction of the mark that point styles draw.
         if (const auto plane = mapPlane(matrix, normal_)) {
             const OdGeVector3d mark = plane->map * OdGeVector3d(std::cos(rotation_), std::sin(rotation_), 0);
-            rotation_ = torvel::normalizedAngle(std::atan2(mark.y, mark.x));
+            rotation_ = drawingdb::normalizedAngle(std::atan2(mark.y, mark.x));
         }
     }
     transformExtrusion(matrix, normal_, thickness_);
@@ -321,11 +321,11 @@ OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     const double turn = std::atan2(x.y, x.x);
     if (plane->reversed) {
         const double start = turn - endAngle_;
-        endAngle_ = torvel::normalizedAngle(turn - startAngle_);
-        startAngle_ = torvel::normalizedAngle(start);
+        endAngle_ = drawingdb::normalizedAngle(turn - startAngle_);
+        startAngle_ = drawingdb::normalizedAngle(start);
     } else if (turn != 0) {
-        startAngle_ = torvel::normalizedAngle(startAngle_ + turn);
-        endAngle_ = torvel::normalizedAngle(endAngle_ + turn);
+        startAngle_ = drawingdb::normalizedAngle(startAngle_ + turn);
+        endAngle_ = drawingdb::normalizedAngle(endAngle_ + turn);
     }
     return OdResult::ok;
 }
@@ -340,8 +340,9 @@ void OdDbArc::setAngles(double start, double end) {
 bool OdDbCircle::geomExtents(OdGeExtents3d& extents) const {
     const OdGeMatrix3d toWorld = OdGeMatrix3d::planeToWorld(normal_);
     const OdGeVector3d x = toWorld.xAxis(), y = toWorld.yAxis();
-    const OdGeVector3d reach(torvel::euclideanLength(x.x, y.x) * radius_, torvel::euclideanLength(x.y, y.y) * radius_,
-                             torvel::euclideanLength(x.z, y.z) * radius_);
+    const OdGeVector3d reach(drawingdb::euclideanLength(x.x, y.x) * radius_,
+                             drawingdb::euclideanLength(x.y, y.y) * radius_,
+                             drawingdb::euclideanLength(x.z, y.z) * radius_);
     const OdGePoint3d middle = toWorld * center_;
     extents = OdGeExtents3d(middle - reach, middle + reach);
     addThickness(extents, normal_, thickness_);
@@ -355,17 +356,17 @@ bool OdDbArc::geomExtents(OdGeExtents3d& extents) const {
     extents = OdGeExtents3d(pointAtParam(start), pointAtParam(endParam()));
     // Where the arc turns back along one of the world's axes.
     for (const double angle : {std::atan2(y.x, x.x), std::atan2(y.y, x.y), std::atan2(y.z, x.z)})
-        for (const double turning : {angle, angle + torvel::kPi})
-            if (torvel::normalizedAngle(turning - start) < sweep) extents.addPoint(pointAtParam(turning));
+        for (const double turning : {angle, angle + drawingdb::kPi})
+            if (drawingdb::normalizedAngle(turning - start) < sweep) extents.addPoint(pointAtParam(turning));
     addThickness(extents, normal_, thickness_);
     return true;
 }
 
-double OdDbCircle::endParam() const { return torvel::kTwoPi; }
+double OdDbCircle::endParam() const { return drawingdb::kTwoPi; }
 double OdDbArc::startParam() const { return startAngle_; }
 double OdDbArc::endParam() const {
-    const double sweep = torvel::normalizedAngle(endAngle_ - startAngle_);
-    return startAngle_ + (sweep > 0 ? sweep : torvel::kTwoPi);
+    const double sweep = drawingdb::normalizedAngle(endAngle_ - startAngle_);
+    return startAngle_ + (sweep > 0 ? sweep : drawingdb::kTwoPi);
 }
 OdGePoint3d OdDbCircle::pointAtParam(double parameter) const {
     const OdGeVector3d radius(radius_ * std::cos(parameter), radius_ * std::sin(parameter), 0);

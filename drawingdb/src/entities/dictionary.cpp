@@ -10,8 +10,6 @@
 using namespace drawingdb;
 
 OD_DEFINE_CLASS(OdDbDictionary, OdDbObject)
-OD_DEFINE_CLASS(OdDbLayout, OdDbObject)
-OD_DEFINE_CLASS(OdDbViewport, OdDbEntity)
 
 void OdDbDictionary::describe(Describer& d) {
     auto& self = d.self<OdDbDictionary>();
@@ -110,62 +108,4 @@ void OdDbDictionary::setTreatElementsAsHard(bool on) {
     for (Stored& entry : entries_)
         if (entry.code == 350 || entry.code == 360) entry.code = on ? 360 : 350;
     if (!entries_.empty()) runsChanged();
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-
-void OdDbLayout::describe(Describer& d) {
-    auto& self = d.self<OdDbLayout>();
-    describeHead(d);
-    d.zone("AcDbLayout");
-    d.required().text(1, self.name_);
-    d.required().int16(70, self.flags_);
-    d.required().int16(71, self.tabOrder_);
-    d.point2(10, self.limitsMin_);
-    d.point2(11, self.limitsMax_);
-    d.point(14, self.extentsMin_);
-    d.point(15, self.extentsMax_);
-    d.handle(330, self.block_);
-    d.handle(331, self.lastViewport_);
-}
-const ClassDescription* OdDbLayout::description() const {
-    static const ClassDescription d = drawingdb::describe<OdDbLayout>("LAYOUT", &OdDbLayout::describe);
-    return &d;
-}
-OdString OdDbLayout::layoutName() const { return decoded(name_); }
-OdDbObjectId OdDbLayout::blockTableRecordId() const { return resolve(block_); }
-
-void OdDbViewport::describe(Describer& d) {
-    auto& self = d.self<OdDbViewport>();
-    describeCommon(d);
-    d.zone("AcDbViewport");
-    d.required().point(10, self.center_);
-    d.required().real(40, self.width_);
-    d.required().real(41, self.height_);
-    d.required().int16(68, self.status_);
-    d.required().int16(69, self.number_);
-    d.point2(12, self.viewCenter_);
-    d.vector(16, self.viewDirection_);
-    d.point(17, self.viewTarget_);
-    d.real(45, self.viewHeight_);
-    d.angle(51, self.twist_);
-}
-const ClassDescription* OdDbViewport::description() const {
-    static const ClassDescription d = drawingdb::describe<OdDbViewport>("VIEWPORT", &OdDbViewport::describe);
-    return &d;
-}
-void OdDbViewport::setView(const OdGePoint2d& center, double height) {
-    assertWriteEnabled();
-    viewCenter_ = OdGePoint3d(center.x, center.y, 0);
-    viewHeight_ = height;
-}
-OdGeMatrix3d OdDbViewport::worldToView() const {
-    return OdGeMatrix3d::rotation(twist_, OdGeVector3d::kZAxis) * OdGeMatrix3d::worldToPlane(viewDirection_) *
-           OdGeMatrix3d::translation(OdGePoint3d() - viewTarget_);
-}
-bool OdDbViewport::geomExtents(OdGeExtents3d& extents) const {
-    const OdGeVector3d half(width_ / 2, height_ / 2, 0);
-    extents.addPoint(center_ - half);
-    extents.addPoint(center_ + half);
-    return true;
 }

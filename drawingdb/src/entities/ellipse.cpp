@@ -53,13 +53,13 @@ void OdDbEllipse::set(const OdGePoint3d& center, const OdGeVector3d& normal, con
     lengths_.reset();
 }
 
-bool OdDbEllipse::isClosed() const { return endParam() - startParam() >= torvel::kTwoPi - kTurnTolerance; }
+bool OdDbEllipse::isClosed() const { return endParam() - startParam() >= drawingdb::kTwoPi - kTurnTolerance; }
 double OdDbEllipse::startParam() const { return start_; }
 double OdDbEllipse::endParam() const {
-    const double sweep = torvel::normalizedAngle(end_ - start_);
+    const double sweep = drawingdb::normalizedAngle(end_ - start_);
     // Ends that meet mean the whole ellipse, also where one of them was rounded.
-    const bool meets = sweep < kTurnTolerance || torvel::kTwoPi - sweep < kTurnTolerance;
-    return start_ + (meets ? torvel::kTwoPi : sweep);
+    const bool meets = sweep < kTurnTolerance || drawingdb::kTwoPi - sweep < kTurnTolerance;
+    return start_ + (meets ? drawingdb::kTwoPi : sweep);
 }
 
 OdGePoint3d OdDbEllipse::pointAtParam(double parameter) const {
@@ -89,8 +89,8 @@ bool OdDbEllipse::geomExtents(OdGeExtents3d& extents) const {
     extents = OdGeExtents3d(pointAtParam(start), pointAtParam(endParam()));
     // Where the curve turns back along one of the world's axes.
     for (const double angle : {std::atan2(b.x, a.x), std::atan2(b.y, a.y), std::atan2(b.z, a.z)})
-        for (const double turning : {angle, angle + torvel::kPi})
-            if (torvel::normalizedAngle(turning - start) < sweep) extents.addPoint(pointAtParam(turning));
+        for (const double turning : {angle, angle + drawingdb::kPi})
+            if (drawingdb::normalizedAngle(turning - start) < sweep) extents.addPoint(pointAtParam(turning));
     return true;
 }
 
@@ -109,14 +109,14 @@ OdResult OdDbEllipse::transformBy(const OdGeMatrix3d& matrix) {
     if (!(length > 0) || !std::isfinite(length)) return OdResult::transformRefused;
     assertWriteEnabled();
     if (!isClosed()) {
-        start_ = torvel::normalizedAngle(start_ - turn);
-        end_ = torvel::normalizedAngle(end_ - turn);
+        start_ = drawingdb::normalizedAngle(start_ - turn);
+        end_ = drawingdb::normalizedAngle(end_ - turn);
     }
     // Against the new normal's own minor axis the image may run the other way round.
     if (plane->reversed) {
         const double start = start_;
-        start_ = torvel::kTwoPi - end_;
-        end_ = torvel::kTwoPi - start;
+        start_ = drawingdb::kTwoPi - end_;
+        end_ = drawingdb::kTwoPi - start;
     }
     center_.transformBy(matrix);
     if (!uniform) ratio_ = std::min(minor.length() / length, 1.0);

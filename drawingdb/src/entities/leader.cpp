@@ -1,9 +1,9 @@
 #include "drawingdb/leader.h"
 
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/entities/leader_groups.h"
+#include "drawingdb/symbol_table.h"
 
 namespace drawingdb {
 namespace {
@@ -90,7 +90,7 @@ LeaderGroups leaderGroups(const OdDbEntity& entity) {
 
 }  // namespace drawingdb
 
-namespace torvel {
+namespace drawingdb {
 
 LeaderParts leaderParts(std::vector<OdGePoint3d> corners, const OdGeVector3d& normal, double arrowSize) {
     LeaderParts parts{{}, std::move(corners)};
@@ -111,4 +111,4 @@ LeaderParts leaderParts(const OdDbEntity& leader) {
     return leaderParts(groups.corners, groups.normal, groups.arrowSize());
 }
 
-}  // namespace torvel
+}  // namespace drawingdb

@@ -1,11 +1,15 @@
+#include "drawingdb/mtext.h"
+
 #include "base/number.h"
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
+#include "drawingdb/mtext_layout.h"
+#include "drawingdb/mtext_parser.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
-#include "drawingdb/src/entities/text_style.h"
+#include "drawingdb/src/entities/current_text_style.h"
 #include "drawingdb/src/geometry/curve_math.h"
 #include "drawingdb/text.h"
+#include "drawingdb/text_style.h"
 
 using drawingdb::ClassDescription;
 using drawingdb::Describer;
@@ -136,7 +140,7 @@ void OdDbMText::setDirection(const OdGeVector3d& direction) {
     // A file has one of the two, or both; what it has is kept in step.
     if (byRotation_ || rotation_ != 0) {
         const OdGeVector3d inPlane = OdGeMatrix3d::worldToPlane(normal_) * direction;
-        rotation_ = torvel::normalizedAngle(std::atan2(inPlane.y, inPlane.x));
+        rotation_ = drawingdb::normalizedAngle(std::atan2(inPlane.y, inPlane.x));
     }
     if (!byRotation_) direction_ = direction.normal();
     if (columns_) columns_->direction_ = direction.normal();
@@ -144,7 +148,7 @@ void OdDbMText::setDirection(const OdGeVector3d& direction) {
 double OdDbMText::rotation() const {
     if (byRotation_) return rotation_;
     const OdGeVector3d inPlane = OdGeMatrix3d::worldToPlane(normal_) * direction();
-    return torvel::normalizedAngle(std::atan2(inPlane.y, inPlane.x));
+    return drawingdb::normalizedAngle(std::atan2(inPlane.y, inPlane.x));
 }
 void OdDbMText::setRotation(double radians) {
     assertWriteEnabled();
@@ -208,7 +212,7 @@ void OdDbMText::setTextFromField(const OdString& text) {
     assertWriteEnabled();
     assign(contents_, text);
 }
-OdString OdDbMText::plainText() const { return torvel::mtextPlainText(contents()); }
+OdString OdDbMText::plainText() const { return drawingdb::mtextPlainText(contents()); }
 
 OdString OdDbMText::textStyleName() const {
     const OdString name = decoded(style_);
@@ -310,14 +314,14 @@ void OdDbMText::copyMTextFrom(const OdDbMText& other) {
 // ---------------------------------------------------------------------------------------------------------------------
 // Geometry
 
-torvel::MTextLayout OdDbMText::layout() const {
-    torvel::MTextStyle style;
+drawingdb::MTextLayout OdDbMText::layout() const {
+    drawingdb::MTextStyle style;
     if (const auto record = textStyle().openIf<OdDbTextStyleTableRecord>()) {
         style.widthFactor = record->xScale();
         style.oblique = record->obliquingAngle();
     }
     style.exactLineSpacing = lineSpacingStyle_ == kExactSpacing;
-    return torvel::mtextLayout(contents(), height_, width_, attachment_, lineSpacingFactor_, style);
+    return drawingdb::mtextLayout(contents(), height_, width_, attachment_, lineSpacingFactor_, style);
 }
 OdGeMatrix3d OdDbMText::layoutToWorld() const {
     const OdGeVector3d along = direction(), normal = normal_.normal();
@@ -369,7 +373,7 @@ OdResult OdDbMText::transformBy(const OdGeMatrix3d& matrix) {
 }
 
 bool OdDbMText::geomExtents(OdGeExtents3d& extents) const {
-    const torvel::MTextLayout lines = layout();
+    const drawingdb::MTextLayout lines = layout();
     if (!(lines.width > 0)) return false;
     const OdGeMatrix3d toWorld = layoutToWorld();
     extents = OdGeExtents3d();

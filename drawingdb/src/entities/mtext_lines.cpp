@@ -3,15 +3,17 @@
 
 #include "base/number.h"
 #include "base/text.h"
-#include "drawingdb/block.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/mtext_layout.h"
+#include "drawingdb/mtext_parser.h"
 #include "drawingdb/src/entities/filled_strip.h"
-#include "drawingdb/text.h"
+#include "drawingdb/text_style.h"
 
-using torvel::MTextFormat;
-using torvel::MTextLine;
-using torvel::MTextPlacedRun;
-using torvel::MTextRunKind;
+using drawingdb::MTextFormat;
+using drawingdb::MTextLine;
+using drawingdb::MTextPlacedRun;
+using drawingdb::MTextRunKind;
 
 namespace {
 
@@ -50,7 +52,7 @@ OdString formatCodes(const MTextFormat& to, const MTextFormat& from) {
     if (to.height != from.height) codes += code(L'H', to.height);
     if (to.widthFactor != from.widthFactor) codes += code(L'W', to.widthFactor);
     if (to.tracking != from.tracking) codes += code(L'T', to.tracking);
-    if (to.oblique != from.oblique) codes += code(L'Q', to.oblique * 180 / torvel::kPi);
+    if (to.oblique != from.oblique) codes += code(L'Q', to.oblique * 180 / drawingdb::kPi);
     if (to.alignment != from.alignment) codes += code(L'A', static_cast<int>(to.alignment));
     if (to.color && to.color != from.color) codes += colorCode(*to.color);
     if (to.underlined) codes += L"\\L";
@@ -75,7 +77,7 @@ OdString contentsOf(const MTextLine& line, const MTextFormat& initial) {
 }  // namespace
 
 std::array<OdGePoint2d, 4> OdDbMText::box() const {
-    const torvel::MTextLayout lines = layout();
+    const drawingdb::MTextLayout lines = layout();
     const double margin = (backgroundScale_ - 1) * height_;
     const OdGePoint2d &topLeft = lines.boundingPoints[0], &bottomRight = lines.boundingPoints[3];
     const double left = topLeft.x - margin, right = bottomRight.x + margin;
@@ -85,7 +87,7 @@ std::array<OdGePoint2d, 4> OdDbMText::box() const {
 
 OdResult OdDbMText::explode(std::vector<OdDbEntityPtr>& pieces) const {
     if (backgroundFillOn() && useBackgroundColorOn()) return OdResult::transformRefused;
-    const torvel::MTextLayout lines = layout();
+    const drawingdb::MTextLayout lines = layout();
     // One line is in pieces already: taking it apart would never end.
     if (lines.lines.size() == 1 && !backgroundFillOn() && !hasFrame()) return OdResult::transformRefused;
     const OdGeMatrix3d toWorld = layoutToWorld();

@@ -111,9 +111,9 @@ void OdDbOldPolyline::mapVertices(const OdGeMatrix3d& map, std::optional<double>
                     break;
                 case 50: {
                     // The direction of the smoothed line.
-                    const double angle = real(group) * torvel::kPi / 180;
+                    const double angle = real(group) * drawingdb::kPi / 180;
                     const OdGeVector3d image = map * OdGeVector3d(std::cos(angle), std::sin(angle), 0);
-                    writer.real(50, torvel::normalizedAngle(std::atan2(image.y, image.x)) * 180 / torvel::kPi);
+                    writer.real(50, drawingdb::normalizedAngle(std::atan2(image.y, image.x)) * 180 / drawingdb::kPi);
                     break;
                 }
                 default:

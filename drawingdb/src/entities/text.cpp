@@ -1,12 +1,14 @@
+
 #include "drawingdb/text.h"
 
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
-#include "drawingdb/src/entities/text_style.h"
+#include "drawingdb/src/entities/current_text_style.h"
 #include "drawingdb/src/geometry/curve_math.h"
 #include "drawingdb/src/lettering/text_codes.h"
+#include "drawingdb/text_metrics.h"
+#include "drawingdb/text_style.h"
 
 using drawingdb::ClassDescription;
 using drawingdb::Describer;
@@ -76,22 +78,22 @@ void OdDbText::beforeEncode() {
 // ---------------------------------------------------------------------------------------------------------------------
 // Alignment
 
-torvel::TextGeometry OdDbText::storedGeometry() const {
-    torvel::TextGeometry g;
+drawingdb::TextGeometry OdDbText::storedGeometry() const {
+    drawingdb::TextGeometry g;
     g.position = position_.xy();
     g.alignmentPoint = alignmentInPlane().xy();
     g.height = height_;
     g.rotation = rotation_;
     g.widthFactor = widthFactor_;
     g.oblique = oblique_;
-    g.horizontal = static_cast<torvel::TextHorizontal>(horizontal_);
-    g.vertical = static_cast<torvel::TextVertical>(vertical_);
+    g.horizontal = static_cast<drawingdb::TextHorizontal>(horizontal_);
+    g.vertical = static_cast<drawingdb::TextVertical>(vertical_);
     g.mirroredInX = isMirroredInX();
     g.mirroredInY = isMirroredInY();
     return g;
 }
 
-torvel::TextGeometry OdDbText::textGeometry() const {
+drawingdb::TextGeometry OdDbText::textGeometry() const {
     settle();
     return storedGeometry();
 }
@@ -99,7 +101,7 @@ torvel::TextGeometry OdDbText::textGeometry() const {
 void OdDbText::hang() {
     placeStale_ = false;
     if (!hasAlignment()) alignment_ = position_;
-    const torvel::TextGeometry g = torvel::alignText(shownText(), storedGeometry());
+    const drawingdb::TextGeometry g = drawingdb::alignText(shownText(), storedGeometry());
     const bool betweenPoints = horizontal_ == OdDb::kTextAlign || horizontal_ == OdDb::kTextFit;
     position_ = {g.position.x, g.position.y, betweenPoints ? position_.z : alignmentInPlane().z};
     height_ = g.height;
@@ -291,7 +293,7 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
     settle();
 
     const OdGeVector2d baseline(std::cos(rotation_), std::sin(rotation_));
-    const double slant = torvel::slantOf(oblique_);
+    const double slant = drawingdb::slantOf(oblique_);
     const OdGeVector2d along = isMirroredInX() ? -baseline : baseline;
     const OdGeVector2d up = isMirroredInY() ? -baseline.perpVector() : baseline.perpVector();
     const OdGeVector2d rise = up + along * slant;
@@ -308,7 +310,7 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
 
     height_ *= drawingdb::withoutNoise(heightScale);
     widthFactor_ *= drawingdb::withoutNoise(alongImage.length() / heightScale);
-    if (sheared) oblique_ = torvel::normalizedAngle(std::atan(newSlant));
+    if (sheared) oblique_ = drawingdb::normalizedAngle(std::atan(newSlant));
     if (!newBaseline.isEqualTo(baseline, {1e-14, 1e-14})) rotation_ = newBaseline.angle();
 
     position_.transformBy(plane->map);
@@ -326,11 +328,11 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
 bool OdDbText::geomExtents(OdGeExtents3d& extents) const {
     const OdString text = shownText();
     if (text.empty()) return false;
-    const torvel::TextGeometry g = textGeometry();
-    std::array<OdGePoint2d, 4> corners = torvel::textBoundingPoints(text, g);
+    const drawingdb::TextGeometry g = textGeometry();
+    std::array<OdGePoint2d, 4> corners = drawingdb::textBoundingPoints(text, g);
     if (g.oblique != 0) {
         // Slanted strokes lean out of the upright box.
-        const torvel::TextExtents reach = torvel::textExtents(text, g.height, g.widthFactor, g.oblique);
+        const drawingdb::TextExtents reach = drawingdb::textExtents(text, g.height, g.widthFactor, g.oblique);
         const OdGeVector2d along = (corners[1] - corners[0]).normal();
         const OdGeVector2d left = along * std::min(reach.left, 0.0);
         const OdGeVector2d right = along * std::max(reach.right - reach.width, 0.0);

@@ -1,4 +1,4 @@
-#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/leader.h"
 #include "drawingdb/src/core/core.h"
@@ -16,14 +16,14 @@ namespace {
 bool resizesHead(const OdDbEntity& leader, const OdGeMatrix3d& matrix) {
     const LeaderGroups groups = leaderGroups(leader);
     // Heads and curves of its own are left to the programs that know them.
-    if (groups.ownHead || groups.splined || torvel::leaderParts(leader).head.empty()) return false;
+    if (groups.ownHead || groups.splined || drawingdb::leaderParts(leader).head.empty()) return false;
     const auto plane = mapPlane(matrix, groups.normal);
     return !plane || planarScale(*plane) != 1.0;
 }
 
 void explodeLeader(const OdDbEntity& leader, std::vector<OdDbEntityPtr>& pieces) {
     const OdGeVector3d normal = OdGeMatrix3d::planeToWorld(leaderGroups(leader).normal).zAxis();
-    const torvel::LeaderParts parts = torvel::leaderParts(leader);
+    const drawingdb::LeaderParts parts = drawingdb::leaderParts(leader);
     const auto add = [&](const OdDbEntityPtr& piece) {
         piece->setPropertiesFrom(leader);
         pieces.push_back(piece);

@@ -19,6 +19,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
 #include "drawingdb/dictionary.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/fields/field_code.h"

@@ -9,12 +9,16 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "drawingdb/attribute.h"
-#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
 #include "drawingdb/dictionary.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/layout.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/fields/expression.h"
+#include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
 
 namespace drawingdb {

@@ -15,7 +15,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/code_page.h"
+#include "drawingdb/src/file/text_codec.h"
 
 namespace drawingdb {
 
@@ -50,18 +50,6 @@ class LineFeeds {
     const char* end_;
     const char* block_ = nullptr;
     std::uint64_t feeds_ = 0;  // of the block, those not given yet
-};
-
-/// How a file spells things.
-struct FileFormat {
-    bool binary = false;
-    bool wideCodes = true;  // binary: codes of two bytes
-    bool crlf = false;
-    int version = 1032;                                            // the number in "AC1032"; 1009 is R12
-    const base::CodePage* codePage = &base::CodePage::standard();  // of text before version 1021; UTF-8 from there on
-
-    bool utf8() const { return version >= 1021; }
-    bool hasMarkers() const { return version >= 1012; }
 };
 
 enum class ValueKind : std::uint8_t { text, real, int8, int16, int32, int64, chunk, handle };
@@ -152,16 +140,6 @@ std::optional<double> groupReal(const Group& group, bool binary);
 std::optional<std::int64_t> groupInteger(const Group& group, bool binary);
 /// A handle in hexadecimal; blanks around it are skipped; 0 when it is none.
 std::uint64_t parseHandle(std::string_view text);
-
-/// Text of a file to wide text: code page, then "\U+XXXX", "\M+nXXXX" and "^" sequences.
-std::wstring decodeText(std::string_view raw, const FileFormat& format);
-/// Whether every byte of a file's text is the character itself.
-bool isPlainText(std::string_view raw);
-/// The reverse; what the code page cannot hold becomes "\U+XXXX", control characters "^" sequences.
-std::string encodeText(std::wstring_view text, const FileFormat& format);
-
-/// Text in a code page; what it cannot hold becomes "\U+XXXX".
-std::string encodeNarrow(std::wstring_view text, const base::CodePage& codePage);
 
 /// Appends groups to bytes, in a file's spelling.
 class GroupWriter {

@@ -36,7 +36,7 @@ std::optional<double> planarScale(const PlaneMap& plane, double thickness) {
     const double scale = x.length();
     if (std::fabs(y.length() - scale) > kTolerance * scale || std::fabs(x.dotProduct(y)) > kTolerance * scale * scale)
         return std::nullopt;
-    if (thickness != 0 && torvel::euclideanLength(rise.x, rise.y) > kTolerance * rise.length()) return std::nullopt;
+    if (thickness != 0 && drawingdb::euclideanLength(rise.x, rise.y) > kTolerance * rise.length()) return std::nullopt;
     return withoutNoise(scale);
 }
 
@@ -120,8 +120,8 @@ std::optional<double> BulgeSegment::fractionTowards(double direction) const {
     if (bulge == 0 || chord.lengthSquared() == 0) return std::nullopt;
     const double whole = angle();
     const double startTangent = std::atan2(chord.y, chord.x) - whole / 2;
-    const double startRadius = whole > 0 ? startTangent - torvel::kPi / 2 : startTangent + torvel::kPi / 2;
-    const double turn = torvel::normalizedAngle(whole > 0 ? direction - startRadius : startRadius - direction);
+    const double startRadius = whole > 0 ? startTangent - drawingdb::kPi / 2 : startTangent + drawingdb::kPi / 2;
+    const double turn = drawingdb::normalizedAngle(whole > 0 ? direction - startRadius : startRadius - direction);
     const double fraction = turn / std::fabs(whole);
     return fraction < 1 ? std::optional(fraction) : std::nullopt;
 }

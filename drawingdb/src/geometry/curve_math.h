@@ -12,7 +12,7 @@
 namespace drawingdb {
 
 /// In radians, which objects have; files have degrees.
-inline constexpr double kDegree = torvel::kPi / 180;
+inline constexpr double kDegree = drawingdb::kPi / 180;
 
 /// What a matrix makes of a plane. Coordinates in a plane are those that files use: along the axes that planeToWorld
 /// gives the plane's normal.
@@ -63,7 +63,7 @@ struct BulgeSegment {
         add(start);
         add(end);
         for (const double direction : directions)
-            for (const double angle : {direction, direction + torvel::kPi})
+            for (const double angle : {direction, direction + drawingdb::kPi})
                 if (const auto fraction = fractionTowards(angle)) add(pointAt(*fraction));
     }
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-double torvel::normalizedAngle(double angle) {
+double drawingdb::normalizedAngle(double angle) {
     if (!std::isfinite(angle)) return 0.0;
     double turned = std::fmod(angle, kTwoPi);
     if (turned < 0.0) turned += kTwoPi;
@@ -18,7 +18,7 @@ OdGeVector3d& OdGeVector3d::rotateBy(double angle, const OdGeVector3d& axis) {
 
 double OdGeVector3d::angleTo(const OdGeVector3d& v, const OdGeVector3d& reference) const {
     const double angle = angleTo(v);
-    return crossProduct(v).dotProduct(reference) < 0.0 ? torvel::normalizedAngle(-angle) : angle;
+    return crossProduct(v).dotProduct(reference) < 0.0 ? drawingdb::normalizedAngle(-angle) : angle;
 }
 
 OdGeVector3d& OdGeVector3d::transformBy(const OdGeMatrix3d& matrix) { return *this = matrix * *this; }

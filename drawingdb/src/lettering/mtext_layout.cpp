@@ -1,13 +1,17 @@
 // Multi-line text: paragraphs and runs to lines in their places.
 
+#include "drawingdb/mtext_layout.h"
+
 #include <algorithm>
 #include <cmath>
 
 #include "base/text.h"
+#include "drawingdb/mtext_parser.h"
 #include "drawingdb/src/lettering/text_codes.h"
+#include "drawingdb/stroke_font.h"
 #include "drawingdb/text_metrics.h"
 
-namespace torvel {
+namespace drawingdb {
 
 namespace {
 
@@ -373,4 +377,4 @@ std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run) {
     return strokes;
 }
 
-}  // namespace torvel
+}  // namespace drawingdb

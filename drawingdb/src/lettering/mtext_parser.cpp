@@ -1,5 +1,7 @@
 // Multi-line text's formatting codes: contents to paragraphs and runs.
 
+#include "drawingdb/mtext_parser.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -8,9 +10,8 @@
 #include "base/code_page.h"
 #include "base/text.h"
 #include "drawingdb/src/lettering/text_codes.h"
-#include "drawingdb/text_metrics.h"
 
-namespace torvel {
+namespace drawingdb {
 
 namespace {
 
@@ -508,4 +509,4 @@ std::wstring mtextPlainText(std::wstring_view contents) {
     return plain;
 }
 
-}  // namespace torvel
+}  // namespace drawingdb

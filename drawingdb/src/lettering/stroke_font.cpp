@@ -12,6 +12,8 @@
 // Where a glyph begins on the grid does not matter: it is moved so that the same room lies on both sides. Accented
 // letters and the like are put together from parts, each with a scale and an offset.
 
+#include "drawingdb/stroke_font.h"
+
 #include <algorithm>
 #include <charconv>
 #include <memory>
@@ -19,9 +21,8 @@
 #include <unordered_map>
 
 #include "drawingdb/src/lettering/text_codes.h"
-#include "drawingdb/text_metrics.h"
 
-namespace torvel {
+namespace drawingdb {
 
 namespace {
 
@@ -392,4 +393,4 @@ const StrokeGlyph& strokeGlyph(char32_t character) {
     return font->glyph(character);
 }
 
-}  // namespace torvel
+}  // namespace drawingdb

@@ -5,9 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "drawingdb/stroke_font.h"
 #include "drawingdb/text_metrics.h"
 
-namespace torvel {
+namespace drawingdb {
 
 /// Where the old fonts and the %% codes put the diameter sign.
 inline constexpr char32_t kDiameterSign = 0x2205;
@@ -41,4 +42,4 @@ double slantOf(double oblique);
 void appendStrokes(const std::vector<TextCharacter>& row, double tracking, const StrokePen& pen,
                    std::vector<Polyline2d>& strokes);
 
-}  // namespace torvel
+}  // namespace drawingdb

@@ -1,11 +1,13 @@
+
 #include "drawingdb/text_metrics.h"
 
 #include <cmath>
 
 #include "base/text.h"
 #include "drawingdb/src/lettering/text_codes.h"
+#include "drawingdb/stroke_font.h"
 
-namespace torvel {
+namespace drawingdb {
 
 namespace {
 
@@ -252,4 +254,4 @@ std::array<OdGePoint2d, 4> textBoundingPoints(std::wstring_view text, const Text
     return {frame({0.0, -e.descent}), frame({e.width, -e.descent}), frame({e.width, e.ascent}), frame({0.0, e.ascent})};
 }
 
-}  // namespace torvel
+}  // namespace drawingdb

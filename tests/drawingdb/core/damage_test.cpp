@@ -3,7 +3,7 @@
 #include <random>
 
 #include "base/files.h"
-#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "tests/base/temporary_folder.h"
 #include "tests/drawingdb/sample.h"

@@ -3,9 +3,10 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
-#include "drawingdb/dictionary.h"
 #include "drawingdb/field.h"
+#include "drawingdb/text.h"
 #include "tests/drawingdb/sample.h"
 
 namespace {

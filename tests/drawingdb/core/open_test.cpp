@@ -3,8 +3,10 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/text.h"
+#include "drawingdb/viewport.h"
 #include "tests/drawingdb/sample.h"
 
 namespace {

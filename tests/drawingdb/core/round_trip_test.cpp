@@ -5,6 +5,8 @@
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/field.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 #include "tests/drawingdb/sample.h"
 
 namespace {

@@ -78,8 +78,8 @@ std::vector<std::pair<const char*, OdSmartPtr<OdDbCurve>>> curvesToDivide() {
         curve->set({5, -3, 2}, tilted, across * size, ratio, start, end);
         curves.emplace_back(what, curve);
     };
-    ellipse("an ellipse", 10, 0.4, 0, torvel::kTwoPi);
-    ellipse("a needle", 1000, 0.001, 0, torvel::kTwoPi);
+    ellipse("an ellipse", 10, 0.4, 0, drawingdb::kTwoPi);
+    ellipse("a needle", 1000, 0.001, 0, drawingdb::kTwoPi);
     ellipse("a part across the start", 3, 0.7, 5, 8);
     curves.emplace_back("a spline with uneven knots",
                         spline(3, {0, 0, 0, 0, 0.1, 5, 5, 9, 9, 9, 9},
@@ -127,13 +127,13 @@ TEST(ArcLengths, AgreeWithChordsAndTheirReverse) {
 TEST(ArcLengths, KnownOnes) {
     auto round = OdDbEllipse::createObject();
     round->set({}, OdGeVector3d::kZAxis, {5, 0, 0}, 1);
-    EXPECT_NEAR(round->distAtParam(torvel::kTwoPi), 10 * torvel::kPi, 1e-12);
+    EXPECT_NEAR(round->distAtParam(drawingdb::kTwoPi), 10 * drawingdb::kPi, 1e-12);
     EXPECT_TRUE(round->isClosed());
     // A quarter of a circle as a weighted spline.
     const double half = std::sqrt(0.5);
     const auto quarter = spline(2, {0, 0, 0, 1, 1, 1}, {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {1, half, 1});
-    EXPECT_NEAR(quarter->distAtParam(1), torvel::kPi / 2, 1e-14);
-    expectNear(quarter->pointAtDist(torvel::kPi / 6), {std::cos(torvel::kPi / 6), 0.5, 0}, 1e-13, "30 degrees");
+    EXPECT_NEAR(quarter->distAtParam(1), drawingdb::kPi / 2, 1e-14);
+    expectNear(quarter->pointAtDist(drawingdb::kPi / 6), {std::cos(drawingdb::kPi / 6), 0.5, 0}, 1e-13, "30 degrees");
     // A spline that is a line, passed at an uneven pace.
     const auto straight = spline(2, {0, 0, 0, 1, 1, 1}, {{0, 0, 0}, {1, 0, 0}, {10, 0, 0}});
     expectNear(straight->pointAtDist(2.5), {2.5, 0, 0}, 1e-13, "a quarter");

@@ -1,6 +1,7 @@
 // Attributes and their definitions, single- and multi-line.
 #include "drawingdb/attribute.h"
 
+#include "drawingdb/text.h"
 #include "entity_fixture.h"
 
 namespace {

@@ -1,4 +1,5 @@
 // Curves: measures, transforms, extents, files.
+#include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "entity_fixture.h"
 
@@ -185,13 +186,13 @@ TEST_F(Curves, UnequalScalesBendWhatIsStraightAndAreRefusedByWhatIsRound) {
 TEST_F(Curves, MirroringInThePlaneKeepsTheNormal) {
     auto curve = OdDbArc::createObject();
     curve->setCenter(OdGePoint3d(3, 0, 0));
-    curve->setAngles(0, torvel::kPi / 2);
+    curve->setAngles(0, drawingdb::kPi / 2);
     ASSERT_EQ(curve->transformBy(OdGeMatrix3d::mirroring(OdGePlane({}, OdGeVector3d::kXAxis))), OdResult::ok);
     EXPECT_EQ(curve->normal(), OdGeVector3d::kZAxis);
     EXPECT_EQ(curve->center(), OdGePoint3d(-3, 0, 0));
-    EXPECT_NEAR(curve->startAngle(), torvel::kPi / 2, 1e-15);
-    EXPECT_NEAR(curve->endAngle(), torvel::kPi, 1e-15);
-    ASSERT_EQ(curve->transformBy(OdGeMatrix3d::rotation(torvel::kPi, OdGeVector3d::kXAxis)), OdResult::ok);
+    EXPECT_NEAR(curve->startAngle(), drawingdb::kPi / 2, 1e-15);
+    EXPECT_NEAR(curve->endAngle(), drawingdb::kPi, 1e-15);
+    ASSERT_EQ(curve->transformBy(OdGeMatrix3d::rotation(drawingdb::kPi, OdGeVector3d::kXAxis)), OdResult::ok);
     EXPECT_TRUE(curve->normal().isEqualTo(-OdGeVector3d::kZAxis)) << "turned over, it is seen from behind";
 }
 
@@ -254,7 +255,7 @@ TEST(CurveFiles, VerticesOfAPolyline) {
     EXPECT_EQ(polyline->vertexAt(1).endWidth, 0.75);
     EXPECT_EQ(polyline->vertexAt(1).identifier, 7);
     EXPECT_EQ(polyline->vertexAt(0).startWidth, -1);
-    EXPECT_NEAR(polyline->distAtParam(3), 2 * torvel::kPi + 3 + 5, 1e-12);
+    EXPECT_NEAR(polyline->distAtParam(3), 2 * drawingdb::kPi + 3 + 5, 1e-12);
     expectNear(polyline->pointAtParam(0.5), OdGePoint3d(2, -2, 2), 1e-12, "the lowest point of the half circle");
 
     polyline->removeVertexAt(0);
@@ -276,10 +277,10 @@ TEST(CurveFiles, OldFilesAndOddValues) {
                                   "0|CIRCLE|5|B|8|0|10|1|20|2|40|3|210|0|220|0|230|-1|"
                                   "0|LINE|5|C|8|0|10|1|20|2|30|3|11|4|21|6");
     const auto arc = opened<OdDbArc>(database, 0xA);
-    EXPECT_NEAR(arc->distAtParam(arc->endParam()), torvel::kPi, 1e-12) << "a quarter of a circle of radius 2";
+    EXPECT_NEAR(arc->distAtParam(arc->endParam()), drawingdb::kPi, 1e-12) << "a quarter of a circle of radius 2";
     expectNear(arc->pointAtParam(arc->startParam()), OdGePoint3d(5, 3, 0), 1e-12, "start");
     const auto round = opened<OdDbArc>(database, 0xD);
-    EXPECT_NEAR(round->distAtParam(round->endParam()), 4 * torvel::kPi, 1e-12) << "all the way round";
+    EXPECT_NEAR(round->distAtParam(round->endParam()), 4 * drawingdb::kPi, 1e-12) << "all the way round";
     EXPECT_EQ(opened<OdDbCircle>(database, 0xB)->center(), OdGePoint3d(-1, 2, 0))
         << "the plane of a normal that points down";
     const auto line = opened<OdDbLine>(database, 0xC);

@@ -9,10 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/ge.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/mtext_layout.h"
 #include "drawingdb/text.h"
+#include "drawingdb/text_metrics.h"
 
 /// A drawing of that version ("AC1032") with these records in its entities section; "|" separates lines.
 inline OdDbDatabasePtr drawing(const std::string& version, const std::string& entities) {
@@ -106,7 +108,7 @@ inline Strokes strokesOf(const OdDbText& text) {
     Strokes points;
     const OdGeMatrix3d toWorld = OdGeMatrix3d::planeToWorld(text.normal());
     const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
-    for (const auto& stroke : torvel::textStrokes(text.textString(), text.textGeometry()))
+    for (const auto& stroke : drawingdb::textStrokes(text.textString(), text.textGeometry()))
         for (const OdGePoint2d& p : stroke) points.push_back(toWorld * OdGePoint3d(p.x, p.y, elevation));
     return points;
 }
@@ -115,7 +117,7 @@ inline Strokes strokesOf(const OdDbMText& text) {
     const OdGeMatrix3d toWorld = text.layoutToWorld();
     for (const auto& line : text.layout().lines)
         for (const auto& run : line.runs)
-            for (const auto& stroke : torvel::mtextRunStrokes(run))
+            for (const auto& stroke : drawingdb::mtextRunStrokes(run))
                 for (const OdGePoint2d& p : stroke) points.push_back(toWorld * OdGePoint3d(p.x, p.y, 0));
     return points;
 }

@@ -1,4 +1,8 @@
 // Multi-line text: place, transforms, files.
+#include "drawingdb/mtext.h"
+
+#include "drawingdb/block.h"
+#include "drawingdb/text.h"
 #include "entity_fixture.h"
 
 namespace {
@@ -42,7 +46,7 @@ TEST_F(MultiLineTexts, DirectionAndRotationAreOne) {
         EXPECT_TRUE(made->direction().isEqualTo(before));
     }
     const auto made = OdDbMText::createObject();
-    made->setRotation(torvel::kPi / 2);
+    made->setRotation(drawingdb::kPi / 2);
     EXPECT_EQ(made->direction(), OdGeVector3d::kYAxis);
 }
 
@@ -88,13 +92,13 @@ TEST(MultiLineTextFiles, TheLaterOfDirectionAndRotationHolds) {
         {
             const auto text = opened<OdDbMText>(database, 0xA, OdDb::forWrite);
             EXPECT_TRUE(text->direction().isEqualTo(c.direction)) << c.groups;
-            text->setRotation(torvel::kPi);
+            text->setRotation(drawingdb::kPi);
             EXPECT_TRUE(text->direction().isEqualTo(OdGeVector3d(-1, 0, 0))) << c.groups;
         }
         const auto again = reread(database);
         const auto text = opened<OdDbMText>(again, 0xA);
         EXPECT_TRUE(text->direction().isEqualTo(OdGeVector3d(-1, 0, 0))) << c.groups;
-        EXPECT_NEAR(text->rotation(), torvel::kPi, 1e-12) << c.groups;
+        EXPECT_NEAR(text->rotation(), drawingdb::kPi, 1e-12) << c.groups;
     }
 }
 
@@ -129,7 +133,7 @@ TEST(MultiLineTextFiles, ColumnsMoveAlong) {
     const auto database = drawing("AC1032", record("1|x|73|1|44|1|" + columns));
     opened<OdDbMText>(database, 0xA, OdDb::forWrite)
         ->transformBy(OdGeMatrix3d::translation(OdGeVector3d(10, 0, 0)) *
-                      OdGeMatrix3d::rotation(torvel::kPi / 2, OdGeVector3d::kZAxis) * OdGeMatrix3d::scaling(2));
+                      OdGeMatrix3d::rotation(drawingdb::kPi / 2, OdGeVector3d::kZAxis) * OdGeMatrix3d::scaling(2));
     const auto groups = savedGroups(database, "A");
     const auto embedded = std::find(groups.begin(), groups.end(), "101|Embedded Object");
     ASSERT_NE(embedded, groups.end());

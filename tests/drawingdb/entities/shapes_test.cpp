@@ -1,10 +1,11 @@
 // Ellipses, splines, old polylines and wipeouts: transforms, extents, offsets, files.
+#include "drawingdb/block.h"
 #include "drawingdb/curves.h"
-#include "drawingdb/dictionary.h"
 #include "drawingdb/ellipse.h"
 #include "drawingdb/field.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/spline.h"
+#include "drawingdb/text.h"
 #include "drawingdb/wipeout.h"
 #include "entity_fixture.h"
 
@@ -17,7 +18,7 @@ class Shapes : public RandomTransforms {
         const OdGeVector3d normal = chance() ? OdGeVector3d::kZAxis : direction();
         const OdGeVector3d major = normal.crossProduct(direction());
         curve->set(point(), normal, major.normal() * number(1, 20), number(0.05, 1), whole ? 0 : number(0, 6),
-                   whole ? torvel::kTwoPi : number(0, 6));
+                   whole ? drawingdb::kTwoPi : number(0, 6));
         return curve;
     }
     OdSmartPtr<OdDbSpline> spline() {
@@ -170,7 +171,7 @@ TEST(OldPolylines, AreCurvesByTheirVertices) {
     const auto database = drawing("AC1009", flat + spatial + mesh);
     const auto plane = opened<OdDb2dPolyline>(database, 0xA);
     EXPECT_TRUE(plane->isClosed());
-    EXPECT_NEAR(plane->distAtParam(2), 2 * torvel::kPi + 4, 1e-12);
+    EXPECT_NEAR(plane->distAtParam(2), 2 * drawingdb::kPi + 4, 1e-12);
     // Seen from behind: x runs to the left, and the half circle below it in its plane.
     expectNear(plane->pointAtParam(0.5), {-2, -2, -2}, 1e-12, "on the arc");
     const auto line = opened<OdDb3dPolyline>(database, 0x1A);

@@ -1,6 +1,9 @@
 // Single-line text: alignment, transforms, files.
+
 #include "drawingdb/text.h"
 
+#include "drawingdb/block.h"
+#include "drawingdb/text_metrics.h"
 #include "entity_fixture.h"
 
 namespace {
@@ -79,7 +82,7 @@ TEST_F(Texts, AlignmentHoldsWhenTheTextChanges) {
             if (made->isJustified()) made->setAlignmentPoint(OdGePoint3d(21, 2, 5));
             for (const wchar_t* value : {L"I", L"a longer text"}) {
                 made->setTextString(value);
-                const torvel::TextExtents size = torvel::textExtents(value, made->height(), made->widthFactor());
+                const drawingdb::TextExtents size = drawingdb::textExtents(value, made->height(), made->widthFactor());
                 const OdGePoint3d start = made->position(), hook = made->alignmentPoint();
                 if (horizontal == OdDb::kTextAlign || horizontal == OdDb::kTextFit ||
                     (horizontal == 0 && vertical == 0)) {
@@ -115,7 +118,7 @@ TEST(TextFiles, APlaceIsLeftAloneUntilTheTextChanges) {
     }
     EXPECT_EQ(database->writeBytes(), before);
     opened<OdDbText>(database, 0xA, OdDb::forWrite)->setTextString(L"new");
-    const double width = torvel::textExtents(L"new", 2).width;
+    const double width = drawingdb::textExtents(L"new", 2).width;
     const auto again = reread(database);
     const auto text = opened<OdDbText>(again, 0xA);
     EXPECT_NEAR(text->position().x, 10 - width / 2, 1e-12);

@@ -1,6 +1,7 @@
 #include <random>
 
-#include "drawingdb/dictionary.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 #include "field_fixture.h"
 #include "tests/drawingdb/sample.h"
 

@@ -1,5 +1,5 @@
 #include "drawingdb/curves.h"
-#include "drawingdb/dictionary.h"
+#include "drawingdb/text.h"
 #include "field_fixture.h"
 
 namespace {

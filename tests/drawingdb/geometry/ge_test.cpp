@@ -6,8 +6,8 @@
 
 namespace {
 
-using torvel::kPi;
-using torvel::kTwoPi;
+using drawingdb::kPi;
+using drawingdb::kTwoPi;
 
 class RandomGeometry : public testing::Test {
   protected:
@@ -154,10 +154,10 @@ TEST(Ge, AnglesStayInTheirRange) {
     EXPECT_EQ(x.angleTo(OdGeVector3d::kIdentity), 0.0);
     // Less than a whole turn, even when only rounding is missing.
     EXPECT_LT(x.angleTo(OdGeVector3d(1, -1e-17, 0), z), kTwoPi);
-    EXPECT_LT(torvel::normalizedAngle(-1e-20), kTwoPi);
-    EXPECT_FALSE(std::signbit(torvel::normalizedAngle(-0.0)));
-    EXPECT_NEAR(torvel::normalizedAngle(-7 * kPi), kPi, 1e-12);
-    EXPECT_EQ(torvel::normalizedAngle(std::numeric_limits<double>::infinity()), 0.0);
+    EXPECT_LT(drawingdb::normalizedAngle(-1e-20), kTwoPi);
+    EXPECT_FALSE(std::signbit(drawingdb::normalizedAngle(-0.0)));
+    EXPECT_NEAR(drawingdb::normalizedAngle(-7 * kPi), kPi, 1e-12);
+    EXPECT_EQ(drawingdb::normalizedAngle(std::numeric_limits<double>::infinity()), 0.0);
     EXPECT_NEAR(OdGeVector2d(0, 1).ccwAngleTo(OdGeVector2d(1, 0)), 1.5 * kPi, 1e-15);
     EXPECT_NEAR(OdGeVector2d(0, 1).angleTo(OdGeVector2d(1, 0)), 0.5 * kPi, 1e-15);
 }

@@ -4,11 +4,14 @@
 #include <random>
 
 #include "base/text.h"
+#include "drawingdb/mtext_layout.h"
+#include "drawingdb/mtext_parser.h"
+#include "drawingdb/stroke_font.h"
 #include "drawingdb/text_metrics.h"
 
 namespace {
 
-using namespace torvel;
+using namespace drawingdb;
 
 // All that the layout placed, with a bar between lines.
 std::wstring placedText(const MTextLayout& layout) {

@@ -1,10 +1,13 @@
+
 #include "drawingdb/text_metrics.h"
 
 #include <gtest/gtest.h>
 
+#include "drawingdb/stroke_font.h"
+
 namespace {
 
-using namespace torvel;
+using namespace drawingdb;
 
 constexpr TextHorizontal kHorizontals[] = {TextHorizontal::Left,    TextHorizontal::Center, TextHorizontal::Right,
                                            TextHorizontal::Aligned, TextHorizontal::Middle, TextHorizontal::Fit};

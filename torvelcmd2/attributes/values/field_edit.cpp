@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "drawingdb/attribute.h"
+#include "drawingdb/mtext.h"
 #include "torvelcmd2/attributes/values/text_escapes.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 #include "torvelcmd2/frame/host_binding.h"

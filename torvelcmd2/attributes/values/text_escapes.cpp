@@ -1,6 +1,6 @@
 #include "torvelcmd2/attributes/values/text_escapes.h"
 
-#include "drawingdb/text_metrics.h"
+#include "drawingdb/mtext_parser.h"
 
 namespace torvel {
 namespace {

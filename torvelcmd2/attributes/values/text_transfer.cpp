@@ -5,6 +5,8 @@
 #include "base/format.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 
 namespace torvel {
 namespace {

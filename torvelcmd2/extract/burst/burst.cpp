@@ -1,5 +1,7 @@
 #include "torvelcmd2/extract/burst/burst.h"
 
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "torvelcmd2/extract/burst/burst_reference.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"

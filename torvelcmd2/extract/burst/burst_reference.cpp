@@ -6,8 +6,15 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
 #include "hostapi/module_functions.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/mtext_layout.h"
+#include "drawingdb/text.h"
+#include "drawingdb/text_style.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace torvel {

@@ -6,6 +6,8 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/mtext.h"
 
 namespace torvel {
 

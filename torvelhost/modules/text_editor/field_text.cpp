@@ -5,6 +5,7 @@
 
 #include "drawingdb/database.h"
 #include "drawingdb/text.h"
+#include "drawingdb/mtext.h"
 
 namespace texteditor {
 namespace {

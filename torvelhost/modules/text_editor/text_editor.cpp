@@ -7,6 +7,8 @@
 #include "hostapi/input.h"
 #include "torvelhost/modules/host_services.h"
 #include "torvelhost/modules/text_editor/editor_dialogs.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 
 namespace {
 

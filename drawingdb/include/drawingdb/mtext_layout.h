@@ -1,0 +1,55 @@
+// How multi-line text breaks into lines, and where they stand, in the built-in font.
+//
+// Lengths are drawing units unless a text height is named as the unit; angles are radians; points lie in the text's own
+// plane.
+#pragma once
+
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include "drawingdb/mtext_parser.h"
+#include "drawingdb/stroke_font.h"
+
+namespace drawingdb {
+
+/// What the text's style gives.
+struct MTextStyle {
+    double widthFactor = 1.0;
+    double oblique = 0.0;
+    /// Lines stand as far apart as the nominal height says; otherwise a line with higher text takes more room.
+    bool exactLineSpacing = false;
+};
+
+/// A run in its place. The origin is the text's location, x runs along its direction.
+struct MTextPlacedRun : MTextRun {
+    OdGePoint2d position;  ///< the start of its baseline
+    double width = 0.0;
+};
+
+struct MTextLine {
+    std::vector<MTextPlacedRun> runs;
+    OdGePoint2d position;  ///< the start of its baseline, behind the indent
+    double width = 0.0;    ///< without the blanks at its end
+    double height = 0.0;   ///< of its highest text above the baseline
+    double descent = 0.0;  ///< of its strokes below the baseline
+};
+
+struct MTextLayout {
+    std::vector<MTextLine> lines;
+    double width = 0.0;   ///< of the longest line, which may be more or less than the width asked for
+    double height = 0.0;  ///< from the top of the first line to the lowest stroke of the last
+    /// Of the text itself: top left, top right, bottom left, bottom right.
+    std::array<OdGePoint2d, 4> boundingPoints;
+};
+
+/// Breaks the contents into lines no wider than the width (0: only where paragraphs end; a longer word keeps its line
+/// to itself) and places them about the location. The attachment is 1 to 9, top left to bottom right by rows; any other
+/// counts as 1. Baselines are 5/3 of the text height apart, times the line spacing factor.
+DRAWINGDB_API MTextLayout mtextLayout(std::wstring_view contents, double height, double width, int attachment,
+                                      double lineSpacingFactor = 1.0, const MTextStyle& style = {});
+
+/// What to draw for a run, in the same coordinates as its position.
+DRAWINGDB_API std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run);
+
+}  // namespace drawingdb
