@@ -23,6 +23,6 @@ std::wstring withPlainQuotes(std::wstring_view text) {
 
 }  // namespace
 
-std::wstring withoutEscapes(std::wstring_view text) { return mtextPlainText(withPlainQuotes(text)); }
+std::wstring withoutEscapes(std::wstring_view text) { return drawingdb::mtextPlainText(withPlainQuotes(text)); }
 
 }  // namespace torvel

@@ -82,7 +82,8 @@ class Lettering {
         }
         OdString result;
         if (stretches()) result += code(L'W', stretch(styleWidth));
-        if (std::fabs(slant(styleSlant) - styleSlant) > kSame) result += code(L'Q', slant(styleSlant) * 180 / kPi);
+        if (std::fabs(slant(styleSlant) - styleSlant) > kSame)
+            result += code(L'Q', slant(styleSlant) * 180 / drawingdb::kPi);
         const OdString old = text.contents();
         for (std::size_t at = 0; at < old.size(); ++at) {
             const wchar_t letter = old[at] == L'\\' && at + 1 < old.size() ? old[at + 1] : L'\0';
@@ -91,8 +92,8 @@ class Lettering {
                                    ? std::nullopt
                                    : base::parseReal(std::wstring_view(old).substr(at + 2, end - at - 2));
             if (value) {
-                result +=
-                    letter == L'W' ? code(L'W', stretch(*value)) : code(L'Q', slant(*value * kPi / 180) * 180 / kPi);
+                result += letter == L'W' ? code(L'W', stretch(*value))
+                                         : code(L'Q', slant(*value * drawingdb::kPi / 180) * 180 / drawingdb::kPi);
                 at = end;
             } else {
                 result += old[at];
@@ -141,7 +142,7 @@ bool takesCodes(const OdDbEntity& text) { return !text.getField(kTextFieldKey); 
 OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
     const OdGeMatrix3d before = text.layoutToWorld();
     const Lettering lettering(before, matrix);
-    const MTextLayout layout = text.layout();
+    const drawingdb::MTextLayout layout = text.layout();
     const bool boxed = text.backgroundFillOn() || text.hasFrame();
     // Nothing but the text itself can cover what lies under it with the colour of the drawing's background.
     const bool masks = text.backgroundFillOn() && text.useBackgroundColorOn();
@@ -153,7 +154,7 @@ OdResult transformMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
         if (const OdString contents = lettering.contents(text); contents != text.contents()) {
             text.setContents(contents);
             // Slanted letters lean away from their baseline, not from where the text hangs.
-            const auto start = [](const MTextLayout& of) {
+            const auto start = [](const drawingdb::MTextLayout& of) {
                 return OdGePoint3d(of.lines.front().position.x, of.lines.front().position.y, 0);
             };
             const OdGeVector3d astray = matrix * (before * start(layout)) - text.layoutToWorld() * start(text.layout());
