@@ -6,7 +6,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "drawingdb/color.h"
 #include "drawingdb/database.h"
+#include "drawingdb/entity.h"
 
 namespace host {
 
