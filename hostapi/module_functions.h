@@ -14,8 +14,8 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
-#include "hostapi/services.h"
 #include "drawingdb/block_reference.h"
+#include "hostapi/services.h"
 
 namespace hostapi {
 

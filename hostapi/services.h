@@ -21,6 +21,7 @@
 #include "drawingdb/color.h"
 #include "drawingdb/field.h"
 #include "drawingdb/ge.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/text.h"
 #include "hostapi/command.h"
 #include "hostapi/host_names.h"
@@ -28,7 +29,6 @@
 #include "hostapi/settings.h"
 #include "hostapi/slides.h"
 #include "hostapi/text.h"
-#include "drawingdb/mtext.h"
 
 class HostApplication;
 class HostDocument;

@@ -2,14 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "base/text.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/mtext.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/attributes/multiline_editing.h"
 #include "torvelcmd2/attributes/tag_rules.h"
-#include "drawingdb/block.h"
-#include "drawingdb/block_reference.h"
-#include "drawingdb/layer.h"
-#include "drawingdb/mtext.h"
 
 using namespace torvel;
 

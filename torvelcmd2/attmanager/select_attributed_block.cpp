@@ -1,10 +1,10 @@
 #include "torvelcmd2/attmanager/select_attributed_block.h"
 
+#include "drawingdb/block_reference.h"
 #include "hostapi/module_functions.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
-#include "drawingdb/block_reference.h"
 
 namespace torvel {
 namespace {

@@ -5,11 +5,11 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "drawingdb/block_reference.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/attributes/sync_reference.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
-#include "drawingdb/block_reference.h"
 
 namespace torvel {
 namespace {

@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "base/format.h"
-#include "torvelcmd2/frame/command.h"
-#include "torvelcmd2/resources/resource.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/layer.h"
 #include "drawingdb/symbol_table.h"
+#include "torvelcmd2/frame/command.h"
+#include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
 

@@ -5,8 +5,8 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
-#include "drawingdb/database.h"
 #include "drawingdb/block_reference.h"
+#include "drawingdb/database.h"
 
 namespace torvel {
 

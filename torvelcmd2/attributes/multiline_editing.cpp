@@ -4,8 +4,8 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
-#include "torvelcmd2/frame/command.h"
 #include "drawingdb/mtext.h"
+#include "torvelcmd2/frame/command.h"
 
 namespace torvel {
 namespace {

@@ -9,12 +9,12 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
-#include "hostapi/module_functions.h"
 #include "drawingdb/layer.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/mtext_layout.h"
 #include "drawingdb/text.h"
 #include "drawingdb/text_style.h"
+#include "hostapi/module_functions.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace torvel {

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "drawingdb/database.h"
-#include "drawingdb/text.h"
 #include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 
 namespace texteditor {
 namespace {

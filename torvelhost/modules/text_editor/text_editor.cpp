@@ -4,11 +4,11 @@
 #include "dialogs/boxes.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/text.h"
 #include "hostapi/input.h"
 #include "torvelhost/modules/host_services.h"
 #include "torvelhost/modules/text_editor/editor_dialogs.h"
-#include "drawingdb/mtext.h"
-#include "drawingdb/text.h"
 
 namespace {
 
