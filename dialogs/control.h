@@ -1,5 +1,5 @@
-// The state of one control. It is the same for every maker of windows: a maker shows it, and brings it up to date when
-// the user does something.
+// The state of one control. It is the same for every maker of windows: a maker shows it, and View brings it up
+// to date when the user does something.
 #pragma once
 
 #include <optional>
@@ -41,6 +41,7 @@ struct Control {
     bool visible = true;
     bool enabled = true;
     bool readOnly = false;
+    bool upperCase = false;  ///< letters become capitals as they are typed
     bool checked = false;
     bool modified = false;  ///< by the user, since setModified(false)
     std::vector<Choice> choices;

@@ -150,7 +150,7 @@ void Dialog::setPicture(int id, int bitmap) {
 void Dialog::focus(int id) {
     Control& target = control(id);
     if (run_)
-        run_->setFocus(target);
+        run_->setFocus(&target);
     else
         firstFocus_ = id;
 }

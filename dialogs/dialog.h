@@ -92,6 +92,8 @@ class DIALOGS_API Dialog {
     void setSelection(int id, TextSelection selection);
     void selectAll(int id);
     void setReadOnly(int id, bool on = true);
+    /// Letters that the user types become capitals; what the program sets stays as it is.
+    void setUpperCase(int id, bool on = true) { control(id).upperCase = on; }
     bool isModified(int id) const { return control(id).modified; }
     void setModified(int id, bool on) { control(id).modified = on; }
     /// Binds a rich edit to its contents, which must outlive the dialog; null unbinds it.

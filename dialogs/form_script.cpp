@@ -8,6 +8,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "dialogs/form_names.h"
+#include "dialogs/form_text.h"
 #include "dialogs/styles.h"
 
 namespace dialogs {
@@ -179,10 +180,9 @@ void FormScript::assign(Control& field, std::wstring_view valueText) {
     if (field.kind() == ControlKind::kCombo && choice < 0)
         throw Refusal(L"there is no choice " + inQuotes(value.text) + L"; there is: " + joinedChoices(field));
     if (!goTo(field)) return;
-    if (choice >= 0)
-        view.choose(field, choice);
-    else
-        view.replaceText(field, value.text);
+    if (choice >= 0) return view.choose(field, choice);
+    view.select(field, {0, field.text.size()});
+    view.typeText(field, value.text);
 }
 
 void FormScript::check(std::wstring_view name, bool on) {
@@ -236,7 +236,7 @@ void FormScript::pressKey(std::wstring_view keys) {
         keys.remove_prefix(6);
     }
     for (const auto& known : kKeys)
-        if (base::equalsNoCase(keys, known.name)) return run_.view()->key(known.key, shift);
+        if (base::equalsNoCase(keys, known.name)) return run_.view()->pressKey(known.key, shift);
     throw Refusal(L"there is no key " + inQuotes(keys));
 }
 

@@ -47,8 +47,4 @@ class FormScript {
     LineSource& lines_;
 };
 
-/// What a form looks like, line by line.
-std::wstring formText(Run& run);
-std::wstring choicesText(const Control& control);
-
 }  // namespace dialogs

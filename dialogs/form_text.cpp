@@ -1,9 +1,10 @@
+#include "dialogs/form_text.h"
+
 #include <algorithm>
 
 #include "base/format.h"
 #include "base/text.h"
 #include "dialogs/form_names.h"
-#include "dialogs/form_script.h"
 #include "dialogs/styles.h"
 
 namespace dialogs {

@@ -1,70 +1,14 @@
-// What makes the windows of dialogs: one maker for real windows, one for forms.
+// What makes the windows and boxes of dialogs: one maker for real windows, one for forms.
 #pragma once
 
 #include <memory>
 
 #include "base/modules.h"
 #include "dialogs/boxes.h"
-#include "dialogs/control.h"
 #include "dialogs/process.h"
+#include "dialogs/view.h"
 
 namespace dialogs {
-
-class Run;
-
-/// What of a control changed.
-enum class Aspect {
-    kText,
-    kChecked,
-    kEnabled,
-    kVisible,
-    kReadOnly,
-    kSelection,
-    kChoices,
-    kColumns,
-    kRows,
-    kPages,
-    kExtras
-};
-
-enum class Key { kEnter, kEscape, kTab, kSpace, kBackspace, kDelete, kLeft, kRight, kUp, kDown, kHome, kEnd, kHelp };
-
-/// The window of one run of a dialog, with its pages. It shows what the controls hold. What the user does it first
-/// notes in the controls and then tells the run.
-class View {
-  public:
-    virtual ~View() = default;
-
-    /// Until the run has ended.
-    virtual void work() = 0;
-    /// The handle of the window; null: there is none.
-    virtual void* window() { return nullptr; }
-    virtual void titleChanged() = 0;
-    virtual void changed(Control& control, Aspect aspect) = 0;
-    /// A page was initialised and is to be shown from now on.
-    virtual void pageShown(Control& tab) = 0;
-    /// The focus went there by the program.
-    virtual void focusChanged(Control& control) = 0;
-    virtual int listWidth(const Control& list) = 0;
-    virtual void restorePlacement(const std::wstring& placement) = 0;
-    virtual std::wstring placement() = 0;
-    virtual void savePicture(const std::wstring& fileName) = 0;
-
-    /// ---- doing as a user would, for scripts. The control is visible and enabled; all but moveFocus, key and
-    /// close need the focus there.
-    /// False when a leave check refused or showed a box: what was to follow is dropped.
-    virtual bool moveFocus(Control& control) = 0;
-    virtual void press(Control& button) = 0;
-    virtual void replaceText(Control& field, const std::wstring& text) = 0;
-    virtual void typeText(Control& field, const std::wstring& text) = 0;
-    virtual void select(Control& field, TextSelection selection) = 0;
-    /// A choice, a row, or a page.
-    virtual void choose(Control& list, int item) = 0;
-    virtual void doubleClick(Control& list, int row) = 0;
-    /// Where the focus is.
-    virtual void key(Key key, bool shift) = 0;
-    virtual void close() = 0;
-};
 
 class Maker {
   public:
@@ -89,6 +33,7 @@ struct Process {
     std::unique_ptr<Maker> maker;
     LineSource* lines = nullptr;  ///< forms: never null; windows: the script or null
     Waiting waiting;
+    void* mainWindow = nullptr;  ///< owns what opens outside of any dialog
     int boxesShown = 0;
     base::ModuleHandle resources = nullptr;
     Run* current = nullptr;  ///< the innermost dialog

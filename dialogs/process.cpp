@@ -62,6 +62,8 @@ bool useWindows(LineSource* script, Waiting waiting) {
     return true;
 }
 
+void useMainWindow(void* window) { Process::instance().mainWindow = window; }
+
 void useStandard() { Process::instance().setStandard(); }
 
 }  // namespace dialogs

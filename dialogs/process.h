@@ -35,6 +35,9 @@ using Waiting = std::function<void(const std::function<void()>& wait)>;
 /// Dialogs are windows. With a script its lines do what a user would do; without one (null) the user does.
 /// False, and nothing changed, where there are no windows.
 DIALOGS_API bool useWindows(LineSource* script, Waiting waiting = {});
+/// Dialogs and boxes that open outside of any other dialog belong to that window, the handle of the host's main window,
+/// and are modal to it. Null: to none.
+DIALOGS_API void useMainWindow(void* window);
 /// Back to what holds without a say.
 DIALOGS_API void useStandard();
 

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/format.h"
+#include "base/number.h"
+#include "base/text.h"
 #include "dialogs/styles.h"
 #include "dialogs/text_editing.h"
 
@@ -28,22 +31,48 @@ void Run::attach(Dialog& dialog, Run* run) {
 template <class Handler>
 void Run::call(Dialog& dialog, Handler handler) {
     if (hasEnded()) return;
-    const ResourceScope scope(dialog.resources_);
-    handler(dialog);
+    {
+        const ResourceScope scope(dialog.resources_);
+        handler(dialog);
+    }
+    moveFocusOn();
 }
+
+// A control that was disabled or hidden must not keep the focus: no key would reach the dialog.
+void Run::moveFocusOn() {
+    if (!hasEnded() && focus_ && !(focus_->canHaveFocus() && isShown(*focus_))) setFocus(nextInTabOrder(false));
+}
+
+namespace {
+
+// "left,top,width,height" in pixels; the size is the template's and only tells what was there.
+void restorePlacement(View& view, const std::wstring& placement) {
+    const std::vector<std::wstring> numbers = base::split(placement, L',');
+    if (numbers.size() != 4) return;
+    const auto left = base::parseInteger(std::wstring_view(numbers[0]));
+    const auto top = base::parseInteger(std::wstring_view(numbers[1]));
+    if (left && top) view.movePlace(static_cast<int>(*left), static_cast<int>(*top));
+}
+
+std::wstring placementOf(View& view) {
+    const PixelRect place = view.place();
+    return base::format(L"%d,%d,%d,%d", place.left, place.top, place.width, place.height);
+}
+
+}  // namespace
 
 int Run::execute() {
     view_ = Process::instance().maker->makeView(*this);
     initialize(root_);
-    view_->restorePlacement(root_.savedPlacement());
+    restorePlacement(*view_, root_.savedPlacement());
     if (!hasEnded() && !focus_) {
         const int wantedId = std::exchange(root_.firstFocus_, 0);
         Control* const wanted = wantedId != 0 ? &root_.control(wantedId) : nullptr;
         Control* const first = wanted && isShown(*wanted) && wanted->canHaveFocus() ? wanted : nextInTabOrder(false);
-        if (first) setFocus(*first);
+        setFocus(first);
     }
     if (!hasEnded()) view_->work();
-    if (const std::wstring placement = view_->placement(); !placement.empty()) root_.savePlacement(placement);
+    root_.savePlacement(placementOf(*view_));
     view_.reset();
     return result_.value_or(kCancelButton);
 }
@@ -58,7 +87,8 @@ void Run::initialize(Dialog& dialog) {
 void Run::initializePage(Control& tab) {
     if (tab.selected < 0) tab.selected = 0;
     Dialog& page = *tab.pages.at(tab.selected);
-    if (page.run_ != this) attach(page, this);  // added during this run
+    if (page.run_ != this) attach(page, this);        // added during this run
+    if (focus_ && !isShown(*focus_)) setFocus(&tab);  // it was on the page shown before
     view_->pageShown(tab);
     if (!page.initialized_) initialize(page);
 }
@@ -67,25 +97,25 @@ void Run::end(int code) {
     if (!result_) result_ = code;
 }
 
-void Run::setFocus(Control& control) {
-    focus_ = &control;
-    if (view_) view_->focusChanged(control);
+void Run::setFocus(Control* control) {
+    focus_ = control;
+    if (view_) view_->showFocus(control);
 }
 
 // ---- the controls that are shown
 
-void Run::appendShown(Dialog& dialog, std::vector<Control*>& found) {
+void Run::appendShown(Dialog& dialog, std::vector<Control*>& found, const Control* alsoHidden) {
     for (const auto& control : dialog.controls_) {
-        if (!control->visible) continue;
+        if (!control->visible && control.get() != alsoHidden) continue;
         found.push_back(control.get());
         if (control->selected >= 0 && control->selected < static_cast<int>(control->pages.size()))
-            appendShown(*control->pages[control->selected], found);
+            appendShown(*control->pages[control->selected], found, alsoHidden);
     }
 }
 
 std::vector<Control*> Run::shownControls() {
     std::vector<Control*> found;
-    appendShown(root_, found);
+    appendShown(root_, found, nullptr);
     return found;
 }
 
@@ -108,7 +138,8 @@ bool isTabStop(Control& control) {
 }  // namespace
 
 Control* Run::nextInTabOrder(bool backwards) {
-    std::vector<Control*> shown = shownControls();
+    std::vector<Control*> shown;
+    appendShown(root_, shown, focus_);  // also from where it cannot stay
     if (backwards) std::reverse(shown.begin(), shown.end());
     const auto at = std::find(shown.begin(), shown.end(), focus_);
     if (at != shown.end()) std::rotate(shown.begin(), at + 1, shown.end());
@@ -125,17 +156,22 @@ Control* Run::buttonOfEnter() {
 
 Control* Run::findButton(int id) { return root_.owns(id) ? &root_.control(id) : nullptr; }
 
-std::vector<Control*> radioGroup(Control& radio) {
-    auto& all = radio.dialog->controls();
+std::vector<Control*> groupOf(Control& member, const std::function<bool(const Control&)>& kind) {
+    auto& all = member.dialog->controls();
     const auto startsGroup = [](const auto& control) { return (control->design->style & kGroupStyle) != 0; };
-    auto end = std::find_if(all.begin(), all.end(), [&](const auto& control) { return control.get() == &radio; });
+    auto end = std::find_if(all.begin(), all.end(), [&](const auto& control) { return control.get() == &member; });
     auto begin = end;
     while (begin != all.begin() && !startsGroup(*begin)) --begin;
     for (++end; end != all.end() && !startsGroup(*end);) ++end;
     std::vector<Control*> group;
     for (; begin != end; ++begin)
-        if ((*begin)->kind() == ControlKind::kRadio) group.push_back(begin->get());
+        if (kind(**begin)) group.push_back(begin->get());
     return group;
+}
+
+std::vector<Control*> radioGroup(Control& radio) {
+    return groupOf(
+        radio, [](const Control& control) { return control.kind() == ControlKind::kRadio; });
 }
 
 void markRadio(Control& radio) {

@@ -1,6 +1,7 @@
 // One run of a dialog, from its opening to its end: which control has the focus, and what the user's actions lead to.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "dialogs/dialog.h"
@@ -25,9 +26,8 @@ class Run {
     /// Null while a run is being set up.
     View* view() { return view_.get(); }
     Control* focus() { return focus_; }
-    void setFocus(Control& control);
-    /// The focus has gone there already.
-    void noteFocus(Control& control) { focus_ = &control; }
+    /// Without asking; null: nowhere.
+    void setFocus(Control* control);
 
     /// ---- the controls that are shown, in template order; those of a page behind its tab control
     std::vector<Control*> shownControls();
@@ -60,7 +60,8 @@ class Run {
     void call(Dialog& dialog, Handler handler);
     void initialize(Dialog& dialog);
     void initializePage(Control& tab);
-    void appendShown(Dialog& dialog, std::vector<Control*>& found);
+    void appendShown(Dialog& dialog, std::vector<Control*>& found, const Control* alsoHidden);
+    void moveFocusOn();
     static void attach(Dialog& dialog, Run* run);
 
     Dialog& root_;
@@ -70,6 +71,8 @@ class Run {
     std::optional<int> result_;
 };
 
+/// The controls from one with WS_GROUP to before the next that are of this kind.
+std::vector<Control*> groupOf(Control& member, const std::function<bool(const Control&)>& kind);
 /// The radio buttons of a control's group.
 std::vector<Control*> radioGroup(Control& radio);
 void markRadio(Control& radio);

@@ -1,4 +1,4 @@
-// The styles in templates that matter to both makers.
+// The styles in templates that matter to every maker.
 #pragma once
 
 #include <cstdint>
@@ -16,6 +16,6 @@ inline constexpr std::uint32_t kButtonPictureMask = 0xC0;  // of a button
 inline constexpr std::uint32_t kMultiLineStyle = 0x0004;   // of an edit
 inline constexpr std::uint32_t kReadOnlyStyle = 0x0800;    // of an edit
 inline constexpr std::uint32_t kWantReturnStyle = 0x1000;  // of an edit
-inline constexpr std::uint32_t kUpperCaseStyle = 0x0008;   // of an edit
+inline constexpr std::uint32_t kNoPrefixStyle = 0x0080;    // of a static: "&" is no mnemonic
 
 }  // namespace dialogs

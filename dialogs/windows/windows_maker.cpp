@@ -14,7 +14,7 @@ namespace {
 
 HWND ownerWindow() {
     Run* const run = Process::instance().current;
-    return run && run->view() ? static_cast<HWND>(run->view()->window()) : nullptr;
+    return static_cast<HWND>(run && run->view() ? run->view()->window() : Process::instance().mainWindow);
 }
 
 // ---- message boxes that a script answers: a timer ticks inside the box, finds it and presses the button
@@ -76,6 +76,7 @@ class WindowsMaker final : public Maker {
 
     Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& caption,
                       std::optional<Answer> answer) override {
+        const Themed themed;
         std::optional<BoxTimer> timer;
         if (answer) timer.emplace(*answer);
         std::wstring title = caption;
@@ -86,6 +87,7 @@ class WindowsMaker final : public Maker {
     }
 
     std::optional<std::wstring> askFile(const FileRequest& request) override {
+        const Themed themed;
         std::wstring name = request.fileName;
         name.resize(32768);
         const std::wstring filter = systemFilter(request.filter);
@@ -112,6 +114,7 @@ class WindowsMaker final : public Maker {
     }
 
     std::optional<std::wstring> askFolder(const std::wstring& title) override {
+        const Themed themed;
         BROWSEINFOW dialog = {};
         dialog.hwndOwner = ownerWindow();
         dialog.lpszTitle = title.c_str();

@@ -490,7 +490,7 @@ TEST_P(Forms, APageThatGoesLeavesTheFocusAtTheTab) {
     EXPECT_THAT(dialog.log, ElementsAre("init", "leave 130 for 131", "page 130 1", "leave 130 for 1", "ok"));
 }
 
-TEST_P(Forms, OnlyWindowsHaveAPlaceOfTheirOwn) {
+TEST_P(Forms, ThePlaceOfTheWindowIsKept) {
     class Placed final : public Logged {
       public:
         Placed() : Logged(IDD_FIELDS) {}
@@ -499,10 +499,16 @@ TEST_P(Forms, OnlyWindowsHaveAPlaceOfTheirOwn) {
         std::wstring place;
     } dialog;
     run(dialog, {"close"});
-    EXPECT_EQ(dialog.place.empty(), GetParam() == Maker::forms);
+    if (GetParam() == Maker::forms) EXPECT_EQ(dialog.place, L"0,0,420,357");  // the template's
+    const std::wstring size = dialog.place.substr(dialog.place.find(L',', dialog.place.find(L',') + 1));
+    for (const wchar_t* useless : {L"", L"20,30", L"a,b,c,d"}) {
+        dialog.place = useless;
+        run(dialog, {"close"});
+        EXPECT_TRUE(dialog.place.ends_with(size)) << base::toUtf8(dialog.place);
+    }
     dialog.place = L"20,30,400,300";
     run(dialog, {"close"});
-    EXPECT_TRUE(dialog.place.starts_with(L"20,30,"));
+    EXPECT_EQ(dialog.place, L"20,30" + size);
 }
 
 TEST_P(Forms, PicturesShowTheWindow) {
