@@ -1,3 +1,4 @@
+// Colours and lineweights as texts and back, and the drop-downs that show them.
 #include "torvelcmd2/attmanager/property_controls.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// AttSync: asks for a block, by its name or by a reference, and brings its references in the current space in line.
 #include "torvelcmd2/attributes/att_sync.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Divide: points or references of a block at equal lengths along a curve.
 #include "torvelcmd2/construction/divide.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// Wipeout: a mask from a polygon drawn or from a closed polyline, and whether the frames of masks are shown.
 #include "torvelcmd2/construction/wipeout.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// XLINE: infinite lines through a point, along the axes, at an angle, halving an angle, beside a line. Each mode asks
+// its own questions once, then places line after line.
 #include "torvelcmd2/construction/xline.h"
 
 #include <algorithm>

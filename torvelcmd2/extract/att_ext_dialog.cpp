@@ -1,3 +1,4 @@
+// The dialog of AttExt: which template and output it offers, what each button does, and what OK refuses.
 #include "torvelcmd2/extract/att_ext_dialog.h"
 
 #include "base/paths.h"

@@ -1,3 +1,4 @@
+// Reads the header and the records of a slide; their layout stands in the header file.
 #include "torvelcmd2/slides/slide_decoder.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Reads replies: quotes, keywords, points, picks, windows; their forms stand in the header file.
 #include "torvelhost/lines/reply.h"
 
 #include <cmath>

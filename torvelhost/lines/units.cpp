@@ -1,3 +1,4 @@
+// Writes and reads lengths and angles; their forms stand in the header file.
 #include "torvelhost/lines/units.h"
 
 #include <algorithm>

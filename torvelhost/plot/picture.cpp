@@ -1,3 +1,4 @@
+// Pictures: shapes are cut off at the border and kept in thousandths of a pixel.
 #include "torvelhost/plot/picture.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Draws spaces: display lists of blocks for their size on the picture, viewports, and what hides what.
 #include "torvelhost/plot/plotter.h"
 
 #include <cmath>

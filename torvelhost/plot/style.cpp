@@ -1,3 +1,4 @@
+// The looks of entities: what comes from layers and from the references that hold them, and the linetypes.
 #include "torvelhost/plot/style.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Prompts: what every one of them is made of, the kinds that modules ask for, and the trackers that follow the cursor.
 #include "torvelhost/session/input.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Picks: by handle, at a point, inside references, and sets; and the pick-first set.
 #include "torvelhost/session/selection.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Whether an entity shows anything in a rectangle, kind by kind, also inside references.
 #include "torvelhost/session/strokes.h"
 
 #include <algorithm>

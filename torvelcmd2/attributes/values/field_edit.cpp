@@ -1,3 +1,8 @@
+// A value with fields as it is edited: loaded, typed into, saved.
+//
+//   visible  text in which each field is a run of characters, its evaluated value
+//   code     the text that is saved, with "%<\_FldIdx 0>%" where its first field stands; characters that only look like
+//            the beginning of a field go into a plain field of their own, so that nobody reads them as one
 #include "torvelcmd2/attributes/values/field_edit.h"
 
 #include "base/text.h"
