@@ -6,6 +6,7 @@
 
 namespace base {
 
+// NOLINTNEXTLINE(cppcoreguidelines-owning-memory): this is the deleter of the owner.
 void FreeLargeMemory::operator()(char* memory) const { std::free(memory); }
 
 LargeMemory allocateLarge(std::size_t size) {

@@ -5,7 +5,7 @@
 
 Looks at the sources that changed since they were last found clean, and for a changed header at one source that includes it.
 What is committed counts as clean before the first run. With --all, or where the environment variable CI is set, it looks
-at every source, which takes some twenty minutes of a processor. What is clean is remembered in BUILD_DIR/tidy.json.
+at every source, which takes some twenty minutes of a processor. What is clean is remembered in BUILD_DIR/tidy/clean.json.
 """
 
 import argparse
@@ -34,6 +34,19 @@ def committed(root):
     return {name: entry.split()[2] for entry, name in tree}
 
 
+def program_commands(build, root):
+    """The command that compiles each source into the program; a test may compile it once more, with its own header."""
+    commands = {}
+    for entry in json.loads((build / "compile_commands.json").read_text()):
+        name = os.path.relpath(entry["file"], root)
+        if name.split("/")[0] in ROOMS and "cmake_pch" not in entry["command"]:
+            commands.setdefault(name, entry)
+    folder = build / "tidy"
+    folder.mkdir(exist_ok=True)
+    (folder / "compile_commands.json").write_text(json.dumps(list(commands.values())))
+    return commands
+
+
 def includer(root, header, sources):
     """The source that a header is looked at in: its own, or else the first that includes it."""
     stem = pathlib.PurePath(header).with_suffix("")
@@ -46,7 +59,7 @@ def includer(root, header, sources):
 
 def look(clang_tidy, build, root, source):
     """What clang-tidy says of one source, without its notes on how much it left out."""
-    result = subprocess.run([clang_tidy, "-p", str(build), "--quiet", "--warnings-as-errors=*", str(root / source)],
+    result = subprocess.run([clang_tidy, "-p", str(build / "tidy"), "--quiet", "--warnings-as-errors=*", str(root / source)],
                             capture_output=True, text=True)
     if result.returncode == 0 and "warning:" not in result.stdout:
         return ""
@@ -63,10 +76,10 @@ def main():
     arguments = parser.parse_args()
     root, build = arguments.root.resolve(), arguments.build.resolve()
 
-    compiled = {os.path.relpath(entry["file"], root) for entry in json.loads((build / "compile_commands.json").read_text())}
-    sources = sorted(s for s in compiled if s.split("/")[0] in ROOMS)
+    commands = program_commands(build, root)
+    sources = sorted(commands)
     headers = sorted(str(p.relative_to(root)) for room in ROOMS for p in (root / room).rglob("*.h"))
-    memory = build / "tidy.json"
+    memory = build / "tidy" / "clean.json"
     try:
         now = contents(root, sources + headers + [".clang-tidy"])
         clean = json.loads(memory.read_text()) if memory.exists() else committed(root)

@@ -77,7 +77,7 @@ void CAttExtDlg::setTexts() {
 
 // The file used last; else the drawing's name in the folder used last, or in the user's documents.
 OdString CAttExtDlg::firstOutputPath() const {
-    const OdString remembered = readSetting(kSection, kOutputKey).value_or(L"");
+    OdString remembered = readSetting(kSection, kOutputKey).value_or(L"");
     if (!remembered.empty()) return remembered;
     const std::optional<OdString> usedLast = readSetting(kSection, kFolderKey);
     const OdString folder = usedLast ? *usedLast : documentsFolder();

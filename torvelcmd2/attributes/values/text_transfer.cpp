@@ -108,7 +108,7 @@ InlineCode inlineCode(const OdDbField& textField) {
 }
 
 OdDbFieldPtr newPlainPart(const OdString& text, OdDbDatabase* database) {
-    const OdDbFieldPtr part = OdDbField::createObject();
+    OdDbFieldPtr part = OdDbField::createObject();
     part->setFieldCode(text, OdDbField::kTextField);
     part->evaluate(OdDbField::kAutomatic, database);
     return part;
