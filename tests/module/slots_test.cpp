@@ -180,16 +180,6 @@ TEST_F(ModuleInHost, ElxTestEchoesAnyTextEntered) {
     EXPECT_EQ(host().database->references(), references);
 }
 
-TEST_F(ModuleInHost, RayEndsAtItsFirstPrompt) {
-    for (const auto& [result, status] : {std::pair(hostapi::kCancel, 1), std::pair(hostapi::kEmpty, 0)}) {
-        host().points = {{result, {}, {}}};
-        void* const command = create("Ray");
-        EXPECT_EQ(run(command), status);
-        EXPECT_TRUE(raysIn(host().database->modelSpaceId()).empty());
-        release(command);
-    }
-}
-
 // A tracker as a host drives it, and the entity that it shows.
 template <class Entity>
 struct DrivenTracker {

@@ -62,7 +62,7 @@ std::optional<std::wstring> ScriptReplies::peek() {
 }
 
 std::optional<std::wstring> ScriptReplies::next(const std::wstring& prompt) {
-    const std::optional<std::wstring> line = peek();
+    std::optional<std::wstring> line = peek();
     if (line) terminal_.show(prompt + *line + L"\n");
     peeked_.reset();
     return line;

@@ -21,6 +21,7 @@ class GroupRecorder final : public OdDbDxfFiler {
     void wrString(int code, const OdString& value) override { add(code).text = value; }
     void wrSubclassMarker(const OdString& value) override { add(100).text = value; }
     void wrBool(int code, bool value) override { add(code).integer = value; }
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse): a number, no character.
     void wrInt8(int code, std::int8_t value) override { add(code).integer = value; }
     void wrUInt8(int code, std::uint8_t value) override { add(code).integer = value; }
     void wrInt16(int code, std::int16_t value) override { add(code).integer = value; }

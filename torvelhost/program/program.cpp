@@ -25,7 +25,7 @@ void loadCommandModule(Terminal& terminal) {
     std::wstring reason;
     base::ModuleReference module = base::loadModule(fileName, &reason);
     if (!module) return terminal.error(L"the commands of " + fileName + L" are missing: " + reason);
-    module.release();
+    static_cast<void>(module.release());
 }
 
 std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& terminal) {

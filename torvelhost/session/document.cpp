@@ -34,6 +34,7 @@ std::vector<OdDbObjectId> Document::floatingViewports() const {
     }
     std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<OdDbObjectId> viewports;
+    viewports.reserve(found.size());
     for (const auto& [number, id] : found) viewports.push_back(id);
     return viewports;
 }

@@ -99,6 +99,7 @@ std::vector<const EntityGrid::Entry*> EntityGrid::meeting(const Rectangle& recta
     std::sort(found.begin(), found.end());
     found.erase(std::unique(found.begin(), found.end()), found.end());
     std::vector<const Entry*> entries;
+    entries.reserve(found.size());
     for (Index entry : found) entries.push_back(&entries_[entry]);
     return entries;
 }

@@ -59,7 +59,7 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// file opens as far as it goes, with warnings; one that is cut short opens read-only.
     static OdSmartPtr<OdDbDatabase> readFile(const std::wstring& path);
     /// As readFile, from memory. `name` stands in messages.
-    static OdSmartPtr<OdDbDatabase> readBytes(std::string bytes, const std::wstring& name);
+    static OdSmartPtr<OdDbDatabase> readBytes(const std::string& bytes, const std::wstring& name);
     /// All or nothing: written beside the target, flushed, then renamed over it. Throws OdError(fileError, readOnly,
     /// notHeldByVersion); the target is as it was then.
     void writeFile(const std::wstring& path);

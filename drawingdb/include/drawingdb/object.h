@@ -131,7 +131,7 @@ class DRAWINGDB_API OdDbObject : public OdRxObject {
     virtual void clearRuns();
     /// To be called by a class that changes what its run holds.
     void runsChanged() { runsChanged_ = true; }
-    virtual void lastReferenceGone() override;
+    void lastReferenceGone() override;
     OdDbObject* self() const { return const_cast<OdDbObject*>(this); }
     OdString decoded(const drawingdb::FileText& text) const;
     void assign(drawingdb::FileText& field, const OdString& value);

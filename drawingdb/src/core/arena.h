@@ -29,6 +29,7 @@ class Arena {
     const Body* add(std::string_view bytes, std::uint16_t type) {
         const std::size_t need = (sizeof(Body) + bytes.size() + 8 + 7) & ~std::size_t{7};
         if (need > left_) grow(need);
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): it lies in the arena, which owns its memory.
         auto* body = new (place_) Body{static_cast<std::uint32_t>(bytes.size()), type, 0};
         std::memcpy(place_ + sizeof(Body), bytes.data(), bytes.size());
         std::memset(place_ + sizeof(Body) + bytes.size(), 0, 8);

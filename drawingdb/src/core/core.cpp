@@ -403,7 +403,7 @@ void Core::closed(OdDbObject& object) {
     stub.content = ObjectAccess::closedContent(object);
     --liveObjects_;
     ObjectAccess::stub(object) = nullptr;
-    delete &object;
+    delete &object;  // NOLINT(cppcoreguidelines-owning-memory): its last reference is gone
 }
 
 void Core::becomeDirty(OdDbObject& object) { dirty_.push_back(&object); }

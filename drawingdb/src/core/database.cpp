@@ -42,7 +42,7 @@ OdDbDatabasePtr OdDbDatabase::readFile(const std::wstring& path) {
     return database;
 }
 
-OdDbDatabasePtr OdDbDatabase::readBytes(std::string bytes, const std::wstring& name) {
+OdDbDatabasePtr OdDbDatabase::readBytes(const std::string& bytes, const std::wstring& name) {
     OdDbDatabasePtr database(new OdDbDatabase);
     database->core_->name = name;
     base::FileReading reading{base::FileBuffer(bytes)};
@@ -180,6 +180,7 @@ std::vector<OdString> OdDbDatabase::layoutNames() const {
     }
     std::stable_sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<OdString> names;
+    names.reserve(rows.size());
     for (auto& row : rows) names.push_back(std::move(row.second));
     return names;
 }

@@ -115,7 +115,7 @@ void ClassDescription::finish() {
             if (!occurring[static_cast<std::size_t>(code)]) continue;
             const int first = findMeaning(zone, code, -1);
             const bool several = first >= 0 && findMeaning(zone, code, first) != first;
-            meanings_[static_cast<std::size_t>((zone + 1) * kCodes + code)] =
+            meanings_[static_cast<std::size_t>(zone + 1) * kCodes + static_cast<std::size_t>(code)] =
                 static_cast<std::int16_t>(several ? kSeveral : first);
         }
     }

@@ -85,7 +85,7 @@ class ClassDescription {
     /// (embedded ones left out).
     int meaningOf(int zone, int code, int after) const {
         if (code < 0 || code >= kCodes) return findMeaning(zone, code, after);
-        const int meaning = meanings_[static_cast<std::size_t>((zone + 1) * kCodes + code)];
+        const int meaning = meanings_[static_cast<std::size_t>(zone + 1) * kCodes + static_cast<std::size_t>(code)];
         return meaning == kSeveral ? findMeaning(zone, code, after) : meaning;
     }
     /// To be called when zones and fields are complete.

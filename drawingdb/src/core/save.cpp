@@ -98,8 +98,6 @@ class Saver {
             case rtInsert:
                 if (stub.has(Stub::childrenChanged)) return reference(i);
                 break;
-            case rtSeqend:
-                break;
             default:
                 break;
         }

@@ -313,5 +313,6 @@ void OdDbAttribute::setAttributeFromBlock(const OdDbAttributeDefinition& definit
     if (transformBy(blockTransform) != OdResult::ok)
         transformBy(OdGeMatrix3d::translation(blockTransform * heldPoint() - heldPoint()));
     // The definition is hung up by its tag, the attribute by its value.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     OdDbText::changed(Change::text);
 }

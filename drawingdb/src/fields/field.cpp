@@ -615,7 +615,7 @@ OdSmartPtr<OdDbField> OdDbField::copy() const {
 }
 
 OdSmartPtr<OdDbField> OdDbField::copyWithin(std::size_t& budget, int depth) const {
-    const FieldPtr result = createObject();
+    FieldPtr result = createObject();
     --budget;
     result->evaluator_ = evaluator_;
     result->code_ = code_;

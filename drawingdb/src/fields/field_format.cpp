@@ -111,7 +111,7 @@ std::wstring toText(double value, std::chars_format style, int precision) {
 }
 
 // Applies separators and the suppression of zeros to digits with or without a point; no sign, no exponent.
-std::wstring finishDigits(std::wstring digits, const ValueFormat& format) {
+std::wstring finishDigits(const std::wstring& digits, const ValueFormat& format) {
     const std::size_t point = std::min(digits.find(L'.'), digits.size());
     std::wstring whole = digits.substr(0, point);
     std::wstring fraction = point < digits.size() ? digits.substr(point + 1) : std::wstring();
@@ -126,7 +126,9 @@ std::wstring finishDigits(std::wstring digits, const ValueFormat& format) {
 // Whether any digit but zero stands in the text: "-0.00" is shown without its sign.
 bool isZeroText(std::wstring_view text) { return text.find_first_of(L"123456789") == std::wstring_view::npos; }
 
-std::wstring withSign(std::wstring text, double value) { return value < 0 && !isZeroText(text) ? L'-' + text : text; }
+std::wstring withSign(const std::wstring& text, double value) {
+    return value < 0 && !isZeroText(text) ? L'-' + text : text;
+}
 
 std::wstring decimalText(double value, int precision, const ValueFormat& format) {
     return withSign(finishDigits(toText(std::fabs(value), std::chars_format::fixed, precision), format), value);

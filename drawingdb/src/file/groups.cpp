@@ -354,6 +354,8 @@ char* writeShortReal(char* place, double value) {
     constexpr std::int64_t kScale = 1000000;
     const double size = std::fabs(value);
     if (!(size < kLargest) || (size < kSmallest && size != 0) || (value == 0 && std::signbit(value))) return nullptr;
+    // Not below zero; a wrong last digit shows in the next line.
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings)
     const auto scaled = static_cast<std::int64_t>(size * static_cast<double>(kScale) + 0.5);
     if (static_cast<double>(scaled) / static_cast<double>(kScale) != size) return nullptr;
     if (value < 0) *place++ = '-';

@@ -45,6 +45,7 @@ bool appendMultiByte(wchar_t page, int bytes, std::wstring& out) {
 void appendUnit(int unit, std::wstring& out) {
     if constexpr (sizeof(wchar_t) > 2) {
         if (unit >= 0xDC00 && unit < 0xE000 && !out.empty()) {
+            // NOLINTNEXTLINE(bugprone-signed-char-misuse): a character is never below zero.
             const auto high = static_cast<unsigned>(out.back());
             if (high >= 0xD800 && high < 0xDC00) {
                 out.back() =
@@ -66,7 +67,7 @@ bool isPlainText(std::string_view raw) {
 
 std::wstring decodeText(std::string_view raw, const FileFormat& format) {
     if (isPlainText(raw)) return std::wstring(raw.begin(), raw.end());
-    const std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
+    std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
     if (wide.find_first_of(L"\\^") == std::wstring::npos) return wide;
     std::wstring out;
     out.reserve(wide.size());

@@ -78,7 +78,7 @@ OdString quoted(const OdString& text) {
 // The whole code of a field, or a text with field codes in it.
 Answer askCode(const Desk& desk) {
     for (;;) {
-        const Answer answer = ask(desk, L"Enter field code or kind of field [%s]", kKindKeywords);
+        Answer answer = ask(desk, L"Enter field code or kind of field [%s]", kKindKeywords);
         if (!answer || holdsField(*answer)) return answer;
         // Without brackets it is a code all the same, also one whose evaluator is not there.
         if (answer->starts_with(L'\\')) return L"%<" + *answer + L">%";
