@@ -7,7 +7,8 @@
     dialogs, drawingdb     ---> base
     hostapi                ---> drawingdb (public headers, for their types)
 
-Nobody but drawingdb sees drawingdb/src.
+Nobody but drawingdb sees drawingdb/src. Within a room its sub-rooms point down too: SUBROOMS lists them from the bottom
+up. Headers that lie in a room itself may be included by all of its sub-rooms.
 """
 
 import pathlib
@@ -21,6 +22,21 @@ ROOMS = {
     "hostapi": {"drawingdb"},
     "torvelcmd2": {"hostapi", "dialogs", "drawingdb", "base"},
     "torvelhost": {"hostapi", "dialogs", "drawingdb", "base"},
+}
+# The sub-rooms of a room from the bottom up; those of one line do not see each other.
+SUBROOMS = {
+    "drawingdb/src": [["geometry", "file"], ["lettering"], ["core"], ["fields"], ["entities"]],
+    "torvelhost": [["resources", "lines"], ["plot"], ["session"], ["commands", "modules"], ["program"]],
+    "torvelcmd2": [["resources"], ["frame"], ["attributes/values"], ["attributes"],
+                   ["attmanager", "construction", "extract/burst", "slides"], ["extract"]],
+    "dialogs": [[""], ["forms", "windows"]],
+}
+# What points up all the same, and why.
+ALLOWED_UP = {
+    # The registrations name every command; nothing includes them.
+    ("torvelcmd2/frame/registrations.cpp", None),
+    # A plot shows what the document's view says.
+    ("torvelhost/plot/plot.h", "torvelhost/session/document_view.h"),
 }
 # Tests, benches, fuzzers and examples may look into every room; their own platform switches are no better, though.
 OUTSIDE = ["tests", "bench", "fuzz", "examples"]
@@ -39,6 +55,27 @@ def room_of(name):
     return name.split("/", 1)[0]
 
 
+def floor_of(room, name):
+    """The sub-room of a file, as (floor, sub-room); nothing for one outside of all."""
+    inner = name[len(room) + 1:]
+    floors = [(floor, sub) for floor, line in enumerate(SUBROOMS[room]) for sub in line
+              if inner.startswith(sub + "/") or (not sub and "/" not in inner)]
+    return max(floors, key=lambda found: len(found[1]), default=None)
+
+
+def check_subrooms(name, target):
+    for room in SUBROOMS:
+        if not (name.startswith(room + "/") and target.startswith(room + "/")):
+            continue
+        here, there = floor_of(room, name), floor_of(room, target)
+        if not here or not there or here[1] == there[1] or here[0] > there[0]:
+            return None
+        if (name, None) in ALLOWED_UP or (name, target) in ALLOWED_UP:
+            return None
+        return f"{room}/{here[1]} may not include {room}/{there[1]}"
+    return None
+
+
 def check_include(root, path, included):
     """What is wrong with the include, or nothing."""
     name = path.relative_to(root).as_posix()
@@ -52,6 +89,9 @@ def check_include(root, path, included):
     if beside.exists() and beside.is_relative_to(root):
         target = beside.relative_to(root).as_posix()
     target_room = room_of(target)
+    problem = check_subrooms(name, target)
+    if problem:
+        return problem
     if room not in ROOMS or target_room not in ROOMS or target_room == room:
         return None
     if target_room not in ROOMS[room]:
@@ -91,10 +131,23 @@ def self_check():
         "torvelcmd2/f.cpp": "#ifdef _WIN32\n#endif\n",
         "torvelhost/g.cpp": "#include <windows.h>\n",
         "tests/h.cpp": "#if defined(_WIN32)\n#endif\n",
+        "drawingdb/src/core/i.cpp": '#include "drawingdb/src/entities/x.h"\n',
+        "drawingdb/src/file/j.cpp": '#include "drawingdb/src/geometry/x.h"\n',
+        "torvelhost/lines/k.cpp": '#include "torvelhost/session/x.h"\n',
+        "torvelhost/plot/l.cpp": '#include "torvelhost/session/document_view.h"\n',
+        "torvelcmd2/frame/m.cpp": '#include "torvelcmd2/slides/x.h"\n',
+        "torvelcmd2/attributes/values/n.cpp": '#include "torvelcmd2/attributes/x.h"\n',
+        "dialogs/o.cpp": '#include "dialogs/forms/x.h"\n',
     }
     right = {
         "torvelcmd2/ok.cpp": '#include "frame/own.h"\n#include "base/text.h"\n#include "hostapi/x.h"\n',
         "torvelcmd2/frame/x.h": "",
+        "torvelcmd2/frame/registrations.cpp": '#include "torvelcmd2/slides/x.h"\n',
+        "torvelcmd2/attributes/ok.cpp": '#include "torvelcmd2/attributes/values/x.h"\n',
+        "torvelcmd2/extract/ok.cpp": '#include "torvelcmd2/extract/burst/x.h"\n',
+        "drawingdb/src/entities/ok.cpp": '#include "drawingdb/src/core/x.h"\n',
+        "torvelhost/plot/plot.h": '#include "torvelhost/session/document_view.h"\n',
+        "dialogs/windows/ok_windows.cpp": '#include "dialogs/x.h"\n',
         "base/ok_windows.cpp": "#include <windows.h>\n",
         "drawingdb/include/drawingdb/api.h": "#if defined(_WIN32)\n#endif\n",
         "drawingdb/src/ok.cpp": '#include "drawingdb/src/own.h"\n#include "drawingdb/ge.h"\n',

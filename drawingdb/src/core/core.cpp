@@ -84,13 +84,12 @@ Stub* Core::anchorOf(Stub& container, bool make) {
     anchor.type = rtSeqend;
     anchor.owner = owner;
     anchor.flags = Stub::appended | (container.flags & Stub::paperSpace);
-    anchor.handle = newHandle();
-    newHandles_.back() = indexOf(&anchor);
+    giveHandle(anchor, container);
     std::string bytes;
     GroupWriter writer(bytes, format);
     writer.text(0, "SEQEND");
-    writer.handle(5, anchor.handle);
-    if (format.version >= 1015) writer.handle(330, container.handle);
+    if (anchor.handle) writer.handle(5, anchor.handle);
+    if (format.version >= version::v2000) writer.handle(330, container.handle);
     writer.marker("AcDbEntity");
     if (anchor.has(Stub::paperSpace)) writer.integer(67, 1);
     const std::string_view layer = container.live() ? std::string_view() : groupText(container, 8);
@@ -268,9 +267,11 @@ Stub* Core::byHandle(std::uint64_t handle) {
     return index ? &stubs[index] : nullptr;
 }
 
-std::uint64_t Core::newHandle() {
-    newHandles_.push_back(0);
-    return nextHandle_++;
+void Core::giveHandle(Stub& stub, const Stub& container) {
+    // Objects get theirs all the same: their owners find them by it.
+    if (!hasHandles_ && &container != section(Section::objects)) return;
+    newHandles_.push_back(indexOf(&stub));
+    stub.handle = nextHandle_++;
 }
 
 void Core::forgetNames() {

@@ -96,7 +96,8 @@ class Core {
 
     /// ---- finding ----
     Stub* byHandle(std::uint64_t handle);
-    std::uint64_t newHandle();
+    /// Gives a new stub its handle, unless the drawing is one without handles.
+    void giveHandle(Stub& stub, const Stub& container);
     Stub* findRecord(std::string_view table, const std::wstring& recordName);
     /// Block of a name as a file spells it, remembered by its bytes.
     Stub* blockByRawName(std::string_view raw);
@@ -249,6 +250,7 @@ class Core {
     /// What a change could not be stored for, and where the undo log ended then.
     std::exception_ptr fault_;
     std::size_t faultPosition_ = 0;
+    bool hasHandles_ = true;
 };
 
 inline Core& coreOf(const Stub* stub) { return StubTable::coreOf(stub); }

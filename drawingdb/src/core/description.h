@@ -3,8 +3,14 @@
 // A description is built from a prototype, a fresh object of the class: a field is a member of the prototype, its
 // default the prototype's value. Fields stand in zones. A zone begins at a subclass marker (group 100) or is an
 // embedded object (group 101); zone 0 is what stands before the first marker. Files without markers (R12) have one
-// zone: the first field with the code is meant there. Within a zone fields stand in the order in which they are
-// written.
+// zone: the first field with the code is meant there. A record that has some markers and lacks others is read by what
+// its groups can mean. Within a zone fields stand in the order in which they are written.
+//
+//   description.cpp   building one, and what a group means by it
+//   members.h         the members that it speaks of
+//   decode.cpp        record -> object
+//   encode.cpp        object -> new record
+//   patch.cpp         object -> record, where there was one before
 //
 // Example:
 //   void OdDbLine::describe(Describer& d) {
@@ -63,11 +69,14 @@ struct Zone {
     std::string_view alias;       // another marker that means the same
     bool embedded = false;        // opens with group 101; the fields lie in the object behind `pointer`
     std::ptrdiff_t pointer = -1;  // offset of the OdSmartPtr<OdDbMText>
-    bool optional = false;        // written only when one of its fields is not the default
     std::uint16_t since = 0;
     std::vector<int> runCodes;          // codes that belong to the zone's run; {-1}: every code of the zone
     std::uint16_t first = 0, last = 0;  // its fields
 };
+
+/// Zones of a description, a bit each.
+using ZoneSet = std::uint32_t;
+constexpr ZoneSet zoneBit(int zone) { return ZoneSet{1} << zone; }
 
 class ClassDescription {
   public:
@@ -88,6 +97,11 @@ class ClassDescription {
         const int meaning = meanings_[static_cast<std::size_t>(zone + 1) * kCodes + static_cast<std::size_t>(code)];
         return meaning == kSeveral ? findMeaning(zone, code, after) : meaning;
     }
+    /// As meaningOf in a record that lacks markers: what a zone does not know is meant for the zones behind it of which
+    /// no marker stands in the record. `zone` becomes the one that is meant.
+    int meaningBeyond(int& zone, int code, int after, ZoneSet marked) const;
+    /// The zones of which a marker is to be expected, the head and embedded objects left out.
+    ZoneSet expectedZones() const;
     /// To be called when zones and fields are complete.
     void finish();
 
@@ -111,8 +125,6 @@ class Describer {
     }
 
     void zone(const char* marker, const char* alias = "");
-    /// A zone that is written only when one of its fields is not the default.
-    void optionalZone(const char* marker);
     /// An embedded object behind group 101. The prototype's pointer must be set while it is described; the fields
     /// described next are members of the pointed-to object.
     void embeddedZone(const char* name, OdSmartPtr<OdDbMText>& pointer);

@@ -9,6 +9,7 @@
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
+#include "drawingdb/src/core/record_walk.h"
 
 namespace drawingdb {
 
@@ -20,29 +21,15 @@ constexpr bool isPointerCode(int code) {
 }
 constexpr bool isReferenceCode(int code) { return isOwnerCode(code) || isPointerCode(code) || code == 1005; }
 
-// Kinds that have no owner groups of their own, so that an open one need not be searched for them.
-constexpr bool ownsOnlyItsDictionary(std::uint16_t type) {
-    return type == rtAttrib || type == rtAttdef || type == rtInsert || type == rtText || type == rtLine ||
-           type == rtCircle || type == rtArc || type == rtPoint || type == rtLwpolyline;
-}
-
 // Whether a record can own nothing: looking for one word is quicker than reading the groups.
 bool ownsNothing(std::uint16_t type, std::string_view bytes) {
     return ownsOnlyItsDictionary(type) && bytes.find("{ACAD_XDICTIONARY") == std::string_view::npos;
 }
 
-// The owner that a record names: its first group 330 outside of control strings.
+// The owner that a record names: the first group 330 of its head.
 std::uint64_t ownerHandle(std::string_view bytes, const FileFormat& format) {
-    GroupCursor cursor(bytes, format);
-    Group group;
-    bool control = false;
-    while (cursor.next(group))
-        if (group.code == 102)
-            control = !group.value.empty() && group.value.front() == '{';
-        else if (group.code == 330 && !control)
-            return parseHandle(group.value);
-        else if (group.code == 100)
-            break;
+    for (RecordWalk walk(GroupCursor(bytes, format)); walk.next() && walk.inHead();)
+        if (walk.part() == RecordPart::field && walk.group().code == 330) return parseHandle(walk.group().value);
     return 0;
 }
 
@@ -66,8 +53,7 @@ Stub& Core::addStub(std::uint16_t type, Stub& container) {
     stub.type = type;
     stub.owner = indexOf(&container);
     stub.flags = Stub::appended | Stub::unborn;
-    stub.handle = newHandle();
-    newHandles_.back() = indexOf(&stub);
+    giveHandle(stub, container);
     linkChild(container, stub);
     stub.flags = Stub::appended;
     if (container.type == rtTable || type == rtBlock) forgetNames();
@@ -75,21 +61,12 @@ Stub& Core::addStub(std::uint16_t type, Stub& container) {
 }
 
 void Core::requireHeld(const OdDbObject& object) const {
-    static constexpr struct {
-        const char* name;
-        int since;
-    } kSince[] = {{"RAY", 1012},     {"XLINE", 1012},      {"MTEXT", 1012},           {"LWPOLYLINE", 1014},
-                  {"SPLINE", 1012},  {"ELLIPSE", 1012},    {"FIELD", 1015},           {"FIELDLIST", 1015},
-                  {"WIPEOUT", 1015}, {"DICTIONARY", 1012}, {"WIPEOUTVARIABLES", 1015}};
-    if (format.version >= 1015) return;
     const std::string kind = object.dxfName();
-    for (const auto& row : kSince) {
-        if (kind == row.name && format.version < row.since)
-            throw OdError(OdResult::notHeldByVersion,
-                          where(nullptr) + "no " + kind + " fits into a drawing of version AC" +
-                              std::to_string(format.version) +
-                              ". Remedy: open it with a program that can save newer versions");
-    }
+    const Kind* const known = kindNamed(kind);
+    if (!known || format.version >= known->since) return;
+    throw OdError(OdResult::notHeldByVersion, where(nullptr) + "no " + kind + " fits into a drawing of version AC" +
+                                                  std::to_string(format.version) +
+                                                  ". Remedy: open it with a program that can save newer versions");
 }
 
 void Core::appendObject(OdDbObject& object, Stub& container) {
@@ -204,77 +181,37 @@ std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::u
     std::string out;
     out.reserve(bytes.size() + 32);
     GroupWriter writer(out, format);
-    GroupCursor cursor(bytes, format);
-    Group group;
-    bool handleDone = false, ownerDone = false, reactors = false, control = false, spaceDone = false;
-    std::string_view type;
-    std::string list;  // a reactor list is only written when something stays in it
-    while (cursor.next(group)) {
-        if (!type.data()) {
-            type = group.value;
-            out.append(group.bytes());
-            continue;
-        }
-        if (!handleDone && group.code == (type == "DIMSTYLE" ? 105 : 5)) {
-            handleDone = true;
+    bool ownerDone = false, spaceDone = false;
+    std::string list;  // of reactors: only written when something stays in it
+    bool isListEmpty = true;
+    for (RecordWalk walk(GroupCursor(bytes, format)); walk.next();) {
+        const Group& group = walk.group();
+        const bool isReactor = walk.control() == ControlString::reactors;
+        const bool isField = walk.part() == RecordPart::field;
+        if (walk.part() == RecordPart::handle) {
             parseHandle(group.value) == handle ? writer.raw(group.bytes()) : writer.handle(group.code, handle);
-            continue;
-        }
-        if (group.code == 102) {
-            const bool opens = !group.value.empty() && group.value.front() == '{';
-            if (opens) {
-                control = true;
-                reactors = group.value == "{ACAD_REACTORS";
-                if (reactors) {
-                    list.assign(group.bytes());
-                    continue;
-                }
-            } else if (control) {
-                control = false;
-                if (reactors) {
-                    reactors = false;
-                    if (!list.empty() && GroupCursor(list, format).next(group)) {
-                        GroupCursor entries(list, format);
-                        Group entry;
-                        entries.next(entry);
-                        if (entries.next(entry)) {
-                            out.append(list);
-                            writer.text(102, "}");
-                        }
-                    }
-                    continue;
-                }
-            }
-            out.append(group.bytes());
-            continue;
-        }
-        if (!control && !ownerDone && group.code == 330) {
+        } else if (walk.part() == RecordPart::controlBegin && isReactor) {
+            list.assign(group.bytes());
+            isListEmpty = true;
+        } else if (walk.part() == RecordPart::controlEnd && isReactor) {
+            if (!isListEmpty) out.append(list).append(group.bytes());
+        } else if (isField && walk.inHead() && group.code == 330 && !ownerDone) {
             ownerDone = true;
             parseHandle(group.value) == owner || owner == 0 ? writer.raw(group.bytes()) : writer.handle(330, owner);
-            continue;
-        }
-        if (group.code == 67 && !spaceDone) {
+        } else if (isField && group.code == 67 && !spaceDone) {
             spaceDone = true;
             if (paperSpace) writer.integer(67, 1);
-            continue;
-        }
-        if (isReferenceCode(group.code)) {
-            const std::uint64_t now = map(parseHandle(group.value), reactors);
-            if (reactors) {
-                if (now == 0) continue;
-                GroupWriter entry(list, format);
-                entry.handle(group.code, now);
-                continue;
+        } else {
+            const std::uint64_t old = isReferenceCode(group.code) ? parseHandle(group.value) : 0;
+            const std::uint64_t now = isReferenceCode(group.code) ? map(old, isReactor) : 0;
+            if (isReactor && isReferenceCode(group.code) && now == 0) continue;
+            GroupWriter place(isReactor ? list : out, format);
+            now == 0 || now == old ? place.raw(group.bytes()) : place.handle(group.code, now);
+            if (isReactor) isListEmpty = false;
+            if (walk.part() == RecordPart::marker && group.value == "AcDbEntity" && paperSpace && !spaceDone) {
+                spaceDone = true;
+                writer.integer(67, 1);
             }
-            if (now != 0 && now != parseHandle(group.value)) {
-                writer.handle(group.code, now);
-                continue;
-            }
-        }
-        out.append(group.bytes());
-        if (group.code == 100 && group.value == "AcDbEntity" && paperSpace && !spaceDone) {
-            spaceDone = true;
-            writer.integer(67, 1);
         }
     }
     return out;
@@ -284,11 +221,9 @@ namespace {
 
 // The extended data at the end of a record, and what stands before it.
 std::pair<std::string_view, std::string_view> splitXData(std::string_view bytes, const FileFormat& format) {
-    GroupCursor cursor(bytes, format);
-    Group group;
-    while (cursor.next(group))
-        if (group.code >= 1000) {
-            const auto head = static_cast<std::size_t>(group.begin - bytes.data());
+    for (RecordWalk walk(GroupCursor(bytes, format)); walk.next();)
+        if (walk.part() == RecordPart::extendedData) {
+            const auto head = static_cast<std::size_t>(walk.group().begin - bytes.data());
             return {bytes.substr(0, head), bytes.substr(head)};
         }
     return {bytes, {}};
@@ -296,35 +231,27 @@ std::pair<std::string_view, std::string_view> splitXData(std::string_view bytes,
 
 // The control string of the extension dictionary, or nothing.
 std::string_view dictionaryGroups(std::string_view bytes, const FileFormat& format) {
-    GroupCursor cursor(bytes, format);
-    Group group;
-    while (cursor.next(group)) {
-        if (group.code != 102 || group.value != "{ACAD_XDICTIONARY") continue;
-        const char* begin = group.begin;
-        while (cursor.next(group) && group.code != 102) {
-        }
-        return {begin, static_cast<std::size_t>(group.end - begin)};
+    const char* begin = nullptr;
+    for (RecordWalk walk(GroupCursor(bytes, format)); walk.next();) {
+        if (walk.control() != ControlString::dictionary) continue;
+        if (walk.part() == RecordPart::controlBegin) begin = walk.group().begin;
+        if (walk.part() == RecordPart::controlEnd) return {begin, static_cast<std::size_t>(walk.group().end - begin)};
     }
     return {};
 }
 
+// With another control string in its place; a new one stands behind the handle.
 std::string withDictionary(std::string_view bytes, std::string_view dictionary, const FileFormat& format) {
-    const std::string_view old = dictionaryGroups(bytes, format);
-    std::string out;
-    if (!old.empty()) {
-        out.append(bytes.substr(0, static_cast<std::size_t>(old.data() - bytes.data())));
-        out.append(dictionary);
-        out.append(bytes.substr(static_cast<std::size_t>(old.data() + old.size() - bytes.data())));
-        return out;
+    std::size_t begin = 0, end = 0;
+    if (const std::string_view old = dictionaryGroups(bytes, format); !old.empty()) {
+        begin = static_cast<std::size_t>(old.data() - bytes.data());
+        end = begin + old.size();
+    } else {
+        for (RecordWalk walk(GroupCursor(bytes, format)); walk.next() && walk.inHead();)
+            if (walk.part() == RecordPart::name || walk.part() == RecordPart::handle)
+                begin = end = static_cast<std::size_t>(walk.group().end - bytes.data());
     }
-    GroupCursor cursor(bytes, format);
-    Group group;
-    cursor.next(group);
-    while (cursor.next(group) && group.code != 5 && group.code != 105) {
-    }
-    const auto place = static_cast<std::size_t>(group.end - bytes.data());
-    out.append(bytes.substr(0, place)).append(dictionary).append(bytes.substr(place));
-    return out;
+    return std::string(bytes.substr(0, begin)).append(dictionary).append(bytes.substr(end));
 }
 
 }  // namespace

@@ -458,7 +458,7 @@ void Core::readIndex(base::FileReading& reading) {
             addWarning(0, where(nullptr) + "unknown version \"" + std::string(version->first.substr(0, 20)) +
                               "\"; read as the newest one");
     } else {
-        format.version = 1009;  // files without a header are as old as that
+        format.version = version::r12;  // files without a header are as old as that
     }
     // Newer files name the page too, though their texts are UTF-8: it is what their texts are narrowed to.
     if (const auto page = headerVariable("$DWGCODEPAGE")) {
@@ -513,6 +513,10 @@ void Core::readIndex(base::FileReading& reading) {
         largestHandle_ = largest < (std::uint64_t{1} << 62) ? largest : 0;
     }
     firstNewHandle_ = nextHandle_ = largestHandle_ + 1;
+    // Old drawings may do without handles, and say so in $HANDLING.
+    const auto handling = headerVariable("$HANDLING");
+    hasHandles_ =
+        withHandle > 0 || (handling ? trimmed(handling->first) != "0" : headerVariable("$HANDSEED").has_value());
 }
 
 }  // namespace drawingdb

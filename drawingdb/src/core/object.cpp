@@ -29,7 +29,7 @@ const ClassDescription* OdDbObject::description() const {
 }
 void OdDbObject::describeHead(Describer& d) {
     auto& self = d.self<OdDbObject>();
-    d.required().since(1015).handle(330, self.owner_);
+    d.required().since(version::v2000).handle(330, self.owner_);
 }
 void OdDbObject::beforeEncode() {}
 void OdDbObject::afterDecode() {}

@@ -1,5 +1,6 @@
 #include "drawingdb/src/core/record_types.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "drawingdb/attribute.h"
@@ -14,6 +15,7 @@
 #include "drawingdb/layout.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/spline.h"
+#include "drawingdb/src/file/file_format.h"
 #include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
 #include "drawingdb/text_style.h"
@@ -24,52 +26,69 @@ namespace drawingdb {
 
 namespace {
 
-constexpr const char* kNames[] = {"",
-                                  "SECTION",
-                                  "ENDSEC",
-                                  "TABLE",
-                                  "ENDTAB",
-                                  "BLOCK",
-                                  "ENDBLK",
-                                  "SEQEND",
-                                  "EOF",
-                                  "CLASS",
-                                  "INSERT",
-                                  "ATTRIB",
-                                  "POLYLINE",
-                                  "VERTEX",
-                                  "ATTDEF",
-                                  "BLOCK_RECORD",
-                                  "LAYER",
-                                  "STYLE",
-                                  "LTYPE",
-                                  "APPID",
-                                  "DIMSTYLE",
-                                  "UCS",
-                                  "VIEW",
-                                  "VPORT",
-                                  "DICTIONARY",
-                                  "ACDBDICTIONARYWDFLT",
-                                  "FIELD",
-                                  "FIELDLIST",
-                                  "LAYOUT",
-                                  "VIEWPORT",
-                                  "GROUP",
-                                  "SORTENTSTABLE",
-                                  "LINE",
-                                  "RAY",
-                                  "XLINE",
-                                  "POINT",
-                                  "CIRCLE",
-                                  "ARC",
-                                  "LWPOLYLINE",
-                                  "ELLIPSE",
-                                  "SPLINE",
-                                  "WIPEOUT",
-                                  "WIPEOUTVARIABLES",
-                                  "TEXT",
-                                  "MTEXT"};
-static_assert(std::size(kNames) == rtFirstCarried);
+constexpr ClassRecord kFieldRecord = {"AcDbField", "ObjectDBX Classes", 1152, false};
+constexpr ClassRecord kFieldListRecord = {"AcDbFieldList", "ObjectDBX Classes", 1152, false};
+constexpr ClassRecord kWipeoutRecord = {"AcDbWipeout", "WipeOut", 127, true};
+constexpr ClassRecord kWipeoutVariablesRecord = {"AcDbWipeoutVariables", "WipeOut", 0, false};
+
+constexpr bool kOwnsOnlyItsDictionary = true;
+
+// In the order of RecordType. An old polyline's class depends on its flags.
+// clang-format off
+constexpr Kind kKinds[] = {
+    {rtNone, ""},
+    {rtSection, "SECTION"},
+    {rtEndsec, "ENDSEC"},
+    {rtTable, "TABLE", &OdDbSymbolTable::desc},
+    {rtEndtab, "ENDTAB"},
+    {rtBlock, "BLOCK"},
+    {rtEndblk, "ENDBLK"},
+    {rtSeqend, "SEQEND"},
+    {rtEof, "EOF"},
+    {rtClass, "CLASS"},
+    {rtInsert, "INSERT", &OdDbBlockReference::desc, 0, kOwnsOnlyItsDictionary},
+    {rtAttrib, "ATTRIB", &OdDbAttribute::desc, 0, kOwnsOnlyItsDictionary},
+    {rtPolyline, "POLYLINE"},
+    {rtVertex, "VERTEX"},
+    {rtAttdef, "ATTDEF", &OdDbAttributeDefinition::desc, 0, kOwnsOnlyItsDictionary},
+    {rtBlockRecord, "BLOCK_RECORD", &OdDbBlockTableRecord::desc},
+    {rtLayer, "LAYER", &OdDbLayerTableRecord::desc},
+    {rtStyle, "STYLE", &OdDbTextStyleTableRecord::desc},
+    {rtLtype, "LTYPE", &OdDbSymbolTableRecord::desc},
+    {rtAppid, "APPID", &OdDbSymbolTableRecord::desc},
+    {rtDimstyle, "DIMSTYLE", &OdDbSymbolTableRecord::desc},
+    {rtUcs, "UCS", &OdDbSymbolTableRecord::desc},
+    {rtView, "VIEW", &OdDbSymbolTableRecord::desc},
+    {rtVport, "VPORT", &OdDbSymbolTableRecord::desc},
+    {rtDictionary, "DICTIONARY", &OdDbDictionary::desc, version::r13},
+    {rtDictionaryWithDefault, "ACDBDICTIONARYWDFLT", &OdDbDictionary::desc},
+    {rtField, "FIELD", &OdDbField::desc, version::v2000, false, &kFieldRecord},
+    {rtFieldList, "FIELDLIST", nullptr, version::v2000, false, &kFieldListRecord},
+    {rtLayout, "LAYOUT", &OdDbLayout::desc},
+    {rtViewport, "VIEWPORT", &OdDbViewport::desc},
+    {rtGroup, "GROUP"},
+    {rtSortents, "SORTENTSTABLE"},
+    {rtLine, "LINE", &OdDbLine::desc, 0, kOwnsOnlyItsDictionary},
+    {rtRay, "RAY", &OdDbRay::desc, version::r13},
+    {rtXline, "XLINE", &OdDbXline::desc, version::r13},
+    {rtPoint, "POINT", &OdDbPoint::desc, 0, kOwnsOnlyItsDictionary},
+    {rtCircle, "CIRCLE", &OdDbCircle::desc, 0, kOwnsOnlyItsDictionary},
+    {rtArc, "ARC", &OdDbArc::desc, 0, kOwnsOnlyItsDictionary},
+    {rtLwpolyline, "LWPOLYLINE", &OdDbPolyline::desc, version::r14, kOwnsOnlyItsDictionary},
+    {rtEllipse, "ELLIPSE", &OdDbEllipse::desc, version::r13},
+    {rtSpline, "SPLINE", &OdDbSpline::desc, version::r13},
+    {rtWipeout, "WIPEOUT", &OdDbWipeout::desc, version::v2000, false, &kWipeoutRecord},
+    {rtWipeoutVariables, "WIPEOUTVARIABLES", &OdDbWipeoutVariables::desc, version::v2000, false, &kWipeoutVariablesRecord},
+    {rtText, "TEXT", &OdDbText::desc, 0, kOwnsOnlyItsDictionary},
+    {rtMtext, "MTEXT", &OdDbMText::desc, version::r13},
+};
+// clang-format on
+static_assert(std::size(kKinds) == rtFirstCarried);
+static_assert([] {
+    for (std::size_t i = 0; i < std::size(kKinds); ++i)
+        if (kKinds[i].type != i) return false;
+    return true;
+}());
 
 constexpr std::uint16_t kFree = 0xFFFF;
 // A file with more kinds of record than this is no drawing.
@@ -91,8 +110,15 @@ std::uint32_t hashOf(std::string_view name) {
 
 }  // namespace
 
+std::span<const Kind> allKinds() { return kKinds; }
+
+const Kind* kindNamed(std::string_view name) {
+    const auto found = std::ranges::find(kKinds, name, &Kind::name);
+    return found != std::end(kKinds) ? found : nullptr;
+}
+
 TypeTable::TypeTable() : slots_(256, kFree) {
-    for (const char* name : kNames) add(name);
+    for (const Kind& kind : kKinds) add(kind.name);
 }
 
 std::uint16_t TypeTable::add(std::string_view name) {
@@ -121,66 +147,7 @@ std::uint16_t TypeTable::find(std::string_view name) {
 }
 
 const OdRxClass* TypeTable::knownClass(std::uint16_t type) {
-    switch (type) {
-        case rtTable:
-            return OdDbSymbolTable::desc();
-        case rtBlockRecord:
-            return OdDbBlockTableRecord::desc();
-        case rtLayer:
-            return OdDbLayerTableRecord::desc();
-        case rtStyle:
-            return OdDbTextStyleTableRecord::desc();
-        case rtLtype:
-        case rtAppid:
-        case rtDimstyle:
-        case rtUcs:
-        case rtView:
-        case rtVport:
-            return OdDbSymbolTableRecord::desc();
-        case rtInsert:
-            return OdDbBlockReference::desc();
-        case rtAttrib:
-            return OdDbAttribute::desc();
-        case rtAttdef:
-            return OdDbAttributeDefinition::desc();
-        case rtDictionary:
-        case rtDictionaryWithDefault:
-            return OdDbDictionary::desc();
-        case rtField:
-            return OdDbField::desc();
-        case rtLayout:
-            return OdDbLayout::desc();
-        case rtViewport:
-            return OdDbViewport::desc();
-        case rtLine:
-            return OdDbLine::desc();
-        case rtRay:
-            return OdDbRay::desc();
-        case rtXline:
-            return OdDbXline::desc();
-        case rtPoint:
-            return OdDbPoint::desc();
-        case rtCircle:
-            return OdDbCircle::desc();
-        case rtArc:
-            return OdDbArc::desc();
-        case rtLwpolyline:
-            return OdDbPolyline::desc();
-        case rtEllipse:
-            return OdDbEllipse::desc();
-        case rtSpline:
-            return OdDbSpline::desc();
-        case rtWipeout:
-            return OdDbWipeout::desc();
-        case rtWipeoutVariables:
-            return OdDbWipeoutVariables::desc();
-        case rtText:
-            return OdDbText::desc();
-        case rtMtext:
-            return OdDbMText::desc();
-        default:
-            return nullptr;
-    }
+    return type < rtFirstCarried && kKinds[type].desc ? kKinds[type].desc() : nullptr;
 }
 
 }  // namespace drawingdb

@@ -1,7 +1,9 @@
-// The kinds of record: their names in files, and the classes that understand them.
+// The kinds of record, a row each: the name in files, the class that understands it, and what else the database has to
+// know of it.
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,6 +61,32 @@ enum RecordType : std::uint16_t {
     rtMtext,
     rtFirstCarried,
 };
+
+/// What a record of the CLASSES section says of a kind that other programs only know by one.
+struct ClassRecord {
+    const char* className;
+    const char* application;
+    int proxyFlags;
+    bool entity;
+};
+
+struct Kind {
+    RecordType type;
+    const char* name;
+    const OdRxClass* (*desc)() = nullptr;  ///< null: part of the file's structure, or carried
+    int since = 0;                         ///< the first version that holds such objects
+    /// Its records name no objects of their own but the extension dictionary.
+    bool ownsOnlyItsDictionary = false;
+    const ClassRecord* classRecord = nullptr;
+};
+
+/// All kinds, by their numbers.
+std::span<const Kind> allKinds();
+/// Null for a name that has no row.
+const Kind* kindNamed(std::string_view name);
+inline bool ownsOnlyItsDictionary(std::uint16_t type) {
+    return type < rtFirstCarried && allKinds()[type].ownsOnlyItsDictionary;
+}
 
 /// Names and numbers of record types; names that a file brings along are added behind the known ones.
 class TypeTable {

@@ -5,32 +5,20 @@
 // the list of fields; $HANDSEED; records of the CLASSES section for new objects of kinds that other programs only know
 // by such a record.
 #include <algorithm>
-#include <array>
-#include <iterator>
+#include <map>
+#include <optional>
+#include <utility>
 
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
+#include "drawingdb/src/core/record_walk.h"
 
 namespace drawingdb {
 
 namespace {
 
-// What a CLASS record says of a kind.
-struct KindRecord {
-    RecordType type;
-    const char* className;
-    const char* application;
-    int proxyFlags;
-    bool entity;
-};
-constexpr KindRecord kKindRecords[] = {
-    {rtField, "AcDbField", "ObjectDBX Classes", 1152, false},
-    {rtFieldList, "AcDbFieldList", "ObjectDBX Classes", 1152, false},
-    {rtWipeout, "AcDbWipeout", "WipeOut", 127, true},
-    {rtWipeoutVariables, "AcDbWipeoutVariables", "WipeOut", 0, false},
-};
-constexpr int kFirstVersionThatCounts = 1018;
+constexpr int kFirstVersionThatCounts = version::v2004;
 
 }  // namespace
 
@@ -55,11 +43,10 @@ class Saver {
             if (stub.type == rtField) newFields_.push_back(i);
             if (stub.type == rtInsert) {
                 Stub& reference = core_.stubs[i];
-                if (const Stub* block = core_.blockByRawName(core_.groupText(reference, 2)))
+                if (const Stub* block = core_.blockByRawName(core_.groupText(reference, 2)); block && stub.handle)
                     newReferences_[core_.indexOf(block)].push_back(stub.handle);
             }
-            for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
-                if (stub.type == kKindRecords[kind].type) ++newObjects_[kind];
+            if (stub.type < rtFirstCarried && allKinds()[stub.type].classRecord) ++newObjects_[stub.type];
         }
         if (!newFields_.empty()) fieldList_ = core_.fieldList(false);
     }
@@ -124,28 +111,25 @@ class Saver {
         return i + 1;
     }
 
-    bool lacksKindRecords() const {
-        return std::any_of(
-            newObjects_.begin(), newObjects_.end(), [](int count) { return count > 0; });
-    }
+    bool lacksKindRecords() const { return !newObjects_.empty(); }
 
     void emitKindRecords() {
         if (!lacksKindRecords()) return;
         if (Stub* classes = core_.section(Section::classes))
             for (Stub* known = core_.nextChild(*classes, nullptr); known; known = core_.nextChild(*classes, known))
-                for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind)
-                    if (core_.groupText(*known, 1) == core_.types.name(kKindRecords[kind].type)) newObjects_[kind] = 0;
+                std::erase_if(newObjects_, [&](const auto& row) {
+                    return core_.groupText(*known, 1) == core_.types.name(row.first);
+                });
         patched_.clear();
         GroupWriter writer(patched_, core_.format);
-        for (std::size_t kind = 0; kind < std::size(kKindRecords); ++kind) {
-            if (newObjects_[kind] == 0) continue;
-            const KindRecord& record = kKindRecords[kind];
+        for (const auto& [type, count] : newObjects_) {
+            const ClassRecord& record = *allKinds()[type].classRecord;
             writer.text(0, "CLASS");
-            writer.text(1, core_.types.name(record.type));
+            writer.text(1, core_.types.name(type));
             writer.text(2, record.className);
             writer.text(3, record.application);
             writer.integer(90, record.proxyFlags);
-            if (core_.format.version >= kFirstVersionThatCounts) writer.integer(91, newObjects_[kind]);
+            if (core_.format.version >= kFirstVersionThatCounts) writer.integer(91, count);
             writer.integer(280, 0);
             writer.integer(281, record.entity ? 1 : 0);
         }
@@ -238,20 +222,13 @@ class Saver {
     // The header with $HANDSEED above every handle that was given out and is alive.
     std::string_view withSeed(std::string_view old) {
         if (!largest_) return old;
+        // A header that never had it belongs to a program that does without.
         const auto seed = core_.headerVariable("$HANDSEED");
-        if (seed && parseHandle(seed->first) > largest_) return old;
-        patched_.clear();
-        GroupWriter writer(patched_, core_.format);
-        if (seed) {
-            patched_.append(old.substr(0, static_cast<std::size_t>(seed->groups.data() - old.data())));
-            writer.handle(5, largest_ + 1);
-            patched_.append(
-                old.substr(static_cast<std::size_t>(seed->groups.data() + seed->groups.size() - old.data())));
-        } else {
-            patched_.append(old);
-            writer.text(9, "$HANDSEED");
-            writer.handle(5, largest_ + 1);
-        }
+        if (!seed || parseHandle(seed->first) > largest_) return old;
+        const auto begin = static_cast<std::size_t>(seed->groups.data() - old.data());
+        patched_.assign(old.substr(0, begin));
+        GroupWriter(patched_, core_.format).handle(5, largest_ + 1);
+        patched_.append(old.substr(begin + seed->groups.size()));
         return patched_;
     }
 
@@ -260,68 +237,65 @@ class Saver {
         const std::string_view old = core_.bytesOf(stub);
         patched_.clear();
         GroupWriter writer(patched_, core_.format);
-        GroupCursor cursor(old, core_.format);
-        Group group;
-        bool dropPair = false;
         bool changed = false;
-        bool control = false;
-        bool inReferences = false;
-        bool inSet = false;
-        std::int64_t count = -1;
-        std::size_t countAt = 0, countEnd = 0;
-        const auto addFields = [&] {
-            if (&stub != fieldList_) return;
+        bool dropPair = false;
+        bool inReferences = false;  // of a block record; one without the list is of a program that keeps none
+        bool inSet = false;         // of a list of fields
+        std::int64_t members = 0;   // of the set
+        std::optional<std::pair<std::size_t, std::size_t>> count;
+        const auto endSet = [&] {
+            if (!inSet || &stub != fieldList_) return;
             for (const std::uint32_t index : newFields_) writer.handle(330, core_.stubs[index].handle);
-            count += static_cast<std::int64_t>(newFields_.size());
+            members += static_cast<std::int64_t>(newFields_.size());
             changed = true;
         };
-        const auto addReferences = [&] {
+        const auto endReferences = [&] {
             const auto found = newReferences_.find(core_.indexOf(&stub));
-            if (found == newReferences_.end()) return;
+            if (!inReferences || found == newReferences_.end()) return;
             for (const std::uint64_t handle : found->second) writer.handle(331, handle);
             changed = true;
         };
-        while (cursor.next(group)) {
-            if (group.code == 102) {
-                control = !group.value.empty() && group.value.front() == '{';
-                if (inReferences) addReferences();
-                // A record without the list is one of a program that keeps none.
+        for (RecordWalk walk(GroupCursor(old, core_.format)); walk.next();) {
+            const Group& group = walk.group();
+            if (walk.part() == RecordPart::controlEnd) endReferences();
+            if (walk.part() == RecordPart::controlBegin)
                 inReferences = stub.type == rtBlockRecord && group.value == "{BLKREFS";
-            }
-            if (stub.type == rtFieldList && group.code == 100) {
-                if (inSet) addFields();
+            if (walk.part() == RecordPart::marker && stub.type == rtFieldList) {
+                endSet();
                 inSet = group.value == "AcDbIdSet";
             }
-            if (inSet && group.code == 90) {
-                countAt = patched_.size();
-                count = groupInteger(group, core_.format.binary).value_or(0);
-                patched_.append(group.bytes());
-                countEnd = patched_.size();
-                continue;
-            }
-            bool drop = false;
-            if (dropPair) {
-                drop = true;
-                dropPair = false;
-            } else if (stub.type == rtGroup && group.code == 340) {
-                drop = isErased(parseHandle(group.value));
-            } else if (stub.type == rtSortents && group.code == 331) {
-                drop = dropPair = isErased(parseHandle(group.value));
-            } else if (stub.type == rtBlockRecord && control && (group.code == 331 || group.code == 332)) {
-                drop = isErased(parseHandle(group.value));
-            } else if (inSet && group.code == 330) {
-                drop = isErased(parseHandle(group.value));
-                count -= drop;
+            const auto isDropped = [&](bool isMember) { return isMember && isErased(parseHandle(group.value)); };
+            bool drop = std::exchange(dropPair, false);
+            if (!drop) {
+                switch (stub.type) {
+                    case rtGroup:
+                        drop = isDropped(group.code == 340);
+                        break;
+                    case rtSortents:
+                        drop = dropPair = isDropped(group.code == 331);
+                        break;
+                    case rtBlockRecord:
+                        drop =
+                            isDropped(walk.part() == RecordPart::inControl && (group.code == 331 || group.code == 332));
+                        break;
+                    case rtFieldList:
+                        drop = isDropped(inSet && group.code == 330);
+                        if (inSet && group.code == 330 && !drop) ++members;
+                        if (inSet && group.code == 90 && !count) count = {patched_.size(), group.bytes().size()};
+                        break;
+                    default:
+                        break;
+                }
             }
             changed = changed || drop;
             if (!drop) patched_.append(group.bytes());
         }
-        if (stub.type == rtFieldList && inSet) addFields();
+        endSet();
         if (!changed) return old;
-        if (count >= 0) {
+        if (count) {
             std::string number;
-            GroupWriter(number, core_.format).integer(90, count);
-            patched_.replace(countAt, countEnd - countAt, number);
+            GroupWriter(number, core_.format).integer(90, members);
+            patched_.replace(count->first, count->second, number);
         }
         return patched_;
     }
@@ -367,8 +341,8 @@ class Saver {
     std::uint64_t largest_ = 0;
     std::vector<std::uint32_t> newFields_;
     std::unordered_map<std::uint32_t, std::vector<std::uint64_t>>
-        newReferences_;  // by the stub of their block's record
-    std::array<int, std::size(kKindRecords)> newObjects_{};
+        newReferences_;                        // by the stub of their block's record
+    std::map<std::uint16_t, int> newObjects_;  // of kinds with a record of the CLASSES section
     Stub* fieldList_ = nullptr;
 };
 

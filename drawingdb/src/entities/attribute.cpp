@@ -17,7 +17,7 @@ constexpr std::int16_t kConstant = 2;
 constexpr std::int16_t kVerifiable = 4;
 constexpr std::int16_t kPreset = 8;
 constexpr std::int16_t kSingleLine = 1;  // multi-line flag
-constexpr int kEmbeddedSince = 1032;
+constexpr int kEmbeddedSince = drawingdb::version::v2018;
 constexpr const char* kEmbedded = "Embedded Object";
 
 std::int16_t withBit(std::int16_t bits, std::int16_t bit, bool on) {
@@ -70,13 +70,13 @@ void OdDbAttributeText::describeAttribute(Describer& d, bool definition) {
     auto& self = d.self<OdDbAttributeText>();
     describeText(d, false);
     d.zone(definition ? "AcDbAttributeDefinition" : "AcDbAttribute");
-    d.required().since(1024).int16(280, self.version_);
+    d.required().since(drawingdb::version::v2010).int16(280, self.version_);
     if (definition) d.required().text(3, self.prompt_);
     d.required().text(2, self.tag_);
     d.required().int16(70, self.modes_);
     d.int16(73, self.fieldLength_);
     d.int16(74, self.vertical_);
-    d.since(1021).int16(280, self.lockPosition_);
+    d.since(drawingdb::version::v2007).int16(280, self.lockPosition_);
 }
 
 // Codes of the text come a second time here. Files without markers do not have these groups, and could not tell which

@@ -20,10 +20,10 @@ void OdDbBlockTableRecord::describe(Describer& d) {
     d.zone("AcDbSymbolTableRecord");
     d.zone("AcDbBlockTableRecord");
     d.required().text(2, self.name_);
-    d.since(1015).handle(340, self.layout_);
-    d.since(1021).int16(70, self.insertUnits_);
-    d.since(1021).int16(280, self.explodable_);
-    d.since(1021).int16(281, self.scalability_);
+    d.since(version::v2000).handle(340, self.layout_);
+    d.since(version::v2007).int16(70, self.insertUnits_);
+    d.since(version::v2007).int16(280, self.explodable_);
+    d.since(version::v2007).int16(281, self.scalability_);
 }
 const ClassDescription* OdDbBlockTableRecord::description() const {
     static const ClassDescription d =

@@ -160,7 +160,7 @@ void writeSplineEdge(GroupWriter& writer, const OdGePoint2d& center, const OdGeV
         writer.real(20, point.y);
         writer.real(42, i % 2 == 0 ? 1 : weight);
     }
-    constexpr int kFirstVersionWithFitPoints = 1024;
+    constexpr int kFirstVersionWithFitPoints = version::v2010;
     if (writer.format().version >= kFirstVersionWithFitPoints) writer.integer(97, 0);
 }
 

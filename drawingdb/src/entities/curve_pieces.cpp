@@ -10,8 +10,8 @@
 namespace drawingdb {
 namespace {
 
-constexpr int kFirstVersionWithEllipses = 1012;
-constexpr int kFirstVersionWithHatches = 1014;
+constexpr int kFirstVersionWithEllipses = version::r13;
+constexpr int kFirstVersionWithHatches = version::r14;
 // Lines that stand for a whole circle; they leave it by 0.0003 of its radius.
 constexpr int kLinesPerTurn = 128;
 

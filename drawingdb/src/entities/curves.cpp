@@ -460,7 +460,8 @@ void OdDbPolyline::writeRun(drawingdb::GroupWriter& writer, int) const {
         if (vertex.startWidth >= 0) writer.real(40, vertex.startWidth);
         if (vertex.endWidth >= 0) writer.real(41, vertex.endWidth);
         if (vertex.bulge != 0) writer.real(42, vertex.bulge);
-        if (vertex.identifier != 0 && writer.format().version >= 1024) writer.integer(91, vertex.identifier);
+        if (vertex.identifier != 0 && writer.format().version >= drawingdb::version::v2010)
+            writer.integer(91, vertex.identifier);
     }
 }
 

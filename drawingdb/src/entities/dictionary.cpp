@@ -15,8 +15,8 @@ void OdDbDictionary::describe(Describer& d) {
     auto& self = d.self<OdDbDictionary>();
     describeHead(d);
     d.zone("AcDbDictionary");
-    d.since(1015).int16(280, self.hardOwner_);
-    d.since(1015).required().int16(281, self.cloning_);
+    d.since(version::v2000).int16(280, self.hardOwner_);
+    d.since(version::v2000).required().int16(281, self.cloning_);
     d.run({3, 350, 360, 340});
 }
 const ClassDescription* OdDbDictionary::description() const {

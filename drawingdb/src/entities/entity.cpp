@@ -22,16 +22,16 @@ void OdDbEntity::describeCommon(Describer& d) {
     d.text(410, self.layoutName_);
     d.required().text(8, self.layer_, "0");
     d.text(6, self.linetype_, "BYLAYER");
-    d.since(1021).handle(347, self.material_);
+    d.since(version::v2007).handle(347, self.material_);
     d.int32(62, self.colorIndex_);
-    d.since(1015).int32(370, self.lineweight_);
+    d.since(version::v2000).int32(370, self.lineweight_);
     d.real(48, self.linetypeScale_);
     d.int16(60, self.invisible_);
-    d.since(1018).int32(420, self.trueColor_);
-    d.since(1018).text(430, self.colorBook_);
-    d.since(1018).int32(440, self.transparency_);
-    d.since(1015).int32(380, self.plotStyleKind_);
-    d.since(1015).handle(390, self.plotStyle_);
+    d.since(version::v2004).int32(420, self.trueColor_);
+    d.since(version::v2004).text(430, self.colorBook_);
+    d.since(version::v2004).int32(440, self.transparency_);
+    d.since(version::v2000).int32(380, self.plotStyleKind_);
+    d.since(version::v2000).handle(390, self.plotStyle_);
 }
 
 void OdDbUnknownEntity::describe(Describer& d) { describeCommon(d); }

@@ -16,12 +16,12 @@ void OdDbLayerTableRecord::describe(Describer& d) {
     d.required().text(2, self.name_);
     d.required().int16(70, self.flags_);
     d.required().int32(62, self.colorIndex_);
-    d.since(1018).int32(420, self.trueColor_);
+    d.since(version::v2004).int32(420, self.trueColor_);
     d.required().text(6, self.linetype_, "CONTINUOUS");
-    d.since(1015).int16(290, self.plottable_);
-    d.since(1015).int32(370, self.lineweight_);
-    d.since(1015).handle(390, self.plotStyle_);
-    d.since(1021).handle(347, self.material_);
+    d.since(version::v2000).int16(290, self.plottable_);
+    d.since(version::v2000).int32(370, self.lineweight_);
+    d.since(version::v2000).handle(390, self.plotStyle_);
+    d.since(version::v2007).handle(347, self.material_);
 }
 const ClassDescription* OdDbLayerTableRecord::description() const {
     static const ClassDescription d =

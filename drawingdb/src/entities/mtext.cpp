@@ -58,7 +58,7 @@ void OdDbMText::describeBody(Describer& d, OdDbMText& text) {
     d.required().point(10, text.location_);
     d.required().real(40, text.height_);
     d.required().real(41, text.width_);
-    d.since(1021).real(46, text.definedHeight_);
+    d.since(drawingdb::version::v2007).real(46, text.definedHeight_);
     d.required().int16(71, text.attachment_);
     d.required().int16(72, text.flow_);
     d.required().chunkedText(3, 1, text.contents_);
@@ -66,14 +66,14 @@ void OdDbMText::describeBody(Describer& d, OdDbMText& text) {
     d.vector(210, text.normal_);
     d.vector(11, text.direction_);
     d.angle(50, text.rotation_);
-    d.since(1015).int16(73, text.lineSpacingStyle_);
-    d.since(1015).real(44, text.lineSpacingFactor_);
-    d.since(1018).int32(90, text.background_);
-    d.since(1018).int32(63, text.backgroundColor_);
-    d.since(1018).int32(421, text.backgroundTrueColor_);
-    d.since(1018).text(431, text.backgroundBook_);
-    d.since(1018).real(45, text.backgroundScale_);
-    d.since(1018).int32(441, text.backgroundTransparency_);
+    d.since(drawingdb::version::v2000).int16(73, text.lineSpacingStyle_);
+    d.since(drawingdb::version::v2000).real(44, text.lineSpacingFactor_);
+    d.since(drawingdb::version::v2004).int32(90, text.background_);
+    d.since(drawingdb::version::v2004).int32(63, text.backgroundColor_);
+    d.since(drawingdb::version::v2004).int32(421, text.backgroundTrueColor_);
+    d.since(drawingdb::version::v2004).text(431, text.backgroundBook_);
+    d.since(drawingdb::version::v2004).real(45, text.backgroundScale_);
+    d.since(drawingdb::version::v2004).int32(441, text.backgroundTransparency_);
 }
 
 void OdDbMText::describe(Describer& d) {

@@ -63,7 +63,7 @@ void OdDbWipeout::describe(Describer& d) {
     d.required().int16(281, self.brightness_);
     d.required().int16(282, self.contrast_);
     d.required().int16(283, self.fade_);
-    d.since(1024).required().int16(290, self.clipInside_);
+    d.since(drawingdb::version::v2010).required().int16(290, self.clipInside_);
     d.required().handle(360, self.reactor_);
     d.required().int16(71, self.clipType_);
     d.required().int32(91, self.clipCount_);

@@ -48,7 +48,7 @@ enum Status { notEvaluated = 1, success = 2, noEvaluator = 4, noValue = 64 };
 // A bit that files have in the state of every field with a value.
 constexpr int kValueStored = 32;
 
-constexpr int kFirstVersionWithUnits = 1021;
+constexpr int kFirstVersionWithUnits = version::v2007;
 constexpr std::size_t kPiece = 250;
 
 std::size_t utf16Length(std::wstring_view text) {

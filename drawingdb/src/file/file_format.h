@@ -5,15 +5,21 @@
 
 namespace drawingdb {
 
+/// Versions by the number in "AC1015": when each came.
+namespace version {
+inline constexpr int oldest = 1001, r12 = 1009, r13 = 1012, r14 = 1014, v2000 = 1015, v2004 = 1018, v2007 = 1021,
+                     v2010 = 1024, v2013 = 1027, v2018 = 1032, newest = v2018;
+}
+
 struct FileFormat {
     bool binary = false;
     bool wideCodes = true;  // binary: codes of two bytes
     bool crlf = false;
-    int version = 1032;                                            // the number in "AC1032"; 1009 is R12
-    const base::CodePage* codePage = &base::CodePage::standard();  // of text before version 1021; UTF-8 from there on
+    int version = version::newest;
+    const base::CodePage* codePage = &base::CodePage::standard();  // of text before 2007; UTF-8 from there on
 
-    bool utf8() const { return version >= 1021; }
-    bool hasMarkers() const { return version >= 1012; }
+    bool utf8() const { return version >= version::v2007; }
+    bool hasMarkers() const { return version >= version::r13; }
 };
 
 }  // namespace drawingdb

@@ -3,6 +3,7 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/field.h"
 #include "drawingdb/mtext.h"
@@ -139,6 +140,88 @@ TEST(RoundTrip, MarkersAreReadWhateverTheVersionSays) {
     const auto read = objectOf(again, 0x35).openAs<OdDbArc>();
     EXPECT_EQ(read->radius(), radius);
     EXPECT_EQ(read->layer(), L"WALLS");
+}
+
+// A record may lack the markers of its own class while it has the common one: its groups mean what they can mean.
+TEST(RoundTrip, MarkersThatAreMissingLoseNoGeometry) {
+    constexpr std::string_view kMarkers[] = {"AcDbLine",  "AcDbCircle",         "AcDbArc",      "AcDbText",
+                                             "AcDbMText", "AcDbBlockReference", "AcDbPolyline", "AcDbAttribute"};
+    std::string lacking = sampleBytes();
+    for (const std::string_view marker : kMarkers) {
+        const std::string lines = "100\n" + std::string(marker) + "\n";
+        for (std::size_t at; (at = lacking.find(lines)) != std::string::npos;) lacking.erase(at, lines.size());
+    }
+    ASSERT_LT(lacking.size(), sampleBytes().size());
+    const auto whole = sample();
+    const auto database = OdDbDatabase::readBytes(lacking, L"lacking.dxf");
+    EXPECT_EQ(objectOf(database, 0x65).openAs<OdDbCircle>()->radius(), 15);
+    const auto arc = objectOf(database, 0x35).openAs<OdDbArc>();
+    const auto expected = objectOf(whole, 0x35).openAs<OdDbArc>();
+    EXPECT_EQ(arc->radius(), expected->radius());
+    EXPECT_EQ(arc->endAngle(), expected->endAngle());
+    EXPECT_EQ(objectOf(database, 0x60).openAs<OdDbText>()->textString(),
+              objectOf(whole, 0x60).openAs<OdDbText>()->textString());
+    EXPECT_EQ(objectOf(database, 0x51).openAs<OdDbAttribute>()->tag(),
+              objectOf(whole, 0x51).openAs<OdDbAttribute>()->tag());
+    EXPECT_EQ(objectOf(database, 0x50).openAs<OdDbBlockReference>()->blockName(),
+              objectOf(whole, 0x50).openAs<OdDbBlockReference>()->blockName());
+    database->touchEverything();
+    EXPECT_EQ(database->writeBytes(), lacking);
+
+    // A change is found again, in the place of the group that it changes or among those of its kind.
+    const auto circle = objectOf(database, 0x65).openAs<OdDbCircle>(OdDb::forWrite);
+    circle->setRadius(20);
+    const OdGePoint3d center = circle->center();
+    const auto text = objectOf(database, 0x60).openAs<OdDbText>(OdDb::forWrite);
+    text->setOblique(0.25);
+    const OdGePoint3d position = text->position();
+    const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"");
+    EXPECT_EQ(objectOf(again, 0x65).openAs<OdDbCircle>()->radius(), 20);
+    EXPECT_EQ(objectOf(again, 0x65).openAs<OdDbCircle>()->center(), center);
+    EXPECT_NEAR(objectOf(again, 0x60).openAs<OdDbText>()->oblique(), 0.25, 1e-12);
+    EXPECT_EQ(objectOf(again, 0x60).openAs<OdDbText>()->position(), position);
+}
+
+// Drawings without handles stay so, and a header gets no $HANDSEED that it never had.
+TEST(RoundTrip, DrawingsWithoutHandlesGetNone) {
+    const std::string begin = "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n";
+    const std::string line = "  0\nLINE\n  8\n0\n 10\n0.0\n 20\n0.0\n 11\n1.0\n 21\n0.0\n";
+    const std::string end = "  0\nENDSEC\n  0\nEOF\n";
+    const auto saved = [&](const std::string& header, const std::string& entity) {
+        const auto database = OdDbDatabase::readBytes(
+            begin + header + "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n" + entity + end, L"old.dxf");
+        const auto fresh = OdDbLine::createObject();
+        fresh->setEndPoint(OdGePoint3d(5, 0, 0));
+        database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(fresh.get());
+        return database->writeBytes();
+    };
+    for (const std::string header : {"", "  9\n$HANDLING\n 70\n     0\n"}) {
+        const std::string bytes = saved(header, line);
+        EXPECT_NE(bytes.find("5.0\n"), std::string::npos);
+        EXPECT_EQ(bytes.find("\n  5\n"), std::string::npos) << bytes;
+        EXPECT_EQ(bytes.find("$HANDSEED"), std::string::npos);
+    }
+    std::string withHandle = line;
+    withHandle.insert(withHandle.find("  8\n"), "  5\nA\n");
+    EXPECT_NE(saved("", withHandle).find("  5\nB\n"), std::string::npos);
+    EXPECT_EQ(saved("", withHandle).find("$HANDSEED"), std::string::npos);
+    EXPECT_NE(saved("  9\n$HANDSEED\n  5\nB\n", withHandle).find("$HANDSEED\n  5\nC\n"), std::string::npos);
+}
+
+// The count in the list of fields is the number of its ids, whatever it was.
+TEST(RoundTrip, TheListOfFieldsIsCounted) {
+    std::string bytes = sampleBytes();
+    const std::size_t set = bytes.find("100\nAcDbIdSet\n");
+    const std::size_t count = bytes.find("90\n", set) + 3;
+    const std::size_t countEnd = bytes.find('\n', count);
+    const int before = std::stoi(bytes.substr(count, countEnd - count));
+    bytes.replace(count, countEnd - count, "77");
+    const auto database = OdDbDatabase::readBytes(bytes, L"sample.dxf");
+    const auto field = OdDbField::createObject();
+    field->setFieldCode(L"\\AcVar Title");
+    objectOf(database, 0x60).openAs<OdDbText>(OdDb::forWrite)->setField(L"TEXT", field);
+    EXPECT_NE(database->writeBytes().find("100\nAcDbIdSet\n 90\n" + std::to_string(before + 1) + "\n"),
+              std::string::npos);
 }
 
 }  // namespace
