@@ -12,6 +12,8 @@ int descriptorOf(Stream stream) {
     return stream == Stream::kInput ? STDIN_FILENO : stream == Stream::kOutput ? STDOUT_FILENO : STDERR_FILENO;
 }
 
+volatile std::sig_atomic_t g_isInterrupted = 0;
+
 std::size_t readInput(char* bytes, std::size_t size) {
     for (;;) {
         const ssize_t count = ::read(STDIN_FILENO, bytes, size);
@@ -25,6 +27,7 @@ std::size_t readInput(char* bytes, std::size_t size) {
 void setUpConsole() {
     // Writing into a closed pipe is an error like any other, not the end of the program.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);  // nor is a file that grew too large
 }
 
 std::vector<std::string> commandLine(int count, char** arguments) { return {arguments, arguments + count}; }
@@ -40,6 +43,20 @@ bool writeTo(Stream stream, std::string_view utf8) {
             return false;
     }
     return true;
+}
+
+void wipeLine(Stream stream) { writeTo(stream, "\r\x1b[K"); }
+
+void keepInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { g_isInterrupted = 1; };
+    ::sigaction(SIGINT, &action, nullptr);
+}
+
+bool takeInterrupt() {
+    const bool isInterrupted = g_isInterrupted != 0;
+    g_isInterrupted = 0;
+    return isInterrupted;
 }
 
 std::optional<std::string> readLine() {

@@ -2,6 +2,7 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fcntl.h>
 #include <io.h>
 #include <memory>
@@ -34,6 +35,19 @@ std::size_t readConsole(HANDLE console, char* bytes, std::size_t size) {
     return utf8.size();
 }
 
+// Its code page, which outlives the program, is left alone.
+bool writeConsole(HANDLE console, std::wstring_view text) {
+    while (!text.empty()) {
+        DWORD count = 0;
+        const DWORD size = static_cast<DWORD>(std::min<std::size_t>(text.size(), 1u << 14));
+        if (!WriteConsoleW(console, text.data(), size, &count, nullptr) || count == 0) return false;
+        text.remove_prefix(count);
+    }
+    return true;
+}
+
+std::atomic<bool> g_isInterrupted = false;
+
 std::size_t readInput(char* bytes, std::size_t size) {
     const HANDLE input = handleOf(Stream::kInput);
     if (isTerminal(Stream::kInput)) return readConsole(input, bytes, size);
@@ -44,7 +58,6 @@ std::size_t readInput(char* bytes, std::size_t size) {
 }  // namespace
 
 void setUpConsole() {
-    SetConsoleOutputCP(CP_UTF8);
     for (int descriptor : {0, 1, 2}) _setmode(descriptor, _O_BINARY);
 }
 
@@ -62,6 +75,7 @@ bool isTerminal(Stream stream) {
 }
 
 bool writeTo(Stream stream, std::string_view utf8) {
+    if (isTerminal(stream)) return writeConsole(handleOf(stream), fromUtf8(utf8));
     while (!utf8.empty()) {
         DWORD count = 0;
         const DWORD size = static_cast<DWORD>(std::min<std::size_t>(utf8.size(), 1u << 20));
@@ -70,6 +84,28 @@ bool writeTo(Stream stream, std::string_view utf8) {
     }
     return true;
 }
+
+void wipeLine(Stream stream) {
+    const HANDLE console = handleOf(stream);
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!GetConsoleScreenBufferInfo(console, &info)) return;
+    const COORD start{0, info.dwCursorPosition.Y};
+    DWORD count = 0;
+    FillConsoleOutputCharacterW(console, L' ', static_cast<DWORD>(info.dwSize.X), start, &count);
+    SetConsoleCursorPosition(console, start);
+}
+
+void keepInterrupts() {
+    SetConsoleCtrlHandler(
+        [](DWORD event) -> BOOL {
+            if (event != CTRL_C_EVENT) return FALSE;
+            g_isInterrupted = true;
+            return TRUE;
+        },
+        TRUE);
+}
+
+bool takeInterrupt() { return g_isInterrupted.exchange(false); }
 
 std::optional<std::string> readLine() {
     static LineBuffer input(readInput);

@@ -82,9 +82,9 @@ std::string readTextFile(std::wstring_view path);
 std::string_view untilEndMark(std::string_view text);
 
 /// A file that is either replaced whole or left as it was. It is written beside the target and takes its name in
-/// commit(); without commit() nothing remains of it. The target's permissions are kept, and a link stays a link. A
-/// target that is no plain file (a pipe, a device) is written directly. All but the destructor throw FileError, which
-/// names the target.
+/// commit(); without commit() nothing remains of it, also where a signal ends the program meanwhile. The target's
+/// permissions are kept, and a link stays a link. A target that is no plain file (a pipe, a device) is written
+/// directly. All but the destructor throw FileError, which names the target.
 class AtomicFile {
   public:
     explicit AtomicFile(std::wstring_view target);

@@ -1,5 +1,9 @@
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <climits>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,6 +42,64 @@ void syncFolder(const std::filesystem::path& folder) {
     if (opened.number() >= 0) ::fsync(opened.number());
 }
 
+// ---- Files beside their targets that are not finished: a signal that ends the program takes them along.
+
+struct Unfinished {
+    char name[PATH_MAX];
+    std::atomic<bool> isUsed = false;
+    std::atomic<bool> isNamed = false;
+};
+std::array<Unfinished, 8> g_unfinished;
+std::atomic<int> g_unfinishedCount = 0;
+
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXFSZ, SIGXCPU};
+
+void endBySignal(int signal) {
+    for (const Unfinished& file : g_unfinished)
+        if (file.isNamed) ::unlink(file.name);
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+// Only where nobody else does: a program that has a use for a signal goes on after it.
+void exchangeHandlers(void (*from)(int), void (*to)(int)) {
+    for (const int signal : kEndingSignals) {
+        struct sigaction action {};
+        if (::sigaction(signal, nullptr, &action) != 0 || (action.sa_flags & SA_SIGINFO) != 0) continue;
+        if (action.sa_handler != from) continue;
+        action.sa_handler = to;
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+// The file has its final name or is gone.
+void finishUnfinished(const std::string& name) {
+    for (Unfinished& file : g_unfinished) {
+        if (!file.isNamed || name != file.name) continue;
+        file.isNamed = false;
+        file.isUsed = false;
+        if (--g_unfinishedCount == 0) exchangeHandlers(endBySignal, SIG_DFL);
+        return;
+    }
+}
+
+// Makes a file of a new name, which stands in for the last six characters of the pattern. -1: the system's error tells.
+int makeUnfinished(std::string& pattern) {
+    Unfinished* slot = nullptr;
+    for (Unfinished& file : g_unfinished)
+        if (!slot && pattern.size() < sizeof file.name && !file.isUsed.exchange(true)) slot = &file;
+    if (!slot) return ::mkostemp(pattern.data(), O_CLOEXEC);  // more than anybody writes at once
+    if (g_unfinishedCount++ == 0) exchangeHandlers(SIG_DFL, endBySignal);
+    std::memcpy(slot->name, pattern.c_str(), pattern.size() + 1);
+    slot->isNamed = true;  // before the file is there, so that no signal comes between
+    const int file = ::mkostemp(slot->name, O_CLOEXEC);
+    const int error = errno;
+    pattern = slot->name;
+    if (file < 0) finishUnfinished(pattern);
+    errno = error;
+    return file;
+}
+
 }  // namespace
 
 InputFile::InputFile(std::wstring_view path)
@@ -73,7 +135,7 @@ AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced
         replaced_ = replaced_.parent_path() / std::filesystem::read_symlink(replaced_, error);
     if (exists && ::access(replaced_.c_str(), W_OK) != 0) fail();
     std::string pattern = (replaced_.parent_path() / ("." + replaced_.filename().native() + ".XXXXXX")).native();
-    const int file = ::mkostemp(pattern.data(), O_CLOEXEC);
+    const int file = makeUnfinished(pattern);
     if (file < 0) fail();
     handle_ = file;
     beside_ = pattern;
@@ -92,7 +154,9 @@ AtomicFile::Output::Output(std::wstring_view target) : target_(target), replaced
 
 AtomicFile::Output::~Output() {
     if (handle_ != kClosed) ::close(static_cast<int>(handle_));
-    if (!beside_.empty()) ::unlink(beside_.c_str());
+    if (beside_.empty()) return;
+    ::unlink(beside_.c_str());
+    finishUnfinished(beside_.native());
 }
 
 void AtomicFile::Output::write(std::string_view bytes) {
@@ -113,6 +177,7 @@ void AtomicFile::Output::commit() {
     if (::close(file) != 0) fail();
     if (isBeside) {
         if (::rename(beside_.c_str(), replaced_.c_str()) != 0) fail();
+        finishUnfinished(beside_.native());
         beside_.clear();
         syncFolder(replaced_.parent_path());
     }

@@ -40,5 +40,6 @@ need_for_program() {
     need llvm llvm-rc
     need libboost-dev /usr/include/boost/format.hpp
     need libagg-dev /usr/include/agg2/agg_basics.h
+    need libedit-dev /usr/include/histedit.h
     need libstb-dev /usr/include/stb/stb_image_write.h
 }

@@ -36,7 +36,7 @@ Answer askAnswer(BoxKind kind, const std::wstring& text) {
     const bool mayCancel = kind == BoxKind::kYesNoCancel;
     const std::wstring choices = mayCancel ? L"[yes/no/cancel]" : L"[yes/no]";
     for (;;) {
-        const auto line = lines.next(markOf(kind) + text + L" " + choices + L": ");
+        const auto line = lines.answer(markOf(kind) + text + L" " + choices + L": ");
         if (!line) {
             if (lines.isScript()) lines.refuse(L"the script ends at the question \"" + text + L"\"");
             return mayCancel ? Answer::kCancel : Answer::kNo;

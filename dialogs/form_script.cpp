@@ -110,7 +110,7 @@ const struct {
 }  // namespace
 
 void FormScript::step() {
-    const auto line = lines_.next(run_.root().title() + L"> ");
+    const auto line = lines_.choose(run_.root().title() + L"> ", [this] { return linesThatSuit(); });
     if (!line) return end();
     const std::wstring_view text = base::trimmed(*line);
     if (text.empty()) return;
@@ -120,6 +120,27 @@ void FormScript::step() {
         lines_.refuse(inQuotes(text) + L": " + base::fromUtf8(refusal.what()) + L", in the dialog " +
                       inQuotes(run_.root().title()));
     }
+}
+
+std::vector<std::wstring> FormScript::linesThatSuit() {
+    std::vector<std::wstring> lines = {L"show", L"close", L"help", L"key Enter", L"key Escape", L"key Tab"};
+    for (const Control* control : run_.shownControls()) {
+        const std::wstring name = nameOf(*control);
+        if (!control->enabled) continue;
+        if (control->kind() == ControlKind::kTab)
+            for (const Choice& page : control->choices) lines.push_back(L"tab " + plainName(page.text));
+        if (control->kind() == ControlKind::kListView)
+            for (const Row& row : control->rows) lines.push_back(L"row " + row.cells.front());
+        if (name.empty()) continue;
+        if (control->isButton()) lines.push_back(L"press " + name);
+        if (control->isCheckable()) lines.push_back(L"check " + name);
+        if (control->kind() == ControlKind::kCheck) lines.push_back(L"uncheck " + name);
+        if (!control->isField() || control->readOnly) continue;
+        lines.push_back(name + L" = ");
+        if (control->isTyped()) lines.push_back(L"type " + name + L": ");
+        for (const Choice& choice : control->choices) lines.push_back(name + L" = " + choice.text);
+    }
+    return lines;
 }
 
 void FormScript::end() {

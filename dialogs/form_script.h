@@ -39,6 +39,8 @@ class FormScript {
     void chooseMenu(std::wstring_view argument);
     void show(std::wstring_view name);
     void savePicture(std::wstring_view fileName);
+    /// The lines that suit the form as it is, or begin one that does.
+    std::vector<std::wstring> linesThatSuit();
     /// Moves the focus there; false when the action is to be dropped.
     bool goTo(Control& control);
     void end();

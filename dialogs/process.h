@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "dialogs/api.h"
 
@@ -20,6 +21,11 @@ class DIALOGS_API LineSource {
     virtual std::optional<std::wstring> next(const std::wstring& prompt) = 0;
     /// The line that next() will take, where that can be known.
     virtual std::optional<std::wstring> peek() { return std::nullopt; }
+    /// The same for a question of a message box, which is shown where prompts are not.
+    virtual std::optional<std::wstring> answer(const std::wstring& question) { return next(question); }
+    /// The same for a line that may be one of the choices, for a person who wants it completed.
+    using Choices = std::function<std::vector<std::wstring>()>;
+    virtual std::optional<std::wstring> choose(const std::wstring& prompt, const Choices&) { return next(prompt); }
     /// A text with its line ends.
     virtual void print(std::wstring_view text) = 0;
     /// A line did not suit, or there was none. The source of a script throws, which ends all dialogs; that of a person

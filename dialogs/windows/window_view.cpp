@@ -393,6 +393,14 @@ INT_PTR WindowView::onDialogMessage(HWND window, UINT message, WPARAM word, LPAR
             if (Control* const control = controlOf(reinterpret_cast<HWND>(word)))
                 onContextMenu(*control, reinterpret_cast<HWND>(word), data);
             return TRUE;
+        case WM_SYSCOMMAND: {
+            // The system goes through messages of its own until the mouse or the keys have moved the window or left its
+            // menu.
+            const WPARAM what = word & 0xFFF0;
+            if (what != SC_MOVE && what != SC_SIZE && what != SC_MOUSEMENU && what != SC_KEYMENU) return FALSE;
+            Process::instance().waitFor([&] { DefWindowProcW(window, message, word, data); });
+            return TRUE;
+        }
         case WM_DRAWITEM: {
             const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(data);
             const Control* const control = controlOf(item.hwndItem);

@@ -197,4 +197,41 @@ TEST(RealInput, MouseKeysAndMnemonics) {
                             "row 1", "row 0", "double row 0", "pressed 120", "ok 124"));
 }
 
+// The host counts as work what is no waiting.
+TEST(RealInput, AWindowThatIsDraggedIsWaitedFor) {
+    NoLines lines;
+    ASSERT_TRUE(useWindows(&lines));
+    int waiting = 0;
+    ASSERT_TRUE(useWindows(nullptr, [&](const std::function<void()>& wait) {
+        ++waiting;
+        wait();
+        --waiting;
+    }));
+    const ResourceScope resources(base::processImage());
+    InputDialog dialog;
+    steps.clear();
+    nextStep = 0;
+    bool wasDragged = false, wasWaitedFor = false;
+
+    // The move is begun by a message, as that of a mouse is, and ends with Enter.
+    steps.push_back([&] { PostMessageW(static_cast<HWND>(dialog.window()), WM_SYSCOMMAND, SC_MOVE, 0); });
+    press(VK_RIGHT);
+    steps.push_back([&] {
+        GUITHREADINFO info = {};
+        info.cbSize = sizeof info;
+        wasDragged = GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & GUI_INMOVESIZE) != 0;
+        wasWaitedFor = waiting > 0;
+    });
+    press(VK_RETURN);
+    steps.push_back([&] { dialog.end(kCancelButton); });
+    open = &dialog;
+    UINT_PTR const timer = SetTimer(nullptr, 0, 40, tick);
+    dialog.runModal();
+    KillTimer(nullptr, timer);
+    useStandard();
+
+    EXPECT_TRUE(wasDragged);
+    EXPECT_TRUE(wasWaitedFor);
+}
+
 }  // namespace

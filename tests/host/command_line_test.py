@@ -9,6 +9,7 @@ import os
 import pathlib
 import re
 import select
+import signal
 import subprocess
 import sys
 import tempfile
@@ -68,7 +69,7 @@ class CommandLine(unittest.TestCase):
 
     def test_wrong_usage_is_2(self):
         for arguments in (["--nothing"], ["-c"], ["a.dxf", "b.dxf"], ["--set", "NOSUCH=1", "-c", ""],
-                          ["--set", "LUPREC=many", "-c", ""], ["--size", "9", "-c", ""], ["-p", "plot.pdf", "-c", ""]):
+                          ["--set", "LUPREC=many", "-c", ""], ["-c", "", "-o", "-"], ["--size", "9", "-c", ""], ["-p", "plot.pdf", "-c", ""]):
             with self.subTest(arguments):
                 run = self.run_program(*arguments)
                 self.assertEqual(run.status, 2)
@@ -84,6 +85,59 @@ class CommandLine(unittest.TestCase):
                 self.assertIn("nowhere", run.errors)
         (self.folder / "text.dxf").write_text("This is no drawing.\n")
         self.assertEqual(self.run_program("text.dxf", "-c", "QUIT").status, 3)
+
+    def test_a_dwg_is_named_as_such(self):
+        (self.folder / "plan.dwg").write_bytes(b"AC1032\0\0\0\0\x1b[31m" + bytes(range(256)))
+        run = self.run_program("plan.dwg", "-c", "")
+        self.assertEqual(run.status, 3)
+        self.assertRegex(run.errors, r"plan\.dwg:.*DWG.*AC1032.*save it as DXF")
+
+    def test_bytes_of_a_file_do_not_work_the_terminal(self):
+        (self.folder / "evil.dxf").write_bytes(b"\x1b]0;title\x07\x9b31m\xc2\x9b31m\n")
+        (self.folder / "evil.scr").write_bytes(b"; a comment\nElxTest\n\x1b[2Jtext\n\x1b[31m\n")
+        for arguments in (["evil.dxf", "-c", ""], ["-s", "evil.scr"]):
+            errors = self.run_program(*arguments).errors
+            self.assertIn("^[", errors)
+            self.assertEqual([c for c in errors if (ord(c) < 32 and c not in "\n\t") or 127 <= ord(c) < 160], [])
+
+    def test_quiet(self):
+        run = self.run_program("-q", "plan.dxf", "-c", "ElxTest|x|AttExt|press Select Objects <|all||show|"
+                                                       "press Output File|plan.dxf|no|"
+                                                       "|press Cancel|Wipeout|Frames|Nothing")
+        self.assertEqual(run.output, "Inputed Text is x.\n")
+        self.assertNotIn("Attribute Extraction> ", run.errors)
+        self.assertTrue(run.errors.startswith("=== Attribute Extraction ==="), run.errors)  # no prompt, no count
+        self.assertRegex(run.errors, r"\n\[question\] .*plan.dxf already exists")
+        self.assertIn("torvelhost: --command:", run.errors)
+
+    def test_settings_that_cannot_be_kept_fail_no_run(self):
+        (self.folder / "file").write_text("")
+        (self.folder / "names.txt").write_text("BL:NAME C008000\n")
+        run = self.run_program("--profile", "file/profile.ini", "plan.dxf", "-c",
+                               "AttExt|press Select Objects <|all||Template File = names.txt|Output File = x.txt|press OK")
+        self.assertEqual(run.status, 0, run.errors)
+        self.assertEqual(run.errors.count("warning: file/profile.ini: "), 1, run.errors)
+
+    def test_memory_that_runs_out(self):
+        """Whatever does not fit, the message names the file and what was being done, and nothing is saved."""
+        if not IS_NATIVE or b"__asan" in pathlib.Path(COMMAND[0]).read_bytes():
+            self.skipTest("memory cannot be limited here")
+        lines = "".join(f"0\nLINE\n8\n0\n10\n{i}.0\n20\n0.0\n11\n{i}.0\n21\n1.0\n" for i in range(20000))
+        (self.folder / "big.dxf").write_text(PLAN.replace("0\nENDSEC\n0\nEOF\n", lines + "0\nENDSEC\n0\nEOF\n"))
+        seen = set()
+        for limit in range(9000, 40000, 500):
+            result = subprocess.run(["sh", "-c", f'ulimit -v {limit}; exec "$0" "$@"', *COMMAND, "--profile", "p.ini", "-q",
+                                     "big.dxf", "-c", "Divide|#20|3", "-o", "out.dxf"], cwd=self.folder,
+                                    capture_output=True, timeout=60)
+            errors = result.stderr.decode()
+            if "error while loading" in errors:
+                continue
+            seen.add(result.returncode)
+            if result.returncode != 0:
+                self.assertEqual(result.returncode, 3, (limit, errors))
+                self.assertRegex(errors, r"^torvelhost: (.*(big|out)\.dxf.* memory|libtorvelcmd2\.so: )", limit)
+                self.assertFalse((self.folder / "out.dxf").exists())
+        self.assertEqual(seen, {0, 3})
 
     def test_an_unchanged_drawing_is_saved_to_the_byte(self):
         run = self.run_program("plan.dxf", "-o", "out.dxf")
@@ -161,46 +215,170 @@ class CommandLine(unittest.TestCase):
                                     stderr=subprocess.PIPE, timeout=60)
         self.assertEqual(result.returncode, 3)
 
-    def test_the_prompt_on_a_terminal(self):
+    def test_a_signal_ends_a_script(self):
+        run = subprocess.Popen(COMMAND + ["--profile", "p.ini", "plan.dxf", "-s", "-", "-o", "out.dxf"], cwd=self.folder,
+                               stdin=subprocess.PIPE, stderr=subprocess.PIPE)
+        run.stdin.write(b"ElxTest\n")
+        run.stdin.flush()
+        while not run.stderr.readline().startswith(b"Command: ElxTest"):
+            pass
+        run.send_signal(signal.SIGINT)
+        run.communicate()
+        self.assertEqual(run.returncode, -signal.SIGINT if IS_NATIVE else run.returncode)
+        self.assertFalse((self.folder / "out.dxf").exists())
+
+
+class Terminal:
+    """The program at a prompt, in a terminal of so many columns."""
+
+    def __init__(self, folder, *arguments, columns=80):
+        import fcntl, pty, struct, termios
+        self.process, self.terminal = pty.fork()
+        if self.process == 0:
+            os.chdir(folder)
+            os.environ.update(TERM="xterm", XDG_STATE_HOME=str(folder / "state"))
+            fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+            os.execv(COMMAND[0], [COMMAND[0], "--profile", "p.ini", *arguments])
+        self.shown = ""
+
+    def expect(self, text):
+        """Waits for the text; gives what is shown before it."""
+        end = time.monotonic() + 60
+        while text not in self.shown:
+            if not select.select([self.terminal], [], [], max(0, end - time.monotonic()))[0]:
+                raise AssertionError(f"{text!r} is not in {self.shown!r}")
+            self.shown += os.read(self.terminal, 4096).decode("utf-8", "replace")
+        before, self.shown = self.shown.split(text, 1)
+        return before
+
+    def send(self, keys):
+        os.write(self.terminal, keys.encode())
+
+    def status(self):
+        _, status = os.waitpid(self.process, 0)
+        os.close(self.terminal)
+        return os.waitstatus_to_exitcode(status)
+
+
+class Prompt(unittest.TestCase):
+    def setUp(self):
         if not IS_NATIVE:
             self.skipTest("a terminal of this kind is not there")
-        import pty
-        program, terminal = pty.fork()
-        if program == 0:
-            os.chdir(self.folder)
-            os.execv(COMMAND[0], [COMMAND[0], "--profile", "p.ini", "plan.dxf"])
-        shown = ""
+        self.temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(self.temporary.cleanup)
+        self.folder = pathlib.Path(self.temporary.name)
+        (self.folder / "plan.dxf").write_text(PLAN)
 
-        def expect(text):
-            nonlocal shown
-            end = time.monotonic() + 60
-            while text not in shown:
-                self.assertTrue(select.select([terminal], [], [], max(0, end - time.monotonic()))[0], shown)
-                shown += os.read(terminal, 4096).decode("utf-8", "replace")
-            shown = shown[shown.index(text) + len(text):]
+    def start(self, **options):
+        terminal = Terminal(self.folder, "plan.dxf", **options)
+        terminal.expect("Command: ")
+        return terminal
 
-        def send(keys):
-            os.write(terminal, keys.encode())
+    def test_keys_and_history(self):
+        terminal = self.start()
+        terminal.send("ElxTesx\x7ft\r")
+        terminal.expect("Enter text: ")
+        terminal.send("\u00e4bc\x1b[D\x1b[D!\r")  # two to the left
+        terminal.expect("Inputed Text is \u00e4!bc.")
+        terminal.expect("Command: ")
+        terminal.send("\x1b[A\x1b[A\r")  # the command of before
+        terminal.expect("Enter text: ")
+        terminal.send("one two\x1b[1;5D\x1b[3~\u65e5\U0001f600\x1b[15~\x1b[H>\r")  # F5 is nothing
+        terminal.expect("Inputed Text is >one \u65e5\U0001f600wo.")
+        terminal.expect("Command: ")
+        terminal.send("LAYER\r")
+        terminal.expect("[?/Make/Set/New/ON/OFF/Freeze/Thaw/LOck/Unlock/Color]: ")
+        terminal.send("O\r")
+        terminal.expect("more than one of")
+        terminal.expect("]: ")
+        terminal.send("\r")
+        terminal.expect("Command: ")
+        terminal.send("\x04")
+        self.assertEqual(terminal.status(), 0)
+        # The history outlives the run.
+        terminal = self.start()
+        terminal.send("\x1b[A\x1b[A\x1b[A\x1b[A\r")
+        terminal.expect("Enter text: ")
+        terminal.send("x\r")
+        terminal.expect("Command: ")
+        terminal.send("QUIT\r")
+        self.assertEqual(terminal.status(), 0)
 
-        expect("Command: ")
-        send("ElxTesx\x7ft\r")
-        expect("Enter text: ")
-        send("\u00e4bc\x1b[D\x1b[D!\r")  # two to the left
-        expect("Inputed Text is \u00e4!bc.")
-        send("\x1b[A\x1b[A\r")  # the command of before
-        expect("Enter text: ")
-        send("\x03")
-        expect("Command: ")
-        send("LAYER\r")
-        expect("[?/Make/Set/New/ON/OFF/Freeze/Thaw/LOck/Unlock/Color]: ")
-        send("O\r")
-        expect("more than one of")
-        send("\r")
-        expect("Command: ")
-        send("\x04")
-        _, status = os.waitpid(program, 0)
-        os.close(terminal)
-        self.assertEqual(os.waitstatus_to_exitcode(status), 1)  # one command was cancelled
+    def test_a_line_longer_than_the_terminal(self):
+        terminal = self.start(columns=20)
+        text = "0123456789" * 6
+        for key in text:
+            terminal.send(key)
+            time.sleep(0.01)
+        terminal.send("\r")
+        self.assertNotIn("Command: ", terminal.expect("unknown command"))  # the prompt is not shown anew for a key
+        terminal.expect("Command: ")
+        terminal.send("\x04")
+        self.assertEqual(terminal.status(), 0)
+
+    def test_the_escape_key_swallows_no_other(self):
+        terminal = self.start()
+        terminal.send("nonsense\x1b")
+        time.sleep(1)
+        terminal.send("ElxTest\r")
+        terminal.expect("Enter text: ")
+        terminal.send("x\r")
+        terminal.expect("Inputed Text is x.")
+        terminal.expect("Command: ")
+        terminal.send("\x04")
+        self.assertEqual(terminal.status(), 0)
+
+    def test_ctrl_c_cancels_and_asks(self):
+        terminal = self.start()
+        terminal.send("ElxTest\r")
+        terminal.expect("Enter text: ")
+        terminal.send("half\x03")
+        terminal.expect("Command: ")
+        terminal.send("ElxTest\r")
+        terminal.expect("Enter text: ")
+        os.kill(terminal.process, signal.SIGINT)  # from elsewhere it is the same
+        terminal.expect("Command: ")
+        terminal.send("half\x03")  # a line that was begun goes, nothing else
+        terminal.expect("Command: ")
+        terminal.send("INSERT\rDOOR\r1,2\r\r\r\r")
+        terminal.expect("angle <0>: ")
+        terminal.expect("Command: ")
+        terminal.send("\x03")
+        terminal.expect("Leave without them? [Yes/No] <No>: ")
+        terminal.send("\r")
+        terminal.expect("Command: ")
+        terminal.send("\x03")
+        terminal.expect("<No>: ")
+        terminal.send("Y\r")
+        self.assertEqual(terminal.status(), 1)  # commands were cancelled
+
+    def test_tab_completes(self):
+        terminal = self.start()
+        for typed, prompt in (("elx\t", "Enter text: "), ("x", "Command: "),
+                              ("LAYER", "Color]: "), ("Fre\t", "eze"), ("", "Command: "),
+                              ("AttExt", "> "), ("press Can\t", "Command: "), ("AttExt", "> "), ("Template File = pl\t", "> ")):
+            terminal.send(typed + "\r")
+            terminal.expect(prompt)
+        terminal.send("show\r")
+        terminal.expect("plan.dxf\"")
+        terminal.send("pre\t\t")
+        terminal.expect("press Cancel")
+        terminal.expect("press OK")
+        terminal.send("C\t\r")
+        terminal.expect("Command: ")
+        terminal.send("\x04")
+        terminal.status()
+
+    def test_a_signal_gives_the_terminal_back(self):
+        import termios
+        terminal = self.start()
+        while termios.tcgetattr(terminal.terminal)[3] & termios.ICANON:
+            time.sleep(0.01)
+        os.kill(terminal.process, signal.SIGTERM)
+        _, status = os.waitpid(terminal.process, 0)
+        self.assertEqual(os.waitstatus_to_exitcode(status), -signal.SIGTERM)
+        self.assertTrue(termios.tcgetattr(terminal.terminal)[3] & termios.ICANON)
+        os.close(terminal.terminal)
 
 
 if __name__ == "__main__":

@@ -1,11 +1,12 @@
-// The command line, the editing of a line, dates, and the settings store.
+// The command line, what Tab makes of a line, dates, and the settings store.
 
 #include <filesystem>
 #include <gtest/gtest.h>
 
 #include "base/files.h"
 #include "base/paths.h"
-#include "torvelhost/lines/line_edit.h"
+#include "torvelhost/lines/completion.h"
+#include "torvelhost/lines/terminal.h"
 #include "torvelhost/session/options.h"
 #include "torvelhost/session/profile.h"
 #include "torvelhost/session/variables.h"
@@ -59,39 +60,34 @@ TEST(Options, WrongUsage) {
         EXPECT_THROW(parse(wrong), UsageError) << wrong[0];
 }
 
-TEST(LineEdit, KeysAndHistory) {
-    const std::vector<std::wstring> history = {L"Ray", L"AttSync"};
-    LineEdit line(history);
-    line.insert(L"one two");
-    line.press(LineEdit::kWordLeft);
-    EXPECT_EQ(line.caret(), 4u);
-    line.insert(L"\u00e9");
-    EXPECT_EQ(line.text(), L"one \u00e9two");
-    line.press(LineEdit::kBackspace);
-    line.press(LineEdit::kDeleteToEnd);
-    EXPECT_EQ(line.text(), L"one ");
-    line.press(LineEdit::kPrevious);
-    EXPECT_EQ(line.text(), L"AttSync");
-    line.press(LineEdit::kPrevious);
-    line.press(LineEdit::kPrevious);
-    EXPECT_EQ(line.text(), L"Ray");
-    line.press(LineEdit::kNext);
-    line.press(LineEdit::kNext);
-    EXPECT_EQ(line.text(), L"one ");  // what was being typed comes back
-    line.press(LineEdit::kDeleteWord);
-    EXPECT_EQ(line.text(), L"");
-    line.press(LineEdit::kLeft);
-    line.press(LineEdit::kDelete);
-    line.press(LineEdit::kBackspace);
-    EXPECT_EQ(line.caret(), 0u);
+TEST(Completion, OfLinesAndFiles) {
+    const std::vector<std::wstring> lines = {L"AttSync", L"AttExt", L"press OK", L"press Cancel", L"Tag = "};
+    EXPECT_EQ(complete(L"atts", lines).text, L"AttSync");
+    EXPECT_TRUE(complete(L"atts", lines).among.empty());
+    EXPECT_EQ(complete(L"aT", lines).text, L"Att");
+    EXPECT_EQ(complete(L"aT", lines).among, (std::vector<std::wstring>{L"AttExt", L"AttSync"}));
+    EXPECT_EQ(complete(L"pr", lines).text, L"press ");
+    EXPECT_EQ(complete(L"nothing of this name", lines).text, L"nothing of this name");
 
-    // One character is one key press on both platforms.
-    LineEdit beyond(history);
-    beyond.insert(L"\U0001F600");
-    beyond.press(LineEdit::kLeft);
-    EXPECT_EQ(beyond.caret(), 0u);
-    beyond.press(LineEdit::kDelete);
-    EXPECT_EQ(beyond.text(), L"");
+    const std::wstring folder = base::joinPath(base::temporaryFolder(), L"torvelhost_completion_test");
+    std::filesystem::remove_all(base::toPath(folder));
+    std::filesystem::create_directories(base::toPath(base::joinPath(folder, L"lists")));
+    base::writeFile(base::joinPath(folder, L"doors.txt"), "");
+    base::writeFile(base::joinPath(folder, L"doors \u00e9.txt"), "");
+    const std::wstring front = folder + base::pathSeparator();
+    EXPECT_EQ(complete(L"Tag = " + front + L"l", lines).text, L"Tag = " + front + L"lists" + base::pathSeparator());
+    EXPECT_EQ(complete(front + L"do", {}).text, front + L"doors");
+    EXPECT_EQ(complete(front + L"do", {}).among.size(), 2u);
+    EXPECT_EQ(complete(front + L"doors.", {}).text, front + L"doors.txt");
+    std::filesystem::remove_all(base::toPath(folder));
+}
+
+TEST(Terminal, ControlCharactersBecomeSigns) {
+    EXPECT_EQ(visible(L"a\tb\n\u00e9\U0001F600"), L"a\tb\n\u00e9\U0001F600");
+    EXPECT_EQ(visible(L"\x1b]0;x\a\r\x7f"), L"^[]0;x^G^M^?");
+    EXPECT_EQ(visible(L"\x9b"
+                      L"31m"),
+              L"\uFFFD31m");
 }
 
 TEST(Dates, TextsAndJulianDays) {
@@ -134,6 +130,11 @@ TEST(Profile, KeepsSettingsInAFile) {
     EXPECT_FALSE(profile.readInteger(L"Dialogs\\EAttEdit", L"Placement", number));
     profile.removeSection(L"AttExtDlg");
     profile.save();
+    // A place that cannot be written is told of once, not after every command.
+    Profile nowhere(base::joinPath(file, L"profile.ini"));
+    nowhere.writeText(L"AttExtDlg", L"Format", L"1");
+    EXPECT_THROW(nowhere.save(), base::FileError);
+    EXPECT_NO_THROW(nowhere.save());
     EXPECT_FALSE(Profile(file).readInteger(L"AttExtDlg", L"Format", number));
     std::filesystem::remove_all(base::toPath(folder));
 }

@@ -52,11 +52,34 @@ def full_disk(program, folder):
         before = target.read_bytes() if target.exists() else None
         names = sorted(p.name for p in folder.iterdir())
         run = subprocess.run([program, source, "-q", "-c", "", "-o", target], stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                             preexec_fn=lambda: (signal.signal(signal.SIGXFSZ, signal.SIG_IGN), resource.setrlimit(resource.RLIMIT_FSIZE, (200000, 200000))))
+                             preexec_fn=lambda: (signal.signal(signal.SIGXFSZ, signal.SIG_DFL), resource.setrlimit(resource.RLIMIT_FSIZE, (200000, 200000))))
         check(run.returncode == 3, f"exit status {run.returncode} on a full disk")
         check(target.name in run.stderr, f"the message does not name the file: {run.stderr}")
         check((target.read_bytes() if target.exists() else None) == before, f"{target.name} was changed")
         check(sorted(p.name for p in folder.iterdir()) == names, "something was left behind")
+
+
+def ended_by_a_signal(program, folder):
+    """A save that a signal ends leaves the target as it was, and nothing beside it."""
+    source = folder / "big.dxf"
+    source.write_text(big_drawing(400000))
+    target = folder / "target.dxf"
+    target.write_text("as it was")
+    before = sorted(p.name for p in folder.iterdir())
+    for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+        for _ in range(20):  # until a signal comes while there is something beside
+            run = subprocess.Popen([program, source, "-q", "-c", "", "-o", target], stdin=subprocess.DEVNULL)
+            beside = False
+            while run.poll() is None and not beside:
+                beside = any(p.name.startswith(".target") for p in folder.iterdir())
+            run.send_signal(number)
+            status = run.wait()
+            check(sorted(p.name for p in folder.iterdir()) == before, f"after signal {number}: {list(folder.iterdir())}")
+            if status == -number:
+                break
+            target.write_text("as it was")
+        check(status == -number, f"signal {number} never came in time; status {status}")
+        check(target.read_text() == "as it was", "the target was changed")
 
 
 def main():
@@ -67,6 +90,8 @@ def main():
         killed_half_way(arguments.program, pathlib.Path(folder))
     with tempfile.TemporaryDirectory() as folder:
         full_disk(arguments.program, pathlib.Path(folder))
+    with tempfile.TemporaryDirectory() as folder:
+        ended_by_a_signal(arguments.program, pathlib.Path(folder))
 
 
 main()

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "base/files.h"
 #include "base/text.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
@@ -366,9 +367,35 @@ TEST(Commands, StatusIsThatOfTheWorst) {
     TestCommand::body = [&] { return ++runs == 1 ? kCommandCancelled : kCommandFinished; };
     EXPECT_EQ(cancelled.run(), kSomeFailed);
     EXPECT_EQ(runs, 2);
-    EXPECT_EQ(Host(L"NoMemory").run(), kSomeFailed);
     EXPECT_THAT(Host(L"; one|QUIT|Nonsense").scriptError(), "no error");
     EXPECT_THAT(Host(L"; one|Nonsense").scriptError(), HasSubstr("--command:2: unknown command \"Nonsense\""));
+}
+
+// The lines that were meant for the command are not taken for commands, and the message says what was being done.
+TEST(Commands, MemoryTroubleEndsAScript) {
+    const auto expectEnd = [](Host& host, const std::string& message) {
+        const std::string before = host.database()->writeBytes();
+        try {
+            host.run();
+            ADD_FAILURE() << "the script went on";
+        } catch (const base::FileError& error) {
+            EXPECT_EQ(error.what(), message);
+        }
+        EXPECT_EQ(TestCommand::alive, 0);
+        EXPECT_EQ(host.database()->writeBytes(), before);
+    };
+    Host host(L"TestCommand|meant for the command");
+    TestCommand::body = [&]() -> CMD_RUNSTATUS {
+        addLine(host.database(), {}, {1, 0, 0});
+        throw std::bad_alloc();
+    };
+    expectEnd(host,
+              "the new drawing: there is not enough memory for the command TestCommand; the drawing is as it was "
+              "before it");
+    Host other(L"NoMemory|meant for the command");
+    expectEnd(other,
+              "the new drawing: there is not enough memory for the command NoMemory; the drawing is as it was "
+              "before it");
 }
 
 TEST(Commands, AnEscapedExceptionTakesTheChangesBack) {

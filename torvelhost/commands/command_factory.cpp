@@ -23,4 +23,10 @@ const RegisteredCommand* CommandFactory::find(std::wstring_view name) const {
     return found == commands_.end() ? nullptr : &found->second;
 }
 
+std::vector<std::wstring> CommandFactory::names() const {
+    std::vector<std::wstring> names;
+    for (const auto& [name, command] : commands_) names.push_back(name);
+    return names;
+}
+
 }  // namespace host

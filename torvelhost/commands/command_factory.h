@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "base/text.h"
 #include "hostapi/command.h"
@@ -30,6 +31,7 @@ class CommandFactory final : public ICmdFactory {
 
     /// In any case; null when there is none.
     const RegisteredCommand* find(std::wstring_view name) const;
+    std::vector<std::wstring> names() const;
     /// References that modules hold.
     std::uint32_t references() const { return references_; }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <memory>
-#include <stdexcept>
+#include <new>
 
 #include "base/files.h"
 #include "base/text.h"
@@ -24,19 +24,34 @@ using CommandReference = std::unique_ptr<ICmdProcess, CommandReleaser>;
 CMD_RUNSTATUS runOnce(const RegisteredCommand& registered) {
     ICmdProcess* created = nullptr;
     registered.creator(&created);
-    if (!created) throw std::runtime_error("there is not enough memory for it");
+    if (!created) throw std::bad_alloc();
     const CommandReference command(created);
     command->run();
     return command->runStatus();
+}
+
+std::vector<std::wstring> commandNames() {
+    std::vector<std::wstring> names = hostCommandNames();
+    for (std::wstring& name : CommandFactory::instance().names()) names.push_back(std::move(name));
+    names.insert(names.end(), {L"QUIT", L"DBLCLICK "});
+    return names;
 }
 
 }  // namespace
 
 ExitStatus CommandLoop::run() {
     for (;;) {
-        const std::optional<std::wstring> line = session_.input.replies().next(L"Command: ");
-        if (!line || !runLine(parseReply(*line))) return status_;
+        ReplySource& replies = session_.input.replies();
+        const std::optional<std::wstring> line = replies.choose(L"Command: ", commandNames);
+        if (!line || (replies.wantsToLeave() && mayLeave()) || !runLine(parseReply(*line))) return status_;
     }
+}
+
+// Ctrl+C at the command prompt.
+bool CommandLoop::mayLeave() {
+    if (!session_.document.database()->isModified()) return true;
+    return session_.input.getKeyword(L"The changes are not saved. Leave without them? [%s] <No>", L"Yes No", 0, 0, 0) ==
+           hostapi::kFirstKeyword;
 }
 
 bool CommandLoop::runLine(const Reply& reply) {
@@ -94,6 +109,17 @@ void CommandLoop::runRegistered(const RegisteredCommand& registered) {
         {.usesPickFirst = (registered.flags & hostapi::kUsesPickFirst) != 0});
 }
 
+// The lines that were meant for the command must not be taken for commands, so this ends a script.
+void CommandLoop::endForMemory(const std::wstring& command) {
+    const std::wstring& fileName = session_.document.database()->fileName();
+    const base::FileError error(
+        fileName.empty() ? L"the new drawing" : fileName,
+        L"there is not enough memory for the command " + command + L"; the drawing is as it was before it");
+    if (session_.input.replies().isScript()) throw error;
+    terminal_.error(base::fromUtf8(error.what()));
+    status_ = std::max(status_, kFileFailed);
+}
+
 void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner manner) {
     const std::size_t position = session_.document.undoPosition();
     const auto takeBack = [&] {
@@ -115,6 +141,9 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner 
     } catch (const ScriptError&) {
         takeBack();
         throw;
+    } catch (const std::bad_alloc&) {
+        takeBack();
+        return endForMemory(name);
     } catch (const base::FileError& error) {
         return fail(base::fromUtf8(error.what()), kFileFailed);
     } catch (const OdError& error) {

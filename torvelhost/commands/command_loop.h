@@ -15,7 +15,8 @@ class CommandLoop {
     explicit CommandLoop(Application& application)
         : application_(application), session_(*application.session()), terminal_(application.terminal()) {}
 
-    /// Until QUIT or the end of the replies. Returns kAllFinished, kSomeFailed or kFileFailed; throws ScriptError.
+    /// Until QUIT or the end of the replies. Returns kAllFinished, kSomeFailed or kFileFailed; throws ScriptError and
+    /// base::FileError.
     ExitStatus run();
 
   private:
@@ -23,6 +24,7 @@ class CommandLoop {
 
     /// False: no more lines are wanted.
     bool runLine(const Reply& reply);
+    bool mayLeave();
     /// How a command is run.
     struct Manner {
         bool usesPickFirst = false;
@@ -30,6 +32,8 @@ class CommandLoop {
     };
     void runCommand(const std::wstring& name, const Body& body, Manner manner);
     void runRegistered(const RegisteredCommand& registered);
+    /// Memory ran out in the command, whose changes have been taken back. Throws base::FileError in a script.
+    void endForMemory(const std::wstring& command);
     void doubleClick(std::wstring_view handle);
     /// A line that names nothing: the end of a script, a hint for a person.
     void refuse(const std::wstring& what);

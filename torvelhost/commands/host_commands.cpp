@@ -29,4 +29,10 @@ const HostCommand* findHostCommand(std::wstring_view name) {
     return nullptr;
 }
 
+std::vector<std::wstring> hostCommandNames() {
+    std::vector<std::wstring> names;
+    for (const HostCommand& command : kHostCommands) names.emplace_back(command.name);
+    return names;
+}
+
 }  // namespace host

@@ -1,7 +1,9 @@
 // The table of the host's own commands; their prompts are in docs/scripts.md.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "torvelhost/commands/host_command.h"
 
@@ -40,5 +42,6 @@ struct HostCommand {
 
 /// In any case; null when there is none.
 const HostCommand* findHostCommand(std::wstring_view name);
+std::vector<std::wstring> hostCommandNames();
 
 }  // namespace host

@@ -6,9 +6,14 @@
 
 namespace host {
 
-std::optional<std::wstring> DialogLines::next(const std::wstring& prompt) {
+std::optional<std::wstring> DialogLines::choose(const std::wstring& prompt, const Choices& choices) {
     const Progress::Pause pause;
-    return replies_.next(prompt);
+    return replies_.choose(prompt, choices);
+}
+
+std::optional<std::wstring> DialogLines::answer(const std::wstring& question) {
+    if (terminal_.isQuiet()) terminal_.show(question + L"\n");
+    return next(question);
 }
 
 void DialogLines::refuse(const std::wstring& why) {

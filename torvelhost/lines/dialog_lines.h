@@ -10,7 +10,9 @@ class DialogLines final : public dialogs::LineSource {
   public:
     DialogLines(ReplySource& replies, Terminal& terminal) : replies_(replies), terminal_(terminal) {}
 
-    std::optional<std::wstring> next(const std::wstring& prompt) override;
+    std::optional<std::wstring> next(const std::wstring& prompt) override { return choose(prompt, {}); }
+    std::optional<std::wstring> choose(const std::wstring& prompt, const Choices& choices) override;
+    std::optional<std::wstring> answer(const std::wstring& question) override;
     std::optional<std::wstring> peek() override { return replies_.peek(); }
     void print(std::wstring_view text) override { terminal_.show(text); }
     /// Throws ScriptError in a script.

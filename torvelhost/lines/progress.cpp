@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <system_error>
 
 #include "base/console.h"
 #include "base/text.h"
@@ -11,15 +12,17 @@ namespace {
 
 Progress* g_current = nullptr;
 
-// Ctrl-C is a wish to stop from when the work has shown that it asks for one; pressed once more it ends the program, as
-// it does everywhere else.
+// Ctrl-C is a wish to stop from when the work has shown that it asks for one; pressed once more it does what it does
+// everywhere else.
 volatile std::sig_atomic_t g_stop = 0;
 bool g_listens = false;
+void (*g_handlerBefore)(int) = SIG_DFL;
 
 void onInterrupt(int number) {
     if (g_stop) {
-        std::signal(number, SIG_DFL);
+        std::signal(number, g_handlerBefore);
         std::raise(number);
+        return;
     }
     g_stop = 1;
     std::signal(number, onInterrupt);  // one system forgets the handler when it is called
@@ -29,8 +32,12 @@ void onInterrupt(int number) {
 
 Progress::Progress(const Terminal& terminal, const std::wstring& work) : work_(work) {
     if (terminal.isQuiet() || g_current || !base::isTerminal(base::Stream::kError)) return;
-    g_current = this;
-    thread_ = std::thread([this] { watch(); });
+    try {
+        thread_ = std::thread([this] { watch(); });
+        g_current = this;
+    } catch (const std::system_error&) {
+        // No more threads are to be had; the work goes on without being told of.
+    }
 }
 
 Progress::~Progress() {
@@ -43,14 +50,14 @@ Progress::~Progress() {
     change_.notify_one();
     thread_.join();
     g_current = nullptr;
-    if (g_listens) std::signal(SIGINT, SIG_DFL);
+    if (g_listens) std::signal(SIGINT, g_handlerBefore);
     g_listens = false;
     g_stop = 0;
 }
 
 bool Progress::tell(std::uint64_t done, std::uint64_t total) {
     if (!g_current) return true;
-    if (!g_listens) std::signal(SIGINT, onInterrupt);
+    if (!g_listens) g_handlerBefore = std::signal(SIGINT, onInterrupt);
     g_listens = true;
     if (total > 0)
         g_current->percent_ = static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total));
@@ -79,7 +86,7 @@ void Progress::watch() {
 }
 
 void Progress::wipe() {
-    if (shown_) base::writeTo(base::Stream::kError, "\r\x1b[K");
+    if (shown_) base::wipeLine(base::Stream::kError);
     shown_ = false;
 }
 

@@ -10,7 +10,7 @@ namespace host {
 namespace {
 
 // The pieces between blanks.
-std::vector<std::wstring_view> words(std::wstring_view text) {
+std::vector<std::wstring_view> wordsOf(std::wstring_view text) {
     std::vector<std::wstring_view> pieces;
     std::size_t at = 0;
     while ((at = text.find_first_not_of(L" \t", at)) != text.npos) {
@@ -51,7 +51,7 @@ bool isComment(std::wstring_view line) {
 Keywords::Keywords(const wchar_t* list) {
     if (!list) return;
     std::vector<std::wstring>* names = &local_;
-    for (std::wstring_view word : words(list))
+    for (std::wstring_view word : wordsOf(list))
         if (word == L"_")
             names = &global_;
         else
@@ -151,7 +151,7 @@ std::optional<TypedPick> parsePick(std::wstring_view text) {
 
 std::optional<std::vector<OdDbHandle>> parseHandles(std::wstring_view text) {
     std::vector<OdDbHandle> handles;
-    for (std::wstring_view word : words(text)) {
+    for (std::wstring_view word : wordsOf(text)) {
         const auto path = parseHandlePath(word);
         if (!path || path->size() != 1) return std::nullopt;
         handles.push_back(path->front());
@@ -161,7 +161,7 @@ std::optional<std::vector<OdDbHandle>> parseHandles(std::wstring_view text) {
 }
 
 std::optional<TypedWindow> parseWindow(std::wstring_view text) {
-    const std::vector<std::wstring_view> pieces = words(text);
+    const std::vector<std::wstring_view> pieces = wordsOf(text);
     if (pieces.size() != 1 && pieces.size() != 3) return std::nullopt;
     TypedWindow window;
     const bool inside = base::equalsNoCase(pieces[0], L"W") || base::equalsNoCase(pieces[0], L"window");

@@ -35,6 +35,7 @@ class Keywords {
     explicit Keywords(const wchar_t* list);
 
     bool empty() const { return local_.empty(); }
+    const std::vector<std::wstring>& words() const { return local_; }
     /// "Yes/No"
     std::wstring joined() const;
     struct Match {

@@ -63,16 +63,22 @@ std::optional<std::wstring> ScriptReplies::peek() {
 
 std::optional<std::wstring> ScriptReplies::next(const std::wstring& prompt) {
     std::optional<std::wstring> line = peek();
-    if (line) terminal_.show(prompt + *line + L"\n");
+    if (line) terminal_.prompt(prompt + *line + L"\n");
     peeked_.reset();
     return line;
 }
 
-std::optional<std::wstring> TypedReplies::next(const std::wstring& prompt) {
-    std::optional<std::wstring> line = readPromptLine(prompt, history_);
-    if (line && !line->empty() && *line != L"^C" && (history_.empty() || history_.back() != *line))
-        history_.push_back(*line);
-    return line;
+std::optional<std::wstring> TypedReplies::choose(const std::wstring& prompt, const Choices& choices) {
+    wantsToLeave_ = false;
+    if (base::takeInterrupt()) {
+        terminal_.prompt(prompt + L"^C\n");
+        return L"^C";
+    }
+    const TypedLine line = readPromptLine(terminal_.isQuiet() ? std::wstring() : visible(prompt), choices);
+    if (line.end == TypedLine::kInputEnded) return std::nullopt;
+    if (line.end == TypedLine::kEntered) return line.text;
+    wantsToLeave_ = line.text.empty();
+    return L"^C";
 }
 
 }  // namespace host

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "torvelhost/lines/completion.h"
 #include "torvelhost/lines/terminal.h"
 
 namespace host {
@@ -24,11 +25,15 @@ class ReplySource {
 
     /// Shows the prompt and takes a line. Nothing at the end.
     virtual std::optional<std::wstring> next(const std::wstring& prompt) = 0;
+    /// The same for a line that may be one of the choices, for a person who wants it completed.
+    virtual std::optional<std::wstring> choose(const std::wstring& prompt, const Choices&) { return next(prompt); }
     /// The line that next() will take; nothing at the end, and from a person, who cannot be looked at in advance.
     virtual std::optional<std::wstring> peek() { return std::nullopt; }
     /// Where the line taken last stands: "plan.scr:3".
     virtual std::wstring place() const { return L""; }
     virtual bool isScript() const = 0;
+    /// A person cancelled an empty line: at the command prompt that asks for the end.
+    virtual bool wantsToLeave() const { return false; }
 
   protected:
     ReplySource() = default;
@@ -64,14 +69,20 @@ class ScriptReplies : public ReplySource {
     std::wstring place_;
 };
 
-/// A person at the prompt.
+/// A person at the prompt. Ctrl+C gives "^C"; where it is kept from ending the program it does so, too, at the prompt
+/// after the work that it came in.
 class TypedReplies : public ReplySource {
   public:
-    std::optional<std::wstring> next(const std::wstring& prompt) override;
+    explicit TypedReplies(Terminal& terminal) : terminal_(terminal) {}
+
+    std::optional<std::wstring> next(const std::wstring& prompt) override { return choose(prompt, {}); }
+    std::optional<std::wstring> choose(const std::wstring& prompt, const Choices& choices) override;
     bool isScript() const override { return false; }
+    bool wantsToLeave() const override { return wantsToLeave_; }
 
   private:
-    std::vector<std::wstring> history_;
+    Terminal& terminal_;
+    bool wantsToLeave_ = false;
 };
 
 }  // namespace host

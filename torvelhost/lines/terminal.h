@@ -1,22 +1,29 @@
 // What the program writes, and where: standard output carries what commands print, standard error all the rest.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace host {
 
+/// The text as a terminal may be given it: control characters, which a file can hold to work the terminal, are replaced
+/// by signs. Line feeds and tabs stay.
+std::wstring visible(std::wstring_view text);
+
 class Terminal {
   public:
-    explicit Terminal(bool quiet) : quiet_(quiet) {}
+    explicit Terminal(bool quiet);
 
     /// What a command prints: the text and a line end on standard output.
     void print(std::wstring_view text);
-    /// Prompts and echoes: as they are, on standard error.
+    /// What was asked for, boxes, and why a reply does not suit: as it is, on standard error.
     void show(std::wstring_view text);
+    /// Prompts and echoes: as they are, on standard error, not when quiet.
+    void prompt(std::wstring_view text);
     /// A line on standard error, with the program's name in front.
     void error(std::wstring_view text);
     void warning(std::wstring_view text);  // not when quiet
-    /// A line on standard error for the user's eyes: a count, a hint.
+    /// A line on standard error for the user's eyes: a count, a hint. Not when quiet.
     void notice(std::wstring_view text);
 
     bool isQuiet() const { return quiet_; }
@@ -25,6 +32,7 @@ class Terminal {
 
   private:
     bool quiet_;
+    bool outputIsTerminal_;
     bool outputFailed_ = false;
 };
 

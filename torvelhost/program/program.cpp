@@ -1,6 +1,10 @@
 #include "torvelhost/program/program.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 
 #include "base/console.h"
 #include "base/files.h"
@@ -20,16 +24,25 @@ namespace {
 constexpr char kVersion[] = "torvelhost " TORVEL_VERSION "\n";
 
 // The command module. It knows the way back by itself, and stays loaded: its commands are registered until the end.
-void loadCommandModule(Terminal& terminal) {
+// A script of its commands has no use for a host without them.
+void loadCommandModule(Terminal& terminal, bool isNeeded) {
     const std::wstring fileName = base::libraryFileName(hostapi::kCommandModule);
     std::wstring reason;
     base::ModuleReference module = base::loadModule(fileName, &reason);
-    if (!module) return terminal.error(L"the commands of " + fileName + L" are missing: " + reason);
+    if (!module) {
+        const base::FileError error(fileName, L"the commands in it are missing: " + reason);
+        if (isNeeded) throw error;
+        return terminal.error(base::fromUtf8(error.what()));
+    }
     static_cast<void>(module.release());
 }
 
 std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& terminal) {
-    if (options.isInteractive()) return std::make_unique<TypedReplies>();
+    if (options.isInteractive()) {
+        // Ctrl+C cancels a prompt and never loses the work of a person.
+        if (base::isTerminal(base::Stream::kInput)) base::keepInterrupts();
+        return std::make_unique<TypedReplies>(terminal);
+    }
     auto replies = std::make_unique<ScriptReplies>(terminal);
     for (const Options::Script& script : options.scripts)
         if (script.isFile)
@@ -39,10 +52,21 @@ std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& termi
     return replies;
 }
 
+// A job on a file, with its progress. Where memory runs out, the message says for what.
+template <class Job>
+auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const std::wstring& file, Job job) {
+    const Progress progress(terminal, doing + (L" " + file));
+    try {
+        return job();
+    } catch (const std::bad_alloc&) {
+        throw base::FileError(file, std::wstring(L"there is not enough memory to ") + verb);
+    }
+}
+
 OdDbDatabasePtr openDrawing(const Options& options, Terminal& terminal) {
     if (!options.drawing) return OdDbDatabase::createNew();
-    const Progress progress(terminal, L"Reading " + *options.drawing);
-    OdDbDatabasePtr database = OdDbDatabase::readFile(*options.drawing);
+    OdDbDatabasePtr database = onFile(terminal, L"Reading", L"read the drawing", *options.drawing,
+                                      [&] { return OdDbDatabase::readFile(*options.drawing); });
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
     return database;
 }
@@ -57,26 +81,50 @@ void setVariables(const Options& options, Variables& variables) {
 void saveDrawing(const Options& options, Application::Session& session, Terminal& terminal) {
     OdDbDatabase* database = session.document.database();
     if (options.output) {
-        const Progress progress(terminal, L"Saving " + *options.output);
-        session.document.save(*options.output);
+        onFile(
+            terminal, L"Saving", L"save the drawing there", *options.output,
+            [&] { session.document.save(*options.output); });
     } else if (options.isInteractive() && database->isModified()) {
         terminal.notice(L"The changes were not saved (the command SAVE does).");
     }
 }
 
+// Where memory is so short that not even an exception can be thrown, or is thrown where none may be.
+char g_drawingName[1024] = "the new drawing";
+
+std::terminate_handler g_terminateBefore = nullptr;
+
+void endWithoutMemory() {
+    if (const std::exception_ptr exception = std::current_exception()) {
+        try {
+            std::rethrow_exception(exception);
+        } catch (const std::bad_alloc&) {
+        } catch (...) {
+            g_terminateBefore();
+        }
+    }
+    for (const char* part :
+         {"torvelhost: ", static_cast<const char*>(g_drawingName), ": there is not enough memory to go on\n"})
+        base::writeTo(base::Stream::kError, part);
+    std::_Exit(kFileFailed);
+}
+
 // What the view shows: the slide shown last, else the drawing.
 void plotShown(const Options& options, Application& application, Terminal& terminal) {
     if (!options.plot) return;
-    const Progress progress(terminal, L"Plotting " + *options.plot);
-    if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
-    Application::Session& session = *application.session();
-    const Plot plot = plotView(session.document, session.view);
-    if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
-    writePicture(plot.picture, *options.plot);
+    onFile(terminal, L"Plotting", L"draw the picture", *options.plot, [&] {
+        if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
+        Application::Session& session = *application.session();
+        const Plot plot = plotView(session.document, session.view);
+        if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
+        writePicture(plot.picture, *options.plot);
+    });
 }
 
 // Refuses what cannot be done before anything is.
 void checkOptions(const Options& options) {
+    if (options.output == L"-")
+        throw UsageError("--output: a drawing is saved to a file, not to standard output; ./- is a file of that name");
     if (options.plot && !isPictureFileName(*options.plot))
         throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
                          "\" is no picture; give a name that ends in .svg or .png");
@@ -86,9 +134,11 @@ void checkOptions(const Options& options) {
 
 ExitStatus run(const Options& options, Terminal& terminal) {
     checkOptions(options);
+    if (options.drawing)
+        std::snprintf(g_drawingName, sizeof g_drawingName, "%s", base::toUtf8(visible(*options.drawing)).c_str());
     const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);
     Application application(options, terminal);
-    loadCommandModule(terminal);
+    loadCommandModule(terminal, replies->isScript());
     application.open(openDrawing(options, terminal), *replies);
     Application::Session& session = *application.session();
     setVariables(options, session.variables);
@@ -98,7 +148,11 @@ ExitStatus run(const Options& options, Terminal& terminal) {
     ExitStatus status = CommandLoop(application).run();
     saveDrawing(options, session, terminal);
     plotShown(options, application, terminal);
-    application.profile().save();
+    try {
+        application.profile().save();
+    } catch (const base::FileError& error) {
+        terminal.warning(base::fromUtf8(error.what()));
+    }
     if (terminal.outputFailed()) {
         terminal.error(L"standard output could not be written");
         status = kFileFailed;
@@ -126,6 +180,9 @@ int runProgram(const std::vector<std::string>& arguments) {
         return kWrongUsage;
     } catch (const ScriptError& error) {
         return fail(error, kWrongUsage);
+    } catch (const std::bad_alloc&) {
+        endWithoutMemory();
+        return kFileFailed;
     } catch (const std::exception& error) {
         // Files are all that can fail outside commands: the drawing's, the scripts', the settings'.
         return fail(error, kFileFailed);
@@ -135,6 +192,7 @@ int runProgram(const std::vector<std::string>& arguments) {
 }  // namespace host
 
 extern "C" int torvelhostMain(int count, char** arguments) {
+    host::g_terminateBefore = std::set_terminate(host::endWithoutMemory);
     base::setUpConsole();
     return host::runProgram(base::commandLine(count, arguments));
 }

@@ -241,7 +241,7 @@ bool hostSelectColor(OdCmColor& color) {
 
 void hostNotify(const wchar_t* text) {
     if (Application::Session* current = session())
-        if (text) current->input.terminal().show(L"[notice] " + std::wstring(text) + L"\n");
+        if (text) current->input.terminal().notice(L"[notice] " + std::wstring(text));
 }
 
 IProfile* hostGetProfile() { return Application::current() ? &Application::current()->profile() : nullptr; }

@@ -85,7 +85,7 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
         std::optional<std::wstring> line;
         {
             const Progress::Pause pause;
-            line = replies_.next(shown + L" ");
+            line = replies_.choose(shown + L" ", [&keywords] { return keywords.words(); });
         }
         if (!line) {
             if (replies_.isScript()) failScript(shown, L"the script ends");

@@ -87,7 +87,7 @@ const char kUsage[] =
     "      --set NAME=VALUE    set a system variable first; may be repeated\n"
     "      --profile FILE      the settings store (default: the user's own)\n"
     "      --windows           show dialogs as windows (Windows; the default without a script)\n"
-    "  -q, --quiet             no progress, no warnings\n"
+    "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
     "  --help  --version\n"
     "Without -s, -c, -o and -p it is a command prompt.\n"
     "Exit status: 0 every command finished; 1 a command was cancelled or failed; 2 wrong usage, or a script\n"

@@ -96,6 +96,7 @@ void Profile::removeSection(const wchar_t* section) {
 
 void Profile::save() {
     if (!changed_) return;
+    changed_ = false;  // a file that cannot be written is told of once, not at every command
     std::wstring text;
     for (const auto& [name, entries] : sections()) {
         if (entries.empty()) continue;
@@ -105,7 +106,6 @@ void Profile::save() {
     std::error_code ignored;  // the file tells when its folder could not be made
     std::filesystem::create_directories(base::toPath(base::folderOf(base::absolutePath(fileName_))), ignored);
     base::writeFile(fileName_, base::toUtf8(text));
-    changed_ = false;
 }
 
 }  // namespace host

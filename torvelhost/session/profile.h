@@ -32,7 +32,8 @@ class Profile final : public IProfile {
     void removeKey(const wchar_t* section, const wchar_t* key) override;
     void removeSection(const wchar_t* section) override;
 
-    /// Writes the file if something was changed; makes its folder. Throws base::FileError.
+    /// Writes the file if something was changed since the last call; makes its folder. Throws base::FileError, which is
+    /// no failure of what was done with the drawing.
     void save();
 
   private:

@@ -53,6 +53,7 @@ class Indexer {
 
     void run() {
         core_.stubs.add();  // stub 0: the head; also "no stub"
+        refuseDwg();
         if (core_.file_.size() >= kBinaryHead &&
             core_.file_.substr(kBinaryHead - kBinarySign.size(), kBinarySign.size()) == kBinarySign)
             binary();
@@ -63,6 +64,17 @@ class Indexer {
     }
 
   private:
+    // A DWG begins with the letters and digits of its version, where a DXF begins with the number of a group code.
+    void refuseDwg() {
+        const std::string_view sign = core_.file_.substr(0, 6);
+        const auto isOfVersion = [](char c) { return (c >= '0' && c <= '9') || c == '.'; };
+        if (sign.size() < 6 || sign[1] != 'C' || (sign[0] != 'A' && sign[0] != 'M')) return;
+        if (!std::all_of(sign.begin() + 2, sign.end(), isOfVersion)) return;
+        core_.failAt(begin_, "this is a DWG (of version " + std::string(sign) +
+                                 "), and only DXF can be read here. Remedy: open it in the program that it comes "
+                                 "from and save it as DXF");
+    }
+
     // Takes more bytes of the file, which then end further on.
     void readMore() {
         core_.file_ = reading_.beyond(core_.file_.size());
