@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "drawingdb/curves.h"
-#include "drawingdb/layer.h"
+#include "drawingdb/layer_states.h"
 #include "drawingdb/wipeout.h"
 #include "hostapi/trackers.h"
 #include "torvelcmd2/frame/ask.h"
@@ -58,16 +58,11 @@ std::vector<OdGePoint3d> cornersOf(const OdDbPolyline& polyline) {
     return corners;
 }
 
-bool isOnLockedLayer(const OdDbEntity& entity) {
-    const auto layer = entity.layerId().openIf<OdDbLayerTableRecord>();
-    return layer && layer->isLocked();
-}
-
 // False when the user cancels. What lies on a locked layer is not erased.
 bool eraseIfWanted(HostEdInput& input, OdDbPolyline& polyline) {
     constexpr int kYes = hostapi::kFirstKeyword;
     const int result = askKeyword(input, loadText(IDS_ERASE_POLYLINE), loadText(IDS_YES_NO_KEYWORDS));
-    if (result == kYes && !isOnLockedLayer(polyline)) {
+    if (result == kYes && !drawingdb::LayerStates().isLocked(polyline.layerId())) {
         polyline.upgradeOpen();
         polyline.erase();
     }

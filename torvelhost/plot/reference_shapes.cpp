@@ -2,6 +2,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/mtext.h"
+#include "drawingdb/reference_cells.h"
 #include "drawingdb/text.h"
 #include "torvelhost/plot/shapes.h"
 
@@ -25,11 +26,9 @@ DisplayList::Reference referenceOf(const OdDbBlockReference& reference) {
     item.transform = reference.blockTransform();
     item.columns = reference.columns();
     item.rows = reference.rows();
-    // Rows and columns are counted along the reference's own axes, unscaled.
-    const OdGeMatrix3d axes = OdGeMatrix3d::planeToWorld(reference.normal()) *
-                              OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d(0, 0, 1));
-    item.columnStep = axes.xAxis() * reference.columnSpacing();
-    item.rowStep = axes.yAxis() * reference.rowSpacing();
+    const drawingdb::ReferenceCells cells(reference);
+    item.columnStep = cells.offset(0, 1);
+    item.rowStep = cells.offset(1, 0);
     return item;
 }
 

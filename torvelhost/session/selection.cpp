@@ -28,7 +28,8 @@ OdGePoint3d placeOf(OdDbObjectId id) {
 
 bool isViewport(OdDbObjectId id) { return id.isKindOf(OdDbViewport::desc()); }
 
-bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle, LayerStates& layers) {
+bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle,
+                            drawingdb::LayerStates& layers) {
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
         if (attribute && isShown(*attribute, layers) && meetsRectangle(*attribute, OdGeMatrix3d::kIdentity, rectangle))
@@ -38,7 +39,7 @@ bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle
 }
 
 // Attributes are part of what a reference shows.
-bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, LayerStates& layers) {
+bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, drawingdb::LayerStates& layers) {
     return meetsRectangle(entity, OdGeMatrix3d::kIdentity, rectangle) ||
            (entity.isKindOf(OdDbBlockReference::desc()) &&
             anyShownAttributeMeets(static_cast<const OdDbBlockReference&>(entity), rectangle, layers));
@@ -70,12 +71,12 @@ const EntityGrid& Selection::grid() {
 
 Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool crossing) {
     Entities found;
-    LayerStates layers;
+    drawingdb::LayerStates layers;
     for (const EntityGrid::Entry* entry : grid().meeting(rectangle)) {
         // What has no box (an infinite line) is in no window.
         if (!entry->hasBox && !crossing) continue;
         const auto entity = entry->id.openIf<OdDbEntity>();
-        if (!entity || entity->isInvisibleEntity() || !layers.isVisible(*entity)) continue;
+        if (!entity || entity->isInvisibleEntity() || layers.isHidden(entity->layerId())) continue;
         const bool hit = crossing ? meetsWithAttributes(*entity, rectangle, layers)
                                   : rectangle.contains(entry->box.low) && rectangle.contains(entry->box.high);
         if (hit) found.push_back(entry->id);
@@ -85,12 +86,12 @@ Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool cross
 
 Selection::Entities Selection::allEntities() {
     Entities found;
-    LayerStates layers;
-    const bool anyFrozen = LayerStates::anyFrozen(*document_.database());
+    drawingdb::LayerStates layers;
+    const bool anyFrozen = drawingdb::LayerStates::anyFrozen(*document_.database());
     const auto space = document_.activeSpaceId().openAs<OdDbBlockTableRecord>();
     for (OdDbObjectId id : space->entities()) {
         if (isViewport(id) || !id.isKindOf(OdDbEntity::desc())) continue;
-        if (!(anyFrozen && layers.isFrozen(*id.openAs<OdDbEntity>()))) found.push_back(id);
+        if (!(anyFrozen && layers.isFrozen(id.openAs<OdDbEntity>()->layerId()))) found.push_back(id);
     }
     return found;
 }
@@ -156,7 +157,7 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
         const bool deeper = pick.entity.isKindOf(OdDbBlockReference::desc()) && pick.containers.empty();
         if (typed.path.empty()) pick.nested = pick.entity;
         if (deeper) {
-            LayerStates layers;
+            drawingdb::LayerStates layers;
             if (const std::vector<NestedHit> hits = nestedHits(pick.entity, box, layers); !hits.empty()) {
                 pick.nested = hits.front().entity;
                 pick.containers = hits.front().containers;
@@ -183,7 +184,7 @@ std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
     std::vector<NestedHit> found;
     if (pick.nested && pick.nested != pick.entity) found.push_back({pick.nested, pick.containers});
     if (pick.hasPoint && pick.entity.isKindOf(OdDbBlockReference::desc())) {
-        LayerStates layers;
+        drawingdb::LayerStates layers;
         for (NestedHit& hit : nestedHits(pick.entity, pickRectangle(pick.point), layers))
             if (hit.entity != pick.nested || hit.containers != pick.containers) found.push_back(std::move(hit));
     }

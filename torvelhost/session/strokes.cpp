@@ -3,14 +3,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
-#include "drawingdb/layer.h"
 #include "drawingdb/old_polyline.h"
+#include "drawingdb/reference_cells.h"
 #include "drawingdb/spline.h"
 #include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
@@ -26,20 +27,13 @@ constexpr int kDeepestNesting = 32;
 // Blocks that hold blocks many times over show more than anyone can pick from.
 constexpr int kMostEntities = 200000;
 
-OdGeMatrix3d cellTransform(const OdDbBlockReference& reference, int row, int column) {
-    if (row == 0 && column == 0) return reference.blockTransform();
-    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(reference.normal());
-    const OdGeMatrix3d turn = OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d(0, 0, 1));
-    const OdGeVector3d step(column * reference.columnSpacing(), row * reference.rowSpacing(), 0);
-    return OdGeMatrix3d::translation(plane * (turn * step)) * reference.blockTransform();
-}
-
 // Visits each cell of a reference (one, unless it is a multiple one) until `visit` returns true.
 bool anyCell(const OdDbBlockReference& reference, int& budget, const std::function<bool(const OdGeMatrix3d&)>& visit) {
-    for (int row = 0; row < reference.rows(); ++row) {
-        for (int column = 0; column < reference.columns(); ++column) {
+    const drawingdb::ReferenceCells cells(reference);
+    for (int row = 0; row < cells.rows(); ++row) {
+        for (int column = 0; column < cells.columns(); ++column) {
             if (--budget < 0) return false;
-            if (visit(cellTransform(reference, row, column))) return true;
+            if (visit(cells.transform(row, column))) return true;
         }
     }
     return false;
@@ -177,7 +171,7 @@ class Meeting {
 };
 
 void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const Rectangle& rectangle,
-                   LayerStates& layers, std::vector<OdDbObjectId>& containers, int& budget,
+                   drawingdb::LayerStates& layers, std::vector<OdDbObjectId>& containers, int& budget,
                    std::vector<NestedHit>& hits) {
     const auto reference = referenceId.openIf<OdDbBlockReference>();
     if (!reference || containers.size() >= kDeepestNesting) return;
@@ -249,29 +243,11 @@ bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const
     return Meeting(rectangle).meets(entity, toWorld, 0);
 }
 
-bool LayerStates::anyFrozen(const OdDbDatabase& database) {
-    const auto layers = database.layerTableId().openIf<OdDbSymbolTable>();
-    if (!layers) return false;
-    for (OdDbObjectId id : layers->records())
-        if (const auto layer = id.openIf<OdDbLayerTableRecord>(); layer && layer->isFrozen()) return true;
-    return false;
+bool isShown(const OdDbAttribute& attribute, drawingdb::LayerStates& layers) {
+    return !attribute.isInvisible() && !attribute.isInvisibleEntity() && !layers.isHidden(attribute.layerId());
 }
 
-int LayerStates::flagsOf(const OdDbEntity& entity) {
-    const OdDbObjectId layer = entity.layerId();
-    const auto [entry, isNew] = flags_.try_emplace(layer, 0);
-    if (isNew) {
-        if (const auto record = layer.openIf<OdDbLayerTableRecord>())
-            entry->second = (record->isOff() ? kOff : 0) | (record->isFrozen() ? kFrozen : 0);
-    }
-    return entry->second;
-}
-
-bool isShown(const OdDbAttribute& attribute, LayerStates& layers) {
-    return !attribute.isInvisible() && !attribute.isInvisibleEntity() && layers.isVisible(attribute);
-}
-
-std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, LayerStates& layers) {
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, drawingdb::LayerStates& layers) {
     std::vector<NestedHit> hits;
     std::vector<OdDbObjectId> containers;
     int budget = kMostEntities;

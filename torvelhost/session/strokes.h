@@ -1,11 +1,10 @@
 // The lines and areas that an entity shows, for picking: seen from above, in world coordinates.
 #pragma once
 
-#include <functional>
-#include <map>
 #include <vector>
 
 #include "drawingdb/entity.h"
+#include "drawingdb/layer_states.h"
 
 class OdDbAttribute;
 
@@ -27,22 +26,8 @@ struct Rectangle {
 /// block reference is met through its geometry, not through its attributes. Texts are met inside the box around them.
 bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle);
 
-/// Whether layers hide an entity; remembers what it has looked up.
-class LayerStates {
-  public:
-    bool isVisible(const OdDbEntity& entity) { return !(flagsOf(entity) & (kOff | kFrozen)); }
-    /// Whether it is worth asking.
-    static bool anyFrozen(const OdDbDatabase& database);
-    bool isFrozen(const OdDbEntity& entity) { return (flagsOf(entity) & kFrozen) != 0; }
-
-  private:
-    enum { kOff = 1, kFrozen = 2 };
-    int flagsOf(const OdDbEntity& entity);
-    std::map<OdDbObjectId, int> flags_;
-};
-
 /// Whether an attribute of a reference is seen: by its mode, as an entity, and on its layer.
-bool isShown(const OdDbAttribute& attribute, LayerStates& layers);
+bool isShown(const OdDbAttribute& attribute, drawingdb::LayerStates& layers);
 
 /// An object under the cursor, with the references that hold it, outermost first.
 struct NestedHit {
@@ -51,6 +36,6 @@ struct NestedHit {
 };
 /// The objects inside a reference that lie in the rectangle: its attributes, then what its block shows, each kind from
 /// top to bottom. Inner references are gone into; they do not appear themselves.
-std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, LayerStates& layers);
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, drawingdb::LayerStates& layers);
 
 }  // namespace host

@@ -9,9 +9,9 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
-#include "drawingdb/layer.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/mtext_layout.h"
+#include "drawingdb/reference_cells.h"
 #include "drawingdb/text.h"
 #include "drawingdb/text_style.h"
 #include "hostapi/module_functions.h"
@@ -23,18 +23,13 @@ namespace {
 // More than anybody wants to have in a drawing; blocks that hold each other many times over could come to any number.
 constexpr std::size_t kMostPieces = 1'000'000;
 
-// How the places of a multiple reference lie apart from the first. Rows and columns are counted in the reference's own
-// directions and not scaled.
+// How the places of a multiple reference lie apart from the first.
 std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
-    const OdGeMatrix3d toWorld = OdGeMatrix3d::planeToWorld(reference.normal()) *
-                                 OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis);
+    const drawingdb::ReferenceCells cells(reference);
     std::vector<OdGeMatrix3d> places;
-    for (int row = 0; row < reference.rows(); ++row) {
-        for (int column = 0; column < reference.columns(); ++column) {
-            const OdGeVector3d step(column * reference.columnSpacing(), row * reference.rowSpacing(), 0);
-            places.push_back(OdGeMatrix3d::translation(toWorld * step));
-        }
-    }
+    for (int row = 0; row < cells.rows(); ++row)
+        for (int column = 0; column < cells.columns(); ++column)
+            places.push_back(OdGeMatrix3d::translation(cells.offset(row, column)));
     return places;
 }
 
@@ -214,7 +209,7 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     const OdDbObjectId block = reference.blockTableRecord();
     const Definition& definition = definitionOf(block);
     // A block that holds itself, which damaged files have, could be burst without end.
-    if (!definition.explodable || isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0)
+    if (!definition.explodable || layers_.isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0)
         return false;
     if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces)
         return false;
@@ -248,15 +243,6 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
         }
     }
     return definition;
-}
-
-bool ReferenceBurster::isFrozen(OdDbObjectId layer) {
-    const auto [found, fresh] = frozenLayers_.try_emplace(layer);
-    if (fresh) {
-        const auto record = layer.openIf<OdDbLayerTableRecord>();
-        found->second = record && record->isFrozen();
-    }
-    return found->second;
 }
 
 bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
@@ -302,7 +288,7 @@ bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& t
     if (entity.isKindOf(OdDbBlockReference::desc())) {
         const auto& nested = static_cast<const OdDbBlockReference&>(entity);
         // What shows nothing needs no pieces, and must not keep the rest from being burst.
-        const bool showsNothing = isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
+        const bool showsNothing = layers_.isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
         return showsNothing || burstContents(nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;

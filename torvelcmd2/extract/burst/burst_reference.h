@@ -7,6 +7,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
+#include "drawingdb/layer_states.h"
 #include "drawingdb/mtext.h"
 
 namespace torvel {
@@ -37,7 +38,6 @@ class ReferenceBurster {
         std::vector<OdSmartPtr<OdDbAttributeDefinition>> constants;
     };
     const Definition& definitionOf(OdDbObjectId block);
-    bool isFrozen(OdDbObjectId layer);
 
     bool burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer);
     bool copyEntities(const Definition& definition, const OdGeMatrix3d& transform);
@@ -50,7 +50,7 @@ class ReferenceBurster {
     void append(OdDbEntity& entity);
 
     std::unordered_map<OdDbObjectId, Definition> definitions_;
-    std::unordered_map<OdDbObjectId, bool> frozenLayers_;
+    drawingdb::LayerStates layers_;
 
     /// Of the reference at work.
     OdString obstacle_;

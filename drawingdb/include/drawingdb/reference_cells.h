@@ -1,0 +1,34 @@
+// The cells of a multiple reference.
+#pragma once
+
+#include "drawingdb/block_reference.h"
+
+namespace drawingdb {
+
+/// Where the rows and columns of a reference lie; of a single one there is one cell. They are counted in the
+/// reference's own directions and not scaled. The reference must stay as it is for as long as this is used.
+class ReferenceCells {
+  public:
+    explicit ReferenceCells(const OdDbBlockReference& reference)
+        : reference_(reference),
+          axes_(OdGeMatrix3d::planeToWorld(reference.normal()) *
+                OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis)) {}
+
+    int rows() const { return reference_.rows(); }
+    int columns() const { return reference_.columns(); }
+    /// From the first cell to another, in the coordinates that the reference lies in.
+    OdGeVector3d offset(int row, int column) const {
+        return axes_ * OdGeVector3d(column * reference_.columnSpacing(), row * reference_.rowSpacing(), 0);
+    }
+    /// From the block's coordinates to those that the reference lies in.
+    OdGeMatrix3d transform(int row, int column) const {
+        const OdGeMatrix3d first = reference_.blockTransform();
+        return row == 0 && column == 0 ? first : OdGeMatrix3d::translation(offset(row, column)) * first;
+    }
+
+  private:
+    const OdDbBlockReference& reference_;
+    OdGeMatrix3d axes_;
+};
+
+}  // namespace drawingdb
