@@ -29,6 +29,7 @@ struct Column {
 struct Row {
     std::vector<std::wstring> cells;
     bool emphasized = false;
+    std::wstring name = {};  ///< what scripts call it, whatever columns are shown; empty: the first cell
 };
 
 struct Control {

@@ -249,8 +249,10 @@ void Dialog::select(int id, int item) {
 }
 
 void Dialog::setColumns(int id, std::vector<Column> columns) {
-    control(id).columns = std::move(columns);
-    changed(control(id), Aspect::kColumns);
+    Control& list = control(id);
+    list.columns = std::move(columns);
+    for (Row& row : list.rows) row.cells.resize(std::max(row.cells.size(), list.columns.size()));
+    changed(list, Aspect::kColumns);
 }
 
 int Dialog::listWidth(int id) const {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "base/number.h"
 #include "base/text.h"
@@ -28,7 +27,8 @@ bool hasOwnCaption(const Control& control) {
 std::wstring ownCaption(const Control& control) {
     // What a picture button shows is its picture.
     if (!hasOwnCaption(control) || (control.kind() == ControlKind::kPictureButton && control.picture != 0)) return {};
-    return plainName(control.text);
+    const bool noPrefix = control.kind() == ControlKind::kLabel && (control.design->style & kNoPrefixStyle) != 0;
+    return plainName(noPrefix ? base::replaceAll(control.text, L"&", L"&&") : control.text);
 }
 
 // The nearest caption before the control. An empty label ends the search: it belongs to the control, and says nothing
@@ -108,17 +108,6 @@ class NameTable {
     std::vector<Entry> entries_;
 };
 
-// The number in "Name(2)", and the name without it.
-std::optional<std::size_t> takeNumber(std::wstring_view& name) {
-    if (!name.ends_with(L')')) return std::nullopt;
-    const std::size_t open = name.rfind(L'(');
-    if (open == name.npos) return std::nullopt;
-    const auto number = base::parseInteger(name.substr(open + 1, name.size() - open - 2));
-    if (!number || *number < 1) return std::nullopt;
-    name = base::trimmed(name.substr(0, open));
-    return static_cast<std::size_t>(*number);
-}
-
 Control* NameTable::find(std::wstring_view name) const {
     if (Control* const found = findNth(plainName(name), 1)) return found;
     std::wstring_view withoutNumber = base::trimmed(name);
@@ -144,6 +133,16 @@ std::wstring plainName(std::wstring_view caption) {
         }
     }
     return name;
+}
+
+std::optional<std::size_t> takeNumber(std::wstring_view& name) {
+    if (!name.ends_with(L')')) return std::nullopt;
+    const std::size_t open = name.rfind(L'(');
+    if (open == name.npos) return std::nullopt;
+    const auto number = base::parseInteger(name.substr(open + 1, name.size() - open - 2));
+    if (!number || *number < 1) return std::nullopt;
+    name = base::trimmed(name.substr(0, open));
+    return static_cast<std::size_t>(*number);
 }
 
 std::wstring nameOf(const Control& control) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,8 @@ using ControlTest = std::function<bool(const Control&)>;
 std::wstring plainName(std::wstring_view caption);
 /// What the control is called in messages and forms; empty when it has no name.
 std::wstring nameOf(const Control& control);
+/// The number in "Name(2)", and the name without it.
+std::optional<std::size_t> takeNumber(std::wstring_view& name);
 /// The control of that name among those that are shown and pass the test. Null: none.
 Control* findByName(Run& run, std::wstring_view name, const ControlTest& test);
 

@@ -1,6 +1,7 @@
 #include "dialogs/form_script.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <stdexcept>
 
@@ -19,18 +20,6 @@ class Refusal : public std::runtime_error {
   public:
     explicit Refusal(const std::wstring& why) : std::runtime_error(base::toUtf8(why)) {}
 };
-
-constexpr wchar_t kHelp[] =
-    L"  NAME = TEXT            fills a field, or chooses in a list (quotes keep blanks)\n"
-    L"  check NAME             a check box or radio button; uncheck NAME\n"
-    L"  press NAME             a button\n"
-    L"  row TEXT, row 3        selects a row; double row TEXT double-clicks it\n"
-    L"  tab TITLE              shows that page\n"
-    L"  type NAME: TEXT        types at the caret; caret NAME 4, caret NAME 4 9 place it\n"
-    L"  key Enter              presses a key where the focus is\n"
-    L"  menu NAME: ENTRY       the context menu of a control\n"
-    L"  show, show NAME        the form, or all choices of one list\n"
-    L"  close                  the close box\n";
 
 std::wstring inQuotes(std::wstring_view text) { return L"\"" + std::wstring(text) + L"\""; }
 
@@ -66,19 +55,32 @@ int findChoice(const Control& control, std::wstring_view wanted) {
         [&](int i) -> const std::wstring& { return control.choices[i].text; });
 }
 
-// By the first column, then by any other.
-int findRow(const Control& list, std::wstring_view wanted) {
-    for (std::size_t column = 0; column < list.columns.size(); ++column) {
-        const int row = findItem(static_cast<int>(list.rows.size()), wanted,
-                                 [&](int i) -> const std::wstring& { return list.rows[i].cells[column]; });
-        if (row >= 0) return row;
-    }
-    return -1;
+const std::wstring& itemName(const Control& list, int item) {
+    static const std::wstring kNone;
+    if (list.kind() != ControlKind::kListView) return list.choices[item].text;
+    const Row& row = list.rows[item];
+    if (!row.name.empty()) return row.name;
+    return row.cells.empty() ? kNone : row.cells.front();
 }
 
+// The nth item of that name; an exact name wins over one in other case.
+int findNamedItem(const Control& list, std::wstring_view name, std::size_t n) {
+    const auto find = [&](auto equals) {
+        std::size_t alike = 0;
+        for (int i = 0; i < list.itemCount(); ++i)
+            if (equals(std::wstring_view(itemName(list, i)), name) && ++alike == n) return i;
+        return -1;
+    };
+    const int exact = find([](std::wstring_view a, std::wstring_view b) { return a == b; });
+    return exact >= 0 ? exact : find([](std::wstring_view a, std::wstring_view b) { return base::equalsNoCase(a, b); });
+}
+
+// By its name, "NAME(2)", or its number.
 int findListItem(const Control& list, const Value& which) {
-    const int named = list.kind() == ControlKind::kListView ? findRow(list, which.text) : findChoice(list, which.text);
+    const int named = findNamedItem(list, which.text, 1);
     if (named >= 0 || which.quoted) return named;
+    std::wstring_view name = which.text;
+    if (const auto n = takeNumber(name)) return findNamedItem(list, name, *n);
     const auto number = base::parseInteger(std::wstring_view(which.text));
     return number && *number >= 1 && *number <= list.itemCount() ? static_cast<int>(*number) - 1 : -1;
 }
@@ -98,16 +100,58 @@ Control& require(Run& run, std::wstring_view name, const ControlTest& test, cons
                   (known.empty() ? std::wstring() : L"; there is: " + known));
 }
 
-const struct {
+constexpr struct {
     const wchar_t* name;
     Key key;
-} kKeys[] = {{L"Enter", Key::kEnter},         {L"Return", Key::kEnter}, {L"Escape", Key::kEscape},
-             {L"Esc", Key::kEscape},          {L"Tab", Key::kTab},      {L"Space", Key::kSpace},
-             {L"Backspace", Key::kBackspace}, {L"Left", Key::kLeft},    {L"Delete", Key::kDelete},
-             {L"Right", Key::kRight},         {L"Up", Key::kUp},        {L"Down", Key::kDown},
-             {L"Home", Key::kHome},           {L"End", Key::kEnd},      {L"F1", Key::kHelp}};
+} kKeys[] = {
+    {L"Enter", Key::kEnter},       {L"Return", Key::kEnter}, {L"Escape", Key::kEscape},
+    {L"Esc", Key::kEscape},        {L"Tab", Key::kTab},      {L"Space", Key::kSpace},
+    {L"Delete", Key::kDelete},     {L"Left", Key::kLeft},    {L"Backspace", Key::kBackspace},
+    {L"Right", Key::kRight},       {L"Up", Key::kUp},        {L"Down", Key::kDown},
+    {L"Home", Key::kHome},         {L"End", Key::kEnd},      {L"PageUp", Key::kPageUp},
+    {L"PageDown", Key::kPageDown}, {L"F1", Key::kHelp},      {L"Ctrl+A", Key::kSelectAll},
+    {L"Ctrl+C", Key::kCopy},       {L"Ctrl+X", Key::kCut},   {L"Ctrl+V", Key::kPaste},
+};
+
+// What stands behind the last blank, as a number from 0 on; the text is cut there.
+std::optional<int> takeLastNumber(std::wstring_view& text) {
+    const std::size_t blank = text.find_last_of(L" \t");
+    if (blank == text.npos) return std::nullopt;
+    const auto number = base::parseInteger(text.substr(blank + 1));
+    if (!number || *number < 0 || *number > 1'000'000) return std::nullopt;
+    text = base::trimmed(text.substr(0, blank));
+    return static_cast<int>(*number);
+}
 
 }  // namespace
+
+struct FormScript::Verb {
+    const wchar_t* name;   ///< empty: none, the line only stands in the help
+    const wchar_t* usage;  ///< as an example
+    const wchar_t* does;
+    void (FormScript::*perform)(std::wstring_view argument);
+};
+
+const FormScript::Verb FormScript::kVerbs[] = {
+    {L"", L"Tag = DOOR", L"moves the focus there and replaces the text; in a list of choices, chooses", nullptr},
+    {L"type", L"type Value: text", L"types at the caret", &FormScript::type},
+    {L"caret", L"caret Value 4", L"places the caret; a second number selects up to there", &FormScript::caret},
+    {L"check", L"check Invisible", L"marks a check box or a radio button", &FormScript::check},
+    {L"uncheck", L"uncheck Invisible", L"clears a check box", &FormScript::uncheck},
+    {L"row", L"row WIDTH", L"selects the row of that name (WIDTH(2) the second, 3 the third row)", &FormScript::row},
+    {L"double", L"double row WIDTH", L"double-clicks it", &FormScript::doubleRow},
+    {L"tab", L"tab Text Options", L"shows that page", &FormScript::tab},
+    {L"press", L"press OK", L"moves the focus to the button and presses it", &FormScript::press},
+    {L"key", L"key Enter", L"presses that key where the focus is", &FormScript::key},
+    {L"menu", L"menu Value: Copy", L"chooses from its context menu; without an entry, prints it", &FormScript::menu},
+    {L"width", L"width Tag 120", L"drags a column of the list to that width", &FormScript::width},
+    {L"move", L"move 100,50", L"moves the window there", &FormScript::move},
+    {L"tip", L"tip OK", L"prints a tooltip", &FormScript::tip},
+    {L"show", L"show", L"prints the form; with a name, all choices of that list", &FormScript::show},
+    {L"picture", L"picture FILE.bmp", L"saves what the window looks like (windows only)", &FormScript::picture},
+    {L"close", L"close", L"the close box; so does ^C", &FormScript::close},
+    {L"help", L"help", L"prints this", &FormScript::help},
+};
 
 void FormScript::step() {
     const auto line = lines_.choose(run_.root().title() + L"> ", [this] { return linesThatSuit(); });
@@ -130,7 +174,7 @@ std::vector<std::wstring> FormScript::linesThatSuit() {
         if (control->kind() == ControlKind::kTab)
             for (const Choice& page : control->choices) lines.push_back(L"tab " + plainName(page.text));
         if (control->kind() == ControlKind::kListView)
-            for (const Row& row : control->rows) lines.push_back(L"row " + row.cells.front());
+            for (int i = 0; i < control->itemCount(); ++i) lines.push_back(L"row " + itemName(*control, i));
         if (name.empty()) continue;
         if (control->isButton()) lines.push_back(L"press " + name);
         if (control->isCheckable()) lines.push_back(L"check " + name);
@@ -154,22 +198,9 @@ void FormScript::perform(std::wstring_view line) {
     const std::size_t blank = std::min(line.find_first_of(L" \t"), line.size());
     const std::wstring_view verb = line.substr(0, blank);
     const std::wstring_view rest = base::trimmed(line.substr(blank));
-    const auto is = [verb](std::wstring_view word) { return base::equalsNoCase(verb, word); };
-    if (line == L"^C" || is(L"close")) return run_.view()->close();
-    if (is(L"press")) return press(rest);
-    if (is(L"check")) return check(rest, true);
-    if (is(L"uncheck")) return check(rest, false);
-    if (is(L"row")) return chooseRow(rest, false);
-    if (is(L"double") && (base::startsWithNoCase(rest, L"row ") || base::startsWithNoCase(rest, L"row\t")))
-        return chooseRow(base::trimmed(rest.substr(4)), true);
-    if (is(L"tab")) return chooseTab(rest);
-    if (is(L"key")) return pressKey(rest);
-    if (is(L"type")) return type(rest);
-    if (is(L"caret")) return placeCaret(rest);
-    if (is(L"menu")) return chooseMenu(rest);
-    if (is(L"show")) return show(rest);
-    if (is(L"picture")) return savePicture(rest);
-    if (is(L"help")) return lines_.print(kHelp);
+    if (line == L"^C") return close({});
+    for (const Verb& known : kVerbs)
+        if (known.perform && base::equalsNoCase(verb, known.name)) return (this->*known.perform)(rest);
     const std::size_t equals = line.find(L'=');
     if (equals != line.npos) require(run_, line.substr(0, equals), isFieldControl, L"field");
     throw Refusal(L"this is no action on a form (\"help\" lists them)");
@@ -206,7 +237,7 @@ void FormScript::assign(Control& field, std::wstring_view valueText) {
     view.typeText(field, value.text);
 }
 
-void FormScript::check(std::wstring_view name, bool on) {
+void FormScript::setCheck(std::wstring_view name, bool on) {
     Control& box = require(
         run_, name,
         [on](const Control& control) {
@@ -218,21 +249,34 @@ void FormScript::check(std::wstring_view name, bool on) {
     if (box.checked != on || box.kind() == ControlKind::kRadio) run_.view()->press(box);
 }
 
-void FormScript::chooseRow(std::wstring_view which, bool twice) {
-    // The list that has the focus, or else the first.
-    Control* list = run_.focus() && isList(*run_.focus()) ? run_.focus() : nullptr;
+// The list that has the focus, or else the first.
+Control& FormScript::listMeant(bool withColumns) {
+    const auto suits = [withColumns](const Control& control) {
+        return withColumns ? control.kind() == ControlKind::kListView : isList(control);
+    };
+    if (run_.focus() && suits(*run_.focus())) return *run_.focus();
     for (Control* control : run_.shownControls())
-        if (!list && isList(*control)) list = control;
-    if (!list) throw Refusal(L"there is no list");
-    const Value value = parseValue(which);
-    const int row = findListItem(*list, value);
-    if (row < 0) throw Refusal(L"there is no row " + inQuotes(value.text));
-    if (!goTo(*list)) return;
-    run_.view()->choose(*list, row);
-    if (twice && !run_.hasEnded()) run_.view()->doubleClick(*list, row);
+        if (suits(*control)) return *control;
+    throw Refusal(L"there is no list");
 }
 
-void FormScript::chooseTab(std::wstring_view title) {
+void FormScript::chooseRow(std::wstring_view which, bool twice) {
+    Control& list = listMeant(false);
+    const Value value = parseValue(which);
+    const int row = findListItem(list, value);
+    if (row < 0) throw Refusal(L"there is no row " + inQuotes(value.text));
+    if (!goTo(list)) return;
+    run_.view()->choose(list, row);
+    if (twice && !run_.hasEnded()) run_.view()->doubleClick(list, row);
+}
+
+void FormScript::doubleRow(std::wstring_view argument) {
+    if (!base::startsWithNoCase(argument, L"row ") && !base::startsWithNoCase(argument, L"row\t"))
+        throw Refusal(L"this is not \"double row NAME\"");
+    chooseRow(base::trimmed(argument.substr(4)), true);
+}
+
+void FormScript::tab(std::wstring_view title) {
     for (Control* control : run_.shownControls()) {
         if (control->kind() != ControlKind::kTab) continue;
         for (std::size_t i = 0; i < control->choices.size(); ++i) {
@@ -250,14 +294,13 @@ void FormScript::press(std::wstring_view name) {
     if (goTo(button)) run_.view()->press(button);
 }
 
-void FormScript::pressKey(std::wstring_view keys) {
-    bool shift = false;
-    if (base::startsWithNoCase(keys, L"Shift+")) {
-        shift = true;
-        keys.remove_prefix(6);
-    }
+void FormScript::key(std::wstring_view keys) {
+    if (base::startsWithNoCase(keys, L"Alt+") && keys.size() == 5) return run_.view()->pressMnemonic(keys.back());
+    std::wstring_view name = keys;
+    const bool shift = base::startsWithNoCase(name, L"Shift+");
+    if (shift) name.remove_prefix(6);
     for (const auto& known : kKeys)
-        if (base::equalsNoCase(keys, known.name)) return run_.view()->pressKey(known.key, shift);
+        if (base::equalsNoCase(name, known.name)) return run_.view()->pressKey(known.key, shift);
     throw Refusal(L"there is no key " + inQuotes(keys));
 }
 
@@ -272,16 +315,14 @@ void FormScript::type(std::wstring_view argument) {
     if (goTo(*part.control)) run_.view()->typeText(*part.control, parseValue(part.rest).text);
 }
 
-void FormScript::placeCaret(std::wstring_view argument) {
+void FormScript::caret(std::wstring_view argument) {
     const auto isTyped = [](const Control& control) { return control.isTyped(); };
     std::vector<std::size_t> positions;
-    for (std::wstring_view name = argument; positions.size() < 2;) {
-        const std::size_t blank = name.find_last_of(L" \t");
-        const auto number =
-            blank == name.npos ? std::nullopt : base::parseInteger(name.substr(std::min(blank, name.size())));
-        if (!number || *number < 0) break;
+    std::wstring_view name = argument;
+    while (positions.size() < 2) {
+        const auto number = takeLastNumber(name);
+        if (!number) break;
         positions.insert(positions.begin(), static_cast<std::size_t>(*number));
-        name = base::trimmed(name.substr(0, blank));
         Control* const field = findByName(run_, name, isTyped);
         if (!field) continue;
         if (goTo(*field)) run_.view()->select(*field, {positions.front(), positions.back()});
@@ -290,22 +331,53 @@ void FormScript::placeCaret(std::wstring_view argument) {
     throw Refusal(L"this is not \"caret NAME POSITION\"");
 }
 
-void FormScript::chooseMenu(std::wstring_view argument) {
+void FormScript::menu(std::wstring_view argument) {
     const auto takesFocus = [](const Control& control) { return control.takesFocus(); };
     const NamedPart part = splitAtName(run_, argument, L':', takesFocus);
-    if (!part.control) throw Refusal(L"there is no control of that name");
-    if (!goTo(*part.control)) return;
-    const std::wstring wanted = plainName(part.rest);
-    std::wstring known;
-    for (const MenuEntry& entry : run_.menuOf(*part.control)) {
+    Control& control = part.control ? *part.control : require(run_, argument, takesFocus, L"control");
+    if (!goTo(control)) return;
+    const std::vector<MenuEntry> entries = run_.menuOf(control);
+    if (entries.empty()) throw Refusal(L"it has no menu");
+    std::wstring listing, known;
+    for (const MenuEntry& entry : entries) {
+        const std::wstring name = plainName(entry.text);
+        listing += (entry.text.empty() ? L"  --" : L"  " + name) + (entry.enabled ? L"\n" : L" (disabled)\n");
         if (entry.text.empty()) continue;
-        if (base::equalsNoCase(plainName(entry.text), wanted)) {
+        if (part.control && base::equalsNoCase(name, plainName(part.rest))) {
             if (!entry.enabled) throw Refusal(L"the entry is disabled");
-            return run_.menuChosen(*part.control, entry.command);
+            return run_.menuChosen(control, entry.command);
         }
-        known += (known.empty() ? L"" : L", ") + plainName(entry.text);
+        known += (known.empty() ? L"" : L", ") + name;
     }
-    throw Refusal(L"there is no entry " + inQuotes(wanted) + L"; there is: " + (known.empty() ? L"no menu" : known));
+    if (!part.control) return lines_.print(listing);
+    throw Refusal(L"there is no entry " + inQuotes(plainName(part.rest)) + L"; there is: " + known);
+}
+
+void FormScript::width(std::wstring_view argument) {
+    const auto width = takeLastNumber(argument);
+    if (!width) throw Refusal(L"this is not \"width COLUMN PIXELS\"");
+    Control& list = listMeant(true);
+    const int column = findItem(static_cast<int>(list.columns.size()), plainName(argument),
+                                [&](int i) { return plainName(list.columns[i].title); });
+    if (column < 0) throw Refusal(L"there is no column " + inQuotes(argument));
+    run_.view()->dragColumn(list, column, *width);
+}
+
+void FormScript::move(std::wstring_view argument) {
+    const std::vector<std::wstring> numbers = base::split(argument, L',');
+    const auto at = [&](std::size_t i) { return base::parseInteger(base::trimmed(numbers[i])); };
+    if (numbers.size() != 2 || !at(0) || !at(1)) throw Refusal(L"this is not \"move LEFT,TOP\"");
+    const double scale = run_.view()->scale();
+    const auto scaled = [scale](auto value) {
+        return static_cast<int>(std::lround(static_cast<double>(value) * scale));
+    };
+    run_.view()->movePlace(scaled(*at(0)), scaled(*at(1)));
+}
+
+void FormScript::tip(std::wstring_view name) {
+    const Control& control = require(
+        run_, name, [](const Control& candidate) { return candidate.takesFocus(); }, L"control");
+    lines_.print(L"  " + (control.tooltip.empty() ? L"(no tooltip)" : control.tooltip) + L"\n");
 }
 
 void FormScript::show(std::wstring_view name) {
@@ -313,9 +385,18 @@ void FormScript::show(std::wstring_view name) {
     lines_.print(choicesText(require(run_, name, isFieldControl, L"field")));
 }
 
-void FormScript::savePicture(std::wstring_view fileName) {
+void FormScript::picture(std::wstring_view fileName) {
     if (fileName.empty()) throw Refusal(L"the file is missing (picture FILE.bmp)");
     run_.view()->savePicture(base::absolutePath(fileName));
+}
+
+void FormScript::help(std::wstring_view) {
+    constexpr std::size_t kUsageWidth = 20;
+    for (const Verb& verb : kVerbs) {
+        std::wstring usage = verb.usage;
+        usage.resize(std::max(usage.size(), kUsageWidth), L' ');
+        lines_.print(L"  " + usage + L" " + verb.does + L"\n");
+    }
 }
 
 }  // namespace dialogs

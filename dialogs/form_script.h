@@ -1,17 +1,5 @@
-// The lines that work a dialog. Each is one action:
-//
-//   NAME = TEXT                 fills a field, or chooses in a list
-//   type NAME: TEXT             types at the caret;  caret NAME 4   caret NAME 4 9   place it, or select
-//   check NAME  uncheck NAME    a check box; check also marks a radio button
-//   row TEXT  row 3  row "3"    selects a row of the list; double row TEXT double-clicks it
-//   tab TITLE                   shows that page
-//   press NAME                  a button
-//   key Enter                   a key where the focus is
-//   menu NAME: ENTRY            the context menu of a control
-//   show  show NAME             prints the form, or all choices of one control
-//   picture FILE.bmp            saves what the window looks like
-//   close                       the close box
-//   help                        prints this
+// The lines that work a dialog. Each is one action: "NAME = TEXT", or a verb and what it needs. The verbs stand in one
+// table (form_script.cpp), which "help" prints and docs/scripts.md shows.
 #pragma once
 
 #include "dialogs/run.h"
@@ -26,19 +14,35 @@ class FormScript {
     void step();
 
   private:
+    struct Verb;
+    static const Verb kVerbs[];
+
     void perform(std::wstring_view line);
     bool performAssignment(std::wstring_view line);
     void assign(Control& field, std::wstring_view value);
-    void check(std::wstring_view name, bool on);
+    void setCheck(std::wstring_view name, bool on);
+    Control& listMeant(bool withColumns);
     void chooseRow(std::wstring_view which, bool twice);
-    void chooseTab(std::wstring_view title);
-    void press(std::wstring_view name);
-    void pressKey(std::wstring_view keys);
+
+    /// ---- the verbs
     void type(std::wstring_view argument);
-    void placeCaret(std::wstring_view argument);
-    void chooseMenu(std::wstring_view argument);
+    void caret(std::wstring_view argument);
+    void check(std::wstring_view name) { setCheck(name, true); }
+    void uncheck(std::wstring_view name) { setCheck(name, false); }
+    void row(std::wstring_view which) { chooseRow(which, false); }
+    void doubleRow(std::wstring_view argument);
+    void tab(std::wstring_view title);
+    void press(std::wstring_view name);
+    void key(std::wstring_view keys);
+    void menu(std::wstring_view argument);
+    void width(std::wstring_view argument);
+    void move(std::wstring_view argument);
+    void tip(std::wstring_view name);
     void show(std::wstring_view name);
-    void savePicture(std::wstring_view fileName);
+    void picture(std::wstring_view fileName);
+    void close(std::wstring_view) { run_.view()->close(); }
+    void help(std::wstring_view);
+
     /// The lines that suit the form as it is, or begin one that does.
     std::vector<std::wstring> linesThatSuit();
     /// Moves the focus there; false when the action is to be dropped.

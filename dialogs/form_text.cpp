@@ -40,6 +40,10 @@ std::vector<std::wstring> choiceTexts(const Control& control, std::size_t limit)
     return texts;
 }
 
+std::wstring inOneLine(std::wstring_view text) {
+    return base::replaceAll(base::replaceAll(text, L"\r", L""), L"\n", L"\\n");
+}
+
 std::wstring cellText(std::wstring text, std::size_t width) {
     if (text.size() > width) text = std::wstring(base::prefix(text, width - 3)) + L"...";
     text.resize(std::max(text.size(), width), L' ');
@@ -50,7 +54,7 @@ std::wstring rowsText(const Control& list, std::wstring_view indent) {
     std::vector<std::size_t> widths;
     for (std::size_t column = 0; column < list.columns.size(); ++column) {
         std::size_t width = list.columns[column].title.size();
-        for (const Row& row : list.rows) width = std::max(width, row.cells[column].size());
+        for (const Row& row : list.rows) width = std::max(width, inOneLine(row.cells[column]).size());
         widths.push_back(std::min(width, kCellWidth));
     }
     const auto line = [&](std::wstring start, const auto& textOf) {
@@ -65,7 +69,7 @@ std::wstring rowsText(const Control& list, std::wstring_view indent) {
         const bool selected = static_cast<int>(i) == list.selected;
         text += line(
             base::format(L"%s%3d%s ", selected ? L"*" : L" ", static_cast<int>(i) + 1, row.emphasized ? L"!" : L"."),
-            [&](std::size_t column) { return row.cells[column]; });
+            [&](std::size_t column) { return inOneLine(row.cells[column]); });
     }
     return text;
 }
@@ -89,7 +93,7 @@ std::wstring fieldText(const Control& field) {
             text.insert(run->begin, L"{");
         }
     }
-    return base::replaceAll(base::replaceAll(text, L"\r", L""), L"\n", L"\\n");
+    return inOneLine(text);
 }
 
 bool isInGroup(const Control& control) {
@@ -116,10 +120,12 @@ class Printer {
     }
 
   private:
-    // A label in front of a field is printed with it.
+    // A label in front of a field is printed with it, also when a button without a name of its own stands between.
     bool standsInFieldsLine(std::size_t i) const {
-        return shown_[i]->kind() == ControlKind::kLabel && i + 1 < shown_.size() && shown_[i + 1]->isField() &&
-               shown_[i]->dialog == shown_[i + 1]->dialog;
+        if (shown_[i]->kind() != ControlKind::kLabel) return false;
+        std::size_t next = i + 1;
+        while (next < shown_.size() && shown_[next]->isButton() && plainName(shown_[next]->text).empty()) ++next;
+        return next < shown_.size() && shown_[next]->isField() && shown_[i]->dialog == shown_[next]->dialog;
     }
 
     std::wstring line(const Control& control) const {
@@ -129,7 +135,7 @@ class Printer {
         const std::wstring state = !control.enabled ? L"  (disabled)" : control.readOnly ? L"  (read only)" : L"";
         switch (control.kind()) {
             case ControlKind::kLabel:
-                return control.text.empty() ? L"" : indent + plain(control.text) + state + L"\n";
+                return control.text.empty() ? L"" : indent + labelText(control) + state + L"\n";
             case ControlKind::kGroup:
                 return indent + L"-- " + name + L" --\n";
             case ControlKind::kButton:
@@ -161,7 +167,9 @@ class Printer {
         return {};
     }
 
-    static std::wstring plain(std::wstring_view caption) {
+    static std::wstring labelText(const Control& label) {
+        const std::wstring caption = inOneLine(label.text);
+        if ((label.design->style & kNoPrefixStyle) != 0) return caption;
         return base::replaceAll(base::replaceAll(base::replaceAll(caption, L"&&", L"\x1"), L"&", L""), L"\x1", L"&");
     }
 

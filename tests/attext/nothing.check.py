@@ -1,4 +1,4 @@
 def check(case):
-    assert "Number Found = \"1\"" in case.errors
+    assert "Number Found = \"0\"" in case.errors
     assert case.output == "\n0 objects in extract file.\n\n"
     assert not (case.folder / "none.txt").exists()

@@ -490,6 +490,130 @@ TEST_P(Forms, APageThatGoesLeavesTheFocusAtTheTab) {
     EXPECT_THAT(dialog.log, ElementsAre("init", "leave 130 for 131", "page 130 1", "leave 130 for 1", "ok"));
 }
 
+TEST_P(Forms, RowsGoByNamesThatNoColumnShows) {
+    Fields dialog;
+    dialog.setRows(IDC_LIST, {{{L"A", L"12"}}, {{L"12", L"x"}}, {{L"A", L"y"}}, {{L"a", L"z"}, false, L"Z"}});
+    const struct {
+        const char* line;
+        int row;
+    } kCases[] = {
+        {"row A", 0}, {"row A(2)", 2}, {"row Z", 3},      {"row 12", 1},
+        {"row 3", 2}, {"row a", 0},    {"row \"12\"", 1}, {"double row 4", 3},
+    };
+    for (const auto& test : kCases) {
+        dialog.select(IDC_LIST, -1);
+        run(dialog, {test.line, "close"});
+        EXPECT_EQ(dialog.selected(IDC_LIST), test.row) << test.line;
+    }
+    EXPECT_THAT(fault(dialog, {"row y"}), HasSubstr("no row"));      // a cell of another column
+    EXPECT_THAT(fault(dialog, {"row \"3\""}), HasSubstr("no row"));  // no tag
+    EXPECT_THAT(fault(dialog, {"row A(3)"}), HasSubstr("no row"));
+    // Rows without cells are rows all the same.
+    dialog.setColumns(IDC_LIST, {});
+    dialog.setRows(IDC_LIST, {{{}, false, L"first"}, {{}, false, L"second"}});
+    run(dialog, {"row second", "close"});
+    EXPECT_EQ(dialog.selected(IDC_LIST), 1);
+    dialog.setColumns(IDC_LIST, {{L"Late", 50}});
+    run(dialog, {"row first", "show", "close"});
+    EXPECT_EQ(dialog.selected(IDC_LIST), 0);
+}
+
+TEST_P(Forms, MenusTipsWidthsAndPlacesAreToldAndChanged) {
+    Fields dialog;
+    int widthInside = 0;
+    dialog.nested = [&](Fields& fields) { widthInside = fields.columnWidth(IDC_LIST, 1); };
+    run(dialog, {"menu Value", "tip Text height(2)", "tip OK", "width Value 120", "press Nested", "close"});
+    EXPECT_EQ(script_.printed,
+              "  Copy\n  --\n  Clear\n  Edit field (disabled)\n  Set text height on screen\n  (no tooltip)\n");
+    EXPECT_EQ(widthInside, 120);  // while it is open
+    for (const char* wrong :
+         {"width Nothing 12", "width Tag", "move 1", "move a,b", "menu Tag", "key Alt+Z", "key Ctrl+F", "double click"})
+        EXPECT_NE(fault(dialog, {wrong}), "no fault") << wrong;
+}
+
+TEST_P(Forms, KeysDoTheSameEverywhere) {
+    const struct {
+        std::deque<std::string> lines;
+        int field;
+        const wchar_t* text;
+    } kTexts[] = {
+        {{"Tag = DOOR", "key Ctrl+A", "type Tag: X"}, IDC_TAG, L"X"},
+        {{"Value = DOOR", "key Ctrl+A", "key Ctrl+C", "key End", "key Ctrl+V"}, IDC_VALUE, L"DOORDOOR"},
+        {{"Value = DOOR", "caret Value 1 3", "key Ctrl+X", "key Home", "key Ctrl+V"}, IDC_VALUE, L"OODR"},
+        {{"Layer = typed", "key Shift+Tab", "key Tab", "type Layer: X"}, IDC_LAYER, L"X"},
+        {{"Layer = typed", "key Up"}, IDC_LAYER, L"typed"},
+        {{"Layer = typed", "key Down"}, IDC_LAYER, L"0"},
+        {{"Value = DOOR", "caret Value 2", "key Up", "type Value: |"}, IDC_VALUE, L"D|OOR"},
+        {{"Tag = DOOR", "caret Tag 2", "key Down", "type Tag: |"}, IDC_TAG, L"DOO|R"},
+        {{"Tag = DOOR", "caret Tag 2", "key Up", "type Tag: |"}, IDC_TAG, L"D|OOR"},
+        {{"key Alt+E", "type Text height: 5"}, IDC_HEIGHT, L"5"},
+    };
+    for (const auto& test : kTexts) {
+        Fields dialog;
+        std::deque<std::string> lines = test.lines;
+        lines.push_back("close");
+        run(dialog, lines);
+        EXPECT_EQ(dialog.text(test.field), test.text) << test.lines.front() << ", " << test.lines.back();
+    }
+    Fields dialog;
+    run(dialog, {"row 1", "key PageDown", "key PageUp", "key Alt+T", "key Alt+I", "key Right", "key Alt+H", "key Right",
+                 "key Left", "close"});
+    EXPECT_THAT(dialog.log, ElementsAre("init", "leave 101 for 122", "select 122 row 0", "select 122 row 2",
+                                        "select 122 row 0", "leave 122 for 101", "leave 101 for 103", "pressed 103",
+                                        "leave 103 for 121", "leave 121 for 9", "help", "leave 9 for 123",
+                                        "leave 123 for 9", "leave 9 for 2", "cancel"));
+}
+
+TEST_P(Forms, LettersBecomeCapitalsAsTheyAreTyped) {
+    Fields dialog;
+    dialog.setUpperCase(IDC_TAG);
+    dialog.setText(IDC_TAG, L"by program ");
+    run(dialog, {"key End", "type Tag: typed", "close"});
+    EXPECT_EQ(dialog.text(IDC_TAG), L"by program TYPED");
+}
+
+TEST_P(Forms, TheFocusLeavesWhatIsDisabledOrHidden) {
+    Fields dialog;
+    dialog.nested = [](Fields& fields) { fields.enable(IDC_NESTED, false); };
+    run(dialog, {"press Nested", "key Enter"});  // on OK, which is next
+    EXPECT_EQ(dialog.log.back(), "ok");
+    dialog.enable(IDC_NESTED);
+    dialog.log.clear();
+    dialog.nested = [](Fields& fields) { fields.show(IDC_NESTED, false); };
+    run(dialog, {"press Nested", "key Tab", "key Enter"});
+    EXPECT_EQ(dialog.log.back(), "cancel");
+}
+
+TEST_P(Forms, ADropDownShowsWhatItsHandlerSet) {
+    class More final : public Logged {
+      public:
+        More() : Logged(IDD_FIELDS) {
+            addChoice(IDC_LAYER, L"red");
+            addChoice(IDC_LAYER, L"More Colors...");
+        }
+        void onCommand(int control, Event event) override {
+            if (control == IDC_LAYER && event == Event::kChosen) setText(IDC_LAYER, L"red");
+        }
+    } dialog;
+    run(dialog, {"Layer = More Colors...", "caret Layer 3", "type Layer: dish", "press OK"});
+    EXPECT_EQ(dialog.text(IDC_LAYER), L"reddish");
+}
+
+TEST_P(Forms, HelpAndTheDocsNameEveryVerb) {
+    Fields dialog;
+    run(dialog, {"help", "close"});
+    const base::FileBuffer docs = base::readFile(base::fromUtf8(TORVEL_DOCS "/scripts.md"));
+    std::size_t verbs = 0;
+    for (const std::wstring& line : base::split(base::fromUtf8(script_.printed), L'\n')) {
+        if (line.empty()) continue;
+        ++verbs;
+        const std::size_t end = line.find(L"  ", 2);
+        const std::wstring usage = line.substr(2, (end < 23 ? end : 22) - 2);
+        EXPECT_THAT(std::string(docs.view()), HasSubstr("`" + base::toUtf8(base::trimmed(usage)) + "`"));
+    }
+    EXPECT_GT(verbs, 15u);
+}
+
 TEST_P(Forms, ThePlaceOfTheWindowIsKept) {
     class Placed final : public Logged {
       public:
@@ -509,6 +633,8 @@ TEST_P(Forms, ThePlaceOfTheWindowIsKept) {
     dialog.place = L"20,30,400,300";
     run(dialog, {"close"});
     EXPECT_EQ(dialog.place, L"20,30" + size);
+    run(dialog, {"move 100,50", "close"});
+    EXPECT_EQ(dialog.place, L"100,50" + size);
 }
 
 TEST_P(Forms, PicturesShowTheWindow) {

@@ -137,9 +137,8 @@ OdString CTLineWeightProperty::toText(const std::int32_t& weight) const {
 std::optional<std::int32_t> CTLineWeightProperty::fromText(const OdString& text) const {
     if (text == translate(kByLayer)) return kLineWeightByLayer;
     if (text == translate(kByBlock)) return kLineWeightByBlock;
-    // In inches a listed text has too few digits to give its weight back as a number.
-    for (std::int32_t weight : kStandardWeights)
-        if (text == toText(weight)) return weight;
+    // By the number alone: a listed text in inches gives back what its three digits come to. The pages store the
+    // nearest standard weight.
     const std::optional<double> number = text == translate(kDefault) ? std::nullopt : leadingReal(text);
     if (!number) return kLineWeightDefault;
     // Truncated towards zero behind the half, which is not rounding for negative numbers.

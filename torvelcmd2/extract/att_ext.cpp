@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <utility>
 
 #include "base/paths.h"
 #include "drawingdb/block_reference.h"
@@ -21,12 +20,11 @@ OdString drawingPath(const OdDbDatabase& database) {
     return hostVariable(hostapi::getTextVariable, L"DWGNAME", OdString());
 }
 
+// Replaced whole, also by nothing when the selection was cancelled.
 void selectObjects(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
-    OdDbObjectIdArray selected;
-    if (askSet(loadText(IDS_ATTEXT_SELECT_OBJECTS), selected) == hostapi::kValue) {
-        selection = std::move(selected);
-        dialog.setNumberFound(static_cast<int>(selection.size()));
-    }
+    selection.clear();
+    if (askSet(loadText(IDS_ATTEXT_SELECT_OBJECTS), selection) != hostapi::kValue) selection.clear();
+    dialog.setNumberFound(static_cast<int>(selection.size()));
 }
 
 // Until the user wants the extract, or no more. True for OK.

@@ -52,6 +52,9 @@ void CAttExtDlg::onInit() {
         setText(IDC_ATTEXT_OUTPUT, firstOutputPath());
         opened_ = true;
     }
+    // Also when it was left in DXX: only the button is disabled then, until a format is clicked.
+    enable(IDC_ATTEXT_TEMPLATE_BUTTON);
+    enable(IDC_ATTEXT_TEMPLATE);
     applyExtensionRule();
     setText(IDC_ATTEXT_NUMBER, std::to_wstring(numberFound_));
 }
@@ -150,7 +153,7 @@ void CAttExtDlg::chooseOutput() {
 void CAttExtDlg::onOk() {
     if (numberFound_ < 1) {
         showBox(hostapi::kErrorBox, loadText(IDS_ATTEXT_NOT_SELECTED));
-        return;
+        return focus(IDC_ATTEXT_SELECT);
     }
     if (format_ != ExtractFormat::dxf && !checkFiles()) return;
     const OdString output = outputPath();
@@ -160,20 +163,27 @@ void CAttExtDlg::onOk() {
     end(dialogs::kOkButton);
 }
 
+// The field that the message speaks of.
+bool CAttExtDlg::refuse(int field) {
+    focus(field);
+    selectAll(field);
+    return false;
+}
+
 bool CAttExtDlg::checkFiles() {
     if (!base::isFile(templatePath())) {
         // A notification, where the others are boxes.
         notifyUser(loadText(IDS_ATTEXT_TEMPLATE_NOT_FOUND));
-        return false;
+        return refuse(IDC_ATTEXT_TEMPLATE);
     }
     if (outputPath().empty()) {
         // The text speaks of the template although it is the output that is missing; users know it so.
         showBox(hostapi::kErrorBox, loadText(IDS_ATTEXT_NO_OUTPUT));
-        return false;
+        return refuse(IDC_ATTEXT_OUTPUT);
     }
     if (templatePath() == outputPath()) {
         showBox(hostapi::kErrorBox, loadText(IDS_ATTEXT_SAME_FILE));
-        return false;
+        return refuse(IDC_ATTEXT_OUTPUT);
     }
     return true;
 }

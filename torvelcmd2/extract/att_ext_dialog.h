@@ -25,6 +25,9 @@ class CAttExtDlg final : public ModuleDialog {
     void onInit() override;
     void onCommand(int control, dialogs::Event event) override;
     void onOk() override;
+    /// Kept for the run of the command alone: the window stays where it was while objects are selected.
+    std::wstring savedPlacement() override { return placement_; }
+    void savePlacement(const std::wstring& placement) override { placement_ = placement; }
 
     void setTexts();
     OdString firstOutputPath() const;
@@ -33,9 +36,11 @@ class CAttExtDlg final : public ModuleDialog {
     void chooseTemplate();
     void chooseOutput();
     bool checkFiles();
+    bool refuse(int field);
     void rememberOutput();
 
     OdString drawingPath_;
+    std::wstring placement_;
     ExtractFormat format_ = ExtractFormat::commaDelimited;
     int numberFound_ = 0;
     bool opened_ = false;
