@@ -15,6 +15,8 @@ class CFEdCtrl final : public dialogs::RichText {
     FieldEdit& value() { return value_; }
     /// Shows the entity's value; a control that is disabled shows fields as plain text.
     void load(const OdDbEntity& entity, bool enabled = true) { value_.load(entity, enabled); }
+    /// Shows a value that cannot be edited here: without fields, and a multi-line one without escapes.
+    void loadForReading(const OdDbEntity& entity) { value_.loadForReading(entity); }
     /// Makes this the entity's value; returns what the entity shows afterwards.
     OdString save(OdDbEntity& entity) const;
 

@@ -1,6 +1,7 @@
 // The commands of the module, handed to the host's factory while the module is being loaded.
 //
 // They stand in one file because their order is the order of the host's list.
+#include "torvelcmd2/attmanager/att_ip_edit.h"
 #include "torvelcmd2/attributes/att_sync.h"
 #include "torvelcmd2/construction/divide.h"
 #include "torvelcmd2/construction/elx_test.h"
@@ -42,6 +43,9 @@ const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
 const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);
 const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
+const CommandRegistration attIPedit("ATTIPedit", createCommand<ATTIPeditCmd>, kGroup, hostapi::kUsesPickFirst);
+// The one command of the group without the flag: it goes by a pick, not by what was selected before.
+const CommandRegistration attIPeditW("ATTIPeditW", createCommand<ATTIPeditWCmd>, kGroup, 0);
 const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, hostapi::kUsesPickFirst);
 const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);
 

@@ -6,15 +6,12 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "torvelhost/commands/double_click.h"
 #include "torvelhost/commands/host_commands.h"
 #include "torvelhost/lines/progress.h"
 
 namespace host {
 namespace {
-
-// What a double click on an attribute runs: the first of these that is registered. The first takes the pick that was
-// made, the other the pick-first set.
-constexpr const wchar_t* kDoubleClickCommands[] = {L"ATTIPeditW", L"ATTIPedit"};
 
 struct CommandReleaser {
     void operator()(ICmdProcess* command) const { command->release(); }
@@ -65,7 +62,7 @@ bool CommandLoop::runLine(const Reply& reply) {
     }
     if (base::equalsNoCase(text, L"QUIT")) return false;
     const std::size_t blank = text.find(L' ');
-    if (blank != text.npos && base::equalsNoCase(std::wstring_view(text).substr(0, blank), L"DBLCLICK")) {
+    if (blank != text.npos && base::equalsNoCase(std::wstring_view(text).substr(0, blank), kDoubleClickName)) {
         doubleClick(base::trimmed(std::wstring_view(text).substr(blank)));
         return true;
     }
@@ -81,20 +78,16 @@ bool CommandLoop::runLine(const Reply& reply) {
     return true;
 }
 
-void CommandLoop::doubleClick(std::wstring_view handle) {
-    const auto handles = parseHandles(handle);
-    std::wstring reason = L"\"" + std::wstring(handle) + L"\" is no handle";
-    if (!handles || handles->size() != 1) return refuse(reason);
-    std::optional<hostapi::Pick> pick = session_.selection.pickByHandle(handles->front(), reason);
+void CommandLoop::doubleClick(std::wstring_view where) {
+    std::wstring reason = L"\"" + std::wstring(where) + L"\" is no pick";
+    std::optional<hostapi::Pick> pick = session_.selection.pickByText(where, reason);
     if (!pick) return refuse(reason);
-    for (const wchar_t* name : kDoubleClickCommands) {
-        const RegisteredCommand* registered = CommandFactory::instance().find(name);
-        if (!registered) continue;
-        session_.selection.setPickFirst(OdDbObjectIdArray{pick->nested});
-        session_.selection.setStartingPick(std::move(pick));
-        return runRegistered(*registered);
-    }
-    refuse(L"no command is there for a double click");
+    commands::HostRun run{application_, session_};
+    if (const Body edit = editorOf(*pick, run)) return runCommand(kDoubleClickName, edit, {});
+    const RegisteredCommand* registered = CommandFactory::instance().find(kInPlaceCommand);
+    if (!registered) return refuse(L"no command is there for a double click");
+    session_.selection.setStartingPick(std::move(pick));
+    runRegistered(*registered);
 }
 
 void CommandLoop::refuse(const std::wstring& what) {

@@ -34,7 +34,7 @@ class CommandLoop {
     void runRegistered(const RegisteredCommand& registered);
     /// Memory ran out in the command, whose changes have been taken back. Throws base::FileError in a script.
     void endForMemory(const std::wstring& command);
-    void doubleClick(std::wstring_view handle);
+    void doubleClick(std::wstring_view where);
     /// A line that names nothing: the end of a script, a hint for a person.
     void refuse(const std::wstring& what);
 

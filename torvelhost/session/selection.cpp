@@ -167,11 +167,15 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
     return pick;
 }
 
+std::optional<hostapi::Pick> Selection::pickByText(std::wstring_view text, std::wstring& reason) {
+    const auto typed = parsePick(text);
+    return typed ? toPick(*typed, reason) : std::nullopt;
+}
+
 int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick) {
     const int result = input_.ask(prompt, keywords, L"a pick", [&](const Reply& reply, std::wstring& reason) {
-        const auto typed = reply.quoted ? std::nullopt : parsePick(reply.text);
         std::optional<hostapi::Pick> found;
-        if (typed) found = toPick(*typed, reason);
+        if (!reply.quoted) found = pickByText(reply.text, reason);
         if (!found) return false;
         pick = std::move(*found);
         return true;

@@ -27,6 +27,10 @@ class Selection {
     /// What a handle picks: an entity, also the one that holds an attribute. Nothing, and a reason, when it names none.
     std::optional<hostapi::Pick> pickByHandle(OdDbHandle handle, std::wstring& reason) const;
 
+    /// What a reply at a pick prompt picks: a handle, a handle and a point, a point (null where nothing lies). Nothing,
+    /// and a reason where there is one, when the text is no pick.
+    std::optional<hostapi::Pick> pickByText(std::wstring_view text, std::wstring& reason);
+
     /// ---- the pick-first set
     const OdDbObjectIdArray& pickFirst() const { return pickFirst_; }
     void setPickFirst(OdDbObjectIdArray entities);

@@ -65,6 +65,12 @@ void FieldEdit::setText(const OdString& text) {
     anchor_ = caret_ = text.size();
 }
 
+void FieldEdit::loadForReading(const OdDbEntity& entity) {
+    load(entity, false);
+    // A value with fields has lost its escapes there.
+    if (hasEscapes(entity) && !entity.getField(kTextFieldKey)) setText(inOneLine(withoutEscapes(text_)));
+}
+
 void FieldEdit::load(const OdDbEntity& entity, bool enabled) {
     const OdDbFieldPtr field = entity.getField(kTextFieldKey);
     if (!field) {

@@ -48,6 +48,9 @@ class FieldEdit {
 
     /// Shows the entity's value. A control that is disabled shows fields as plain text.
     void load(const OdDbEntity& entity, bool enabled = true);
+    /// Shows the entity's value as plain text, a multi-line one without escapes; for a value that is not saved from
+    /// here.
+    void loadForReading(const OdDbEntity& entity);
     /// Makes this the entity's value, upgrading it to write. `shown` becomes what the entity shows afterwards.
     void save(OdDbEntity& entity, OdString& shown) const;
     /// The text with index markers in place of the runs, and new fields for the markers in their order. Where the text
