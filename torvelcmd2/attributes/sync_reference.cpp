@@ -4,6 +4,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
+#include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
 
@@ -22,8 +23,12 @@ ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block) : block_(block)
 // opened to see what they are; they come in the order of their records.
 void ReferenceSynchronizer::synchronizeReferencesIn(OdDbObjectId space) {
     const auto record = space.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
-    for (OdDbObjectId id : block_.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false))
+    const OdDbObjectIdArray references = block_.openAs<OdDbBlockTableRecord>()->blockReferenceIds(false);
+    ProgressSteps progress(references.size());
+    for (OdDbObjectId id : references) {
         if (id.containerId() == space) synchronize(*id.openAs<OdDbBlockReference>());
+        progress.step();
+    }
 }
 
 void ReferenceSynchronizer::synchronize(OdDbBlockReference& reference) {

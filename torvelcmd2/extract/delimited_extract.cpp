@@ -11,6 +11,7 @@
 #include "torvelcmd2/extract/delimited_text.h"
 #include "torvelcmd2/extract/extract_output.h"
 #include "torvelcmd2/extract/extract_template.h"
+#include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
 namespace {
@@ -212,7 +213,11 @@ std::optional<std::string> delimitedText(std::string_view templateBytes, const O
     bytes.reserve(std::min(kMostRoom, recordSize(fields) * (references.size() + 1)));
     if (settings.format == ExtractFormat::spaceDelimited) appendHeader(bytes, fields);
     Records records(fields);
-    for (const OdDbObjectId id : references) appendRecord(bytes, fields, records.fill(id), settings);
+    ProgressSteps progress(references.size());
+    for (const OdDbObjectId id : references) {
+        appendRecord(bytes, fields, records.fill(id), settings);
+        progress.step();
+    }
     return bytes;
 }
 

@@ -3,6 +3,7 @@
 #include "torvelcmd2/extract/extract.h"
 #include "torvelcmd2/extract/extract_output.h"
 #include "torvelcmd2/extract/tv_dxf_filer.h"
+#include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
 namespace {
@@ -33,7 +34,9 @@ int writeDxfExtract(const OdDbObjectIdArray& selection, const OdString& outputPa
     if (!output) return 0;
     int count = 0;
     try {
+        ProgressSteps progress(selection.size());
         for (const OdDbObjectId id : selection) {
+            progress.step();
             const auto reference = id.openIf<OdDbBlockReference>();
             if (!reference) continue;
             writeRecord(*reference, *output);

@@ -5,6 +5,7 @@
 #include "torvelcmd2/extract/burst/burst_reference.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"
+#include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
 namespace {
@@ -40,7 +41,11 @@ CMD_RUNSTATUS BurstCmd::run() {
     if (selected.empty()) return setRunStatus(kCommandCancelled);
     clearHostSelection();
     ReferenceBurster burster;
-    for (OdDbObjectId id : selected) burstObject(id, burster);
+    ProgressSteps progress(selected.size());
+    for (OdDbObjectId id : selected) {
+        burstObject(id, burster);
+        progress.step();
+    }
     return setRunStatus(kCommandFinished);
 }
 
