@@ -41,6 +41,7 @@ class InputDialog final : public Dialog {
     void onCommand(int control, Event event) override {
         if (event == Event::kPressed) note("pressed ", control);
         if (event == Event::kChosen) note("chosen ", control);
+        if (event == Event::kChosen && control == IDC_LAYER) setText(IDC_LAYER, L"red");
     }
     bool onLeave(int control, int next) override {
         if (control != IDC_HEIGHT || text(IDC_HEIGHT) == L"2" || next == kCancelButton) return true;
@@ -170,7 +171,7 @@ TEST(RealInput, MouseKeysAndMnemonics) {
             return POINT{place.left + 10, place.top + 8};
         },
         2);
-    steps.push_back([&dialog] { SendMessageW(static_cast<HWND>(dialog.window()), WM_HELP, 0, 0); });
+    press(VK_F1);  // helps once
     clickRow(dialog, IDC_LIST, 1, 1);
     clickRow(dialog, IDC_LIST, 0, 2);
     pressWith(VK_SHIFT, VK_TAB);  // to a button, which Enter then presses
@@ -195,6 +196,54 @@ TEST(RealInput, MouseKeysAndMnemonics) {
                 ElementsAre("bad height, going to 103", "bad height, going to 103", "pressed 103", "pressed 105",
                             "pressed 106", "chosen 107", "chosen 107", "chosen 127", "double row 0", "help 127",
                             "row 1", "row 0", "double row 0", "pressed 120", "ok 124"));
+}
+
+TEST(RealInput, AFieldIsAskedBeforeARowIsSelected) {
+    NoLines lines;
+    ASSERT_TRUE(useWindows(&lines));
+    ASSERT_TRUE(useWindows(nullptr));
+    const ResourceScope resources(base::processImage());
+    InputDialog dialog;
+    steps.clear();
+    nextStep = 0;
+    int rowWhileRefused = 0;
+    std::wstring shown;
+
+    pressWith(VK_MENU, 'E');  // to the height, by its label
+    type("3");
+    clickRow(dialog, IDC_LIST, 1, 1);
+    press(VK_RETURN);  // the box
+    steps.push_back(
+        [&] { rowWhileRefused = ListView_GetNextItem(controlWindow(dialog, IDC_LIST), -1, LVNI_SELECTED); });
+    pressWith(VK_MENU, 'V');  // and the value, by its own
+    press(VK_RETURN);
+    type("2");
+    clickRow(dialog, IDC_LIST, 0, 1);  // not where the last click was: that would be a double click
+    // A choice that its handler takes back.
+    dialog.addChoice(IDC_LAYER, L"red");
+    dialog.addChoice(IDC_LAYER, L"More");
+    dialog.setText(IDC_LAYER, L"red");
+    click(dialog, IDC_LAYER);
+    press(VK_F4);
+    press(VK_DOWN);
+    press(VK_RETURN);
+    steps.push_back([] {});
+    steps.push_back([&] {
+        wchar_t text[20];
+        GetWindowTextW(controlWindow(dialog, IDC_LAYER), text, 20);
+        shown = text;
+        dialog.end(kCancelButton);
+    });
+    open = &dialog;
+    UINT_PTR const timer = SetTimer(nullptr, 0, 40, tick);
+    dialog.runModal();
+    KillTimer(nullptr, timer);
+    useStandard();
+
+    EXPECT_EQ(rowWhileRefused, -1);
+    EXPECT_EQ(base::toUtf8(dialog.text(IDC_HEIGHT)), "2");
+    EXPECT_EQ(base::toUtf8(shown), "red");
+    EXPECT_THAT(dialog.log, ElementsAre("bad height, going to 122", "bad height, going to 109", "row 0", "chosen 108"));
 }
 
 // The host counts as work what is no waiting.
