@@ -14,4 +14,8 @@ ResourceBytes findResource(ModuleHandle module, const ResourceName& type, const 
 /// The string of the module's string tables; empty when it is not there.
 std::wstring loadString(ModuleHandle module, unsigned id);
 
+/// The same in the system's narrow encoding (the ANSI code page on Windows, UTF-8 elsewhere), cut to fit into `size`
+/// bytes with a zero at the end. Returns its length; 0 when there is no such string.
+int loadNarrowString(ModuleHandle module, unsigned id, char* buffer, int size);
+
 }  // namespace base

@@ -1,10 +1,12 @@
 // Modules announce their embedded resources by an ELF note (cmake/embedded_resources.cpp.in writes it):
 //   u32 size of the owner's name, u32 size of the contents, u32 type 1, "torvel\0" to a multiple of 4,
 //   u64 distance from here to the first byte, u64 size
+#include <algorithm>
 #include <cstring>
 #include <link.h>
 
 #include "base/resources.h"
+#include "base/text.h"
 
 namespace base {
 namespace {
@@ -64,6 +66,17 @@ ResourceBytes findResource(ModuleHandle module, const ResourceName& type, const 
 std::wstring loadString(ModuleHandle module, unsigned id) {
     const std::uint16_t table = static_cast<std::uint16_t>(id / 16 + 1);
     return stringInTable(findResource(module, kStringTableResource, table), id % 16);
+}
+
+int loadNarrowString(ModuleHandle module, unsigned id, char* buffer, int size) {
+    if (size <= 0) return 0;
+    const std::string text = toUtf8(loadString(module, id));
+    std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
+    // Bytes 10xxxxxx continue a character.
+    while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
+    std::copy_n(text.begin(), length, buffer);
+    buffer[length] = '\0';
+    return static_cast<int>(length);
 }
 
 }  // namespace base

@@ -29,4 +29,8 @@ std::wstring loadString(ModuleHandle module, unsigned id) {
     return length > 0 ? std::wstring(text, static_cast<std::size_t>(length)) : std::wstring();
 }
 
+int loadNarrowString(ModuleHandle module, unsigned id, char* buffer, int size) {
+    return LoadStringA(static_cast<HINSTANCE>(module), id, buffer, size);
+}
+
 }  // namespace base

@@ -34,10 +34,10 @@ class CCSUnknownImpl : public Interface {
     }
 
     int setAttached(ICSUnknown* object) final {
-        if (object != attached_.get()) {
-            if (object) object->addRef();
-            attached_.reset(object);
-        }
+        if (object == attached_.get()) return 1;
+        // Whoever is called from here on finds the new object attached already.
+        const CountedReference<ICSUnknown> before = std::exchange(attached_, CountedReference<ICSUnknown>(object));
+        if (object) object->addRef();
         return 1;
     }
 

@@ -12,9 +12,8 @@ int InitResourceTranslation(base::ModuleHandle instance);
 /// The way back; 0 when the host cannot. Unloading does not call it: the host drops a module's translations by itself.
 int DeInitResourceTranslation(base::ModuleHandle instance);
 
-/// The string as it stands in the module's resources, in UTF-8, cut to fit into `size` bytes with a zero at the end.
-/// Returns its length; 0 when there is no such string. Without a host that offers it the string is read from the
-/// resources directly, and is UTF-8 then on every platform.
+/// The string as it stands in the module's resources, cut to fit into `size` bytes with a zero at the end. Returns its
+/// length; 0 when there is no such string. Without a host that offers it the string comes from base::loadNarrowString.
 int LoadStringNotTranslated(base::ModuleHandle instance, unsigned id, char* buffer, int size);
 
 }  // namespace torvel
