@@ -72,6 +72,47 @@ TEST_F(LocalUndo, OpensAGroupOnlyWhereThereIsNone) {
     EXPECT_EQ(text(), L"0") << "the group around it takes all back";
 }
 
+TEST_F(LocalUndo, AnInnerOneLeavesNothingBehindForTheOuterOneToStopAt) {
+    for (const bool dropped : {true, false}) {
+        SCOPED_TRACE(dropped);
+        change(L"0");
+        HostLocalUndo outer(database_);
+        outer.recordStep();
+        change(L"1");
+        {
+            HostLocalUndo inner(database_);
+            inner.recordStep();
+            change(L"2");
+            inner.recordStep();
+            change(L"3");
+            if (dropped) inner.dropTo(0);
+        }
+        EXPECT_EQ(outer.level(), 1);
+        EXPECT_TRUE(outer.undo());
+        EXPECT_EQ(text(), L"0");
+    }
+}
+
+TEST_F(LocalUndo, EachGoesBackToItsOwnRestorePoints) {
+    HostLocalUndo one(database_);
+    HostLocalUndo other(database_);
+    one.recordStep();
+    change(L"1");
+    other.recordStep();
+    change(L"2");
+    one.recordStep();
+    change(L"3");
+    other.dropTo(0);
+    EXPECT_TRUE(one.undo());
+    EXPECT_EQ(text(), L"2");
+    other.recordStep();
+    change(L"4");
+    EXPECT_TRUE(one.undo());
+    EXPECT_EQ(text(), L"0");
+    EXPECT_FALSE(other.undo()) << "gone with what the other has taken back";
+    EXPECT_EQ(text(), L"0");
+}
+
 // Against a plain stack of texts: what undoing a level shows is what the text was when the level was recorded.
 TEST_F(LocalUndo, DroppedStepsGoWithTheOneBelow) {
     std::mt19937 random(5);

@@ -142,12 +142,17 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// ---- undo ----
     /// Begins a record: a step that undoLastRecord takes back at once.
     void startUndoRecord();
-    /// A place that undoBack comes back to. Marks nest.
-    void setUndoMark();
+    /// A place that undoBack comes back to. Marks nest. Gives the mark's number, which no other mark gets.
+    std::uint64_t setUndoMark();
+    /// Forgets a mark without taking anything back: what lies behind it goes with the mark before. A mark that is used
+    /// up stays so.
+    void dropUndoMark(std::uint64_t mark);
     /// Takes everything back to the last mark, which is used up. Does not go behind the start of the innermost open
     /// group.
     void undoBack();
     bool hasUndoMark() const;
+    /// Whether undoBack can still come back to that mark.
+    bool hasUndoMark(std::uint64_t mark) const;
     /// Takes back the last record that changed something; false when there is none.
     bool undoLastRecord();
     /// True opens a group, false closes the innermost one: its changes then belong to what is around it.

@@ -153,9 +153,11 @@ class Core {
 
     /// ---- undo ----
     void startRecord();
-    void setMark();
+    std::uint64_t setMark();
+    void dropMark(std::uint64_t mark);
     void undoBack();
-    bool hasMark() const;
+    /// Whether the innermost open group has that mark, or any.
+    bool hasMark(std::optional<std::uint64_t> mark = {}) const;
     bool undoLastRecord();
     void groupBegin();
     void groupEnd();
@@ -238,6 +240,7 @@ class Core {
 
     std::vector<OdDbObject*> dirty_;
     std::deque<Step> log_;  // grows by the million: nothing is copied for that
+    std::uint64_t lastMark_ = 0;
     std::vector<std::size_t> groups_;
     std::size_t changes_ = 0;
     std::uint64_t state_ = 0;  // another number after every step, forward or back

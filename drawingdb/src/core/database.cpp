@@ -332,9 +332,11 @@ void OdDbDatabase::appendNarrow(std::string& bytes, std::wstring_view text) cons
 // ---- undo
 
 void OdDbDatabase::startUndoRecord() { core_->startRecord(); }
-void OdDbDatabase::setUndoMark() { core_->setMark(); }
+std::uint64_t OdDbDatabase::setUndoMark() { return core_->setMark(); }
+void OdDbDatabase::dropUndoMark(std::uint64_t mark) { core_->dropMark(mark); }
 void OdDbDatabase::undoBack() { core_->undoBack(); }
 bool OdDbDatabase::hasUndoMark() const { return core_->hasMark(); }
+bool OdDbDatabase::hasUndoMark(std::uint64_t mark) const { return core_->hasMark(mark); }
 bool OdDbDatabase::undoLastRecord() { return core_->undoLastRecord(); }
 void OdDbDatabase::blockUndoRecording(bool begin) { begin ? core_->groupBegin() : core_->groupEnd(); }
 bool OdDbDatabase::isUndoBlockStarted() const { return core_->groupDepth() > 0; }

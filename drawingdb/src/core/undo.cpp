@@ -4,7 +4,10 @@
 //   content  the content word before            putting it back (bytes never change, so the word is the image)
 //   flags    the flags before                   putting them back
 //   append   the chain's last child before      cutting the child off, marking it unborn
-//   record, mark, groupStart, groupStop         nothing: they are places
+//   mark     its number                         nothing: it is a place
+//   record, groupStart, groupStop               nothing: they are places
+#include <algorithm>
+
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
@@ -65,15 +68,22 @@ void Core::startRecord() {
     log_.push_back({0, Step::record, 0});
 }
 
-void Core::setMark() {
+std::uint64_t Core::setMark() {
     flushAll();
-    log_.push_back({0, Step::mark, 0});
+    log_.push_back({0, Step::mark, ++lastMark_});
+    return lastMark_;
 }
 
-bool Core::hasMark() const {
+void Core::dropMark(std::uint64_t mark) {
+    const auto found = std::find_if(log_.rbegin(), log_.rend(),
+                                    [mark](const Step& step) { return step.kind == Step::mark && step.old == mark; });
+    if (found != log_.rend()) found->kind = Step::record;
+}
+
+bool Core::hasMark(std::optional<std::uint64_t> mark) const {
     const std::size_t bottom = groups_.empty() ? 0 : groups_.back();
     for (std::size_t i = log_.size(); i > bottom; --i)
-        if (log_[i - 1].kind == Step::mark) return true;
+        if (log_[i - 1].kind == Step::mark && (!mark || log_[i - 1].old == *mark)) return true;
     return false;
 }
 

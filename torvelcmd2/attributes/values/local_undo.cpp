@@ -1,7 +1,6 @@
 #include "torvelcmd2/attributes/values/local_undo.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 #include "torvelcmd2/frame/host_binding.h"
@@ -27,6 +26,7 @@ HostLocalUndo::HostLocalUndo(OdDbDatabasePtr database)
 }
 
 HostLocalUndo::~HostLocalUndo() {
+    dropTo(0);
     if (database_ && !outerGroup_) database_->blockUndoRecording(false);
 }
 
@@ -34,24 +34,24 @@ HostLocalUndo::~HostLocalUndo() {
 void HostLocalUndo::recordStep() {
     if (!database_) return;
     database_->startUndoRecord();
-    database_->setUndoMark();
+    marks_.push_back(database_->setUndoMark());
     database_->startUndoRecord();
-    steps_.push_back(1);
 }
 
 bool HostLocalUndo::undo() {
-    if (steps_.empty()) return false;
-    for (int marks = steps_.back(); marks > 0; --marks) database_->undoBack();
-    steps_.pop_back();
+    // What somebody else has gone back behind is used up here too.
+    while (!marks_.empty() && !database_->hasUndoMark(marks_.back())) marks_.pop_back();
+    if (marks_.empty()) return false;
+    while (database_->hasUndoMark(marks_.back())) database_->undoBack();
+    marks_.pop_back();
     database_->startUndoRecord();
     return true;
 }
 
+// The marks go from the drawing's history too, or whoever goes back from outside would stop at them.
 void HostLocalUndo::dropTo(std::int32_t level) {
-    const auto kept = static_cast<std::size_t>(std::clamp<std::int32_t>(level, 0, this->level()));
-    const int dropped = std::accumulate(steps_.begin() + static_cast<std::ptrdiff_t>(kept), steps_.end(), 0);
-    steps_.resize(kept);
-    if (!steps_.empty()) steps_.back() += dropped;
+    for (const std::int32_t kept = std::max(level, 0); this->level() > kept; marks_.pop_back())
+        database_->dropUndoMark(marks_.back());
 }
 
 }  // namespace torvel

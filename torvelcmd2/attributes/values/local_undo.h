@@ -10,7 +10,8 @@ namespace torvel {
 
 /// The dialog's own stack of restore points inside the drawing's undo history. While the object lives its changes form
 /// a group: whoever opened the dialog decides at the end whether all of it is kept. The group is the one that was open
-/// already, or else one of the object's own.
+/// already, or else one of the object's own. Several may live at once; what is left of the restore points at the end is
+/// forgotten.
 class HostLocalUndo {
   public:
     /// Works on the drawing that is current in the host.
@@ -33,7 +34,7 @@ class HostLocalUndo {
     bool undo();
 
     /// The number of restore points that can be undone.
-    std::int32_t level() const { return static_cast<std::int32_t>(steps_.size()); }
+    std::int32_t level() const { return static_cast<std::int32_t>(marks_.size()); }
     /// Forgets the restore points above a level without undoing them: their changes belong to the one below, and are
     /// kept for good at level 0.
     void dropTo(std::int32_t level);
@@ -41,9 +42,7 @@ class HostLocalUndo {
   private:
     OdDbDatabasePtr database_;
     bool outerGroup_;
-    /// Of each step the number of the database's undo marks that it stands for: its own and those of steps that were
-    /// dropped above it.
-    std::vector<int> steps_;
+    std::vector<std::uint64_t> marks_;  // the database's, one of each restore point
 };
 
 }  // namespace torvel
