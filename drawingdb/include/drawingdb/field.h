@@ -85,7 +85,8 @@ class DRAWINGDB_API OdDbField : public OdDbObject {
     OdDbFieldValue getData(const OdString& key) const;
 
     /// Evaluates children, then the field, when `context` (bits of EvalOption) meets the evaluation option. A field in
-    /// a database that hangs on a text gives the text its value. An evaluator that is not known keeps the cached value.
+    /// a database that hangs on a text gives the text its value; in a multi-line text, values of fields are escaped,
+    /// and the text around them keeps its formatting codes. An evaluator that is not known keeps the cached value.
     /// False when a value could not be had; it is then "####" unless there was a cached one. An empty value shows as
     /// "----". Fields and texts whose value changes are opened for write for that time (in a read-only drawing that
     /// throws OdError(readOnly)); what stays the same is not touched.
@@ -118,13 +119,14 @@ class DRAWINGDB_API OdDbField : public OdDbObject {
     void replaceChildren(const std::vector<FieldPtr>& children);
     FieldPtr copyWithin(std::size_t& budget, int depth) const;
     OdString rawCode(std::size_t& budget, int depth) const;
-    bool evaluateIn(Evaluation& run, int depth);
-    void evaluateText(const std::vector<FieldPtr>& children);
+    bool evaluateIn(Evaluation& run, int depth, bool escapes);
+    void evaluateText(const std::vector<FieldPtr>& children, bool escapes);
+    OdString shownIn(bool escapes) const;
     bool evaluateCode(Evaluation& run, const std::vector<FieldPtr>& children);
     void keep(const OdDbFieldValue& value, const OdString& shown, int quantity);
     bool fail(int status);
     bool hasCache() const;
-    void passToText();
+    void passToText(OdDbObject& text, bool escapes);
 
     OdString evaluator_;
     OdString code_;

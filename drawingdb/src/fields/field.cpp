@@ -25,6 +25,7 @@
 #include "drawingdb/src/fields/field_code.h"
 #include "drawingdb/src/fields/field_evaluators.h"
 #include "drawingdb/src/fields/field_format.h"
+#include "drawingdb/src/lettering/text_codes.h"
 #include "drawingdb/text.h"
 
 using namespace drawingdb;
@@ -674,14 +675,39 @@ OdString OdDbField::format() const {
     return evaluator_ == kTextEvaluator ? OdString() : OdString(parseFieldCode(code_).option(L"f"));
 }
 
+namespace {
+
+// Whether the text has formatting codes, in which a field's value must not be taken for one.
+bool hasEscapes(const OdDbObject& text) {
+    if (text.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(text).isMTextAttribute();
+    if (text.isKindOf(OdDbAttributeDefinition::desc()))
+        return static_cast<const OdDbAttributeDefinition&>(text).isMTextAttributeDefinition();
+    return text.isKindOf(OdDbMText::desc());
+}
+
+// The object whose extension dictionary has the dictionary "ACAD_FIELD" with this field under "TEXT"; null when the
+// field hangs elsewhere.
+OdDbObjectId textOwner(const OdDbField& field) {
+    const auto fields = field.ownerId().openIf<OdDbDictionary>();
+    if (!fields || fields->getAt(L"TEXT") != field.objectId()) return {};
+    const auto extension = fields->ownerId().openIf<OdDbDictionary>();
+    if (!extension || extension->getAt(L"ACAD_FIELD") != fields->objectId()) return {};
+    const OdDbObjectPtr owner = extension->ownerId().open();
+    return owner && owner->extensionDictionary() == extension->objectId() ? owner->objectId() : OdDbObjectId();
+}
+
+}  // namespace
+
 bool OdDbField::evaluate(int context, OdDbDatabase* database) {
     Evaluation run{context, database, unitSettings(database), {}, {}};
-    const bool evaluated = evaluateIn(run, 0);
-    if (context & evaluationOption_) passToText();
+    const OdDbObjectPtr text = isDatabaseResident() && !isErased() ? textOwner(*this).open() : OdDbObjectPtr();
+    const bool escapes = text && hasEscapes(*text);
+    const bool evaluated = evaluateIn(run, 0, escapes);
+    if (text && (context & evaluationOption_)) passToText(*text, escapes);
     return evaluated;
 }
 
-bool OdDbField::evaluateIn(Evaluation& run, int depth) {
+bool OdDbField::evaluateIn(Evaluation& run, int depth, bool escapes) {
     if (!(run.context & evaluationOption_)) return true;
     if (depth > kMaxFieldDepth) return false;
     // A field that is met again has its value already, or is being evaluated, since it contains itself.
@@ -690,20 +716,21 @@ bool OdDbField::evaluateIn(Evaluation& run, int depth) {
 
     const bool wasWritable = isWriteEnabled();
     bool evaluated = true;
+    escapes = escapes && evaluator_ == kTextEvaluator;
     std::vector<FieldPtr> children;
     for (std::size_t i = 0; i < childCount(); ++i) {
         children.push_back(getChild(i));
-        evaluated = children.back() && children.back()->evaluateIn(run, depth + 1) && evaluated;
+        evaluated = children.back() && children.back()->evaluateIn(run, depth + 1, escapes) && evaluated;
     }
     if (evaluator_ == kTextEvaluator)
-        evaluateText(children);
+        evaluateText(children, escapes);
     else
         evaluated = evaluateCode(run, children) && evaluated;
     if (!wasWritable && isWriteEnabled()) downgradeOpen();
     return evaluated;
 }
 
-void OdDbField::evaluateText(const std::vector<FieldPtr>& children) {
+void OdDbField::evaluateText(const std::vector<FieldPtr>& children, bool escapes) {
     OdDbFieldValue value;
     value.type = OdDbFieldValue::kString;
     std::size_t copied = 0;
@@ -711,7 +738,8 @@ void OdDbField::evaluateText(const std::vector<FieldPtr>& children) {
         if (span.kind != FieldSpan::childIndex) continue;
         const FieldPtr child =
             span.number < children.size() ? children[static_cast<std::size_t>(span.number)] : FieldPtr();
-        value.text.append(code_, copied, span.begin - copied).append(child ? child->shown_ : kNoValue);
+        value.text.append(code_, copied, span.begin - copied)
+            .append(child ? child->shownIn(escapes) : OdString(kNoValue));
         copied = span.end;
         if (value.text.size() > kMostText) {
             fail(noValue);
@@ -720,6 +748,11 @@ void OdDbField::evaluateText(const std::vector<FieldPtr>& children) {
     }
     value.text.append(code_, copied);
     keep(value, value.text, 0);
+}
+
+// A child that is a text is contents itself, and its own children were escaped where they stand in it.
+OdString OdDbField::shownIn(bool escapes) const {
+    return escapes && evaluator_ != kTextEvaluator ? drawingdb::mtextEscaped(shown_) : shown_;
 }
 
 bool OdDbField::evaluateCode(Evaluation& run, const std::vector<FieldPtr>& children) {
@@ -778,46 +811,20 @@ void OdDbField::keep(const OdDbFieldValue& value, const OdString& shown, int qua
     runsChanged();
 }
 
-namespace {
-
-OdString currentText(const OdDbText& text) {
-    if (text.isKindOf(OdDbAttribute::desc())) {
-        const auto& attribute = static_cast<const OdDbAttribute&>(text);
-        if (attribute.isMTextAttribute()) return attribute.getMTextAttribute()->contents();
-    } else if (text.isKindOf(OdDbAttributeDefinition::desc())) {
-        const auto& definition = static_cast<const OdDbAttributeDefinition&>(text);
-        if (definition.isMTextAttributeDefinition()) return definition.getMTextAttributeDefinition()->contents();
-    }
-    return text.textString();
-}
-
-// The object whose extension dictionary has the dictionary "ACAD_FIELD" with this field under "TEXT"; null when the
-// field hangs elsewhere.
-OdDbObjectId textOwner(const OdDbField& field) {
-    const auto fields = field.ownerId().openIf<OdDbDictionary>();
-    if (!fields || fields->getAt(L"TEXT") != field.objectId()) return {};
-    const auto extension = fields->ownerId().openIf<OdDbDictionary>();
-    if (!extension || extension->getAt(L"ACAD_FIELD") != fields->objectId()) return {};
-    const OdDbObjectPtr owner = extension->ownerId().open();
-    return owner && owner->extensionDictionary() == extension->objectId() ? owner->objectId() : OdDbObjectId();
-}
-
-}  // namespace
-
-void OdDbField::passToText() {
-    if (!isDatabaseResident() || isErased()) return;
-    const OdDbObjectId owner = textOwner(*this);
-    if (const auto text = owner.openIf<OdDbText>()) {
-        if (currentText(*text) == shown_) return;
-        const bool wasWritable = text->isWriteEnabled();
-        text->upgradeOpen();
-        text->setTextFromField(shown_);
-        if (!wasWritable) text->downgradeOpen();
-    } else if (const auto paragraphs = owner.openIf<OdDbMText>()) {
-        if (paragraphs->contents() == shown_) return;
-        const bool wasWritable = paragraphs->isWriteEnabled();
-        paragraphs->upgradeOpen();
-        paragraphs->setTextFromField(shown_);
-        if (!wasWritable) paragraphs->downgradeOpen();
+void OdDbField::passToText(OdDbObject& owner, bool escapes) {
+    const OdString shown = shownIn(escapes);
+    const auto pass = [&](auto& text, const OdString& current) {
+        if (current == shown) return;
+        const bool wasWritable = text.isWriteEnabled();
+        text.upgradeOpen();
+        text.setTextFromField(shown);
+        if (!wasWritable) text.downgradeOpen();
+    };
+    if (owner.isKindOf(OdDbText::desc())) {
+        auto& text = static_cast<OdDbText&>(owner);
+        pass(text, text.textString());
+    } else if (owner.isKindOf(OdDbMText::desc())) {
+        auto& paragraphs = static_cast<OdDbMText&>(owner);
+        pass(paragraphs, paragraphs.contents());
     }
 }

@@ -483,6 +483,15 @@ std::vector<MTextParagraph> parseMText(std::wstring_view contents, const MTextFo
     return MTextParser(contents, initial).parse();
 }
 
+std::wstring mtextEscaped(std::wstring_view plain) {
+    std::wstring contents;
+    for (const wchar_t c : plain) {
+        if (c == L'\\' || c == L'{' || c == L'}') contents += L'\\';
+        contents += c;
+    }
+    return contents;
+}
+
 std::wstring mtextPlainText(std::wstring_view contents) {
     std::wstring plain;
     bool first = true;

@@ -1,4 +1,6 @@
+#include "drawingdb/attribute.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/mtext.h"
 #include "drawingdb/text.h"
 #include "field_fixture.h"
 
@@ -24,6 +26,39 @@ TEST_F(FieldTest, DocumentPropertiesComeFromTheHeader) {
     EXPECT_EQ(shown(L"%<\\AcVar LTSCALE \\f \"%lu2%pr3\">%"), L"2.500");
     EXPECT_EQ(shown(L"%<\\AcVar Login>%"), L"jo");
     EXPECT_FALSE(fieldOf(L"%<\\AcVar Title>%")->evaluate(OdDbField::kAutomatic, nullptr));
+}
+
+// In a multi-line text a value is shown as it is, while the text around it keeps its formatting codes.
+TEST_F(FieldTest, ValuesAreEscapedInMultiLineTextsOnly) {
+    database->setSystemVariables([](const OdString& name, OdString& value) {
+        value = L"DOM\\Paul {x}";
+        return name == L"LOGINNAME";
+    });
+    const OdString code = L"{\\C1;by} %<\\AcVar LOGINNAME>%";
+    const auto evaluate = [&](OdDbObject& text) {
+        const OdDbFieldPtr field = OdDbField::createObject();
+        text.setField(L"TEXT", field);
+        field->setFieldCode(code, OdDbField::kTextField);
+        for (int round = 0; round < 2; ++round) field->evaluate(OdDbField::kAutomatic, database.get());
+    };
+    const auto lines = appended(OdDbMText::createObject());
+    evaluate(*lines);
+    EXPECT_EQ(lines->contents(), L"{\\C1;by} DOM\\\\Paul \\{x\\}");
+    EXPECT_EQ(lines->plainText(), L"by DOM\\Paul {x}");
+    const auto line = newText(L"old");
+    evaluate(*line);
+    EXPECT_EQ(line->textString(), L"{\\C1;by} DOM\\Paul {x}");
+
+    const auto definition = appended(OdDbAttributeDefinition::createObject());
+    evaluate(*definition);
+    EXPECT_EQ(definition->textString(), L"{\\C1;by} DOM\\Paul {x}");
+    definition->convertIntoMTextAttributeDefinition(true);
+    evaluate(*definition);
+    EXPECT_EQ(definition->getMTextAttributeDefinition()->plainText(), L"by DOM\\Paul {x}");
+    // One field alone, without a text around it.
+    lines->setField(L"TEXT", fieldOf(L"%<\\AcVar LOGINNAME>%"));
+    lines->getField(L"TEXT", OdDb::forWrite)->evaluate(OdDbField::kAutomatic, database.get());
+    EXPECT_EQ(lines->plainText(), L"DOM\\Paul {x}");
 }
 
 TEST_F(FieldTest, CustomPropertiesComeFromHeaderOrRecord) {

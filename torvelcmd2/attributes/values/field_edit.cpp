@@ -21,14 +21,6 @@ OdString shownText(const OdDbField& field) {
     return text.empty() ? OdString(L"----") : text;
 }
 
-// In a single line a backslash is a backslash.
-bool hasEscapes(const OdDbEntity& entity) {
-    if (entity.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(entity).isMTextAttribute();
-    if (entity.isKindOf(OdDbAttributeDefinition::desc()))
-        return static_cast<const OdDbAttributeDefinition&>(entity).isMTextAttributeDefinition();
-    return entity.isKindOf(OdDbMText::desc());
-}
-
 // What begins a field or a marker in a code, down to the backslash of its name; empty, at the end, when nothing does.
 FieldEdit::Range findOpening(const OdString& text, std::size_t from) {
     for (std::size_t at = text.find(L"%<", from); at != OdString::npos; at = text.find(L"%<", at + 1)) {
@@ -76,8 +68,8 @@ void FieldEdit::load(const OdDbEntity& entity, bool enabled) {
     if (!field) {
         setText(captureText(entity).text);
     } else if (!enabled) {
-        const OdString value = field->getFieldCode(OdDbField::kEvaluatedText);
-        setText(hasEscapes(entity) ? withoutEscapes(value) : value);
+        // Whatever the kind of text: in a single line, too, a backslash counts as the beginning of an escape here.
+        setText(withoutEscapes(field->getFieldCode(OdDbField::kEvaluatedText)));
     } else {
         clear();
         loadFields(*field);
