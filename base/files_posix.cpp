@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/exact_utf8.h"
 #include "base/input_file.h"
 #include "base/output_file.h"
 #include "base/paths.h"
@@ -103,7 +104,7 @@ int makeUnfinished(std::string& pattern) {
 }  // namespace
 
 InputFile::InputFile(std::wstring_view path)
-    : name_(path), handle_(::open(toUtf8(path).c_str(), O_RDONLY | O_CLOEXEC)) {
+    : name_(path), handle_(::open(toUtf8Exact(path).c_str(), O_RDONLY | O_CLOEXEC)) {
     struct stat status;
     if (handle_ < 0) throwSystemError(path, errno);
     if (::fstat(static_cast<int>(handle_), &status) == 0)

@@ -2,6 +2,7 @@
 #include <dlfcn.h>
 #include <link.h>
 
+#include "base/exact_utf8.h"
 #include "base/modules.h"
 #include "base/paths.h"
 #include "base/text.h"
@@ -36,7 +37,7 @@ ModuleHandle findLoadedModule(std::wstring_view fileName) {
     // The loader's list holds the program without its name.
     const std::wstring program = moduleFileName(processImage());
     if (fileName == (wholePath ? program : fileNameOf(program))) return processImage();
-    Search search{toUtf8(fileName), wholePath};
+    Search search{toUtf8Exact(fileName), wholePath};
     if (!search.fileName.empty()) dl_iterate_phdr(visitModule, &search);
     return moduleOf(search.address);
 }
@@ -64,7 +65,7 @@ std::wstring moduleFileName(ModuleHandle module) {
         std::error_code error;
         return fromPath(std::filesystem::read_symlink("/proc/self/exe", error));
     }
-    return fromUtf8(name);
+    return fromUtf8Exact(name);
 }
 
 void* findSymbol(ModuleHandle module, const char* name) {
@@ -86,7 +87,7 @@ ModuleReference loadModule(std::wstring_view fileName, std::wstring* reason) {
         const std::wstring besideProgram = joinPath(folderOf(moduleFileName(processImage())), fileName);
         if (isFile(besideProgram)) path = besideProgram;
     }
-    ModuleReference module(dlopen(toUtf8(path).c_str(), RTLD_NOW | RTLD_LOCAL));
+    ModuleReference module(dlopen(toUtf8Exact(path).c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!module && reason) *reason = fromUtf8(dlerror());
     return module;
 }

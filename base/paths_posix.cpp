@@ -1,5 +1,6 @@
 #include <cstdlib>
 
+#include "base/exact_utf8.h"
 #include "base/paths.h"
 #include "base/text.h"
 
@@ -9,9 +10,9 @@ wchar_t pathSeparator() { return L'/'; }
 
 bool isPathSeparator(wchar_t character) { return character == L'/'; }
 
-std::filesystem::path toPath(std::wstring_view path) { return toUtf8(path); }
+std::filesystem::path toPath(std::wstring_view path) { return toUtf8Exact(path); }
 
-std::wstring fromPath(const std::filesystem::path& path) { return fromUtf8(path.native()); }
+std::wstring fromPath(const std::filesystem::path& path) { return fromUtf8Exact(path.native()); }
 
 std::wstring userSettingsFolder() {
     if (const auto folder = environmentVariable(L"XDG_CONFIG_HOME"); folder && isAbsolutePath(*folder)) return *folder;
@@ -19,8 +20,8 @@ std::wstring userSettingsFolder() {
 }
 
 std::optional<std::wstring> environmentVariable(std::wstring_view name) {
-    const char* value = std::getenv(toUtf8(name).c_str());
-    return value == nullptr ? std::nullopt : std::optional(fromUtf8(value));
+    const char* value = std::getenv(toUtf8Exact(name).c_str());
+    return value == nullptr ? std::nullopt : std::optional(fromUtf8Exact(value));
 }
 
 }  // namespace base

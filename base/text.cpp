@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/case_tables.h"
+#include "base/exact_utf8.h"
 
 namespace base {
 namespace {
@@ -10,6 +11,9 @@ namespace {
 bool isHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 bool isLowSurrogate(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 bool isCharacter(char32_t c) { return c <= 0x10FFFF && !isHighSurrogate(c) && !isLowSurrogate(c); }
+
+// Plus a byte from 0x80 on: what stands for that byte where bytes come back as they were.
+constexpr char32_t kFirstByteSurrogate = 0xDC00;
 
 // A wchar_t's bits without sign.
 char32_t unitAt(std::wstring_view text, std::size_t position) {
@@ -107,6 +111,36 @@ std::string toUtf8(std::wstring_view text) {
     std::string utf8;
     utf8.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) appendCharacter(utf8, nextCharacter(text, i));
+    return utf8;
+}
+
+std::wstring fromUtf8Exact(std::string_view utf8) {
+    std::wstring text;
+    text.reserve(utf8.size());
+    while (!utf8.empty()) {
+        const Utf8Character character = takeUtf8(utf8);
+        if (character.wellFormed)
+            appendCharacter(text, character.value);
+        else
+            for (const char byte : utf8.substr(0, character.length))
+                text += static_cast<wchar_t>(kFirstByteSurrogate + static_cast<unsigned char>(byte));
+        utf8.remove_prefix(character.length);
+    }
+    return text;
+}
+
+std::string toUtf8Exact(std::wstring_view text) {
+    std::string utf8;
+    utf8.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const char32_t unit = unitAt(text, i);
+        if (unit >= kFirstByteSurrogate + 0x80 && unit <= kFirstByteSurrogate + 0xFF) {
+            utf8 += static_cast<char>(unit - kFirstByteSurrogate);
+            ++i;
+        } else {
+            appendCharacter(utf8, nextCharacter(text, i));
+        }
+    }
     return utf8;
 }
 

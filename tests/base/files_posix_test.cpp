@@ -44,6 +44,18 @@ TEST(FilesPosix, AFullDiskLeavesTheTargetAndNoRemains) {
     EXPECT_EQ(std::distance(fs::directory_iterator(base::toPath(folder.path())), {}), 1);
 }
 
+// File names are bytes here, not text.
+TEST(FilesPosix, ANameThatIsNoUtf8IsAName) {
+    const TemporaryFolder folder;
+    const std::string name = base::toPath(folder.path()).native() + "/gr\xFC\xDF.dxf";
+    const std::wstring path = base::fromPath(name);
+    base::writeFile(path, "plan");
+    EXPECT_TRUE(fs::exists(name));
+    EXPECT_TRUE(base::isFile(path));
+    EXPECT_EQ(contentsOf(path), "plan");
+    EXPECT_EQ(base::toPath(path).native(), name);
+}
+
 TEST(FilesPosix, ADeviceIsWrittenDirectly) {
     try {
         base::writeFile(L"/dev/full", "x");

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <map>
 
+#include "base/exact_utf8.h"
+
 namespace {
 
 TEST(Text, Utf8RoundTripsEveryCharacter) {
@@ -38,6 +40,17 @@ TEST(Text, IllFormedUtf8BecomesReplacementCharacters) {
     for (const auto& c : cases) {
         EXPECT_EQ(base::fromUtf8(c.bytes), c.text) << testing::PrintToString(c.bytes);
         EXPECT_FALSE(base::isUtf8(c.bytes)) << testing::PrintToString(c.bytes);
+    }
+}
+
+TEST(Text, ExactConversionGivesTheBytesBack) {
+    for (const std::string bytes : {"a\x80z", "\xC0\xAF", "\xED\xB2\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\xE2\x82(",
+                                    "\xF0\x9F\x98\xE2\x82\xAC", "\xFE\xFF", "\xF0\x9F\x98\x80\x80", "M\xC3\xBCller"}) {
+        EXPECT_EQ(base::toUtf8Exact(base::fromUtf8Exact(bytes)), bytes) << testing::PrintToString(bytes);
+        if (base::isUtf8(bytes))
+            EXPECT_EQ(base::fromUtf8Exact(bytes), base::fromUtf8(bytes));
+        else
+            EXPECT_TRUE(base::isUtf8(base::toUtf8(base::fromUtf8Exact(bytes)))) << "shown with replacement characters";
     }
 }
 

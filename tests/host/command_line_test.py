@@ -59,6 +59,16 @@ class CommandLine(unittest.TestCase):
         version = re.search(r"project\(torvelcmd2 VERSION ([\d.]+)", lists)[1]
         self.assertEqual(self.run_program("--version").output, f"torvelhost {version}\n")
 
+    def test_a_name_that_is_no_utf8_opens(self):
+        if not IS_NATIVE:
+            self.skipTest("names are text on Windows")
+        folder = os.fsencode(self.folder)
+        os.rename(folder + b"/plan.dxf", folder + b"/gr\xfc\xdf.dxf")
+        run = self.run_program(b"gr\xfc\xdf.dxf", "-c", "UNDO", "-o", b"n\xe4u.dxf")
+        self.assertNotIn("cannot", run.errors)
+        self.assertTrue(os.path.exists(folder + b"/n\xe4u.dxf"), run.errors)
+        self.assertEqual((pathlib.Path(os.fsdecode(folder + b"/n\xe4u.dxf"))).read_text(), PLAN)
+
     def test_vslide_asks_by_a_dialog_unless_told_otherwise(self):
         # The dialog wants a file that is there, and an empty line closes it; the command line takes any name.
         run = self.run_program("plan.dxf", text=b"VSlide\nnowhere\n\n")

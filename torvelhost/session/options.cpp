@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "base/exact_utf8.h"
 #include "base/number.h"
 #include "base/text.h"
 
@@ -100,7 +101,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
         std::string_view argument = arguments[i];
         if (optionsEnded || argument.size() < 2 || argument[0] != '-') {
             if (options.drawing) throw UsageError("more than one drawing: \"" + std::string(argument) + "\"");
-            options.drawing = base::fromUtf8(argument);
+            options.drawing = base::fromUtf8Exact(argument);
             continue;
         }
         if (argument == "--") {
@@ -118,9 +119,9 @@ Options parseOptions(const std::vector<std::string>& arguments) {
             if (attached) throw UsageError(std::string(argument) + " takes no value");
             apply(options, option->word, L"");
         } else if (attached) {
-            apply(options, option->word, base::fromUtf8(*attached));
+            apply(options, option->word, base::fromUtf8Exact(*attached));
         } else if (++i < arguments.size()) {
-            apply(options, option->word, base::fromUtf8(arguments[i]));
+            apply(options, option->word, base::fromUtf8Exact(arguments[i]));
         } else {
             throw UsageError(std::string(argument) + " wants a value");
         }
