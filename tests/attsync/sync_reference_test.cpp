@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "base/files.h"
 #include "base/text.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
 
@@ -12,9 +15,11 @@ namespace {
 
 using Values = std::vector<std::pair<OdString, OdString>>;
 
+OdString planName() { return base::fromUtf8(TORVEL_SOURCE_DIR) + L"/tests/attsync/plan.dxf"; }
+OdDbDatabasePtr plan() { return OdDbDatabase::readFile(planName()); }
+
 TEST(ReferenceSynchronizer, ServesAnySpaceAndBlock) {
-    const OdDbDatabasePtr database =
-        OdDbDatabase::readFile(base::fromUtf8(TORVEL_SOURCE_DIR) + L"/tests/attsync/plan.dxf");
+    const OdDbDatabasePtr database = plan();
     const OdDbObjectId door = database->findBlock(L"DOOR");
     torvel::ReferenceSynchronizer synchronizer(door);
     synchronizer.synchronizeReferencesIn(database->findBlock(L"HOUSE"));
@@ -39,6 +44,47 @@ TEST(ReferenceSynchronizer, ServesAnySpaceAndBlock) {
     EXPECT_FALSE(reference->isWriteEnabled());
     EXPECT_EQ(valuesOf(0xC0)[1], (Values::value_type{L"TAG", L"P1"}));
     EXPECT_EQ(valuesOf(0xC0).size(), 6u);
+}
+
+// A definition's default that is a field goes on being one: each new attribute gets a field of its own. An old value
+// is kept as it is, also one that has none.
+TEST(ReferenceSynchronizer, NewAttributesOfFieldsHaveFieldsOfTheirOwn) {
+    const OdDbDatabasePtr database = plan();
+    const OdDbObjectId door = database->findBlock(L"DOOR");
+    OdDbObjectId defaultField;
+    for (OdDbObjectId id : door.openAs<OdDbBlockTableRecord>()->entities()) {
+        const auto definition = id.openIf<OdDbAttributeDefinition>();
+        if (!definition || (definition->tag() != L"COST" && definition->tag() != L"TAG")) continue;
+        definition->upgradeOpen();
+        const OdDbFieldPtr field = OdDbField::createObject();
+        defaultField = definition->setField(L"TEXT", field);
+        field->setFieldCode(L"about %<\\AcExpr 3+4 \\f \"%lu2%pr0\">%", OdDbField::kTextField);
+    }
+    torvel::ReferenceSynchronizer(door).synchronizeReferencesIn(database->findBlock(L"HOUSE"));
+    const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"again.dxf");
+    EXPECT_TRUE(again->warnings().empty());
+    std::vector<OdDbObjectId> fields;
+    for (OdDbObjectId id : again->getObjectId(0x5C).openAs<OdDbBlockReference>()->attributes()) {
+        const auto attribute = id.openAs<OdDbAttribute>();
+        const auto field = attribute->getField(L"TEXT");
+        EXPECT_EQ(static_cast<bool>(field), attribute->tag() == L"COST") << base::toUtf8(attribute->tag());
+        if (!field) continue;
+        EXPECT_EQ(attribute->textString(), L"about 7");
+        EXPECT_NE(field->objectId().handle(), defaultField.handle());
+    }
+}
+
+// A value of bytes that are no text is carried over as bytes.
+TEST(ReferenceSynchronizer, ValuesKeepTheirBytes) {
+    base::FileBuffer file = base::readFile(planName());
+    std::string bytes(file.view());
+    const std::string value = "N\xE4\xFF.";
+    bytes.replace(bytes.find("\nN1\n") + 1, 2, value);
+    const auto database = OdDbDatabase::readBytes(bytes, L"plan.dxf");
+    torvel::ReferenceSynchronizer(database->findBlock(L"DOOR")).synchronizeReferencesIn(database->findBlock(L"HOUSE"));
+    const std::string saved = database->writeBytes();
+    EXPECT_NE(saved, bytes);
+    EXPECT_NE(saved.find("\n" + value + "\n"), std::string::npos);
 }
 
 TEST(ReferenceSynchronizer, RefusesWhatIsNoBlock) {

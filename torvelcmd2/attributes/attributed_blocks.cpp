@@ -27,7 +27,9 @@ std::vector<AttributedBlock> attributedBlocks(const OdDbDatabase& database, Defi
     for (OdDbObjectId id : table->records()) {
         const auto block = id.openAs<OdDbBlockTableRecord>();
         OdString name = block->name();
-        if (!name.starts_with(L'*') && hasDefinitions(*block, which)) blocks.push_back({id, std::move(name)});
+        // Spaces have other names in old drawings.
+        if (!name.starts_with(L'*') && !block->isLayout() && hasDefinitions(*block, which))
+            blocks.push_back({id, std::move(name)});
     }
     return blocks;
 }

@@ -62,13 +62,16 @@ void ReferenceSynchronizer::appendNewAttribute(OdDbBlockReference& reference, st
     const OdSmartPtr<OdDbAttribute> attribute = OdDbAttribute::createObject();
     reference.appendAttribute(attribute.get());
     const OdDbAttribute* const old = matches_[position];
-    if (!old) {
-        attribute->setAttributeFromBlock(*definitions_[position], blockTransform);
+    const OdDbAttributeDefinition& definition = *definitions_[position];
+    if (old) {
+        const CapturedText value = captureText(*old);
+        attribute->setAttributeFromBlock(definition, blockTransform);
+        applyText(value, *attribute);
         return;
     }
-    const CapturedText value = captureText(*old);
-    attribute->setAttributeFromBlock(*definitions_[position], blockTransform);
-    applyText(value, *attribute);
+    attribute->setAttributeFromBlock(definition, blockTransform);
+    // A default that is a field goes on being one.
+    if (definition.getField(kTextFieldKey)) applyText(captureText(definition), *attribute);
 }
 
 // All old attributes go: those whose value was taken over, those without a definition, those beyond the number of

@@ -4,10 +4,20 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
+#include "drawingdb/field.h"
 #include "torvelhost/commands/host_commands.h"
 
 namespace host::commands {
 namespace {
+
+// A default that is a field goes on being one.
+void takeField(const OdDbAttributeDefinition& definition, OdDbAttribute& attribute) {
+    const OdDbFieldPtr standard = definition.getField(L"TEXT");
+    if (!standard) return;
+    const OdDbFieldPtr field = standard->copy();
+    attribute.setField(L"TEXT", field);
+    field->evaluate(OdDbField::kAutomatic, attribute.database());
+}
 
 // Asks for the value of each attribute that has one to ask for. A cancel leaves the reference with what was answered so
 // far.
@@ -29,7 +39,10 @@ bool fillAttributes(HostRun& run, OdDbObjectId referenceId, OdDbObjectId block) 
         const auto attribute = OdDbAttribute::createObject();
         reference->appendAttribute(attribute.get());
         attribute->setAttributeFromBlock(*definition, reference->blockTransform());
-        if (result == kValue) attribute->setTextString(value);
+        if (result == kValue)
+            attribute->setTextString(value);
+        else
+            takeField(*definition, *attribute);
     }
     return true;
 }
