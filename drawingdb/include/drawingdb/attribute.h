@@ -36,6 +36,8 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     static void describeAttribute(drawingdb::Describer& d, bool definition);
     static void describeLater(drawingdb::Describer& d);
     bool isInOldFile() const;
+    bool locksByXData() const;
+    void beforeEncode() override;
     void afterDecode() override;
     void changed(Change what) override;
     bool hangs() const override { return !mtext_ && isJustified(); }
@@ -61,6 +63,7 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     std::int16_t mtextFlag_ = 1;  // 1 single line, 2 multi-line attribute, 4 multi-line definition
     std::int16_t version_ = 0;
     std::int16_t lockPosition_ = 0;
+    std::int16_t lockInFile_ = 0;
     std::int16_t constantMText_ = 0;  // a constant multi-line attribute, so says the file
     OdGePoint3d secondPoint_;         // the alignment point of multi-line ones once more, from 2018 on
 };

@@ -71,6 +71,7 @@ std::string_view Core::groupText(Stub& stub, int code) {
 // Containers
 
 Stub* Core::anchorOf(Stub& container, bool make) {
+    if (container.has(Stub::entities) && container.next) return anchorOf(lastPart(container), make);
     const bool added = container.has(Stub::appended);
     if (!added && container.has(Stub::ownCloser)) return &stubs[container.close];
     std::uint32_t& link = added ? container.close : container.next;
@@ -99,19 +100,30 @@ Stub* Core::anchorOf(Stub& container, bool make) {
     return &anchor;
 }
 
+Stub& Core::lastPart(Stub& entities) {
+    Stub* part = &entities;
+    while (part->next) part = &stubs[part->next];
+    return *part;
+}
+
 Stub* Core::nextChild(Stub& container, Stub* stub) {
     if (stub && stub->has(Stub::appended)) return stub->next ? &stubs[stub->next] : nullptr;
-    if (!container.has(Stub::appended) && container.close) {
+    // Of several sections of entities the one that the child stands in.
+    Stub* part = stub && stubs[stub->owner].has(Stub::entities) ? &stubs[stub->owner] : &container;
+    while (!container.has(Stub::appended) && part->close) {
         std::uint32_t next;
         if (!stub)
-            next = indexOf(&container) + 1;
+            next = indexOf(part) + 1;
         else if ((stub->type == rtInsert || stub->type == rtPolyline || stub->type == rtBlock ||
                   stub->type == rtTable) &&
                  stub->close)
             next = stub->close + (stub->has(Stub::ownCloser) ? 1 : 0);
         else
             next = indexOf(stub) + 1;
-        if (next < container.close) return &stubs[next];
+        if (next < part->close) return &stubs[next];
+        if (!part->has(Stub::entities) || !part->next) break;
+        part = &stubs[part->next];
+        stub = nullptr;
     }
     const Stub* anchor = anchorOf(container, false);
     return anchor && anchor->next ? &stubs[anchor->next] : nullptr;
@@ -179,7 +191,7 @@ Stub* Core::blockOf(Stub& stub) {
         Stub& owner = stubs[inner->owner];
         if (owner.type == rtBlock) return recordOfBlock(owner);
         if (owner.type == rtSection) {
-            if (&owner != section(Section::entities)) return nullptr;
+            if (!owner.has(Stub::entities)) return nullptr;
             return inner->has(Stub::paperSpace) ? paperSpace() : modelSpace();
         }
         inner = &owner;
@@ -204,7 +216,7 @@ bool Core::isEntity(const Stub& stub) const {
         case rtPolyline:
             return true;
         case rtSection:
-            return &owner == section(Section::entities) ||
+            return owner.has(Stub::entities) ||
                    (&owner == section(Section::blocks) && stub.type != rtBlock && stub.type != rtEndblk);
         default:
             return false;

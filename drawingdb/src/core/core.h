@@ -47,6 +47,7 @@ class Core {
     FileFormat format;
     bool readOnly = false;
     std::vector<OdDbWarning> warnings;
+    std::string version() const;  // as the header has it: "AC1032"
 
     /// ---- the file ----
     /// Throws OdError(badFile) for what is no drawing, and base::FileError.
@@ -75,10 +76,13 @@ class Core {
     /// ---- containers ----
     /// The stub that anchors the chain of appended children; made when `make` and there is none.
     Stub* anchorOf(Stub& container, bool make);
+    /// Of sections of entities that go on with each other, the last.
+    Stub& lastPart(Stub& entities);
     /// The record behind `stub` among the children of its container, or null.
     Stub* nextChild(Stub& container, Stub* stub);
     /// The block record that an entity lies in.
     Stub* blockOf(Stub& stub);
+    /// The first section of that name; that of the entities may go on in others.
     Stub* section(Section known) const { return knownSections_[static_cast<std::size_t>(known)]; }
     Stub* tableNamed(std::string_view tableName) const;
     /// BLOCK of a block record (for files without block records they are the same).
@@ -133,6 +137,8 @@ class Core {
     /// Throws notHeldByVersion when the file's version does not know the kind.
     void requireHeld(const OdDbObject& object) const;
     Stub* fieldList(bool make);
+    /// Extended data is sorted by applications, which a table lists.
+    void registerApplication(std::string_view application);
 
     /// ---- header variables ----
     struct HeaderVariable {
@@ -186,6 +192,7 @@ class Core {
         Kind kind;
         std::uint64_t old;
     };
+    bool isComplete();
     void log(Stub& stub, Step::Kind kind, std::uint64_t old);
     void undoStep(const Step& step);
     void linkChild(Stub& container, Stub& child);
@@ -241,6 +248,8 @@ class Core {
     std::vector<OdDbObject*> dirty_;
     std::deque<Step> log_;  // grows by the million: nothing is copied for that
     std::uint64_t lastMark_ = 0;
+    bool endsWithoutEof_ = false;
+    std::string firstVersion_;  // of a drawing older than AC1001
     std::vector<std::size_t> groups_;
     std::size_t changes_ = 0;
     std::uint64_t state_ = 0;  // another number after every step, forward or back

@@ -75,7 +75,7 @@ bool OdDbDatabase::isModified() const {
     core_->flushAll();
     return core_->modified();
 }
-std::string OdDbDatabase::version() const { return "AC" + std::to_string(core_->format.version); }
+std::string OdDbDatabase::version() const { return core_->version(); }
 bool OdDbDatabase::isBinary() const { return core_->format.binary; }
 
 std::size_t OdDbDatabase::touchEverything() {

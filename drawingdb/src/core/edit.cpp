@@ -64,8 +64,8 @@ void Core::requireHeld(const OdDbObject& object) const {
     const std::string kind = object.dxfName();
     const Kind* const known = kindNamed(kind);
     if (!known || format.version >= known->since) return;
-    throw OdError(OdResult::notHeldByVersion, where(nullptr) + "no " + kind + " fits into a drawing of version AC" +
-                                                  std::to_string(format.version) +
+    throw OdError(OdResult::notHeldByVersion, where(nullptr) + "no " + kind + " fits into a drawing of version " +
+                                                  version() +
                                                   ". Remedy: open it with a program that can save newer versions");
 }
 
@@ -380,6 +380,23 @@ void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMappin
         job.copy->content = Arena::contentOf(arena_.add(bytes, job.copy->type));
         if (job.copy->type == rtInsert) referenceAdded(*job.copy, blockByRawName(groupText(*job.copy, 2)));
     }
+}
+
+void Core::registerApplication(std::string_view application) {
+    Stub* table = tableNamed("APPID");
+    if (!table || !table->has(Stub::ownCloser) || findRecord("APPID", base::widen(application))) return;
+    Stub& record = addStub(types.find("APPID"), *table);
+    std::string bytes;
+    GroupWriter writer(bytes, format);
+    writer.text(0, "APPID");
+    if (record.handle) writer.handle(5, record.handle);
+    if (format.version >= 1015) writer.handle(330, table->handle);
+    writer.marker("AcDbSymbolTableRecord");
+    writer.marker("AcDbRegAppTableRecord");
+    writer.text(2, application);
+    writer.integer(70, 0);
+    record.content = Arena::contentOf(arena_.add(bytes, record.type));
+    forgetNames();
 }
 
 Stub* Core::fieldList(bool make) {

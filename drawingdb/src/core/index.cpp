@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "base/paths.h"
 #include "base/text.h"
@@ -337,6 +338,14 @@ class Indexer {
         for (char& c : name)
             if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
         inEntities_ = name == "ENTITIES";
+        if (inEntities_) {
+            current_->flags |= Stub::entities;
+            if (entities_) core_.stubs[entities_].next = section_;
+            if (std::exchange(entities_, section_)) {
+                ++sectionsSeen_;
+                return;
+            }
+        }
         if (core_.sections_.emplace(name, current_).second) {
             const auto known = std::find(kSectionNames.begin(), kSectionNames.end(), name);
             if (known != kSectionNames.end())
@@ -389,12 +398,7 @@ class Indexer {
             core_.failAt(begin_, core_.file_.empty() ? "the file is empty: it is no drawing"
                                                      : "this is no drawing: it has no section");
         }
-        if (!eofSeen_ && !told_) {
-            core_.warnAt(end_,
-                         "the file ends without its end-of-file record; the drawing is open read-only. Remedy: get the "
-                         "file again, it was cut off");
-            core_.readOnly = true;
-        }
+        core_.endsWithoutEof_ = !eofSeen_ && !told_;
         // The tail: what stands behind the end, or was not understood.
         if (stopAt_ < begin_) stopAt_ = end_;
         Stub& tail = core_.stubs.add();
@@ -420,6 +424,7 @@ class Indexer {
     bool eofSeen_ = false;
     bool told_ = false;
     std::uint32_t section_ = 0, table_ = 0, block_ = 0, complex_ = 0;
+    std::uint32_t entities_ = 0;  // the last section ENTITIES
     std::size_t sectionsSeen_ = 0;
     std::size_t faults_ = 0;
 };
@@ -455,6 +460,18 @@ void Core::failAt(const char* place, const std::string& text) {
     throw OdError(OdResult::badFile, where(inFile ? place : nullptr) + text);
 }
 
+std::string Core::version() const {
+    return firstVersion_.empty() ? "AC" + std::to_string(format.version) : firstVersion_;
+}
+
+// Whether every section that a drawing of the version must have is there and the last thing is the end of one.
+bool Core::isComplete() {
+    constexpr int kFirstVersionWithObjects = 1012;
+    const Stub* entities = section(Section::entities);
+    const Stub* last = format.version < kFirstVersionWithObjects ? entities : section(Section::objects);
+    return entities && last && stubs[fileStubs - 2].type == rtEndsec;
+}
+
 void Core::readIndex(base::FileReading& reading) {
     Indexer(*this, reading).run();
     buffer_ = reading.take();
@@ -464,13 +481,30 @@ void Core::readIndex(base::FileReading& reading) {
         int number = 0;
         for (const char c : version->first)
             if (c >= '0' && c <= '9' && number < 100000) number = number * 10 + (c - '0');
-        if (number >= 1001 && number <= 1099)
+        // The first versions were "AC1.2" to "AC2.22".
+        const bool isOfTheFirst = version->first.find('.') != std::string_view::npos && number < 1001;
+        if (number >= 1001 && number <= 1099) {
             format.version = number;
-        else
+        } else if (isOfTheFirst) {
+            format.version = 1000;
+            firstVersion_ = version->first;
+        } else {
             addWarning(0, where(nullptr) + "unknown version \"" + std::string(version->first.substr(0, 20)) +
                               "\"; read as the newest one");
+        }
     } else {
         format.version = version::r12;  // files without a header are as old as that
+    }
+    if (endsWithoutEof_) {
+        if (isComplete()) {
+            warnAt(file_.data() + file_.size(),
+                   "the file ends without its end-of-file record, but is complete otherwise");
+        } else {
+            warnAt(file_.data() + file_.size(),
+                   "the file ends without its end-of-file record; the drawing is open read-only. Remedy: get the file "
+                   "again, it was cut off");
+            readOnly = true;
+        }
     }
     // Newer files name the page too, though their texts are UTF-8: it is what their texts are narrowed to.
     if (const auto page = headerVariable("$DWGCODEPAGE")) {

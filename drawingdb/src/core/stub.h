@@ -41,6 +41,7 @@ struct Stub {
         childrenChanged = 16,  // a reference whose attributes were appended or erased
         ownCloser = 32,        // stub `close` closes this container and nothing else
         cutShort = 64,         // the file ends in this record
+        entities = 128,        // a section ENTITIES; of several, each goes on with the one before
     };
 
     std::uint64_t offset : 48;  // of the record in the file
@@ -51,7 +52,7 @@ struct Stub {
     std::uint32_t
         close;  // container of the file: its closer, or the record after its last child; an anchor: last of the chain
     std::uint32_t
-        next;  // appended: next of the chain; an anchor: first of the chain; BLOCK and BLOCK_RECORD: each other
+        next;  // appended: next of the chain; an anchor: first of the chain; a section ENTITIES: the one that goes on
     std::uint32_t flags;
 
     bool has(Flag flag) const { return (flags & flag) != 0; }

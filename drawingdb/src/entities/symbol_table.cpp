@@ -1,5 +1,6 @@
 #include "drawingdb/symbol_table.h"
 
+#include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
@@ -29,6 +30,10 @@ OdDbObjectId OdDbSymbolTable::add(const OdSmartPtr<OdDbSymbolTableRecord>& recor
     if (!stub_) throw OdError(OdResult::notInDatabase, "the table is in no database");
     if (!record || record->isKindOf(OdDbBlockTableRecord::desc()))
         throw OdError(OdResult::invalidInput, "such a record cannot be added to a table");
+    if (const OdString kind = coreOf(stub_).groupWide(*stub_, 2);
+        !base::equalsNoCase(kind, base::widen(record->dxfName())))
+        throw OdError(OdResult::invalidInput,
+                      "only a record of its own kind can be added to the table " + base::toUtf8(kind));
     assertWriteEnabled();
     if (has(record->name()))
         throw OdError(OdResult::duplicateName, "there is a " + record->dxfName() + " of that name already");

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "base/files.h"
+#include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "tests/base/temporary_folder.h"
@@ -130,6 +131,64 @@ TEST(Damage, LargeFilesAreReadAsSmallOnesAre) {
             EXPECT_EQ(read->warnings()[i].text, whole->warnings()[i].text);
         }
     }
+}
+
+// Nothing but the end-of-file record is missing: the drawing can be worked on. One that ends behind an earlier section
+// was cut off.
+TEST(Damage, ACompleteDrawingWithoutItsEndCanBeChanged) {
+    const std::string whole = sampleBytes().substr(0, sampleBytes().rfind("  0\nEOF"));
+    for (const std::string& bytes : {whole, whole.substr(0, whole.size() - 1), whole + "\n \n"}) {
+        const auto database = OdDbDatabase::readBytes(bytes, L"plan.dxf");
+        EXPECT_FALSE(database->isReadOnly());
+        ASSERT_EQ(database->warnings().size(), 1u);
+        EXPECT_NE(database->warnings()[0].text.find("without its end-of-file record"), std::string::npos);
+        EXPECT_EQ(database->writeBytes(), bytes);
+        database->startUndoRecord();
+        objectOf(database, 0x65).openAs<OdDbCircle>(OdDb::forWrite)->setRadius(3);
+        const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"again.dxf");
+        EXPECT_EQ(objectOf(again, 0x65).openAs<OdDbCircle>()->radius(), 3);
+        database->undoLastRecord();
+        EXPECT_EQ(database->writeBytes(), bytes);
+    }
+    const std::string earlier = whole.substr(0, whole.find("ENDSEC", whole.find("ENTITIES")) + 7);
+    EXPECT_TRUE(OdDbDatabase::readBytes(earlier, L"cut.dxf")->isReadOnly());
+}
+
+// Each further section of entities goes on with the first.
+TEST(Damage, SeveralSectionsOfEntitiesAreOne) {
+    const std::string between = "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n";
+    std::string bytes = sampleBytes();
+    for (const char* place : {"  0\nCIRCLE\n  5\n65\n", "  0\nLWPOLYLINE\n  5\n66\n", "  0\nVIEWPORT\n  5\n71\n"})
+        bytes.insert(bytes.find(place), between);
+    bytes.insert(bytes.find("  0\nCIRCLE\n  5\n65\n"), between + between);
+    const auto entitiesOf = [](OdDbObjectId space) {
+        std::vector<std::uint64_t> handles;
+        for (const auto id : space.openAs<OdDbBlockTableRecord>()->entities()) {
+            EXPECT_EQ(id.containerId(), space);
+            EXPECT_TRUE(id.openIf<OdDbEntity>());
+            handles.push_back(id.handle().value());
+        }
+        return handles;
+    };
+    const auto single = sample();
+    const auto database = OdDbDatabase::readBytes(bytes, L"plan.dxf");
+    EXPECT_TRUE(database->warnings().empty());
+    auto model = entitiesOf(single->modelSpaceId()), paper = entitiesOf(single->paperSpaceId());
+    EXPECT_EQ(entitiesOf(database->modelSpaceId()), model);
+    EXPECT_EQ(entitiesOf(database->paperSpaceId()), paper);
+    database->touchEverything();
+    EXPECT_EQ(database->writeBytes(), bytes);
+
+    database->setUndoMark();
+    const auto line = OdDbLine::createObject();
+    database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(line.get());
+    objectOf(database, 0x65).openAs<OdDbCircle>(OdDb::forWrite)->setRadius(3);
+    model.push_back(line->handle().value());
+    const auto again = OdDbDatabase::readBytes(database->writeBytes(), L"again.dxf");
+    EXPECT_EQ(entitiesOf(again->modelSpaceId()), model) << "what is new comes last, also when it is read again";
+    EXPECT_EQ(objectOf(again, 0x65).openAs<OdDbCircle>()->radius(), 3);
+    database->undoBack();
+    EXPECT_EQ(database->writeBytes(), bytes);
 }
 
 TEST(Damage, BlocksThatContainEachOtherEnd) {

@@ -5,7 +5,10 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
+#include "drawingdb/text_style.h"
 #include "drawingdb/viewport.h"
 #include "tests/drawingdb/sample.h"
 
@@ -86,6 +89,24 @@ TEST(Open, SpacesAndBlocks) {
     moved->setBlockTableRecord(objectOf(database, 0x31));
     EXPECT_EQ(references->blockReferenceIds(false).size(), 2u);
     EXPECT_EQ(objectOf(database, 0x31).openAs<OdDbBlockTableRecord>()->blockReferenceIds(true).size(), 1u);
+}
+
+// A record of no kind of its own, or of another one, would be one that nobody can read.
+TEST(Open, TablesTakeRecordsOfTheirKindOnly) {
+    const auto database = sample();
+    const std::string before = database->writeBytes();
+    const auto layers = database->layerTableId().openAs<OdDbSymbolTable>(OdDb::forWrite);
+    const auto plain = OdDbSymbolTableRecord::createObject();
+    plain->setName(L"PLAIN");
+    const auto style = OdDbTextStyleTableRecord::createObject();
+    style->setName(L"STYLE");
+    EXPECT_EQ(codeOf([&] { layers->add(plain); }), OdResult::invalidInput);
+    EXPECT_EQ(codeOf([&] { layers->add(style); }), OdResult::invalidInput);
+    EXPECT_EQ(database->writeBytes(), before);
+    const auto layer = OdDbLayerTableRecord::createObject();
+    layer->setName(L"NEW");
+    layers->add(layer);
+    EXPECT_EQ(OdDbDatabase::readBytes(database->writeBytes(), L"")->findLayer(L"new").handle(), layer->handle());
 }
 
 TEST(Open, LayoutsAndViewports) {

@@ -83,6 +83,18 @@ TEST(RoundTrip, OldCodePagesEscapeWhatTheyCannotHold) {
     EXPECT_EQ(objectOf(OdDbDatabase::readBytes(saved, L""), 0x60).openAs<OdDbText>()->textString(), L"\u00df\u65e5");
 }
 
+// Bytes that are no UTF-8 are no characters; what is copied keeps them, and what is not touched does too.
+TEST(RoundTrip, BytesThatAreNoTextAreCopiedAsBytes) {
+    std::string bytes = sampleBytes();
+    bytes.replace(bytes.find("plain %%d"), 9, "St\xE4\x28\xFF \xE6\x97");
+    const auto database = OdDbDatabase::readBytes(bytes, L"sample.dxf");
+    const OdString value = objectOf(database, 0x60).openAs<OdDbText>()->textString();
+    objectOf(database, 0x52).openAs<OdDbAttribute>(OdDb::forWrite)->setTextString(value + L"\u00fc");
+    const std::string saved = database->writeBytes();
+    EXPECT_NE(saved.find("\nSt\xE4\x28\xFF \xE6\x97\xC3\xBC\n"), std::string::npos);
+    EXPECT_NE(saved.find("\nSt\xE4\x28\xFF \xE6\x97\n"), std::string::npos);
+}
+
 TEST(RoundTrip, LongMultiLineTextIsReadWholeAndCutAgain) {
     const auto database = sample();
     EXPECT_EQ(objectOf(database, 0x61).openAs<OdDbMText>()->contents().size(), 501u);
@@ -110,19 +122,25 @@ TEST(RoundTrip, ANewDrawingIsComplete) {
 }
 
 TEST(RoundTrip, KindsThatAVersionCannotHoldAreRefused) {
-    std::string old = sampleBytes();
-    old.replace(old.find("AC1032"), 6, "AC1009");
-    const auto database = OdDbDatabase::readBytes(old, L"old.dxf");
-    const auto space = database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
-    const auto line = OdDbXline::createObject();
-    try {
-        space->appendOdDbEntity(line.get());
-        FAIL() << "an infinite line went into a drawing of R12";
-    } catch (const OdError& error) {
-        EXPECT_EQ(error.code(), OdResult::notHeldByVersion);
-        EXPECT_NE(std::string(error.what()).find("XLINE"), std::string::npos);
+    for (const std::string version : {"AC1009", "AC1.40", "AC2.10"}) {
+        std::string old = sampleBytes();
+        old.replace(old.find("AC1032"), 6, version);
+        const auto database = OdDbDatabase::readBytes(old, L"old.dxf");
+        EXPECT_TRUE(database->warnings().empty()) << version;
+        EXPECT_EQ(database->version(), version);
+        const auto space = database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+        const auto line = OdDbXline::createObject();
+        try {
+            space->appendOdDbEntity(line.get());
+            ADD_FAILURE() << "an infinite line went into a drawing of " << version;
+        } catch (const OdError& error) {
+            EXPECT_EQ(error.code(), OdResult::notHeldByVersion);
+            EXPECT_NE(std::string(error.what()).find("no XLINE fits into a drawing of version " + version),
+                      std::string::npos)
+                << error.what();
+        }
+        EXPECT_EQ(database->writeBytes(), old);
     }
-    EXPECT_EQ(database->writeBytes(), old);
 }
 
 // A header of an old version, or none, does not tell whether the records have subclass markers.
