@@ -86,7 +86,7 @@ void writeField(const OdDbObject& object, char* base, const FieldSpec& field, Gr
             writer.real(field.code, member<double>(base, field));
             return;
         case FieldKind::angle:
-            writer.real(field.code, member<double>(base, field) / kDegree);
+            writer.real(field.code, degreesOf(member<double>(base, field)));
             return;
         case FieldKind::int16:
             writer.integer(field.code, member<std::int16_t>(base, field));

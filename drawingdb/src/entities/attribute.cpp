@@ -5,6 +5,7 @@
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/geometry/curve_math.h"
+#include "drawingdb/src/lettering/text_codes.h"
 #include "drawingdb/text.h"
 
 using drawingdb::ClassDescription;
@@ -20,18 +21,17 @@ constexpr std::int16_t kSingleLine = 1;  // multi-line flag
 constexpr int kEmbeddedSince = drawingdb::version::v2018;
 constexpr const char* kEmbedded = "Embedded Object";
 
-std::int16_t withBit(std::int16_t bits, std::int16_t bit, bool on) {
-    return static_cast<std::int16_t>(on ? bits | bit : bits & ~bit);
+constexpr std::string_view kLockApplication = "AcDbAttr";
+
+// Whether the name may stand in the record, as more than the beginning of a subclass marker.
+bool namesApplication(std::string_view record, std::string_view name) {
+    for (std::size_t at = record.find(name); at != std::string_view::npos; at = record.find(name, at + name.size()))
+        if (at + name.size() == record.size() || record[at + name.size()] != 'i') return true;
+    return false;
 }
 
-// Plain text as contents of a multi-line text.
-OdString escaped(const OdString& text) {
-    OdString result;
-    for (const wchar_t c : text) {
-        if (c == L'\\' || c == L'{' || c == L'}') result += L'\\';
-        result += c;
-    }
-    return result;
+std::int16_t withBit(std::int16_t bits, std::int16_t bit, bool on) {
+    return static_cast<std::int16_t>(on ? bits | bit : bits & ~bit);
 }
 
 }  // namespace
@@ -92,8 +92,35 @@ void OdDbAttributeText::describeLater(Describer& d) {
     self.mtext_.reset();
 }
 
+// Versions 2000 to 2006 keep the lock in extended data: the version and the lock, two whole numbers.
+bool OdDbAttributeText::locksByXData() const {
+    constexpr int kFirst = 1015, kFirstWithGroup = 1021;
+    const int version = database() ? database()->core().format.version : 0;
+    return version >= kFirst && version < kFirstWithGroup;
+}
+
+void OdDbAttributeText::beforeEncode() {
+    OdDbText::beforeEncode();
+    if (lockPosition_ == lockInFile_ || !locksByXData()) return;
+    lockInFile_ = lockPosition_;
+    OdDbGroup application, number;
+    application.code = 1001;
+    application.text = base::widen(kLockApplication);
+    number.code = 1070;
+    OdDbGroup lock = number;
+    number.integer = version_;
+    lock.integer = lockPosition_;
+    setXData({application, number, lock});
+    database()->core().registerApplication(kLockApplication);
+}
+
 void OdDbAttributeText::afterDecode() {
     OdDbText::afterDecode();
+    if (lockPosition_ == 0 && locksByXData() && namesApplication(source_, kLockApplication)) {
+        const std::vector<OdDbGroup> data = xData(base::widen(kLockApplication));
+        if (data.size() > 2 && data[2].integer != 0) lockPosition_ = 1;
+    }
+    lockInFile_ = lockPosition_;
     if (!mtext_) return;
     mtext_->database_ = database();
     mtext_->chooseDirection(source_, kEmbedded);
@@ -185,8 +212,8 @@ void OdDbAttributeText::changed(Change what) {
             [[fallthrough]];
         case Change::rotation: {
             const double reading = isMirroredInX() ? rotation_ + drawingdb::kPi : rotation_;
-            mtext_->setDirection(OdGeMatrix3d::planeToWorld(normal_) *
-                                 OdGeVector3d(std::cos(reading), std::sin(reading), 0));
+            const OdGeVector2d direction = drawingdb::directionOf(reading);
+            mtext_->setDirection(OdGeMatrix3d::planeToWorld(normal_) * OdGeVector3d(direction.x, direction.y, 0));
             return;
         }
         case Change::style:
@@ -250,7 +277,7 @@ void OdDbAttributeText::convert(bool multiLine) {
         text->setTextHeight(height_);
         text->setHorizontalMode(horizontal_);
         text->setVerticalMode(horizontal_ == OdDb::kTextMid ? static_cast<int>(OdDb::kTextVertMid) : vertical_);
-        text->setContents(escaped(decoded(text_)));
+        text->setContents(drawingdb::mtextEscaped(decoded(text_)));
         assign(text->style_, textStyleName());
         setMText(*text);
     } else {

@@ -78,8 +78,7 @@ void OdDbBlockReference::setScaleFactors(const OdGeScale3d& scale) {
 
 OdGeMatrix3d OdDbBlockReference::placement() const {
     OdGeMatrix3d m;
-    const double c = rotation_ == 0 ? 1.0 : std::cos(rotation_);
-    const double s = rotation_ == 0 ? 0.0 : std::sin(rotation_);
+    const auto [c, s] = directionOf(rotation_);
     m.entry[0][0] = c * scale_.x;
     m.entry[0][1] = -s * scale_.y;
     m.entry[1][0] = s * scale_.x;
@@ -144,7 +143,7 @@ OdResult OdDbBlockReference::transformBy(const OdGeMatrix3d& matrix) {
     columnSpacing_ *= withoutNoise(stretchX);
     rowSpacing_ *= withoutNoise(stretchY) * (signY * scale_.y < 0 ? -1 : 1);
     normal_ = normal;
-    rotation_ = drawingdb::normalizedAngle(std::atan2(flat.y, flat.x));
+    rotation_ = angleOf(flat.xy());
     scale_ = OdGePoint3d(signX * lx, signY * ly, signZ * lz);
     position_ = toPlane * OdGePoint3d(whole.entry[0][3], whole.entry[1][3], whole.entry[2][3]);
     for (const OdDbObjectId id : attributes())

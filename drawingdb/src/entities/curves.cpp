@@ -228,8 +228,9 @@ OdResult OdDbPoint::transformBy(const OdGeMatrix3d& matrix) {
     if (rotation_ != 0) {
         // The direction of the mark that point styles draw.
         if (const auto plane = mapPlane(matrix, normal_)) {
-            const OdGeVector3d mark = plane->map * OdGeVector3d(std::cos(rotation_), std::sin(rotation_), 0);
-            rotation_ = drawingdb::normalizedAngle(std::atan2(mark.y, mark.x));
+            const OdGeVector2d along = drawingdb::directionOf(rotation_);
+            const OdGeVector3d mark = plane->map * OdGeVector3d(along.x, along.y, 0);
+            rotation_ = drawingdb::angleOf(mark.xy());
         }
     }
     transformExtrusion(matrix, normal_, thickness_);
@@ -318,7 +319,7 @@ OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     if (const OdResult result = OdDbCircle::transformBy(matrix); result != OdResult::ok) return result;
     // By how much the plane's X axis has turned: angles that have not changed keep their digits.
     const OdGeVector3d x = plane->map * OdGeVector3d::kXAxis;
-    const double turn = std::atan2(x.y, x.x);
+    const double turn = drawingdb::angleOf(x.xy());
     if (plane->reversed) {
         const double start = turn - endAngle_;
         endAngle_ = drawingdb::normalizedAngle(turn - startAngle_);

@@ -1,6 +1,7 @@
 #include "drawingdb/mtext.h"
 
 #include "base/number.h"
+#include "base/text.h"
 #include "drawingdb/database.h"
 #include "drawingdb/mtext_layout.h"
 #include "drawingdb/mtext_parser.h"
@@ -39,10 +40,9 @@ OdString withScaledHeights(const OdString& contents, double factor) {
     return result;
 }
 
-// The direction of an angle; quarter turns give the axes exactly.
-OdGeVector3d unitVector(double angle) {
-    const auto clean = [](double v) { return std::fabs(v) < 1e-15 ? 0 : v; };
-    return {clean(std::cos(angle)), clean(std::sin(angle)), 0};
+OdGeVector3d inPlane(double angle) {
+    const OdGeVector2d direction = drawingdb::directionOf(angle);
+    return {direction.x, direction.y, 0};
 }
 
 }  // namespace
@@ -131,28 +131,25 @@ void OdDbMText::setLocation(const OdGePoint3d& point) {
 
 OdGeVector3d OdDbMText::direction() const {
     const OdGeMatrix3d toWorld = OdGeMatrix3d::planeToWorld(normal_);
-    if (byRotation_) return toWorld * unitVector(rotation_);
+    if (byRotation_) return toWorld * inPlane(rotation_);
     return direction_.isZeroLength() ? toWorld.xAxis() : direction_.normal();
 }
 void OdDbMText::setDirection(const OdGeVector3d& direction) {
     if (direction.isZeroLength()) throw OdError(OdResult::invalidInput, "the direction of a text has no length");
     assertWriteEnabled();
     // A file has one of the two, or both; what it has is kept in step.
-    if (byRotation_ || rotation_ != 0) {
-        const OdGeVector3d inPlane = OdGeMatrix3d::worldToPlane(normal_) * direction;
-        rotation_ = drawingdb::normalizedAngle(std::atan2(inPlane.y, inPlane.x));
-    }
+    if (byRotation_ || rotation_ != 0)
+        rotation_ = drawingdb::angleOf((OdGeMatrix3d::worldToPlane(normal_) * direction).xy());
     if (!byRotation_) direction_ = direction.normal();
     if (columns_) columns_->direction_ = direction.normal();
 }
 double OdDbMText::rotation() const {
     if (byRotation_) return rotation_;
-    const OdGeVector3d inPlane = OdGeMatrix3d::worldToPlane(normal_) * direction();
-    return drawingdb::normalizedAngle(std::atan2(inPlane.y, inPlane.x));
+    return drawingdb::angleOf((OdGeMatrix3d::worldToPlane(normal_) * direction()).xy());
 }
 void OdDbMText::setRotation(double radians) {
     assertWriteEnabled();
-    setDirection(OdGeMatrix3d::planeToWorld(normal_) * unitVector(radians));
+    setDirection(OdGeMatrix3d::planeToWorld(normal_) * inPlane(radians));
 }
 void OdDbMText::setNormal(const OdGeVector3d& normal) {
     if (normal.isZeroLength()) throw OdError(OdResult::invalidInput, "a normal without length");
@@ -224,7 +221,8 @@ OdDbObjectId OdDbMText::textStyle() const {
 void OdDbMText::setTextStyle(OdDbObjectId style) {
     assertWriteEnabled();
     if (!isDatabaseResident() && !database_) database_ = style.database();
-    assign(style_, drawingdb::textStyleName(style));
+    const OdString name = drawingdb::textStyleName(style);
+    if (!base::equalsNoCase(name, textStyleName())) assign(style_, name);
 }
 
 void OdDbMText::setLineSpacingStyle(int style) {

@@ -1,6 +1,6 @@
-
 #include "drawingdb/text.h"
 
+#include "base/text.h"
 #include "drawingdb/database.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
@@ -216,7 +216,7 @@ void OdDbText::setTextStyle(OdDbObjectId style) {
     assertWriteEnabled();
     belongTo(style.database());
     const OdString name = drawingdb::textStyleName(style);
-    if (name == decoded(style_)) return;
+    if (base::equalsNoCase(name, textStyleName())) return;
     assign(style_, name);
     changed(Change::style);
 }
@@ -292,7 +292,7 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
     assertWriteEnabled();
     settle();
 
-    const OdGeVector2d baseline(std::cos(rotation_), std::sin(rotation_));
+    const OdGeVector2d baseline = drawingdb::directionOf(rotation_);
     const double slant = drawingdb::slantOf(oblique_);
     const OdGeVector2d along = isMirroredInX() ? -baseline : baseline;
     const OdGeVector2d up = isMirroredInY() ? -baseline.perpVector() : baseline.perpVector();
@@ -311,7 +311,7 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
     height_ *= drawingdb::withoutNoise(heightScale);
     widthFactor_ *= drawingdb::withoutNoise(alongImage.length() / heightScale);
     if (sheared) oblique_ = drawingdb::normalizedAngle(std::atan(newSlant));
-    if (!newBaseline.isEqualTo(baseline, {1e-14, 1e-14})) rotation_ = newBaseline.angle();
+    if (!newBaseline.isEqualTo(baseline, {1e-14, 1e-14})) rotation_ = drawingdb::angleOf(newBaseline);
 
     position_.transformBy(plane->map);
     if (hasAlignment()) alignment_ = plane->map * alignmentInPlane();

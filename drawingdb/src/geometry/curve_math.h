@@ -8,11 +8,9 @@
 #include <vector>
 
 #include "drawingdb/ge.h"
+#include "drawingdb/src/geometry/angles.h"
 
 namespace drawingdb {
-
-/// In radians, which objects have; files have degrees.
-inline constexpr double kDegree = drawingdb::kPi / 180;
 
 /// What a matrix makes of a plane. Coordinates in a plane are those that files use: along the axes that planeToWorld
 /// gives the plane's normal.

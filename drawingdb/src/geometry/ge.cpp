@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "drawingdb/src/geometry/angles.h"
+
 double drawingdb::normalizedAngle(double angle) {
     if (!std::isfinite(angle)) return 0.0;
     double turned = std::fmod(angle, kTwoPi);
@@ -28,7 +30,7 @@ OdGePoint3d& OdGePoint3d::transformBy(const OdGeMatrix3d& matrix) { return *this
 OdGeMatrix3d OdGeMatrix3d::rotation(double angle, const OdGeVector3d& axis, const OdGePoint3d& center) {
     const OdGeVector3d k = axis.normal();
     if (k == OdGeVector3d::kIdentity) return kIdentity;
-    const double c = std::cos(angle), s = std::sin(angle);
+    const auto [c, s] = drawingdb::directionOf(angle);
     const auto turned = [&](const OdGeVector3d& v) {
         return v * c + k.crossProduct(v) * s + k * (k.dotProduct(v) * (1.0 - c));
     };

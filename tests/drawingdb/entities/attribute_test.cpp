@@ -1,6 +1,10 @@
 // Attributes and their definitions, single- and multi-line.
 #include "drawingdb/attribute.h"
 
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/mtext.h"
+#include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
 #include "entity_fixture.h"
 
@@ -135,6 +139,92 @@ TEST(AttributeFiles, VersionAndLockShareACode) {
     EXPECT_TRUE(opened<OdDbAttribute>(again, 0xA)->lockPositionInBlock());
     EXPECT_FALSE(opened<OdDbAttribute>(again, 0xB)->lockPositionInBlock());
     EXPECT_TRUE(opened<OdDbAttribute>(again, 0xB)->isVerifiable());
+}
+
+// Versions 2000 to 2006 have the lock in extended data, with the version before it.
+TEST(AttributeFiles, OlderFilesLockByExtendedData) {
+    const std::string lock = "1001|AcDbAttr|1070|0|1070|1|";
+    const auto database = OdDbDatabase::readBytes(
+        [&] {
+            std::string bytes =
+                "0|SECTION|2|HEADER|9|$ACADVER|1|AC1015|0|ENDSEC|0|SECTION|2|TABLES|0|TABLE|2|APPID|5|9|70|1|0|APPID|5|"
+                "12|330|9|100|AcDbSymbolTableRecord|100|AcDbRegAppTableRecord|2|ACAD|70|0|0|ENDTAB|0|ENDSEC|0|SECTION|"
+                "2|"
+                "ENTITIES|0|ATTDEF|5|D|100|AcDbEntity|8|0|100|AcDbText|10|1|20|2|30|0|40|2|1|x|100|"
+                "AcDbAttributeDefinition|3|P|2|T|70|0|" +
+                lock +
+                "0|ATTRIB|5|A|100|AcDbEntity|8|0|100|AcDbText|10|6|20|8|30|0|40|2.5|1|x|100|AcDbAttribute|2|U|70|0|0|"
+                "ENDSEC|0|EOF|";
+            for (char& c : bytes)
+                if (c == '|') c = '\n';
+            return bytes;
+        }(),
+        L"test.dxf");
+    const std::string before = database->writeBytes();
+    database->touchEverything();
+    EXPECT_EQ(database->writeBytes(), before);
+    EXPECT_FALSE(opened<OdDbAttribute>(database, 0xA)->lockPositionInBlock());
+    const auto definition = opened<OdDbAttributeDefinition>(database, 0xD, OdDb::forWrite);
+    EXPECT_TRUE(definition->lockPositionInBlock());
+    opened<OdDbAttribute>(database, 0xA, OdDb::forWrite)->setAttributeFromBlock(*definition, OdGeMatrix3d::kIdentity);
+    const auto again = reread(database);
+    EXPECT_TRUE(opened<OdDbAttribute>(again, 0xA)->lockPositionInBlock());
+    const auto applications = again->tableId("APPID").openAs<OdDbSymbolTable>();
+    EXPECT_TRUE(applications->has(L"AcDbAttr")) << "an application that no table lists is a fault";
+    definition->setLockPositionInBlock(false);
+    EXPECT_FALSE(opened<OdDbAttributeDefinition>(reread(database), 0xD)->lockPositionInBlock());
+}
+
+// What is not turned keeps its digits, and what is turned gets few where few will do, the same on every platform.
+TEST(AttributeFiles, AnglesKeepTheirDigits) {
+    const auto turned = [](const std::string& definition, const std::string& reference,
+                           const std::string& scale = "1") {
+        const auto database =
+            drawing("AC1032", "0|ATTDEF|5|D|100|AcDbEntity|8|0|100|AcDbText|10|3|20|0|30|0|40|2|1|x|50|" + definition +
+                                  "|100|AcDbAttributeDefinition|280|0|3|P|2|T|70|0|"
+                                  "0|INSERT|5|B|100|AcDbEntity|8|0|100|AcDbBlockReference|2|B|10|0|20|0|30|0|41|" +
+                                  scale + "|42|" + scale + "|43|" + scale + "|50|" + reference);
+        const auto block = opened<OdDbBlockReference>(database, 0xB, OdDb::forWrite);
+        const auto attribute = OdDbAttribute::createObject();
+        block->appendAttribute(attribute.get());
+        attribute->setAttributeFromBlock(*opened<OdDbAttributeDefinition>(database, 0xD), block->blockTransform());
+        attribute->downgradeOpen();
+        std::string angle = "0", place;
+        for (const std::string& group : savedGroups(database, attribute->handle().ascii())) {
+            if (group.starts_with("50|")) angle = group.substr(3);
+            if (group.starts_with("10|") || group.starts_with("20|")) place += group.substr(3) + " ";
+        }
+        return angle + " at " + place;
+    };
+    EXPECT_EQ(turned("30", "0"), "30.0 at 3.0 0.0 ");
+    EXPECT_EQ(turned("30", "0", "2.5"), "30.0 at 7.5 0.0 ");
+    EXPECT_EQ(turned("33.1234567890123", "0"), "33.1234567890123 at 3.0 0.0 ");
+    EXPECT_EQ(turned("30", "90"), "120.0 at 0.0 3.0 ");
+    EXPECT_EQ(turned("270", "90"), "0 at 0.0 3.0 ");
+    EXPECT_EQ(turned("0", "180"), "180.0 at -3.0 0.0 ");
+    EXPECT_EQ(turned("350", "10", "0.3").substr(0, 5), "0 at ");
+    EXPECT_EQ(turned("30", "45").substr(0, 8), "75.0 at ");
+    EXPECT_EQ(turned("12.25", "301.5", "7").substr(0, 10), "313.75 at ");
+    // Angles of no few digits, as one sum over their bytes.
+    std::uint32_t sum = 2166136261u;
+    for (int i = 1; i <= 400; ++i)
+        for (const char c : turned(std::to_string(i) + ".123456789", std::to_string(i * 7 % 360) + ".98765432109876"))
+            sum = (sum ^ static_cast<unsigned char>(c)) * 16777619u;
+    EXPECT_EQ(sum, 3218971742u);
+}
+
+// A style that is shown already is no change, also where the file leaves it out.
+TEST(AttributeFiles, TheSameStyleWritesNothing) {
+    const auto database = OdDbDatabase::createNew();
+    const auto space = database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+    const auto text = OdDbText::createObject();
+    const auto lines = OdDbMText::createObject();
+    space->appendOdDbEntity(text.get());
+    space->appendOdDbEntity(lines.get());
+    const std::string before = database->writeBytes();
+    text->setTextStyle(database->findTextStyle(L"Standard"));
+    lines->setTextStyle(database->findTextStyle(L"Standard"));
+    EXPECT_EQ(database->writeBytes(), before);
 }
 
 // Before 2000 there are no markers, and in any order of the groups 71 and 72 are those of the text.
