@@ -396,6 +396,47 @@ class PlotTest(unittest.TestCase):
         expected += [[(x, y), (x + 40, y)] for y in (150, 160) for x in (300, 360)]
         self.assertLines(plot, expected, GREEN)
 
+    def pattern(self, corners, *families, color=1):
+        hatch = self.msp.add_hatch(color=color)
+        hatch.set_pattern_fill("LINES", color=color, definition=families)
+        hatch.paths.add_polyline_path(corners)
+        return hatch
+
+    def test_patterns_that_nobody_could_tell_apart_are_as_dark_as_their_ink(self):
+        square = [(100, 100), (200, 100), (200, 200), (100, 200)]
+        self.pattern(square, (0, (0, 0), (0, 1.25), []))
+        self.pattern(square, (0, (0, 0), (0, 1.6), [0.3, -0.3]), (90, (0, 0), (1.25, 0), []), color=3)
+        self.pattern(square, (0, (0, 0), (0, 20), []), (0, (0, 0), (0, 1e-6), []), color=5)
+        plot = self.plot()
+        self.assertEqual([area.opacity for area in plot.areas(RED)], [0.8])
+        self.assertEqual([area.opacity for area in plot.areas(GREEN)], [0.31, 0.8])
+        self.assertEqual([area.opacity for area in plot.areas(BLUE)], [1])
+        self.assertEqual(len(plot.lines(BLUE)), 5)
+        self.assertBox(plot.areas(RED)[0].contours[0], (100, 100, 200, 200))
+        # The lines are thick where the picture is small, and are told apart where it is large.
+        self.assertEqual([area.opacity for area in self.plot(zoom="ZOOM|C|400,300|1200").areas(RED)], [1])
+        near = self.plot(zoom="ZOOM|C|150,150|60")
+        self.assertEqual([area.color for area in near.areas()], [BLUE])
+        self.assertEqual(len(near.lines(RED)), 49)
+
+    def test_patterns_end_whatever_their_numbers_are(self):
+        square = [(100, 100), (200, 100), (200, 200), (100, 200)]
+        # Far from where it begins a pattern has no place, but it has its spacing.
+        self.pattern(square, (0, (0, 1e20), (0, 10), []))
+        self.pattern(square, (0, (1e20, 0), (0, 10), [5, -5]), color=3)
+        self.pattern(square, (0, (0, 2e16), (2e16, 10), []), color=5)
+        self.pattern(square, (0, (0, 0), (0, 1e20), []), (0, (0, 0), (0, 1e-300), []), color=2)
+        # Of what is much larger than the picture only that is drawn which it shows.
+        self.pattern([(-1e6, -1e6), (1e6, -1e6), (1e6, 1e6), (-1e6, 1e6)], (0, (0, 0), (0, 10), [0, -4]), color=4)
+        started = time.monotonic()
+        plot = self.plot()
+        self.assertLess(time.monotonic() - started, 20)
+        for color in RED, BLUE:
+            self.assertIn(len(plot.lines(color)), (10, 11))
+        self.assertGreater(len(plot.lines(GREEN)), 90)
+        self.assertLess(len(plot.areas("#00ffff")), 20000)
+        self.assertGreater(len(plot.areas("#00ffff")), 11000)
+
     def test_styles_of_hatches_choose_their_paths(self):
         for style, size in (0, 3), (1, 2), (2, 1):
             hatch = self.msp.add_hatch(color=1, dxfattribs={"hatch_style": style})

@@ -12,6 +12,7 @@ class Shape:
     color: str
     width: float  # 0: an area
     contours: list  # of lists of (x, y); those of lines are lines by themselves
+    opacity: float = 1.0
 
 
 @dataclasses.dataclass
@@ -48,5 +49,5 @@ def read_plot(path):
         if element.get("stroke"):
             shapes.append(Shape(element.get("stroke"), float(element.get("stroke-width")), contours))
         else:
-            shapes.append(Shape(element.get("fill"), 0.0, contours))
+            shapes.append(Shape(element.get("fill"), 0.0, contours, float(element.get("fill-opacity", 1))))
     return Plot(float(root.get("width")), float(root.get("height")), background, shapes)

@@ -29,6 +29,12 @@ void DisplayList::add(Kind kind, std::span<const OdGePoint3d> contour) {
     end();
 }
 
+void DisplayList::setInk(std::span<const double> lengths) {
+    const Item tint = items_.back();
+    items_.pop_back();
+    for (const double length : lengths) items_.push_back({tint.kind, tint.style, tint.first, tint.count, length});
+}
+
 std::size_t DisplayList::addReference(const Reference& reference) {
     items_.push_back({Kind::kReference, static_cast<std::uint32_t>(styles_.size() - 1),
                       static_cast<std::uint32_t>(references_.size()), 0});

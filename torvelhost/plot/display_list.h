@@ -19,6 +19,7 @@ class DisplayList {
         kStrokes,   // many polylines, always continuous
         kArea,      // even-odd
         kUnion,     // areas that overlap
+        kTint,      // even-odd, filled with lines that are too close to be told apart
         kMask,      // an area of the paper's colour
         kRay,       // two points: where it begins, and another
         kInfiniteLine,
@@ -28,6 +29,7 @@ class DisplayList {
     struct Item {
         Kind kind;
         std::uint32_t style, first, count;  // contours; of a reference: which one
+        double ink = 0;                     // of a tint: the length of the lines in a unit of area
     };
     struct Reference {
         OdDbObjectId block;
@@ -47,6 +49,8 @@ class DisplayList {
     void endContour();
     void end();
     void add(Kind kind, std::span<const OdGePoint3d> contour);
+    /// Makes of the tint added last one for each of these lengths of lines in a unit of area, one over the other.
+    void setInk(std::span<const double> lengths);
     /// Returns its number; what is added from here to endAttributes belongs to its attributes.
     std::size_t addReference(const Reference& reference);
     void endAttributes(std::size_t reference);

@@ -9,6 +9,7 @@
 //       4 spline    94 degree  95 knots  96 points  40 knot...  10 point...  42 weight...
 //   75 style   76 pattern type
 //   78 lines of the pattern: 53 direction  43 44 a point  45 46 to the next line  79 dashes  49 dash...
+#include <array>
 #include <cmath>
 
 #include "drawingdb/spline.h"
@@ -22,7 +23,36 @@ using Contour = std::vector<OdGePoint2d>;
 using Corners = std::vector<OdGePoint3d>;
 using AddPoint = std::function<void(const OdGePoint2d&)>;
 
+// More than any picture shows.
 constexpr int kMostPatternLines = 20000;
+constexpr std::size_t kMostDashes = 2'000'000;
+
+struct PlaneBox {
+    OdGePoint2d low{1e300, 1e300}, high{-1e300, -1e300};
+
+    void add(const OdGePoint2d& point) {
+        low.set(std::min(low.x, point.x), std::min(low.y, point.y));
+        high.set(std::max(high.x, point.x), std::max(high.y, point.y));
+    }
+    void cutBy(const PlaneBox& other) {
+        low.set(std::max(low.x, other.low.x), std::max(low.y, other.low.y));
+        high.set(std::min(high.x, other.high.x), std::min(high.y, other.high.y));
+    }
+    bool isEmpty() const { return !(low.x <= high.x && low.y <= high.y); }
+    std::array<OdGePoint2d, 4> corners() const {
+        return {low, OdGePoint2d(high.x, low.y), high, OdGePoint2d(low.x, high.y)};
+    }
+};
+
+// A window seen from above, in a plane that is seen so too; nothing for a plane seen at an angle.
+std::optional<PlaneBox> inPlane(const std::optional<OdGeExtents3d>& window, const OdGeMatrix3d& plane) {
+    if (!window || !plane.zAxis().xy().isZeroLength()) return std::nullopt;
+    const OdGeMatrix3d toPlane = plane.inverse();
+    PlaneBox box;
+    for (const OdGePoint3d& corner : {window->minPoint(), window->maxPoint()})
+        box.add((toPlane * OdGePoint3d(corner.x, corner.y, 0)).xy());
+    return box;
+}
 
 // The groups from each with the code `first` to the next of them.
 std::vector<Groups> split(Groups groups, int first) {
@@ -69,80 +99,133 @@ void addSplineEdge(Groups edge, const AddPoint& add) {
             add(spline->pointAtParam(breaks[k - 1] + (breaks[k] - breaks[k - 1]) * i / kStepsPerKnot).xy());
 }
 
-// The lines of a pattern inside even-odd contours.
+// The lines of a pattern inside even-odd contours: of each family of lines its dashes where they can be told apart,
+// else how much ink they make.
 class PatternLines {
   public:
-    PatternLines(const std::vector<Contour>& contours, double pixel) : contours_(contours), pixel_(pixel) {}
+    using Dash = std::pair<OdGePoint2d, OdGePoint2d>;
 
-    // Calls `add` with the ends of each dash. False when the lines are too many or too close to be told apart.
-    bool add(Groups line, const std::function<void(const OdGePoint2d&, const OdGePoint2d&)>& add) {
+    // What lies beside the window, in the plane of the contours, need not be drawn.
+    PatternLines(const std::vector<Contour>& contours, double pixel, const std::optional<PlaneBox>& window)
+        : contours_(contours), pixel_(pixel) {
+        for (const Contour& contour : contours)
+            for (const OdGePoint2d& point : contour) box_.add(point);
+        seen_ = box_;
+        if (window) seen_.cutBy(*window);
+    }
+
+    // False for what is no family of lines.
+    bool add(Groups line) {
         const double angle = line.front().real;
-        const OdGeVector2d along(std::cos(angle), std::sin(angle));
-        const OdGePoint2d base(groupOrZero(line, 43).real, groupOrZero(line, 44).real);
-        const OdGeVector2d step(groupOrZero(line, 45).real, groupOrZero(line, 46).real);
-        const double spacing = along.crossProduct(step);
-        if (std::fabs(spacing) < 1e-12 || std::fabs(spacing) < 2 * pixel_) return false;
-        std::vector<double> dashes;
-        double period = 0;
+        along_ = OdGeVector2d(std::cos(angle), std::sin(angle));
+        base_ = OdGePoint2d(groupOrZero(line, 43).real, groupOrZero(line, 44).real);
+        step_ = OdGeVector2d(groupOrZero(line, 45).real, groupOrZero(line, 46).real);
+        spacing_ = along_.crossProduct(step_);
+        if (!(std::fabs(spacing_) > 1e-12) || !std::isfinite(spacing_)) return false;
+        dashes_.clear();
+        period_ = 0;
+        double ink = 0;
         for (const PlotGroup& group : line) {
             if (group.code != 49) continue;
-            dashes.push_back(group.real);
-            period += std::fabs(group.real);
+            dashes_.push_back(group.real);
+            period_ += std::fabs(group.real);
+            ink += std::max(group.real, 0.0);
         }
-        if (period <= 2 * pixel_) dashes.clear();
+        const double density = (period_ > 0 ? ink / period_ : 1) / std::fabs(spacing_);
+        if (!(period_ > 2 * pixel_)) dashes_.clear();
+        bringNear();
 
-        double low = 1e300, high = -1e300;
-        for (const Contour& contour : contours_) {
-            for (const OdGePoint2d& point : contour) {
-                const double number = along.crossProduct(point - base) / spacing;
-                low = std::min(low, number);
-                high = std::max(high, number);
-            }
-        }
-        if (!(high - low < kMostPatternLines)) return false;
-        for (double number = std::ceil(low); number <= high; ++number) {
-            const OdGePoint2d origin = base + step * number;
-            cross(origin, along);
-            for (std::size_t i = 1; i < crossings_.size(); i += 2)
-                dash(origin, along, crossings_[i - 1], crossings_[i], dashes, period, add);
+        const std::size_t before = drawn_.size();
+        if (std::fabs(spacing_) < 2 * pixel_ || !addLines()) {
+            drawn_.resize(before);
+            densities_.push_back(density);
         }
         return true;
     }
 
+    const std::vector<Dash>& dashes() const { return drawn_; }
+    // The length of the lines in a unit of area, for each family that cannot be told apart.
+    const std::vector<double>& densities() const { return densities_; }
+
   private:
-    void cross(const OdGePoint2d& origin, const OdGeVector2d& along) {
+    // So far away that the hatch is lost beside it, a line says nothing of where the lines lie in the hatch.
+    void bringNear() {
+        constexpr double kFar = 1e12;
+        const double far = kFar * std::fabs(spacing_);
+        if (!(base_.distanceTo(box_.low) < far)) base_ = box_.low;
+        if (!(step_.length() < far)) step_ = along_.perpVector() * spacing_;
+    }
+
+    // False when they are too many.
+    bool addLines() {
+        if (seen_.isEmpty()) return true;
+        double low = 1e300, high = -1e300;
+        for (const OdGePoint2d& corner : seen_.corners()) {
+            const double number = along_.crossProduct(corner - base_) / spacing_;
+            low = std::min(low, number);
+            high = std::max(high, number);
+        }
+        if (!(high - low < kMostPatternLines)) return false;
+        const double first = std::ceil(low);
+        const int count = static_cast<int>(std::floor(high) - first) + 1;
+        for (int i = 0; i < count; ++i) {
+            const OdGePoint2d origin = base_ + step_ * (first + i);
+            double from = 1e300, to = -1e300;  // of the line what can be seen
+            for (const OdGePoint2d& corner : seen_.corners()) {
+                from = std::min(from, along_.dotProduct(corner - origin));
+                to = std::max(to, along_.dotProduct(corner - origin));
+            }
+            cross(origin);
+            for (std::size_t k = 1; k < crossings_.size(); k += 2)
+                if (!dash(origin, std::max(crossings_[k - 1], from), std::min(crossings_[k], to))) return false;
+        }
+        return true;
+    }
+
+    void cross(const OdGePoint2d& origin) {
         crossings_.clear();
         for (const Contour& contour : contours_) {
             for (std::size_t i = 0, last = contour.size() - 1; i < contour.size(); last = i++) {
                 const OdGeVector2d a = contour[last] - origin, b = contour[i] - origin;
-                const double sideA = along.crossProduct(a), sideB = along.crossProduct(b);
+                const double sideA = along_.crossProduct(a), sideB = along_.crossProduct(b);
                 if ((sideA > 0) == (sideB > 0)) continue;
-                crossings_.push_back(along.dotProduct(a + (b - a) * (sideA / (sideA - sideB))));
+                crossings_.push_back(along_.dotProduct(a + (b - a) * (sideA / (sideA - sideB))));
             }
         }
         std::sort(crossings_.begin(), crossings_.end());
     }
 
-    void dash(const OdGePoint2d& origin, const OdGeVector2d& along, double from, double to,
-              const std::vector<double>& dashes, double period,
-              const std::function<void(const OdGePoint2d&, const OdGePoint2d&)>& add) const {
-        if (dashes.empty() || (to - from) / period > kMostPatternLines) {
-            add(origin + along * from, origin + along * to);
-            return;
-        }
-        double place = std::floor(from / period) * period;
+    // False when they are too many.
+    bool dash(const OdGePoint2d& origin, double from, double to) {
+        if (!(from < to)) return true;
+        const auto add = [&](double begin, double end) {
+            drawn_.emplace_back(origin + along_ * begin, origin + along_ * end);
+            return drawn_.size() < kMostDashes;
+        };
+        if (dashes_.empty()) return add(from, to);
+        double place = std::floor(from / period_) * period_;
         // So far out that a dash is lost beside the place, the count ends it.
-        const std::size_t most = static_cast<std::size_t>(kMostPatternLines + 2) * dashes.size();
-        for (std::size_t i = 0; place < to && i < most; ++i) {
-            const double dash = dashes[i % dashes.size()], end = place + std::fabs(dash);
-            if (dash >= 0 && end >= from)
-                add(origin + along * std::max(place, from), origin + along * std::min(end, to));
+        const double most = ((to - from) / period_ + 2) * static_cast<double>(dashes_.size());
+        if (!(most < kMostDashes)) return false;
+        for (std::size_t i = 0; place < to && static_cast<double>(i) < most; ++i) {
+            const double dash = dashes_[i % dashes_.size()], end = place + std::fabs(dash);
+            if (dash >= 0 && end >= from && !add(std::max(place, from), std::min(end, to))) return false;
             place = end;
         }
+        return true;
     }
 
     const std::vector<Contour>& contours_;
     double pixel_;
+    PlaneBox box_, seen_;
+    std::vector<Dash> drawn_;
+    std::vector<double> densities_;
+
+    // The family at work.
+    OdGeVector2d along_, step_;
+    OdGePoint2d base_;
+    double spacing_ = 0, period_ = 0;
+    std::vector<double> dashes_;
     std::vector<double> crossings_;
 };
 
@@ -218,19 +301,20 @@ bool Shapes::addHatch(const std::vector<PlotGroup>& groups) {
     };
     if (groupOrZero(head, 70).integer != 0) return addContours(DisplayList::Kind::kArea);
 
-    PatternLines pattern(contours, pixel_);
-    std::vector<std::pair<OdGePoint2d, OdGePoint2d>> dashes;
-    bool drawn = true;
     const std::vector<Groups> lines = split(tail, 53);
-    for (Groups line : lines) {
-        drawn &=
-            pattern.add(line, [&](const OdGePoint2d& from, const OdGePoint2d& to) { dashes.emplace_back(from, to); });
-        if (!drawn) break;
+    // The pattern reaches as far as its boundary does.
+    if (pixel_ == 0) return addContours(DisplayList::Kind::kStrokes);
+    PatternLines pattern(contours, pixel_, inPlane(window_, plane));
+    bool drawn = !lines.empty();
+    for (Groups line : lines) drawn = drawn && pattern.add(line);
+    // A pattern that is none, or not there, leaves the boundary to be seen.
+    if (!drawn) return addContours(DisplayList::Kind::kStrokes);
+    if (!pattern.densities().empty()) {
+        addContours(DisplayList::Kind::kTint);
+        list_.setInk(pattern.densities());
     }
-    // A pattern that cannot be told apart, or is not there, leaves the boundary to be seen.
-    if (!drawn || lines.empty()) return addContours(DisplayList::Kind::kStrokes);
     list_.begin(DisplayList::Kind::kStrokes);
-    for (const auto& [from, to] : dashes) {
+    for (const auto& [from, to] : pattern.dashes()) {
         list_.addPoint(toWorld(from));
         list_.addPoint(toWorld(to));
         list_.endContour();

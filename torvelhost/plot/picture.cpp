@@ -118,7 +118,7 @@ void Picture::beginShape(std::uint32_t color, float width) {
     const auto contours = static_cast<std::uint32_t>(contourEnds_.size());
     // Lines in one pen look the same as one shape or several; overlapping areas do not.
     if (width > 0 && !shapes_.empty() && shapes_.back().color == color && shapes_.back().width == width) return;
-    shapes_.push_back({color, width, FillRule::kEvenOdd, contours, 0});
+    shapes_.push_back({color, width, FillRule::kEvenOdd, 1, contours, 0});
 }
 
 void Picture::addPoint(const OdGePoint2d& point) {
@@ -253,6 +253,12 @@ void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, Fi
             addInTriangles(inBox);
     }
     if (shapes_.back().contourCount == 0) shapes_.pop_back();
+}
+
+void Picture::addTint(std::span<const Contour> contours, std::uint32_t color, double opacity) {
+    const std::size_t before = shapes_.size();
+    addArea(contours, color);
+    if (shapes_.size() > before) shapes_.back().opacity = static_cast<float>(opacity);
 }
 
 // What lies in any polygon is what lies in the triangles between its first corner and its sides, where those that turn

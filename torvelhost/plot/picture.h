@@ -36,6 +36,7 @@ class Picture {
         std::uint32_t color;
         float width;
         FillRule rule;
+        float opacity;  // of an area: the part of what is under it that it covers
         std::uint32_t firstContour, contourCount;
     };
     using Contour = std::vector<OdGePoint2d>;
@@ -52,6 +53,9 @@ class Picture {
     void addPolyline(std::span<const OdGePoint2d> points, const Pen& pen);
     /// Each contour is closed by itself.
     void addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule = FillRule::kEvenOdd);
+
+    /// An area that lets what is under it be seen; even-odd. The opacity is from 0 to 1.
+    void addTint(std::span<const Contour> contours, std::uint32_t color, double opacity);
 
     /// Cuts off what is drawn from now on at a polygon.
     void setClip(const Contour& polygon);

@@ -90,7 +90,7 @@ class Painter {
                 else
                     polygon(contour);
             }
-            fill(shape.color);
+            fill(shape.color, shape.opacity);
         }
         return bytes_;
     }
@@ -98,8 +98,9 @@ class Painter {
   private:
     static agg::rgba8 colorOf(std::uint32_t rgb) { return agg::rgba8((rgb >> 16) & 255, (rgb >> 8) & 255, rgb & 255); }
 
-    void fill(std::uint32_t color) {
-        agg::render_scanlines_aa_solid(rasterizer_, scanline_, base_, colorOf(color));
+    void fill(std::uint32_t color, double opacity = 1) {
+        agg::rgba8 paint = colorOf(color);
+        agg::render_scanlines_aa_solid(rasterizer_, scanline_, base_, paint.opacity(opacity));
         rasterizer_.reset();
         corners_ = 0;
     }

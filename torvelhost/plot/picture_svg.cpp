@@ -35,6 +35,10 @@ class SvgWriter {
         out_ += isArea ? "<path fill=\"" : "<path stroke=\"";
         color(shape.color);
         if (isArea) {
+            if (shape.opacity < 1) {
+                out_ += "\" fill-opacity=\"";
+                number(shape.opacity);
+            }
             out_ += shape.rule == FillRule::kNonZero ? "\" fill-rule=\"nonzero\" d=\"" : "\" d=\"";
         } else {
             out_ += "\" stroke-width=\"";

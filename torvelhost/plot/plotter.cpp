@@ -182,14 +182,18 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
             return;
         case Kind::kArea:
         case Kind::kUnion:
+        case Kind::kTint:
         case Kind::kMask: {
             std::vector<Picture::Contour> contours;
             for (std::size_t i = 0; i < item.count; ++i) {
                 project(i);
                 contours.push_back(points_);
             }
-            picture_.addArea(contours, item.kind == Kind::kMask ? picture_.background() : look.color,
-                             item.kind == Kind::kUnion ? FillRule::kNonZero : FillRule::kEvenOdd);
+            const std::uint32_t color = item.kind == Kind::kMask ? picture_.background() : look.color;
+            if (item.kind == Kind::kTint)
+                picture_.addTint(contours, color, std::min(item.ink * look.width / scaleOf(toPixels), 1.0));
+            else
+                picture_.addArea(contours, color, item.kind == Kind::kUnion ? FillRule::kNonZero : FillRule::kEvenOdd);
             return;
         }
         case Kind::kRay:
