@@ -10,6 +10,7 @@ import argparse
 import math
 import os
 import pathlib
+import re
 import struct
 import subprocess
 import sys
@@ -530,6 +531,28 @@ class PlotTest(unittest.TestCase):
         self.assertLines(plot, [[(350, 300), (450, 300)]], GREEN, tolerance=0.6)
         self.assertBox(plot.areas(RED)[0].contours[0], (355, 310, 445, 320), tolerance=0.6)
         self.assertEqual(len(plot.lines()), 2)  # the outline shows by itself
+
+    def test_layouts_that_nobody_visited_yet_show_what_is_not_off(self):
+        self.msp.add_line((-10, 0), (10, 0), dxfattribs={"color": 3})
+        layout = self.doc.layout("Layout1")
+        layout.reset_main_viewport()
+        shown = layout.add_viewport(center=(200, 300), size=(100, 100), view_center_point=(0, 0), view_height=100)
+        off = layout.add_viewport(center=(400, 300), size=(100, 100), view_center_point=(0, 0), view_height=100)
+        off.dxf.flags |= 0x20000
+        for viewport in layout.viewports():
+            viewport.dxf.status = viewport.dxf.id = 0
+        # The exporter gives numbers; here it must not.
+        self.doc.saveas(self.folder / "plan.dxf")
+        text = (self.folder / "plan.dxf").read_text()
+        text = re.sub(r"(\n 68\n)\d+(\n 69\n)\d+\n", r"\g<1>0\g<2>0\n", text)
+        (self.folder / "plan.dxf").write_text(text)
+        run = self.run_program("plan.dxf", "-p", "plot.svg", "-c", "LAYOUT|Layout1", "-c", UNIT_IS_PIXEL)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertLines(plots.read_plot(self.folder / "plot.svg"), [[(190, 300), (210, 300)]], GREEN)
+        run = self.run_program("plan.dxf", "-c", f"LAYOUT|Layout1|MSPACE|#{shown.dxf.handle}|Ray|0,0|5,5|", "-o",
+                               "out.dxf")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(len(ezdxf.readfile(self.folder / "out.dxf").modelspace().query("RAY")), 1)
 
     # ---- faults and sizes
 

@@ -6,12 +6,13 @@
 class DRAWINGDB_API OdDbViewport : public OdDbEntity {
     OD_DECLARE_CONCRETE_CLASS(OdDbViewport)
   public:
-    /// 1 is the layout's own viewport; floating ones have greater numbers.
-    int number() const { return number_; }
+    /// 1 is the layout's own viewport; floating ones have greater numbers. On layouts that nobody has visited yet the
+    /// file gives none: there it is the viewport's place among those of the layout.
+    int number() const;
     OdGePoint3d centerPoint() const { return center_; }
     double width() const { return width_; }
     double height() const { return height_; }
-    bool isOn() const { return status_ > 0; }
+    bool isOn() const;
     OdGePoint2d viewCenter() const { return OdGePoint2d(viewCenter_.x, viewCenter_.y); }
     OdGePoint3d viewTarget() const { return viewTarget_; }
     OdGeVector3d viewDirection() const { return viewDirection_; }
@@ -39,4 +40,5 @@ class DRAWINGDB_API OdDbViewport : public OdDbEntity {
     double twist_ = 0;
     std::int16_t status_ = 1;
     std::int16_t number_ = 0;
+    std::int32_t flags_ = 0;
 };

@@ -221,17 +221,11 @@ OdDbObjectId OdDbDatabase::activeViewportId() const {
         Stub& stub = core_->at(core_->activeViewport);
         if (!stub.gone()) return OdDbObjectId(&stub);
     }
-    OdDbObjectId first;
     const auto block = space.openIf<OdDbBlockTableRecord>();
     if (!block) return {};
-    for (const OdDbObjectId id : block->entities()) {
-        const auto viewport = id.openIf<OdDbViewport>();
-        if (!viewport) continue;
-        if (viewport->number() == 1) return id;
-        // Layouts that were never visited have viewports without numbers; the first is the layout's own.
-        if (first.isNull() && viewport->number() <= 1) first = id;
-    }
-    return first;
+    for (const OdDbObjectId id : block->entities())
+        if (const auto viewport = id.openIf<OdDbViewport>(); viewport && viewport->number() == 1) return id;
+    return {};
 }
 
 void OdDbDatabase::setActiveViewport(OdDbObjectId viewport) {

@@ -1,5 +1,6 @@
 #include "drawingdb/viewport.h"
 
+#include "drawingdb/block.h"
 #include "drawingdb/src/core/description.h"
 
 using namespace drawingdb;
@@ -20,6 +21,22 @@ void OdDbViewport::describe(Describer& d) {
     d.point(17, self.viewTarget_);
     d.real(45, self.viewHeight_);
     d.angle(51, self.twist_);
+    d.int32(90, self.flags_);
+}
+int OdDbViewport::number() const {
+    const auto layout = number_ == 0 ? blockId().openIf<OdDbBlockTableRecord>() : OdSmartPtr<OdDbBlockTableRecord>();
+    if (!layout) return number_;
+    int place = 0;
+    for (const OdDbObjectId id : layout->entities()) {
+        place += id.isKindOf(desc()) ? 1 : 0;
+        if (id == objectId()) break;
+    }
+    return place;
+}
+// What has no number has no state either: it gets both when its layout is first shown.
+bool OdDbViewport::isOn() const {
+    constexpr std::int32_t kOff = 0x20000;
+    return status_ > 0 || (status_ == 0 && number_ == 0 && !(flags_ & kOff));
 }
 const ClassDescription* OdDbViewport::description() const {
     static const ClassDescription d = drawingdb::describe<OdDbViewport>("VIEWPORT", &OdDbViewport::describe);
