@@ -13,6 +13,7 @@ import sys
 import tempfile
 
 import ezdxf
+import ezdxf.enums
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "plot"))
@@ -42,6 +43,13 @@ def hatch(block):
     half.add_line((8, 2), (16, 4))
 
 
+def backward(block):
+    """Between two points, backward and backward upside down."""
+    for y, flags, alignment in (0, 2, "FIT"), (3, 6, "FIT"), (6, 2, "ALIGNED"), (9, 6, "ALIGNED"):
+        text = block.add_text("Back", height=1, dxfattribs={"text_generation_flag": flags})
+        text.set_placement((0, y), (5, y + 2), ezdxf.enums.TextEntityAlignment[alignment])
+
+
 def mtext(text, attachment, direction=(1, 0.3, 0), fill=None):
     def add(block):
         made = block.add_mtext(text, dxfattribs={"char_height": 1, "insert": (4, 3), "width": 9, "attachment_point": attachment,
@@ -51,25 +59,47 @@ def mtext(text, attachment, direction=(1, 0.3, 0), fill=None):
     return add
 
 
+def polygon_mesh(block):
+    mesh = block.add_polymesh((3, 4))
+    for row in range(3):
+        for column in range(4):
+            mesh.set_mesh_vertex((row, column), (2 * row + 0.3 * column, 2 * column, row))
+
+
+def polyface_mesh(block):
+    block.add_polyface().append_faces([[(0, 0, 0), (4, 0, 0), (4, 3, 1), (0, 3, 0)], [(0, 3, 0), (4, 3, 1), (2, 6, 0)]])
+
+
+def multi_line(block):
+    block.add_mline([(0, 0), (5, 0), (5, 5)], dxfattribs={"scale_factor": 0.8})
+
+
 # What blocks hold; each has been shown otherwise once it was burst.
 SHAPES = {
     "donut": polyline((0, 0, 1, 1, 1), (4, 0, 1, 1, 1), close=True),
     "dot": polyline((1, 2, 2, 2, 1), (3, 2, 2, 2, 1), close=True),
     "tapered": polyline((0, 0, 0.5, 0.5, 0.5), (6, 0, 0.5, 1.5, -0.4), (6, 6, 0, 0, 0)),
     "crossing": polyline((0, 0), (6, 6), (6, 0), (0, 6), dxfattribs={"const_width": 0.8}),
+    "joints": polyline((0, 0, 0.4, 2), (4, 0, 0.6, 0.6), (6, 3, 2, 0.4), (2, 5, 1, 1), (6, 6, 1, 1), (1, 7)),
+    "backward": backward,
     "arrow": polyline((0, 0, 0.3, 0.3), (4, 0, 1.5, 0), (7, 0)),
     "thick": polyline((0, 0, 0.5, 0.5, 0.5), (6, 0, 0.5, 1.5, 0), (6, 6), dxfattribs={"thickness": 2}),
     "old": lambda block: block.add_polyline2d([(0, 0, 0.5, 0.5, 0.5), (6, 0, 0.5, 1.5, 0), (6, 6)], format="xyseb"),
     "hatch": hatch,
     "leader": lambda block: block.add_leader([(0, 0), (3, 3), (8, 3)], override={"dimasz": 0.8}),
     "points": lambda block: block.add_point((2, 2)),
+    "polygon_mesh": polygon_mesh,
+    "polyface_mesh": polyface_mesh,
     "lines": mtext("Multi\\Pline {\\H1.5x;big} \\W2;wide\\Q20;slant \\S1/2;", 5),
     "one_line": mtext("a\\W1.5;b\\Q10;c", 8),
     "filled": mtext("Back", 1, (1, 0, 0), fill=2),
 }
 SCALES = [dict(xscale=2, yscale=0.6), dict(xscale=-1.6, yscale=0.7, rotation=33), dict(xscale=1.5, yscale=1.5, zscale=1.5)]
+# What an unequal scale could not show.
+ALIKE = {"multi_line": multi_line}
+TURNED = [dict(), dict(xscale=1.5, yscale=1.5, zscale=1.5, rotation=30)]
 # R12 has neither hatches nor light polylines, leaders and multi-line texts.
-VERSIONS = {"R2018": list(SHAPES), "R12": ["old", "points"]}
+VERSIONS = {"R2018": list(SHAPES), "R12": ["old", "points", "backward", "polygon_mesh", "polyface_mesh"]}
 CELL = 40
 
 
@@ -80,13 +110,18 @@ def make_shapes(version, path):
         SHAPES[name](doc.blocks.new(name.upper()))
         for column, scale in enumerate(SCALES):
             doc.modelspace().add_blockref(name.upper(), (column * CELL, row * CELL), scale)
+    if version != "R12":
+        for row, name in enumerate(ALIKE):
+            ALIKE[name](doc.blocks.new(name.upper()))
+            for column, scale in enumerate(TURNED):
+                doc.modelspace().add_blockref(name.upper(), ((len(SCALES) + column) * CELL, row * CELL), scale)
     doc.saveas(path)
-    return f"{-CELL / 2},{-CELL / 2}|{(len(SCALES) - 0.5) * CELL},{(len(VERSIONS[version]) - 0.5) * CELL}"
+    return f"{-CELL / 2},{-CELL / 2}|{(len(SCALES) + len(TURNED) - 0.5) * CELL},{(len(VERSIONS[version]) - 0.5) * CELL}"
 
 
 def plot(program, drawing, commands, folder, name):
     svg = folder / (name + ".svg")
-    subprocess.run(program + ["-q", "--profile", str(folder / "profile.ini"), "--size", "3000x2250", "-c", commands, "-p", str(svg),
+    subprocess.run(program + ["-q", "--profile", str(folder / "profile.ini"), "--size", "4200x3150", "-c", commands, "-p", str(svg),
                               "-o", str(folder / (name + ".dxf")), str(drawing)], check=True, capture_output=True)
     picture = plots.read_plot(svg)
     areas = [contour for shape in picture.shapes if not shape.width for contour in shape.contours]

@@ -187,6 +187,13 @@ class PlotTest(unittest.TestCase):
         self.assertBox(sum(area.contours, []), (100, 90, 310, 300))
         (area,) = plot.areas(GREEN)
         self.assertBox(area.contours[0], (500, 80, 700, 120))
+        # Where widths differ neither is drawn out to a spike, and the gap outside is filled.
+        self.msp.add_lwpolyline([(400, 400, 40, 40), (600, 400, 4, 4), (600, 500, 4, 4)], format="xyse",
+                                dxfattribs={"color": 5})
+        (area,) = self.plot().areas(BLUE)
+        self.assertEqual(sorted(len(contour) for contour in area.contours), [3, 4, 4])
+        first, = (contour for contour in area.contours if len(contour) == 4 and min(contour)[0] < 401)
+        self.assertBox(first, (400, 380, 600, 420))
         # The width counts for how far the drawing reaches, and for what reaches into the view.
         shown = self.plot(zoom=None)
         self.assertTrue(all(0 <= x <= 800 and 0 <= y <= 600 for area in shown.areas() for x, y in area.contours[0]))

@@ -173,15 +173,23 @@ void Shapes::addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, b
 }
 
 // A quadrilateral a segment; where two meet they share the corners of the mitre, as long as that is not too sharp.
+// Segments that are equally wide where they meet share the corners of the mitre there, unless it were too sharp. Others
+// end square, and a wedge fills the gap between their outer corners.
 void Shapes::addWide(const std::vector<WideSegment>& segments, bool closed, const OdGeMatrix3d& toWorld,
                      double elevation) {
     const auto sideOf = [](const WideSegment& segment) { return (segment.end - segment.start).normal().perpVector(); };
-    const auto mitre = [&](const WideSegment& segment, const WideSegment* neighbour) {
-        const OdGeVector2d own = sideOf(segment);
-        if (!neighbour) return own;
-        const OdGeVector2d other = sideOf(*neighbour);
-        const double cosine = own.dotProduct(other);
-        return cosine < -0.7 ? own : (own + other) / (1 + cosine);
+    const auto meet = [&](const WideSegment& before, const WideSegment& after) {
+        constexpr double kSharpest = -0.7;
+        return std::fabs(before.endWidth - after.startWidth) <= 1e-9 * before.endWidth &&
+               sideOf(before).dotProduct(sideOf(after)) >= kSharpest;
+    };
+    const auto mitre = [&](const WideSegment& segment, const WideSegment& neighbour) {
+        const OdGeVector2d own = sideOf(segment), other = sideOf(neighbour);
+        return (own + other) / (1 + own.dotProduct(other));
+    };
+    const auto addContour = [&](std::initializer_list<OdGePoint2d> corners) {
+        for (const OdGePoint2d& corner : corners) list_.addPoint(toWorld * OdGePoint3d(corner.x, corner.y, elevation));
+        list_.endContour();
     };
     list_.begin(DisplayList::Kind::kUnion);
     for (std::size_t i = 0; i < segments.size(); ++i) {
@@ -191,12 +199,20 @@ void Shapes::addWide(const std::vector<WideSegment>& segments, bool closed, cons
         const WideSegment* after = i + 1 < segments.size() ? &segments[i + 1] : closed ? &segments.front() : nullptr;
         if (before && (before->end - before->start).isZeroLength()) before = nullptr;
         if (after && (after->end - after->start).isZeroLength()) after = nullptr;
-        const OdGeVector2d start = mitre(segment, before) * (segment.startWidth / 2),
-                           end = mitre(segment, after) * (segment.endWidth / 2);
-        for (const OdGePoint2d& corner :
-             {segment.start + start, segment.start - start, segment.end - end, segment.end + end})
-            list_.addPoint(toWorld * OdGePoint3d(corner.x, corner.y, elevation));
-        list_.endContour();
+        const OdGeVector2d side = sideOf(segment);
+        const OdGeVector2d start =
+            (before && meet(*before, segment) ? mitre(segment, *before) : side) * (segment.startWidth / 2);
+        const OdGeVector2d end =
+            (after && meet(segment, *after) ? mitre(segment, *after) : side) * (segment.endWidth / 2);
+        addContour({segment.start + start, segment.start - start, segment.end - end, segment.end + end});
+        if (!after || meet(segment, *after) || segment.endWidth == 0 || after->startWidth == 0) continue;
+        const OdGeVector2d next = sideOf(*after);
+        const double turn = side.crossProduct(next);
+        if (turn == 0) continue;
+        const OdGePoint2d own = segment.end - side * (std::copysign(segment.endWidth, turn) / 2),
+                          other = segment.end - next * (std::copysign(after->startWidth, turn) / 2);
+        // All contours turn the same way round, so that what they cover adds up.
+        turn > 0 ? addContour({segment.end, own, other}) : addContour({segment.end, other, own});
     }
     list_.end();
 }

@@ -64,11 +64,26 @@ class GroupList {
         return i < end_ ? point(i).asVector() : OdGeVector3d::kZAxis;
     }
 
+    // The value of a group that may be left out, and its place in the last zone when it is new.
+    double realOr(int wanted, double fallback) const {
+        const std::size_t i = find(wanted);
+        return i < end_ ? real(i) : fallback;
+    }
+    void setOrAdd(int wanted, double value, double fallback) {
+        const std::size_t i = find(wanted);
+        if (i < end_)
+            setReal(i, value);
+        else if (value != fallback)
+            added_.emplace_back(wanted, value);
+    }
+
     std::string_view bytes(std::size_t i) const { return items_[i].group.bytes(); }
     std::string bytes() const {
         std::string out;
         GroupWriter writer(out, format_);
         for (std::size_t i = 0; i <= size(); ++i) {
+            if (i == end_)
+                for (const auto& [code, value] : added_) writer.real(code, value);
             if (i == end_ && newNormal_) writer.point(210, newNormal_->x, newNormal_->y, newNormal_->z);
             if (i == size()) break;
             const Item& item = items_[i];
@@ -92,6 +107,7 @@ class GroupList {
     std::vector<Item> items_;
     std::size_t end_ = 0;
     std::optional<OdGeVector3d> newNormal_;
+    std::vector<std::pair<int, double>> added_;
 };
 
 bool isOneOf(int code, std::initializer_list<int> codes) {
@@ -109,6 +125,57 @@ bool transformInWorld(GroupList& groups, const OdGeMatrix3d& matrix, std::initia
         else if (isOneOf(groups.code(i), vectors))
             groups.setPoint(i, OdGePoint3d() + matrix * groups.point(i).asVector());
     return true;
+}
+
+// The factor of a matrix that shifts, turns and scales alike in all directions; none for another, or one that mirrors.
+std::optional<double> equalScale(const OdGeMatrix3d& matrix) {
+    const OdGeVector3d x = matrix.xAxis(), y = matrix.yAxis(), z = matrix.zAxis();
+    if (!matrix.isUniScaledOrtho() || x.crossProduct(y).dotProduct(z) < 0) return std::nullopt;
+    return withoutNoise(x.length());
+}
+
+// What keeps its form. Directions keep their length; `lengths` are those groups behind the marker of the last zone.
+bool transformAlike(GroupList& groups, const OdGeMatrix3d& matrix, std::initializer_list<int> points,
+                    std::initializer_list<int> directions, std::initializer_list<int> lengths, bool scales = true) {
+    const auto scale = equalScale(matrix);
+    if (!scale || (*scale != 1 && !scales)) return false;
+    transformInWorld(groups, matrix, points, directions);
+    std::size_t lastZone = 0;
+    for (std::size_t i = 0; i < groups.end(); ++i)
+        if (groups.code(i) == 100) lastZone = i;
+    for (std::size_t i = 0; i < groups.end(); ++i) {
+        if (isOneOf(groups.code(i), directions)) groups.setPoint(i, groups.point(i) * (1 / *scale));
+        if (i > lastZone && isOneOf(groups.code(i), lengths)) groups.setReal(i, groups.real(i) * *scale);
+    }
+    return true;
+}
+
+// Something drawn by another file at a point of a plane, turned by 50 and sized by `sizes`, which are 1 when they are
+// left out.
+bool transformPlaced(GroupList& groups, const OdGeMatrix3d& matrix, std::initializer_list<int> sizes) {
+    const OdGeVector3d normal = groups.normal();
+    const auto plane = mapPlane(matrix, normal);
+    const auto scale = plane ? planarScale(*plane) : std::nullopt;
+    if (!scale || plane->reversed) return false;
+    const double angle = groups.realOr(50, 0) * kDegree;
+    const OdGeVector3d along(std::cos(angle), std::sin(angle), 0), image = plane->map * along;
+    // What was not turned keeps its angle.
+    if (!image.normal().isEqualTo(along, {1e-14, 1e-14})) groups.setOrAdd(50, OdGeVector2d(image.x, image.y).angle() / kDegree, 0);
+    if (const std::size_t place = groups.find(10); place < groups.end())
+        groups.setPoint(place, plane->map * groups.point(place));
+    for (const int size : sizes) groups.setOrAdd(size, groups.realOr(size, 1) * *scale, 1);
+    if (const std::size_t thickness = groups.find(39); thickness < groups.end())
+        groups.setReal(thickness, mapThickness(matrix, normal, groups.real(thickness), plane->normal));
+    groups.setNormal(plane->normal);
+    return true;
+}
+
+// Corners of meshes; what numbers them has a point too, which says nothing.
+bool transformVertex(GroupList& groups, const OdGeMatrix3d& matrix) {
+    constexpr std::int64_t kCorner = 64, kFaceOrCorner = 128;
+    const std::size_t flags = groups.find(70);
+    const std::int64_t kind = flags < groups.end() ? groups.integer(flags) : 0;
+    return (kind & (kCorner | kFaceOrCorner)) == kFaceOrCorner || transformInWorld(groups, matrix, {10}, {});
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -393,6 +460,15 @@ bool transform(std::string_view kind, GroupList& groups, const OdGeMatrix3d& mat
     if (kind == "LEADER") return transformInWorld(groups, matrix, {10}, {210, 211, 212, 213});
     if (kind == "IMAGE") return transformInWorld(groups, matrix, {10}, {11, 12});
     if (kind == "HATCH") return HatchTransform(groups, matrix).run();
+    if (kind == "MESH") return transformInWorld(groups, matrix, {10}, {});
+    if (kind == "VERTEX") return transformVertex(groups, matrix);
+    if (kind == "LIGHT") return transformAlike(groups, matrix, {10, 11}, {}, {});
+    if (kind == "MLINE") return transformAlike(groups, matrix, {10, 11}, {12, 13, 210}, {40, 41, 42});
+    if (kind == "HELIX") return transformAlike(groups, matrix, {10, 11}, {12, 13, 210}, {40, 42});
+    // As large as its dimension style says.
+    if (kind == "TOLERANCE") return transformAlike(groups, matrix, {10}, {11, 210}, {}, false);
+    if (kind == "SHAPE") return transformPlaced(groups, matrix, {40});
+    if (kind.ends_with("UNDERLAY")) return transformPlaced(groups, matrix, {41, 42, 43});
     return false;
 }
 

@@ -70,14 +70,19 @@ void CurvePieces::addSegment(const BulgeSegment& segment) {
     addArc(*center, radius.length(), start, start + std::fabs(segment.angle()));
 }
 
-// Where two segments meet they share the corners of the mitre, unless it were too sharp.
+// Segments that are equally wide where they meet share the corners of the mitre there, unless it were too sharp. Others
+// end square, and a wedge fills the gap between their outer corners.
 void CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed) {
-    const auto sideAt = [&](std::size_t i, double fraction) {
-        return segments[i].segment.derivativeAt(fraction).normal().perpVector();
+    const auto sideAt = [](const WideSegment& of, double fraction) {
+        return of.segment.derivativeAt(fraction).normal().perpVector();
+    };
+    const auto meet = [&](const WideSegment& before, const WideSegment& after) {
+        constexpr double kSharpest = -0.7;
+        return std::fabs(before.endWidth - after.startWidth) <= 1e-9 * before.endWidth &&
+               sideAt(before, 1).dotProduct(sideAt(after, 0)) >= kSharpest;
     };
     const auto mitre = [](const OdGeVector2d& own, const OdGeVector2d& other) {
-        const double cosine = own.dotProduct(other);
-        return cosine < -0.7 ? own : (own + other) / (1 + cosine);
+        return (own + other) / (1 + own.dotProduct(other));
     };
     const std::size_t count = segments.size();
     const bool showsMore =
@@ -89,12 +94,28 @@ void CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed)
             addSegment(wide.segment);
             continue;
         }
-        const std::size_t before = (i + count - 1) % count, after = (i + 1) % count;
-        OdGeVector2d start = sideAt(i, 0), end = sideAt(i, 1);
-        if ((closed || i > 0) && !segments[before].isPoint()) start = mitre(start, sideAt(before, 1));
-        if ((closed || i + 1 < count) && !segments[after].isPoint()) end = mitre(end, sideAt(after, 0));
-        addStrip(wide, start, end);
+        const WideSegment& before = segments[(i + count - 1) % count];
+        const WideSegment& after = segments[(i + 1) % count];
+        const bool follows = (closed || i > 0) && !before.isPoint(),
+                   goesOn = (closed || i + 1 < count) && !after.isPoint();
+        const OdGeVector2d start = sideAt(wide, 0), end = sideAt(wide, 1);
+        addStrip(wide, follows && meet(before, wide) ? mitre(start, sideAt(before, 1)) : start,
+                 goesOn && meet(wide, after) ? mitre(end, sideAt(after, 0)) : end);
+        if (goesOn && !meet(wide, after)) addWedge(wide, after, end, sideAt(after, 0));
     }
+}
+
+void CurvePieces::addWedge(const WideSegment& before, const WideSegment& after, const OdGeVector2d& sideBefore,
+                           const OdGeVector2d& sideAfter) {
+    const double turn = sideBefore.crossProduct(sideAfter);
+    if (turn == 0 || before.endWidth == 0 || after.startWidth == 0) return;
+    const OdGePoint2d middle = before.segment.end;
+    const OdGePoint2d own = middle - sideBefore * (std::copysign(before.endWidth, turn) / 2),
+                      other = middle - sideAfter * (std::copysign(after.startWidth, turn) / 2);
+    if (version_ >= kFirstVersionWithHatches && thickness_ == 0)
+        return add(newSolidHatch({normal_, elevation_, {middle, own}, {other}}));
+    const auto corner = [&](const OdGePoint2d& point) { return OdGePoint3d(point.x, point.y, elevation_); };
+    add(newSolid(normal_, thickness_, {corner(middle), corner(own), corner(other), corner(other)}));
 }
 
 void CurvePieces::addStrip(const WideSegment& wide, const OdGeVector2d& startSide, const OdGeVector2d& endSide) {

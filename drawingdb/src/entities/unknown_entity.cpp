@@ -41,11 +41,23 @@ void explodeLeader(const OdDbEntity& leader, std::vector<OdDbEntityPtr>& pieces)
     }
 }
 
+// The vertices of a polygon or polyface mesh; what else the polyline says has no place.
+OdResult transformMesh(Core& core, Stub& mesh, const OdGeMatrix3d& matrix) {
+    core.requireWritable();
+    for (Stub* child = core.nextChild(mesh, nullptr); child; child = core.nextChild(mesh, child)) {
+        if (core.typeName(*child) != "VERTEX") continue;
+        if (const auto bytes = transformedCarried("VERTEX", core.bytesOf(*child), core.format, matrix))
+            core.setBytes(*child, *bytes);
+    }
+    return OdResult::ok;
+}
+
 }  // namespace
 
 OdResult OdDbUnknownEntity::transformBy(const OdGeMatrix3d& matrix) {
     if (!stub_ || (dxfName() == "LEADER" && resizesHead(*this, matrix))) return OdResult::transformRefused;
     Core& core = coreOf(stub_);
+    if (dxfName() == "POLYLINE") return transformMesh(core, *stub_, matrix);
     const auto bytes = transformedCarried(dxfName(), core.bytesOf(*stub_), core.format, matrix);
     if (!bytes) return OdResult::transformRefused;
     assertWriteEnabled();

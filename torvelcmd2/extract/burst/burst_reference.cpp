@@ -9,6 +9,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
+#include "drawingdb/dictionary.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/mtext_layout.h"
 #include "drawingdb/reference_cells.h"
@@ -22,6 +23,7 @@ namespace {
 
 // More than anybody wants to have in a drawing; blocks that hold each other many times over could come to any number.
 constexpr std::size_t kMostPieces = 1'000'000;
+constexpr wchar_t kTooMany[] = L"contents are more than a million pieces";
 
 // How the places of a multiple reference lie apart from the first.
 std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
@@ -109,6 +111,13 @@ class Lettering {
     double widthScale_, heightScale_, lean_;
 };
 
+// It may show a part of its block only.
+bool hasClip(const OdDbBlockReference& reference) {
+    const auto dictionary = reference.extensionDictionary().openIf<OdDbDictionary>();
+    const auto filters = dictionary ? dictionary->getAt(L"ACAD_FILTER").openIf<OdDbDictionary>() : OdDbDictionaryPtr();
+    return filters && !filters->getAt(L"SPATIAL").isNull();
+}
+
 bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
     const OdGeMatrix3d writing =
         OdGeMatrix3d::planeToWorld(text.normal()) * OdGeMatrix3d::rotation(text.rotation(), OdGeVector3d::kZAxis);
@@ -119,10 +128,12 @@ bool leavesUpright(const OdDbText& text, const OdGeMatrix3d& matrix) {
 // justification for its place.
 void giveUpJustification(OdDbText& text, const OdGeMatrix3d& matrix) {
     // Between two points these give the rotation, and what the text says of it may be anything.
-    if (text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit) text.adjustAlignment();
+    const bool betweenPoints = text.horizontalMode() == OdDb::kTextAlign || text.horizontalMode() == OdDb::kTextFit;
+    if (betweenPoints) text.adjustAlignment();
     if (text.isJustified() && !leavesUpright(text, matrix)) {
         text.adjustAlignment();
-        const OdGePoint3d start = text.position();
+        // Backward text begins at the second of its points and runs to the first.
+        const OdGePoint3d start = betweenPoints && text.isMirroredInX() ? text.alignmentPoint() : text.position();
         text.setHorizontalMode(OdDb::kTextLeft);
         text.setVerticalMode(OdDb::kTextBase);
         text.setPosition(start);
@@ -211,15 +222,25 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     // A block that holds itself, which damaged files have, could be burst without end.
     if (!definition.explodable || layers_.isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0)
         return false;
-    if (static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns()) > kMostPieces)
+    if (hasClip(reference)) {
+        obstacle_ = within_.empty() ? OdString(L"clip would be lost")
+                                    : inBlock(L"clipped reference of " + reference.blockName());
         return false;
+    }
+    const auto cells = static_cast<std::size_t>(reference.rows()) * static_cast<std::size_t>(reference.columns());
+    if (cells * std::max<std::size_t>(definition.entities.size(), 1) > kMostPieces) {
+        obstacle_ = kTooMany;
+        return false;
+    }
     within_.push_back(block);
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     for (const OdGeMatrix3d& step : placesOf(reference)) {
         const OdGeMatrix3d place = outer * step;
-        if (added_.size() + definition.entities.size() > kMostPieces ||
-            !copyEntities(definition, place * blockTransform))
+        if (added_.size() + definition.entities.size() > kMostPieces) {
+            obstacle_ = kTooMany;
             return false;
+        }
+        if (!copyEntities(definition, place * blockTransform)) return false;
         addConstants(definition, place * blockTransform);
         addAttributes(reference, place);
     }
@@ -261,17 +282,18 @@ bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatr
     return true;
 }
 
+OdString ReferenceBurster::inBlock(const OdString& what) const {
+    return L"block " + within_.back().openAs<OdDbBlockTableRecord>()->name() + L" has a " + what;
+}
+
 // The innermost one has been noted first, and stays.
 void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
     if (!obstacle_.empty()) return;
-    const OdString block = within_.back().openAs<OdDbBlockTableRecord>()->name();
-    obstacle_ = L"block " + block + L" has a ";
-    if (entity.isKindOf(OdDbBlockReference::desc())) {
-        obstacle_ += L"reference of " + static_cast<const OdDbBlockReference&>(entity).blockName() +
-                     L", which cannot be exploded";
-    } else {
-        obstacle_ += base::widen(entity.dxfName());
-    }
+    if (entity.isKindOf(OdDbBlockReference::desc()))
+        obstacle_ = inBlock(L"reference of " + static_cast<const OdDbBlockReference&>(entity).blockName() +
+                            L", which cannot be exploded");
+    else
+        obstacle_ = inBlock(base::widen(entity.dxfName()));
 }
 
 // The attributes of a nested reference go along with it: its transformBy has moved them already, so the matrix that is

@@ -22,11 +22,11 @@ class ReferenceBurster {
     /// that for each of its places. Both must be open for write; the reference itself stays, for the caller to erase.
     ///
     /// False, and nothing changed, for a reference whose block may not be exploded or is missing, for one on a frozen
-    /// layer, for one with an entity that can be neither placed nor exploded, and for one of more than a million
-    /// pieces.
+    /// layer, for a clipped one, for one with an entity that can be neither placed nor exploded, and for one of more
+    /// than a million pieces.
     bool burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner);
-    /// What could be neither placed nor exploded when burst() returned false, as "block DOOR has a MULTILEADER"; empty
-    /// when it had another reason.
+    /// What kept burst() when it returned false, as "block DOOR has a MULTILEADER"; empty when the reference itself,
+    /// its layer or its block asked for it.
     const OdString& obstacle() const { return obstacle_; }
 
   private:
@@ -41,6 +41,7 @@ class ReferenceBurster {
 
     bool burstContents(const OdDbBlockReference& reference, const OdGeMatrix3d& outer);
     bool copyEntities(const Definition& definition, const OdGeMatrix3d& transform);
+    OdString inBlock(const OdString& what) const;
     void noteObstacle(const OdDbEntity& entity);
     bool place(OdDbEntity& entity, const OdGeMatrix3d& transform);
     bool explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform);
