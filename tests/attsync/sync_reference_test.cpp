@@ -10,6 +10,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/database.h"
+#include "drawingdb/field.h"
 
 namespace {
 

@@ -25,9 +25,8 @@ void redraw(OdDbObjectId object) {
 
 // A copy, in no drawing; null for what has no multi-line text.
 OdSmartPtr<OdDbMText> multiLineTextOf(const OdDbEntity& source) {
-    if (source.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(source).getMTextAttribute();
-    if (source.isKindOf(OdDbAttributeDefinition::desc()))
-        return static_cast<const OdDbAttributeDefinition&>(source).getMTextAttributeDefinition();
+    if (source.isKindOf(OdDbAttribute::desc()) || source.isKindOf(OdDbAttributeDefinition::desc()))
+        return static_cast<const OdDbAttributeText&>(source).mtextCopy();
     if (!source.isKindOf(OdDbMText::desc())) return {};
     auto copy = OdDbMText::createObject();
     copy->setTextFrom(static_cast<const OdDbMText&>(source));

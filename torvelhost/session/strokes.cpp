@@ -139,19 +139,13 @@ class Meeting {
             return meetsCurve(static_cast<const OdDbCurve&>(entity), toWorld, rectangle_);
         if (entity.isKindOf(OdDbWipeout::desc()))
             return meetsFrame(static_cast<const OdDbWipeout&>(entity), toWorld, rectangle_);
-        if (entity.isKindOf(OdDbText::desc()) && !isMultiLineAttribute(entity))
+        if (entity.isKindOf(OdDbText::desc()) && !drawingdb::isMultiLine(entity))
             return rectangle_.meetsArea(textCorners(static_cast<const OdDbText&>(entity), toWorld));
         OdGeExtents3d box;
         return entity.geomExtents(box) && rectangle_.meetsArea(boxCorners(box, toWorld));
     }
 
   private:
-    static bool isMultiLineAttribute(const OdDbEntity& entity) {
-        if (entity.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(entity).isMTextAttribute();
-        return entity.isKindOf(OdDbAttributeDefinition::desc()) &&
-               static_cast<const OdDbAttributeDefinition&>(entity).isMTextAttributeDefinition();
-    }
-
     bool meetsReference(const OdDbBlockReference& reference, const OdGeMatrix3d& toWorld, int depth) {
         if (depth >= kDeepestNesting) return false;
         const auto block = reference.blockTableRecord().openIf<OdDbBlockTableRecord>();

@@ -29,6 +29,9 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
 
     /// The value: of a multi-line one the contents of the multi-line text, with their formatting codes.
     OdString textString() const override;
+    bool isMultiLine() const { return mtext_ != nullptr; }
+    /// A copy of the multi-line text, in no database but good only while the drawing lives; null for a single line.
+    OdSmartPtr<OdDbMText> mtextCopy() const;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     bool geomExtents(OdGeExtents3d& extents) const override;
 
@@ -43,8 +46,6 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     bool hangs() const override { return !mtext_ && isJustified(); }
     void setTextFromField(const OdString& text) override;
     void copyAttributeFrom(const OdDbAttributeText& other);
-    bool isMultiLine() const { return mtext_ != nullptr; }
-    OdSmartPtr<OdDbMText> mtextCopy() const;
     void setMText(const OdDbMText& text);
     void convert(bool multiLine);
     /// Takes text, place and form from the multi-line text.
@@ -114,3 +115,10 @@ class DRAWINGDB_API OdDbAttribute : public OdDbAttributeText {
     static void describeOld(drawingdb::Describer& d);
     std::int16_t multiLineFlag() const override { return 2; }
 };
+
+namespace drawingdb {
+
+/// Whether its text has formatting codes: a multi-line text, or an attribute or definition that holds one.
+DRAWINGDB_API bool isMultiLine(const OdDbObject& text);
+
+}  // namespace drawingdb

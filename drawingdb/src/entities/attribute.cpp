@@ -343,3 +343,9 @@ void OdDbAttribute::setAttributeFromBlock(const OdDbAttributeDefinition& definit
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     OdDbText::changed(Change::text);
 }
+
+bool drawingdb::isMultiLine(const OdDbObject& text) {
+    if (text.isKindOf(OdDbAttribute::desc()) || text.isKindOf(OdDbAttributeDefinition::desc()))
+        return static_cast<const OdDbAttributeText&>(text).isMultiLine();
+    return text.isKindOf(OdDbMText::desc());
+}

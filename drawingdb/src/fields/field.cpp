@@ -677,14 +677,6 @@ OdString OdDbField::format() const {
 
 namespace {
 
-// Whether the text has formatting codes, in which a field's value must not be taken for one.
-bool hasEscapes(const OdDbObject& text) {
-    if (text.isKindOf(OdDbAttribute::desc())) return static_cast<const OdDbAttribute&>(text).isMTextAttribute();
-    if (text.isKindOf(OdDbAttributeDefinition::desc()))
-        return static_cast<const OdDbAttributeDefinition&>(text).isMTextAttributeDefinition();
-    return text.isKindOf(OdDbMText::desc());
-}
-
 // The object whose extension dictionary has the dictionary "ACAD_FIELD" with this field under "TEXT"; null when the
 // field hangs elsewhere.
 OdDbObjectId textOwner(const OdDbField& field) {
@@ -701,7 +693,8 @@ OdDbObjectId textOwner(const OdDbField& field) {
 bool OdDbField::evaluate(int context, OdDbDatabase* database) {
     Evaluation run{context, database, unitSettings(database), {}, {}};
     const OdDbObjectPtr text = isDatabaseResident() && !isErased() ? textOwner(*this).open() : OdDbObjectPtr();
-    const bool escapes = text && hasEscapes(*text);
+    // A field's value must not be taken for a formatting code.
+    const bool escapes = text && drawingdb::isMultiLine(*text);
     const bool evaluated = evaluateIn(run, 0, escapes);
     if (text && (context & evaluationOption_)) passToText(*text, escapes);
     return evaluated;

@@ -60,7 +60,7 @@ void FieldEdit::setText(const OdString& text) {
 void FieldEdit::loadForReading(const OdDbEntity& entity) {
     load(entity, false);
     // A value with fields has lost its escapes there.
-    if (hasEscapes(entity) && !entity.getField(kTextFieldKey)) setText(inOneLine(withoutEscapes(text_)));
+    if (drawingdb::isMultiLine(entity) && !entity.getField(kTextFieldKey)) setText(inOneLine(withoutEscapes(text_)));
 }
 
 void FieldEdit::load(const OdDbEntity& entity, bool enabled) {
