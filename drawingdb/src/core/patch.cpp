@@ -50,7 +50,7 @@ class Patch {
 
     void run() {
         classify(nullptr);
-        if (hasStrays_ && markers_ && (description_.expectedZones() & ~marked_) != 0) {
+        if (hasStrays_ && anyMarkers_ && (description_.expectedZones() & ~marked_) != 0) {
             isLacking_ = true;
             const ZoneSet marked = marked_;
             classify(&marked);
@@ -106,6 +106,7 @@ class Patch {
                     classifyControl(walk, index, item);
                     break;
                 case RecordPart::marker:
+                    anyMarkers_ = true;
                     zone = description_.findZone(group.value, std::max(zone, 0) + 1, group.code == 101);
                     if (zone < 0) {
                         zone = kUnknownZone;
@@ -405,6 +406,7 @@ class Patch {
     int dictionaryAt_ = -1;
     int lastHead_ = 0;
     int lastPlain_ = 0;
+    bool anyMarkers_ = false;  // of zones that the class does not know, too
     bool markers_ = false;
     ZoneSet marked_ = 0;
     int chunkField_ = -1;

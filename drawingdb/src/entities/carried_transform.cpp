@@ -160,7 +160,8 @@ bool transformPlaced(GroupList& groups, const OdGeMatrix3d& matrix, std::initial
     const double angle = groups.realOr(50, 0) * kDegree;
     const OdGeVector3d along(std::cos(angle), std::sin(angle), 0), image = plane->map * along;
     // What was not turned keeps its angle.
-    if (!image.normal().isEqualTo(along, {1e-14, 1e-14})) groups.setOrAdd(50, OdGeVector2d(image.x, image.y).angle() / kDegree, 0);
+    if (!image.normal().isEqualTo(along, {1e-14, 1e-14}))
+        groups.setOrAdd(50, OdGeVector2d(image.x, image.y).angle() / kDegree, 0);
     if (const std::size_t place = groups.find(10); place < groups.end())
         groups.setPoint(place, plane->map * groups.point(place));
     for (const int size : sizes) groups.setOrAdd(size, groups.realOr(size, 1) * *scale, 1);

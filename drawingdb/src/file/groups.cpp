@@ -8,7 +8,6 @@
 #include <emmintrin.h>
 #endif
 
-#include "base/exact_utf8.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/error.h"

@@ -1,5 +1,6 @@
 #include "drawingdb/src/file/text_codec.h"
 
+#include "base/exact_utf8.h"
 #include "base/text.h"
 
 namespace drawingdb {
@@ -67,7 +68,7 @@ bool isPlainText(std::string_view raw) {
 
 std::wstring decodeText(std::string_view raw, const FileFormat& format) {
     if (isPlainText(raw)) return std::wstring(raw.begin(), raw.end());
-    std::wstring wide = format.utf8() ? base::fromUtf8(raw) : format.codePage->decode(raw);
+    std::wstring wide = format.utf8() ? base::fromUtf8Exact(raw) : format.codePage->decode(raw);
     if (wide.find_first_of(L"\\^") == std::wstring::npos) return wide;
     std::wstring out;
     out.reserve(wide.size());
@@ -151,7 +152,7 @@ std::string encodeText(std::wstring_view text, const FileFormat& format) {
         for (const wchar_t c : text) out.push_back(static_cast<char>(c));
         return out;
     }
-    return format.utf8() ? base::toUtf8(text) : encodeNarrow(text, *format.codePage);
+    return format.utf8() ? base::toUtf8Exact(text) : encodeNarrow(text, *format.codePage);
 }
 
 }  // namespace drawingdb
