@@ -4,8 +4,8 @@
     check_tidy.py CLANG_TIDY BUILD_DIR SOURCE_DIR [--all] [--jobs N]
 
 Looks at the sources that changed since they were last found clean, and for a changed header at one source that includes it.
-What is committed counts as clean before the first run. With --all, or where the environment variable CI is set, it looks
-at every source, which takes some twenty minutes of a processor. What is clean is remembered in BUILD_DIR/tidy/clean.json.
+What is committed counts as clean before the first run. With --all it looks at every
+source, which takes some twenty minutes of a processor. What is clean is remembered in BUILD_DIR/tidy/clean.json.
 """
 
 import argparse
@@ -71,7 +71,7 @@ def main():
     parser.add_argument("clang_tidy")
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("root", type=pathlib.Path)
-    parser.add_argument("--all", action="store_true", default=bool(os.environ.get("CI")))
+    parser.add_argument("--all", action="store_true", help="look at every source")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     arguments = parser.parse_args()
     root, build = arguments.root.resolve(), arguments.build.resolve()
