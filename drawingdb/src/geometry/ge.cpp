@@ -30,9 +30,9 @@ OdGePoint3d& OdGePoint3d::transformBy(const OdGeMatrix3d& matrix) { return *this
 OdGeMatrix3d OdGeMatrix3d::rotation(double angle, const OdGeVector3d& axis, const OdGePoint3d& center) {
     const OdGeVector3d k = axis.normal();
     if (k == OdGeVector3d::kIdentity) return kIdentity;
-    const auto [c, s] = drawingdb::directionOf(angle);
+    const OdGeVector2d turn = drawingdb::directionOf(angle);
     const auto turned = [&](const OdGeVector3d& v) {
-        return v * c + k.crossProduct(v) * s + k * (k.dotProduct(v) * (1.0 - c));
+        return v * turn.x + k.crossProduct(v) * turn.y + k * (k.dotProduct(v) * (1.0 - turn.x));
     };
     const OdGePoint3d origin = center - turned(center.asVector());
     return coordSystem(origin, turned(OdGeVector3d::kXAxis), turned(OdGeVector3d::kYAxis),
