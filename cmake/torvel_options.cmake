@@ -17,3 +17,16 @@ function(torvel_options target)
     target_link_options(${target} PRIVATE LINKER:--no-undefined)
   endif()
 endfunction()
+
+# torvel_standard_headers(TARGET)
+#
+# What nearly every source of the large rooms includes of the standard library and Boost, compiled once for TARGET.
+# Headers of the project are not among them: a change of one would compile everything again. Not for the fuzzers, so
+# that one of the builds shows whether a source includes what it uses.
+function(torvel_standard_headers target)
+  if(NOT TORVEL_FUZZ)
+    target_precompile_headers(${target} PRIVATE
+      <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <optional> <span> <stdexcept> <string>
+      <string_view> <unordered_map> <utility> <vector> <boost/format.hpp>)
+  endif()
+endfunction()
