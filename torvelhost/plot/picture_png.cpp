@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <unordered_map>
 
 #include "torvelhost/plot/picture.h"
 
@@ -24,9 +25,10 @@ class WriterMemory {
     WriterMemory& operator=(const WriterMemory&) = delete;
 
     static void* allocate(std::size_t size) {
-        auto& blocks = current_->blocks_;
-        blocks.push_back(std::make_unique_for_overwrite<std::max_align_t[]>(size / sizeof(std::max_align_t) + 1));
-        return blocks.back().get();
+        auto block = std::make_unique_for_overwrite<std::max_align_t[]>(size / sizeof(std::max_align_t) + 1);
+        void* const place = block.get();
+        current_->blocks_.emplace(place, std::move(block));
+        return place;
     }
     static void* reallocate(void* old, std::size_t oldSize, std::size_t size) {
         void* const block = allocate(size);
@@ -34,19 +36,11 @@ class WriterMemory {
         free(old);
         return block;
     }
-    static void free(void* old) {
-        // The writer keeps few blocks for long: the latest are the first to go.
-        auto& blocks = current_->blocks_;
-        const auto found =
-            std::find_if(blocks.rbegin(), blocks.rend(), [old](const auto& block) { return block.get() == old; });
-        if (found == blocks.rend()) return;
-        std::swap(*found, blocks.back());
-        blocks.pop_back();
-    }
+    static void free(void* old) { current_->blocks_.erase(old); }
 
   private:
     static thread_local WriterMemory* current_;
-    std::vector<std::unique_ptr<std::max_align_t[]>> blocks_;
+    std::unordered_map<void*, std::unique_ptr<std::max_align_t[]>> blocks_;
 };
 
 thread_local WriterMemory* WriterMemory::current_ = nullptr;

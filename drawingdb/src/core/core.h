@@ -135,7 +135,7 @@ class Core {
     void deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMapping& mapping);
     void requireWritable() const;
     /// Throws notHeldByVersion when the file's version does not know the kind.
-    void requireHeld(const OdDbObject& object) const;
+    void requireHeld(std::uint16_t type) const;
     Stub* fieldList(bool make);
     /// Extended data is sorted by applications, which a table lists.
     void registerApplication(std::string_view application);

@@ -60,20 +60,19 @@ Stub& Core::addStub(std::uint16_t type, Stub& container) {
     return stub;
 }
 
-void Core::requireHeld(const OdDbObject& object) const {
-    const std::string kind = object.dxfName();
-    const Kind* const known = kindNamed(kind);
-    if (!known || format.version >= known->since) return;
-    throw OdError(OdResult::notHeldByVersion, where(nullptr) + "no " + kind + " fits into a drawing of version " +
-                                                  version() +
+void Core::requireHeld(std::uint16_t type) const {
+    if (type >= rtFirstCarried || format.version >= allKinds()[type].since) return;
+    throw OdError(OdResult::notHeldByVersion, where(nullptr) + "no " + types.name(type) +
+                                                  " fits into a drawing of version " + version() +
                                                   ". Remedy: open it with a program that can save newer versions");
 }
 
 void Core::appendObject(OdDbObject& object, Stub& container) {
     requireWritable();
-    requireHeld(object);
+    const std::uint16_t type = types.find(object.dxfName());
+    requireHeld(type);
     if (object.isDatabaseResident()) throw OdError(OdResult::invalidInput, "the object is in a database already");
-    Stub& stub = addStub(types.find(object.dxfName()), container);
+    Stub& stub = addStub(type, container);
     ObjectAccess::stub(object) = &stub;
     ObjectAccess::database(object) = &database;
     ObjectAccess::closedContent(object) = 0;

@@ -1,6 +1,5 @@
 #include "drawingdb/src/core/record_types.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "drawingdb/attribute.h"
@@ -111,11 +110,6 @@ std::uint32_t hashOf(std::string_view name) {
 }  // namespace
 
 std::span<const Kind> allKinds() { return kKinds; }
-
-const Kind* kindNamed(std::string_view name) {
-    const auto found = std::ranges::find(kKinds, name, &Kind::name);
-    return found != std::end(kKinds) ? found : nullptr;
-}
 
 TypeTable::TypeTable() : slots_(256, kFree) {
     for (const Kind& kind : kKinds) add(kind.name);

@@ -82,8 +82,6 @@ struct Kind {
 
 /// All kinds, by their numbers.
 std::span<const Kind> allKinds();
-/// Null for a name that has no row.
-const Kind* kindNamed(std::string_view name);
 inline bool ownsOnlyItsDictionary(std::uint16_t type) {
     return type < rtFirstCarried && allKinds()[type].ownsOnlyItsDictionary;
 }
