@@ -39,8 +39,11 @@ def program_commands(build, root):
     commands = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
         name = os.path.relpath(entry["file"], root)
-        if name.split("/")[0] in ROOMS and "cmake_pch" not in entry["command"]:
-            commands.setdefault(name, entry)
+        room = name.split("/")[0]
+        if room in ROOMS and f" -o {room}/" in entry["command"]:
+            # The compiled header is the other compiler's.
+            entry["command"] = re.sub(r"-Winvalid-pch -include \S+", "", entry["command"])
+            commands[name] = entry
     folder = build / "tidy"
     folder.mkdir(exist_ok=True)
     (folder / "compile_commands.json").write_text(json.dumps(list(commands.values())))
