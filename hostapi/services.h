@@ -54,6 +54,13 @@ constexpr bool fits(const Service<Signature>&, Other*) {
 
 // ---- finding the host
 
+/// The version of what these headers say. It grows only when something in them changes its meaning, its signature or
+/// its slot; what is added comes as a service of its own and leaves it.
+constexpr int kInterfaceVersion = 1;
+/// The kInterfaceVersion that the host was built with. The module asks for it while it is being loaded; a host that
+/// does not tell is taken to fit.
+inline constexpr Service<int()> interfaceVersion{kCoreLibrary, "hostInterfaceVersion"};
+
 /// In the program itself: the handle and the name of the main module.
 inline constexpr Service<void*()> GetMainDllInstance{nullptr, "GetMainDllInstance"};
 inline constexpr Service<const wchar_t*()> GetMainDllNameW{nullptr, "GetMainDllNameW"};

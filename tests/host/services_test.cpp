@@ -37,6 +37,7 @@ Result callSlot(void* object, std::size_t slot, Arguments... arguments) {
 
 TEST(Services, EveryRowIsExported) {
     using namespace hostapi;
+    EXPECT_EQ(find(interfaceVersion)(), kInterfaceVersion);
     EXPECT_TRUE(find(get_host_funcptr));
     EXPECT_TRUE(find(new_ICmdFactory));
     EXPECT_TRUE(find(initResTranslation));

@@ -55,6 +55,15 @@ int getPoint(void*, const OdGePoint3d*, OdGePoint3d* point, const wchar_t* promp
     return reply.result;
 }
 
+int getKeyword(void*, const wchar_t* prompt, const wchar_t*, int, std::uintptr_t textOut, std::uintptr_t) {
+    host().keywordPrompts.push_back(prompt);
+    if (host().keywords.empty()) return hostapi::kCancel;
+    const KeywordReply reply = std::move(host().keywords.front());
+    host().keywords.pop_front();
+    if (reply.result == hostapi::kValue) *reinterpret_cast<std::wstring*>(textOut) = reply.text;
+    return reply.result;
+}
+
 void printMessage(void*, const wchar_t* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
@@ -82,7 +91,7 @@ void setCurrentEntity(void*, int kind, void*) { host().announcedKinds.push_back(
 
 const Table inputTable[] = {entry(getPoint),
                             kUnexpected,
-                            kUnexpected,
+                            entry(getKeyword),
                             kUnexpected,
                             entry(printMessage),
                             kUnexpected,

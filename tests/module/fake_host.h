@@ -25,6 +25,12 @@ struct PointReply {
     std::function<void(void* tracker)> whileAsked;
 };
 
+/// A reply to a keyword prompt; the text goes with hostapi::kValue.
+struct KeywordReply {
+    int result = 0;
+    std::wstring text;
+};
+
 struct Registration {
     std::string name;
     CommandCreator creator;
@@ -40,6 +46,8 @@ struct Host {
     std::vector<std::wstring> messages;
     std::deque<PointReply> points;
     std::vector<std::wstring> pointPrompts;
+    std::deque<KeywordReply> keywords;  // none left: the prompt is cancelled
+    std::vector<std::wstring> keywordPrompts;
     std::deque<double> distances;  // none left: the prompt is cancelled
     std::vector<std::wstring> distancePrompts;
     std::deque<std::wstring> texts;  // none left: the prompt is cancelled

@@ -19,7 +19,6 @@ unsigned refusalOf(OdDbObjectId picked, bool editableOnly) {
 
 int selectAttributedBlock(OdDbObjectId& blockRef, OdDbObjectId& attribute, bool editableOnly, bool allowNone) {
     blockRef = OdDbObjectId();
-    attribute = OdDbObjectId();
     const OdString prompt = loadText(IDS_SELECT_A_BLOCK);
     for (int flags = hostapi::kSingleEntity;; flags |= hostapi::kRetry) {
         hostapi::Pick pick;

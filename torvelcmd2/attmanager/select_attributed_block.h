@@ -8,9 +8,10 @@
 namespace torvel {
 
 /// Asks for a reference whose block has attributes, until one is picked. Returns an input result: kValue with
-/// `blockRef` set, and `attribute` too when the pick met an attribute of that reference; anything else with `blockRef`
-/// null. With `editableOnly` a definition that is not constant must be among them. With `allowNone` an empty answer
-/// ends it with kEmpty; without, it is asked again.
+/// `blockRef` set; anything else with `blockRef` null. `attribute` is set only when the pick met an attribute of that
+/// reference, and is left as it was otherwise: who wants to know clears it before. With `editableOnly` a definition
+/// that is not constant must be among them. With `allowNone` an empty answer ends it with kEmpty; without, it is asked
+/// again.
 int selectAttributedBlock(OdDbObjectId& blockRef, OdDbObjectId& attribute, bool editableOnly, bool allowNone);
 
 /// Takes attributes alone, and keeps the references that hold the one it took.

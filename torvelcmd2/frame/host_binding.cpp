@@ -1,5 +1,8 @@
 #include "torvelcmd2/frame/host_binding.h"
 
+#include "base/console.h"
+#include "base/format.h"
+#include "base/text.h"
 #include "hostapi/input.h"
 
 namespace torvel {
@@ -60,6 +63,19 @@ HostEdInput* GetCurrentInput() {
     HostApplication* const application = hostApplication();
     HostDocument* const document = application->activeDocument();
     return document != nullptr ? document->input() : application->applicationInput();
+}
+
+void checkInterfaceVersion() {
+    auto* const version = hostService(hostapi::interfaceVersion);
+    if (!version || version() == hostapi::kInterfaceVersion) return;
+    const std::wstring text = base::format(
+        L"The command module %s was built for version %d of the host's interfaces, and this host offers "
+        L"version %d: its commands may fail. Use a module and a host that were made for each other.",
+        hostapi::kCommandModule, hostapi::kInterfaceVersion, version());
+    if (auto* const notify = hostService(hostapi::notify))
+        notify(text.c_str());
+    else
+        base::writeTo(base::Stream::kError, base::toUtf8(text + L"\n"));
 }
 
 }  // namespace torvel

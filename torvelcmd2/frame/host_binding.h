@@ -28,6 +28,10 @@ HostApplication* hostApplication();
 /// Where messages go: the input channel of the active document, or the application's own when no document is open.
 HostEdInput* GetCurrentInput();
 
+/// Says so when the host tells another version of the interfaces than this module was built with: by a notification, or
+/// on standard error where the host has none. Calls nothing else of the host.
+void checkInterfaceVersion();
+
 /// A service of the host; null when its library is not loaded or lacks it. The caller then does without, silently.
 template <class Signature>
 Signature* hostService(const hostapi::Service<Signature>& service) {

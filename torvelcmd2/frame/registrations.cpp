@@ -34,6 +34,11 @@ class CommandRegistration {
     }
 };
 
+// Before the first call into the host, which may fail where the interfaces differ.
+const struct InterfaceVersionCheck {
+    InterfaceVersionCheck() { checkInterfaceVersion(); }
+} interfaceVersionCheck;
+
 constexpr const wchar_t* kGroup = L"HOST";
 
 const CommandRegistration ray("Ray", createCommand<CRayCmd>);

@@ -69,6 +69,8 @@ bool readVariable(const wchar_t* name, T& value) {
 
 extern "C" {
 
+int hostInterfaceVersion() { return hostapi::kInterfaceVersion; }
+
 hostapi::HostFunction get_host_funcptr(int id) {
     switch (id) {
         case hostapi::kApplicationFunction:
@@ -240,8 +242,9 @@ bool hostSelectColor(OdCmColor& color) {
 }
 
 void hostNotify(const wchar_t* text) {
-    if (Application::Session* current = session())
-        if (text) current->input.terminal().notice(L"[notice] " + std::wstring(text));
+    // Also while modules are being loaded, before a drawing is open.
+    if (Application* application = Application::current())
+        if (text) application->terminal().notice(L"[notice] " + std::wstring(text));
 }
 
 IProfile* hostGetProfile() { return Application::current() ? &Application::current()->profile() : nullptr; }
@@ -280,6 +283,7 @@ void hostRegenerate(OdDbDatabase* database) {
 
 // The table and the functions say the same.
 using hostapi::fits;
+static_assert(fits(hostapi::interfaceVersion, &hostInterfaceVersion));
 static_assert(fits(hostapi::get_host_funcptr, &get_host_funcptr));
 static_assert(fits(hostapi::new_ICmdFactory, &new_ICmdFactory));
 static_assert(fits(hostapi::initResTranslation, &_InitResTranslation));
