@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
 #include "drawingdb/database.h"
+#include "drawingdb/dictionary.h"
 #include "drawingdb/ellipse.h"
 #include "drawingdb/layer.h"
 #include "drawingdb/mtext.h"
@@ -21,8 +23,7 @@ class BurstReference : public testing::Test {
         std::string bytes = OdDbDatabase::createNew()->writeBytes();
         std::erase(bytes, '\r');
         const auto insert = [&bytes](const std::string& table, const std::string& closer, const std::string& text) {
-            const std::size_t begin = bytes.find("\n  2\n" + table + "\n");
-            bytes.insert(bytes.find("  0\n" + closer + "\n", begin), text);
+            insertBefore(bytes, "\n  2\n" + table + "\n", closer, text);
         };
         int handle = 0x500;
         for (const char* name : {"A", "B", "LOCKED_UP"}) {
@@ -38,6 +39,25 @@ class BurstReference : public testing::Test {
                        "\n330\n" + record + "\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockEnd\n");
         }
         database_ = OdDbDatabase::readBytes(bytes, L"blocks.dxf");
+    }
+    // Before the first `closer` behind `begin`.
+    static void insertBefore(std::string& bytes, const std::string& begin, const std::string& closer,
+                             const std::string& text) {
+        bytes.insert(bytes.find("  0\n" + closer + "\n", bytes.find(begin)), text);
+    }
+    // The drawing with more records, whose lines are separated by "|"; in a block, or a section.
+    void addRecords(const std::string& where, std::string records) {
+        std::string bytes = database_->writeBytes();
+        for (char& c : records)
+            if (c == '|') c = '\n';
+        const bool section = where == "ENTITIES" || where == "OBJECTS";
+        insertBefore(bytes, (section ? "\n  2\n" : "AcDbBlockBegin\n  2\n") + where + "\n",
+                     section ? "ENDSEC" : "ENDBLK", records);
+        database_ = OdDbDatabase::readBytes(bytes, L"more.dxf");
+    }
+    template <class T>
+    OdSmartPtr<T> opened(std::uint64_t handle) {
+        return database_->getObjectId(OdDbHandle(handle)).openAs<T>(OdDb::forWrite);
     }
     static std::string hex(int value) { return OdDbHandle(static_cast<std::uint64_t>(value)).ascii(); }
 
@@ -151,7 +171,6 @@ TEST_F(BurstReference, LeavesWholeWhatCannotBeBurst) {
     EXPECT_EQ(entities<OdDbLine>(model()).size(), 1u);
 }
 
-// Squeezed to a line it shows nothing that a text could.
 // One burster for a whole selection: a block whose own references it bursts is not what it was any more.
 TEST_F(BurstReference, ContentsThatWereBurstThemselvesGoAlong) {
     torvel::ReferenceBurster burster;
@@ -179,6 +198,7 @@ TEST_F(BurstReference, TextsOnTheBackgroundOfTheDrawingArePlacedToo) {
     EXPECT_NEAR(entities<OdDbMText>(model())[0]->location().x, 6, 1e-9);
 }
 
+// Squeezed to a line it shows nothing that a text could.
 TEST_F(BurstReference, LeavesWholeWhatHasNoRoomForText) {
     const auto text = add(block(L"A"), OdDbMText::createObject());
     text->setContents(L"two\\Plines");
@@ -228,6 +248,87 @@ TEST_F(BurstReference, WhatShowsNothingKeepsNothingBack) {
     EXPECT_EQ(burster.obstacle(), L"block B has a reference of LOCKED_UP, which cannot be exploded");
     EXPECT_FALSE(burster.burst(*reference(model(), L"LOCKED_UP"), *model()));
     EXPECT_EQ(burster.obstacle(), L"");
+}
+
+TEST_F(BurstReference, SaysWhatKeepsAReference) {
+    const auto clip = [](const OdSmartPtr<OdDbBlockReference>& reference) {
+        const auto dictionary = reference->createExtensionDictionary().openAs<OdDbDictionary>(OdDb::forWrite);
+        const auto filters = OdDbDictionary::createObject();
+        dictionary->setAt(L"ACAD_FILTER", filters);
+        filters->setAt(L"SPATIAL", OdDbDictionary::createObject());
+    };
+    const auto expectKept = [&](const OdSmartPtr<OdDbBlockReference>& kept, const wchar_t* obstacle) {
+        const std::string before = database_->writeBytes();
+        torvel::ReferenceBurster burster;
+        EXPECT_FALSE(burster.burst(*kept, *model()));
+        EXPECT_EQ(burster.obstacle(), obstacle);
+        EXPECT_EQ(database_->writeBytes(), before) << "what was added on the way is gone, to the byte";
+        kept->erase();
+    };
+    const OdGeScale3d squeeze(2, 1, 1);
+    add(block(L"A"), OdDbLine::createObject());
+    const auto clipped = reference(model(), L"A");
+    clip(clipped);
+    expectKept(clipped, L"clip would be lost");
+
+    // Of contents that have to be taken apart themselves, the inner block is named and what it holds.
+    add(block(L"B"), OdDbLine::createObject());
+    const auto inner = reference(block(L"B"), L"A", OdGeScale3d(1), 0.5);
+    clip(inner);
+    expectKept(reference(model(), L"B", squeeze), L"block B has a clipped reference of A");
+    inner->erase();
+    reference(block(L"B"), L"A", OdGeScale3d(1), 0.5);
+    addRecords("A", "  0|REGION|  5|600|100|AcDbEntity|  8|0|100|AcDbModelerGeometry|");
+    expectKept(reference(model(), L"B", squeeze), L"block A has a REGION");
+    opened<OdDbEntity>(0x600)->erase();
+
+    const std::string array = "|100|AcDbEntity|  8|0|100|AcDbBlockReference|  2|A| 10|0| 20|0| 30|0| 70|1001| 71|";
+    addRecords("ENTITIES", "  0|INSERT|  5|601" + array + "1000|  0|INSERT|  5|602" + array + "2|");
+    expectKept(opened<OdDbBlockReference>(0x601), L"contents are more than a million pieces");
+    EXPECT_TRUE(burstBlockReference(*opened<OdDbBlockReference>(0x602), *model()));
+    EXPECT_EQ(entities<OdDbLine>(model()).size(), 2002u);
+}
+
+// One that was moved together with its picture, and that follows a line.
+TEST_F(BurstReference, DimensionsGetPicturesOfTheirOwn) {
+    add(block(L"B"), OdDbLine::createObject())->setEndPoint({4, 0, 0});
+    addRecords("OBJECTS",
+               "  0|DICTIONARY|  5|601|330|600|100|AcDbDictionary|280|1|281|1|  3|ACAD_DIMASSOC|360|602|"
+               "  0|DIMASSOC|  5|602|330|601|100|AcDbDimAssoc|330|600|331|603|");
+    const std::string reactor = "102|{ACAD_REACTORS|330|602|102|}|";
+    addRecords("A", "  0|LINE|  5|603|" + reactor +
+                        "100|AcDbEntity|  8|0|100|AcDbLine| 10|0| 20|0| 30|0| 11|4| 21|0| 31|0|"
+                        "  0|DIMENSION|  5|600|" +
+                        reactor +
+                        "102|{ACAD_XDICTIONARY|360|601|102|}|100|AcDbEntity|  8|0|"
+                        "100|AcDbDimension|  2|B| 10|4| 20|0| 30|0| 12|0| 22|1| 32|0| 70|1|100|AcDbAlignedDimension|"
+                        " 13|0| 23|0| 33|0| 14|4| 24|0| 34|0|");
+    for (int i = 0; i < 2; ++i) {
+        const auto made = reference(model(), L"A", OdGeScale3d(2));
+        made->setPosition({10, 0, 0});
+        EXPECT_TRUE(burstBlockReference(*made, *model()));
+    }
+    const std::string bytes = database_->writeBytes();
+    for (const wchar_t* name : {L"*D1", L"*D2"}) {
+        const auto lines = entities<OdDbLine>(block(name));
+        ASSERT_EQ(lines.size(), 1u);
+        EXPECT_EQ(lines[0]->startPoint(), OdGePoint3d(10, 2, 0));
+        EXPECT_EQ(lines[0]->endPoint(), OdGePoint3d(18, 2, 0));
+        const std::string moved = "\n  2\n" + base::toUtf8(name) + "\n 10\n18.0\n 20\n0\n 30\n0\n 12\n0\n 22\n0.0\n";
+        EXPECT_NE(bytes.find(moved), std::string::npos) << "what it was moved by is in the picture now";
+    }
+    // What they measured has not come along, and nobody names it any more.
+    for (const auto& entity : entities<OdDbEntity>(model())) {
+        EXPECT_TRUE(entity->persistentReactors().empty());
+        const auto dictionary = entity->extensionDictionary().openIf<OdDbDictionary>();
+        EXPECT_TRUE(!dictionary || dictionary->entries().empty());
+    }
+
+    // A picture that cannot be transformed leaves a reference of it.
+    addRecords("B", "  0|REGION|  5|604|100|AcDbEntity|  8|0|100|AcDbModelerGeometry|");
+    EXPECT_TRUE(burstBlockReference(*reference(model(), L"A"), *model()));
+    EXPECT_EQ(entities<OdDbBlockReference>(model()).back()->blockName(), L"B");
+    EXPECT_TRUE(database_->findBlock(L"*D3").isNull());
 }
 
 TEST_F(BurstReference, ShowsConstantsAndSkipsWhatIsHidden) {

@@ -25,7 +25,7 @@ CASES = [
     ("plan.dxf", "-160,-70|145,155", {"KEEP": 1, "PART": 3}),
     ("r12.dxf", "-160,-70|145,155", {"PART": 3, "WIDE": 2}),
     ("../attsync/fields.dxf", "-50,-50|250,175", {}),
-    ("carried.dxf", "-60,-30|120,105", {"*D1": 6}),
+    ("carried.dxf", "-60,-30|120,105", {"*D1": 2}),
     ("multi_line.dxf", "-50,-50|150,100", {}),
 ]
 
@@ -74,6 +74,18 @@ def multi_line(block):
     block.add_mline([(0, 0), (5, 0), (5, 5)], dxfattribs={"scale_factor": 0.8})
 
 
+def dimensions(block):
+    """One of each kind; a picture that was moved from where its block draws it."""
+    style = {"dimtxt": 0.5, "dimasz": 0.4, "dimexo": 0.1, "dimexe": 0.2, "dimgap": 0.1}
+    block.add_linear_dim(base=(0, -2), p1=(0, 0), p2=(8, 0), override=style).render()
+    moved = block.add_aligned_dim(p1=(0, 5), p2=(8, 0), distance=1, override=style)
+    moved.render()
+    moved.dimension.dxf.insert = (0, 3)
+    block.add_diameter_dim(center=(4, 2), radius=1.5, angle=100, override=style).render()
+    block.add_angular_dim_2l(base=(12, 8), line1=((9, 6), (13, 6)), line2=((9, 6), (11, 9)), override=style).render()
+    block.add_ordinate_x_dim(feature_location=(8, 5), offset=(0.5, 2), override=style).render()
+
+
 # What blocks hold; each has been shown otherwise once it was burst.
 SHAPES = {
     "donut": polyline((0, 0, 1, 1, 1), (4, 0, 1, 1, 1), close=True),
@@ -96,10 +108,11 @@ SHAPES = {
 }
 SCALES = [dict(xscale=2, yscale=0.6), dict(xscale=-1.6, yscale=0.7, rotation=33), dict(xscale=1.5, yscale=1.5, zscale=1.5)]
 # What an unequal scale could not show.
-ALIKE = {"multi_line": multi_line}
+ALIKE = {"multi_line": multi_line, "dimensions": dimensions}
 TURNED = [dict(), dict(xscale=1.5, yscale=1.5, zscale=1.5, rotation=30)]
 # R12 has neither hatches nor light polylines, leaders and multi-line texts.
 VERSIONS = {"R2018": list(SHAPES), "R12": ["old", "points", "backward", "polygon_mesh", "polyface_mesh"]}
+ALIKE_IN = {"R2018": list(ALIKE), "R12": ["dimensions"]}
 CELL = 40
 
 
@@ -110,11 +123,10 @@ def make_shapes(version, path):
         SHAPES[name](doc.blocks.new(name.upper()))
         for column, scale in enumerate(SCALES):
             doc.modelspace().add_blockref(name.upper(), (column * CELL, row * CELL), scale)
-    if version != "R12":
-        for row, name in enumerate(ALIKE):
-            ALIKE[name](doc.blocks.new(name.upper()))
-            for column, scale in enumerate(TURNED):
-                doc.modelspace().add_blockref(name.upper(), ((len(SCALES) + column) * CELL, row * CELL), scale)
+    for row, name in enumerate(ALIKE_IN[version]):
+        ALIKE[name](doc.blocks.new(name.upper()))
+        for column, scale in enumerate(TURNED):
+            doc.modelspace().add_blockref(name.upper(), ((len(SCALES) + column) * CELL, row * CELL), scale)
     doc.saveas(path)
     return f"{-CELL / 2},{-CELL / 2}|{(len(SCALES) + len(TURNED) - 0.5) * CELL},{(len(VERSIONS[version]) - 0.5) * CELL}"
 

@@ -126,6 +126,9 @@ class Core {
 
     /// ---- editing ----
     Stub& addStub(std::uint16_t type, Stub& container);
+    /// A new block without entities for what a dimension shows, by a name of its own, otherwise like the block
+    /// `picture`. Its record; null where the file has no place for one.
+    Stub* addPicture(Stub& picture);
     void appendObject(OdDbObject& object, Stub& container);
     void erase(Stub& stub, bool erasing);
     void setFlags(Stub& stub, std::uint32_t flags);
@@ -195,7 +198,9 @@ class Core {
     bool isComplete();
     void log(Stub& stub, Step::Kind kind, std::uint64_t old);
     void undoStep(const Step& step);
+    Stub& linkedStub(std::uint16_t type, Stub& container);
     void linkChild(Stub& container, Stub& child);
+    void stopListening(Stub& stub);
     void eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more);
     void decode(OdDbObject& object, std::string_view bytes);
     /// Encodes a changed object. True for a reference that may name another block now. Nothing has changed when it
@@ -205,6 +210,8 @@ class Core {
     /// is told whether it stands in the list of reactors, from where 0 removes it.
     std::string rewritten(std::string_view bytes, std::uint64_t handle, std::uint64_t owner, bool paperSpace,
                           const std::function<std::uint64_t(std::uint64_t, bool)>& map);
+    /// The bytes of a record of a block, its BLOCK or its ENDBLK for an anonymous block of another name.
+    Content ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t owner, std::string_view name);
     friend class Indexer;
     friend class Saver;
 
@@ -232,6 +239,7 @@ class Core {
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> references_;
     bool referencesKnown_ = false;
     bool blocksLinked_ = false;
+    std::uint32_t lastPicture_ = 0;  // its number
     std::unordered_map<std::uint32_t, std::uint32_t> blockOfRecord_, recordOfBlock_;
     void indexHeader(std::string_view bytes);
     Stub* header_ = nullptr;             // the section, once it was found

@@ -48,6 +48,12 @@ void Core::linkChild(Stub& container, Stub& child) {
 }
 
 Stub& Core::addStub(std::uint16_t type, Stub& container) {
+    Stub& stub = linkedStub(type, container);
+    if (container.type == rtTable || type == rtBlock) forgetNames();
+    return stub;
+}
+
+Stub& Core::linkedStub(std::uint16_t type, Stub& container) {
     anchorOf(container, true);  // before the child, so that its handle comes first as it does in files
     Stub& stub = stubs.add();
     stub.type = type;
@@ -56,7 +62,6 @@ Stub& Core::addStub(std::uint16_t type, Stub& container) {
     giveHandle(stub, container);
     linkChild(container, stub);
     stub.flags = Stub::appended;
-    if (container.type == rtTable || type == rtBlock) forgetNames();
     return stub;
 }
 
@@ -134,32 +139,32 @@ void Core::eraseOne(Stub& stub, bool erasing, std::vector<Stub*>& more) {
     if (stub.type == rtLayer || stub.type == rtStyle || stub.type == rtBlockRecord) forgetNames();
 }
 
+// Nobody shall go on naming it: objects that it listens to.
+void Core::stopListening(Stub& stub) {
+    if (isEntity(stub) || stub.type == rtDictionary || stub.type == rtField) return;
+    GroupCursor cursor(bytesOf(stub), format);
+    for (Group group; cursor.next(group);) {
+        if (!isPointerCode(group.code)) continue;
+        Stub* target = byHandle(parseHandle(group.value));
+        if (!target || target == &stub || target->gone()) continue;
+        if (bytesOf(*target).find("{ACAD_REACTORS") == std::string_view::npos) continue;
+        const OdDbObjectPtr heard = open(*target, OdDb::forRead, false);
+        const auto reactors = heard->persistentReactors();
+        if (std::find(reactors.begin(), reactors.end(), OdDbObjectId(&stub)) == reactors.end()) continue;
+        heard->upgradeOpen();
+        heard->removePersistentReactor(OdDbObjectId(&stub));
+    }
+}
+
 void Core::erase(Stub& stub, bool erasing) {
     requireWritable();
     if (stub.has(Stub::unborn)) return;
     if (OdDbObject* object = stub.object()) flush(*object);
-    // Nobody shall go on naming it: its owner's dictionary, and objects that it listens to.
-    if (erasing && !stub.gone() && !isEntity(stub)) {
-        const std::string_view bytes = bytesOf(stub);
-        if (Stub* owner = byHandle(ownerHandle(bytes, format));
+    // Nobody shall go on naming it: its owner's dictionary.
+    if (erasing && !stub.gone() && !isEntity(stub))
+        if (Stub* owner = byHandle(ownerHandle(bytesOf(stub), format));
             owner && !owner->gone() && classOf(*owner)->isDerivedFrom(OdDbDictionary::desc()))
             OdDbObjectId(owner).openAs<OdDbDictionary>(OdDb::forWrite)->removeId(OdDbObjectId(&stub));
-        if (stub.type != rtDictionary && stub.type != rtField) {
-            GroupCursor cursor(bytes, format);
-            Group group;
-            while (cursor.next(group)) {
-                if (!isPointerCode(group.code)) continue;
-                Stub* target = byHandle(parseHandle(group.value));
-                if (!target || target == &stub || target->gone()) continue;
-                if (bytesOf(*target).find("{ACAD_REACTORS") == std::string_view::npos) continue;
-                const OdDbObjectPtr heard = open(*target, OdDb::forRead, false);
-                const auto reactors = heard->persistentReactors();
-                if (std::find(reactors.begin(), reactors.end(), OdDbObjectId(&stub)) == reactors.end()) continue;
-                heard->upgradeOpen();
-                heard->removePersistentReactor(OdDbObjectId(&stub));
-            }
-        }
-    }
     if (stub.owner && stubs[stub.owner].type == rtInsert) {
         Stub& reference = stubs[stub.owner];
         setFlags(reference, reference.flags | Stub::childrenChanged);
@@ -169,6 +174,7 @@ void Core::erase(Stub& stub, bool erasing) {
         Stub* next = more.back();
         more.pop_back();
         if (OdDbObject* object = next->object()) flush(*object);
+        if (erasing && !next->gone()) stopListening(*next);
         eraseOne(*next, erasing, more);
     }
 }
@@ -379,6 +385,63 @@ void Core::deepClone(const OdDbObjectIdArray& objects, Stub& owner, OdDbIdMappin
         job.copy->content = Arena::contentOf(arena_.add(bytes, job.copy->type));
         if (job.copy->type == rtInsert) referenceAdded(*job.copy, blockByRawName(groupText(*job.copy, 2)));
     }
+}
+
+Content Core::ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t owner, std::string_view blockName) {
+    constexpr std::int64_t kAnonymous = 1;
+    std::string bytes;
+    GroupWriter writer(bytes, format);
+    for (RecordWalk walk(GroupCursor(bytesOf(source), format)); walk.next();) {
+        const Group& group = walk.group();
+        // Lists of references, reactors, a dictionary: those of the source.
+        if (walk.control() != ControlString::none) continue;
+        const bool isField = walk.part() == RecordPart::field, ofBlock = source.type == rtBlock;
+        if (walk.part() == RecordPart::handle)
+            writer.handle(group.code, copy.handle);
+        else if (isField && walk.inHead() && group.code == 330)
+            writer.handle(330, owner);
+        else if (isField && (group.code == 2 || (group.code == 3 && ofBlock)))
+            writer.text(group.code, blockName);
+        else if (isField && group.code == 70 && ofBlock)
+            writer.integer(70, groupInteger(group, format.binary).value_or(0) | kAnonymous);
+        else
+            writer.raw(group.bytes());
+    }
+    return Arena::contentOf(arena_.add(bytes, source.type));
+}
+
+// The tables of names and blocks are added to, and not forgotten: a drawing may have very many pictures.
+Stub* Core::addPicture(Stub& picture) {
+    requireWritable();
+    Stub* const begin = blockBegin(picture);
+    Stub* const end = begin ? anchorOf(*begin, false) : nullptr;
+    Stub* const blocks = section(Section::blocks);
+    Stub* const table = tableNamed("BLOCK_RECORD");
+    if (!end || end->type != rtEndblk || !blocks || !blocks->has(Stub::ownCloser)) return nullptr;
+    if (table && (!table->has(Stub::ownCloser) || begin == &picture)) return nullptr;
+    std::wstring newName;
+    do newName = L"*D" + std::to_wstring(++lastPicture_);
+    while (findRecord("BLOCK_RECORD", newName));
+    const std::string raw = encodeText(newName, format);
+
+    Stub* const record = table ? &linkedStub(picture.type, *table) : nullptr;
+    Stub& block = linkedStub(rtBlock, *blocks);
+    Stub& copy = record ? *record : block;
+    Stub& closer = stubs.add();
+    closer.type = rtEndblk;
+    closer.owner = indexOf(&block);
+    closer.flags = Stub::appended;
+    giveHandle(closer, block);
+    block.close = indexOf(&closer);
+    if (record) record->content = ofAnonymousBlock(picture, *record, table->handle, raw);
+    block.content = ofAnonymousBlock(*begin, block, copy.handle, raw);
+    closer.content = ofAnonymousBlock(*end, closer, copy.handle, raw);
+
+    names_.find("BLOCK_RECORD")->second.insert_or_assign(newName, indexOf(&copy));
+    rawBlockNames_.erase(raw);
+    blockOfRecord_.insert_or_assign(indexOf(&copy), indexOf(&block));
+    recordOfBlock_.insert_or_assign(indexOf(&block), indexOf(&copy));
+    return &copy;
 }
 
 void Core::registerApplication(std::string_view application) {

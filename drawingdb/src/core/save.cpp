@@ -38,7 +38,7 @@ class Saver {
         for (std::uint32_t i = core_.fileStubs; i < core_.stubs.size(); ++i) {
             const Stub& stub = core_.stubs[i];
             if (stub.gone()) continue;
-            if (stub.type == rtSeqend && !emitted(stub)) continue;
+            if ((stub.type == rtSeqend || stub.type == rtEndblk) && !emitted(stub)) continue;
             largest_ = std::max(largest_, stub.handle);
             if (stub.type == rtField) newFields_.push_back(i);
             if (stub.type == rtInsert) {
@@ -55,6 +55,7 @@ class Saver {
     // children.
     bool emitted(const Stub& anchor) const {
         Stub& owner = core_.stubs[anchor.owner];
+        if (owner.type == rtBlock) return !owner.gone();
         const bool anew = owner.has(Stub::appended) || owner.has(Stub::childrenChanged);
         return anew && !owner.gone() && hasChildren(owner);
     }
@@ -160,10 +161,8 @@ class Saver {
                 reference(i);
             } else {
                 bytes(child);
-                if (child.close) {  // an appended old polyline
-                    for (Stub* vertex = core_.nextChild(child, nullptr); vertex;
-                         vertex = core_.nextChild(child, vertex))
-                        if (!vertex->gone()) bytes(*vertex);
+                if (child.close) {  // an appended block or old polyline
+                    chain(core_.stubs[child.close]);
                     bytes(core_.stubs[child.close]);
                 }
             }

@@ -14,7 +14,8 @@ class OdDbUnknownObject : public OdDbObject {
 class OdDbUnknownEntity : public OdDbEntity {
     OD_DECLARE_CONCRETE_CLASS(OdDbUnknownEntity)
   public:
-    /// Kinds that transformedCarried knows; all others refuse, and leaders whose arrowhead would have another size.
+    /// Kinds that transformedCarried knows, and dimensions (see transformDimension); all others refuse, and leaders
+    /// whose arrowhead would have another size.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     /// Dimensions and tables: a reference of the block that draws them. Leaders: lines and a solid.
     OdResult explode(std::vector<OdDbEntityPtr>& pieces) const override;

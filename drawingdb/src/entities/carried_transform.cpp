@@ -4,111 +4,11 @@
 #include <cmath>
 #include <vector>
 
+#include "drawingdb/src/entities/group_list.h"
 #include "drawingdb/src/geometry/curve_math.h"
 
 namespace drawingdb {
 namespace {
-
-// The groups of a record, with new values for some of them.
-class GroupList {
-  public:
-    GroupList(std::string_view record, const FileFormat& format) : format_(format) {
-        GroupCursor cursor(record, format);
-        for (Group group; cursor.next(group);) items_.push_back({group, {}, {}});
-        end_ = size();
-        for (std::size_t i = 0; i < size() && end_ == size(); ++i)
-            if (code(i) >= 1000) end_ = i;
-    }
-
-    std::size_t size() const { return items_.size(); }
-    // Where extended data begins, of which nothing is transformed here.
-    std::size_t end() const { return end_; }
-    int code(std::size_t i) const { return i < size() ? items_[i].group.code : -1; }
-    std::string_view value(std::size_t i) const { return items_[i].group.value; }
-    double real(std::size_t i) const {
-        return items_[i].real ? *items_[i].real : groupReal(items_[i].group, format_.binary).value_or(0);
-    }
-    std::int64_t integer(std::size_t i) const { return groupInteger(items_[i].group, format_.binary).value_or(0); }
-    void setReal(std::size_t i, double value) { items_[i].real = value; }
-    void setInteger(std::size_t i, std::int64_t value) { items_[i].integer = value; }
-
-    // The first group with the code from `from` on and before `to`; else `to`.
-    std::size_t find(int wanted, std::size_t from, std::size_t to) const {
-        while (from < to && code(from) != wanted) ++from;
-        return from;
-    }
-    std::size_t find(int wanted, std::size_t from = 0) const { return find(wanted, from, end_); }
-    // The point that begins at a group; parts that do not stand behind it are 0.
-    OdGePoint3d point(std::size_t i) const {
-        const bool y = i + 1 < end_ && code(i + 1) == code(i) + 10;
-        const bool z = y && i + 2 < end_ && code(i + 2) == code(i) + 20;
-        return {real(i), y ? real(i + 1) : 0, z ? real(i + 2) : 0};
-    }
-    void setPoint(std::size_t i, const OdGePoint3d& p) {
-        const int first = code(i);
-        setReal(i, p.x);
-        if (i + 1 >= end_ || code(i + 1) != first + 10) return;
-        setReal(i + 1, p.y);
-        if (i + 2 < end_ && code(i + 2) == first + 20) setReal(i + 2, p.z);
-    }
-    // Sets the extrusion direction, which stands in front of extended data when it is new.
-    void setNormal(const OdGeVector3d& normal) {
-        const std::size_t i = find(210);
-        if (i < end_)
-            setPoint(i, OdGePoint3d() + normal);
-        else if (normal != OdGeVector3d::kZAxis)
-            newNormal_ = normal;
-    }
-    OdGeVector3d normal() const {
-        const std::size_t i = find(210);
-        return i < end_ ? point(i).asVector() : OdGeVector3d::kZAxis;
-    }
-
-    // The value of a group that may be left out, and its place in the last zone when it is new.
-    double realOr(int wanted, double fallback) const {
-        const std::size_t i = find(wanted);
-        return i < end_ ? real(i) : fallback;
-    }
-    void setOrAdd(int wanted, double value, double fallback) {
-        const std::size_t i = find(wanted);
-        if (i < end_)
-            setReal(i, value);
-        else if (value != fallback)
-            added_.emplace_back(wanted, value);
-    }
-
-    std::string_view bytes(std::size_t i) const { return items_[i].group.bytes(); }
-    std::string bytes() const {
-        std::string out;
-        GroupWriter writer(out, format_);
-        for (std::size_t i = 0; i <= size(); ++i) {
-            if (i == end_)
-                for (const auto& [code, value] : added_) writer.real(code, value);
-            if (i == end_ && newNormal_) writer.point(210, newNormal_->x, newNormal_->y, newNormal_->z);
-            if (i == size()) break;
-            const Item& item = items_[i];
-            if (item.real)
-                writer.real(item.group.code, *item.real);
-            else if (item.integer)
-                writer.integer(item.group.code, *item.integer);
-            else
-                writer.raw(item.group.bytes());
-        }
-        return out;
-    }
-
-  private:
-    struct Item {
-        Group group;
-        std::optional<double> real;
-        std::optional<std::int64_t> integer;
-    };
-    const FileFormat& format_;
-    std::vector<Item> items_;
-    std::size_t end_ = 0;
-    std::optional<OdGeVector3d> newNormal_;
-    std::vector<std::pair<int, double>> added_;
-};
 
 bool isOneOf(int code, std::initializer_list<int> codes) {
     return std::find(codes.begin(), codes.end(), code) != codes.end();
@@ -125,13 +25,6 @@ bool transformInWorld(GroupList& groups, const OdGeMatrix3d& matrix, std::initia
         else if (isOneOf(groups.code(i), vectors))
             groups.setPoint(i, OdGePoint3d() + matrix * groups.point(i).asVector());
     return true;
-}
-
-// The factor of a matrix that shifts, turns and scales alike in all directions; none for another, or one that mirrors.
-std::optional<double> equalScale(const OdGeMatrix3d& matrix) {
-    const OdGeVector3d x = matrix.xAxis(), y = matrix.yAxis(), z = matrix.zAxis();
-    if (!matrix.isUniScaledOrtho() || x.crossProduct(y).dotProduct(z) < 0) return std::nullopt;
-    return withoutNoise(x.length());
 }
 
 // What keeps its form. Directions keep their length; `lengths` are those groups behind the marker of the last zone.
@@ -157,17 +50,13 @@ bool transformPlaced(GroupList& groups, const OdGeMatrix3d& matrix, std::initial
     const auto plane = mapPlane(matrix, normal);
     const auto scale = plane ? planarScale(*plane) : std::nullopt;
     if (!scale || plane->reversed) return false;
-    const double angle = groups.realOr(50, 0) * kDegree;
-    const OdGeVector3d along(std::cos(angle), std::sin(angle), 0), image = plane->map * along;
-    // What was not turned keeps its angle.
-    if (!image.normal().isEqualTo(along, {1e-14, 1e-14}))
-        groups.setOrAdd(50, OdGeVector2d(image.x, image.y).angle() / kDegree, 0);
+    groups.setOrAdd(50, mapAngle(*plane, groups.realOr(50, 0)), 0, groups.end());
     if (const std::size_t place = groups.find(10); place < groups.end())
         groups.setPoint(place, plane->map * groups.point(place));
-    for (const int size : sizes) groups.setOrAdd(size, groups.realOr(size, 1) * *scale, 1);
+    for (const int size : sizes) groups.setOrAdd(size, groups.realOr(size, 1) * *scale, 1, groups.end());
     if (const std::size_t thickness = groups.find(39); thickness < groups.end())
         groups.setReal(thickness, mapThickness(matrix, normal, groups.real(thickness), plane->normal));
-    groups.setNormal(plane->normal);
+    groups.setNormal(plane->normal, groups.end());
     return true;
 }
 
@@ -190,7 +79,7 @@ bool transformSolid(GroupList& groups, const OdGeMatrix3d& matrix) {
         if (isOneOf(groups.code(i), {10, 11, 12, 13})) groups.setPoint(i, plane->map * groups.point(i));
     if (const std::size_t thickness = groups.find(39); thickness < groups.end())
         groups.setReal(thickness, mapThickness(matrix, normal, groups.real(thickness), plane->normal));
-    groups.setNormal(plane->normal);
+    groups.setNormal(plane->normal, groups.end());
     return true;
 }
 
@@ -335,7 +224,7 @@ class HatchTransform {
             if (!(groups_.code(at) == 92 ? path(at) : (++at, true))) return false;
         pattern(at);
         groups_.setPoint(elevation, {0, 0, (plane_->map * OdGePoint3d(0, 0, elevation_)).z});
-        groups_.setNormal(plane_->normal);
+        groups_.setNormal(plane_->normal, groups_.end());
         return true;
     }
 

@@ -2,30 +2,10 @@
 
 #include "drawingdb/database.h"
 #include "drawingdb/src/core/core.h"
+#include "drawingdb/src/entities/dimension_style.h"
 #include "drawingdb/src/entities/leader_groups.h"
-#include "drawingdb/symbol_table.h"
 
 namespace drawingdb {
-namespace {
-
-// What a leader takes from its dimension style. A style has it as groups, a leader overrides it in its extended data:
-//   1001 ACAD  1000 DSTYLE  1002 {  (1070 the group's code  1040, 1070 or 1005 its value)...  1002 }
-void takeStyleGroup(LeaderGroups& leader, int code, const Group& group, bool binary) {
-    if (code == 40) leader.scale = groupReal(group, binary).value_or(0);
-    if (code == 41) leader.size = groupReal(group, binary).value_or(0);
-    if (code == 341) leader.ownHead = parseHandle(group.value) != 0;
-}
-
-void readStyle(LeaderGroups& leader, Core& core, const OdDbEntity& entity, const OdString& name) {
-    const auto table = entity.database()->tableId("DIMSTYLE").openIf<OdDbSymbolTable>();
-    const OdDbObjectId style = table ? table->getAt(name) : OdDbObjectId();
-    if (style.isNull()) return;
-    GroupCursor cursor(core.bytesOf(*style.stub()), core.format);
-    for (Group group; cursor.next(group) && group.code < 1000;)
-        takeStyleGroup(leader, group.code, group, core.format.binary);
-}
-
-}  // namespace
 
 LeaderGroups leaderGroups(const OdDbEntity& entity) {
     Core& core = entity.database()->core();
@@ -33,16 +13,10 @@ LeaderGroups leaderGroups(const OdDbEntity& entity) {
     LeaderGroups leader;
     const auto real = [&](const Group& group) { return groupReal(group, format.binary).value_or(0); };
     const std::string_view bytes = core.bytesOf(*entity.objectId().stub());
-    OdString style;
     OdGeVector3d normal;
     GroupCursor cursor(bytes, format);
-    Group group;
-    bool more = cursor.next(group);
-    for (; more && group.code < 1000; more = cursor.next(group)) {
+    for (Group group; cursor.next(group) && group.code < 1000;) {
         switch (group.code) {
-            case 3:
-                style = decodeText(group.value, format);
-                break;
             case 71:
                 leader.hasHead = groupInteger(group, format.binary).value_or(1) != 0;
                 break;
@@ -72,19 +46,11 @@ LeaderGroups leaderGroups(const OdDbEntity& entity) {
         }
     }
     if (!normal.isZeroLength()) leader.normal = normal;
-    readStyle(leader, core, entity, style);
-    bool overrides = false;
-    for (int code = 0; more; more = cursor.next(group)) {
-        if (group.code == 1001) overrides = false;
-        if (group.code == 1000) overrides = group.value == "DSTYLE";
-        if (!overrides || group.code == 1000 || group.code == 1002) continue;
-        if (code == 0) {
-            code = static_cast<int>(groupInteger(group, format.binary).value_or(0));
-        } else {
-            takeStyleGroup(leader, code, group, format.binary);
-            code = 0;
-        }
-    }
+    readDimensionStyle(entity, [&](int code, const Group& value) {
+        if (code == dimension_style::overallScale) leader.scale = real(value);
+        if (code == dimension_style::arrowSize) leader.size = real(value);
+        if (code == dimension_style::leaderArrow) leader.ownHead = parseHandle(value.value) != 0;
+    });
     return leader;
 }
 

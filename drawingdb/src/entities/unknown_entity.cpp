@@ -4,6 +4,7 @@
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/unknown.h"
 #include "drawingdb/src/entities/carried_transform.h"
+#include "drawingdb/src/entities/dimension.h"
 #include "drawingdb/src/entities/filled_strip.h"
 #include "drawingdb/src/entities/leader_groups.h"
 #include "drawingdb/src/geometry/curve_math.h"
@@ -57,6 +58,7 @@ OdResult transformMesh(Core& core, Stub& mesh, const OdGeMatrix3d& matrix) {
 OdResult OdDbUnknownEntity::transformBy(const OdGeMatrix3d& matrix) {
     if (!stub_ || (dxfName() == "LEADER" && resizesHead(*this, matrix))) return OdResult::transformRefused;
     Core& core = coreOf(stub_);
+    if (isDimension(dxfName())) return transformDimension(*this, matrix);
     if (dxfName() == "POLYLINE") return transformMesh(core, *stub_, matrix);
     const auto bytes = transformedCarried(dxfName(), core.bytesOf(*stub_), core.format, matrix);
     if (!bytes) return OdResult::transformRefused;
@@ -72,7 +74,7 @@ OdResult OdDbUnknownEntity::explode(std::vector<OdDbEntityPtr>& pieces) const {
         return OdResult::ok;
     }
     const bool table = kind == "ACAD_TABLE";
-    if (!stub_ || (!table && !kind.ends_with("DIMENSION"))) return OdResult::transformRefused;
+    if (!stub_ || (!table && !isDimension(kind))) return OdResult::transformRefused;
 
     Core& core = coreOf(stub_);
     OdString block;

@@ -40,6 +40,18 @@ std::optional<double> planarScale(const PlaneMap& plane, double thickness) {
     return withoutNoise(scale);
 }
 
+std::optional<double> equalScale(const OdGeMatrix3d& matrix) {
+    const OdGeVector3d x = matrix.xAxis(), y = matrix.yAxis(), z = matrix.zAxis();
+    if (!matrix.isUniScaledOrtho() || x.crossProduct(y).dotProduct(z) < 0) return std::nullopt;
+    return withoutNoise(x.length());
+}
+
+double mapAngle(const PlaneMap& plane, double degrees) {
+    const OdGeVector2d along = directionOf(degrees * kDegree);
+    const OdGeVector3d image = (plane.map * OdGeVector3d(along.x, along.y, 0)).normal();
+    return image.isEqualTo({along.x, along.y, 0}, {1e-14, 1e-14}) ? degrees : degreesOf(angleOf(image.x, image.y));
+}
+
 std::optional<double> widthScale(const PlaneMap& plane, const std::vector<WideSegment>& segments, double thickness) {
     const auto isArc = [](const WideSegment& wide) { return wide.segment.bulge != 0; };
     const bool arcs = std::any_of(segments.begin(), segments.end(), isArc);

@@ -30,6 +30,13 @@ std::optional<PlaneMap> mapPlane(const OdGeMatrix3d& matrix, const OdGeVector3d&
 /// else nothing. What has a thickness must also still rise at right angles from its plane.
 std::optional<double> planarScale(const PlaneMap& plane, double thickness = 0);
 
+/// The factor of a matrix that shifts, turns and scales alike in all directions; none for another, or one that mirrors.
+std::optional<double> equalScale(const OdGeMatrix3d& matrix);
+
+/// What a direction in the plane is taken to, both in degrees as files have them. One that is not turned keeps its
+/// digits.
+double mapAngle(const PlaneMap& plane, double degrees);
+
 /// 1 when the factor is 1 but for rounding: what was only turned keeps its sizes to the last digit.
 double withoutNoise(double factor);
 

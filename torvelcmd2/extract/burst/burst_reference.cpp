@@ -202,15 +202,16 @@ OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
 
 bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
     owner_ = &owner;
-    added_.clear();
+    pieces_ = 0;
     within_.clear();
     obstacle_.clear();
+    const std::size_t before = owner.database()->undoPosition();
     if (burstContents(reference, OdGeMatrix3d::kIdentity)) {
         // The owner may be a block that has references of its own, still to be burst.
         definitions_.erase(owner.objectId());
         return true;
     }
-    for (OdDbObjectId id : added_) id.openAs<OdDbEntity>(OdDb::forWrite, true)->erase();
+    owner.database()->undoTo(before);
     return false;
 }
 
@@ -236,7 +237,7 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     const OdGeMatrix3d blockTransform = reference.blockTransform();
     for (const OdGeMatrix3d& step : placesOf(reference)) {
         const OdGeMatrix3d place = outer * step;
-        if (added_.size() + definition.entities.size() > kMostPieces) {
+        if (pieces_ + definition.entities.size() > kMostPieces) {
             obstacle_ = kTooMany;
             return false;
         }
@@ -269,8 +270,7 @@ const ReferenceBurster::Definition& ReferenceBurster::definitionOf(OdDbObjectId 
 bool ReferenceBurster::copyEntities(const Definition& definition, const OdGeMatrix3d& transform) {
     OdDbIdMapping mapping;
     owner_->database()->deepCloneObjects(definition.entities, owner_->objectId(), mapping);
-    for (const OdDbIdMapping::Pair& pair : mapping.pairs())
-        if (pair.primary) added_.push_back(pair.copy);
+    pieces_ += definition.entities.size();
     for (const OdDbIdMapping::Pair& pair : mapping.pairs()) {
         if (!pair.primary) continue;
         const auto copy = pair.copy.openAs<OdDbEntity>(OdDb::forWrite);
@@ -347,7 +347,10 @@ void ReferenceBurster::addText(const OdDbAttributeText& source, const OdSmartPtr
     if (transform != OdGeMatrix3d::kIdentity && !place(*text, transform)) text->transformBy(transform);
 }
 
-void ReferenceBurster::append(OdDbEntity& entity) { added_.push_back(owner_->appendOdDbEntity(&entity)); }
+void ReferenceBurster::append(OdDbEntity& entity) {
+    owner_->appendOdDbEntity(&entity);
+    ++pieces_;
+}
 
 }  // namespace torvel
 

@@ -56,7 +56,7 @@ class ReferenceBurster {
     /// Of the reference at work.
     OdString obstacle_;
     OdDbBlockTableRecord* owner_ = nullptr;
-    OdDbObjectIdArray added_;           // everything added so far, to be taken back when an entity cannot be placed
+    std::size_t pieces_ = 0;            // added so far
     std::vector<OdDbObjectId> within_;  // the blocks that hold the contents at work, outermost first
 };
 
