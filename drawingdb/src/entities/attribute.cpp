@@ -23,6 +23,10 @@ constexpr const char* kEmbedded = "Embedded Object";
 
 constexpr std::string_view kLockApplication = "AcDbAttr";
 
+bool holdsLock(const std::vector<OdDbGroup>& data) {
+    return data.size() > 2 && data[1].code == 1070 && data[2].code == 1070;
+}
+
 // Whether the name may stand in the record, as more than the beginning of a subclass marker.
 bool namesApplication(std::string_view record, std::string_view name) {
     for (std::size_t at = record.find(name); at != std::string_view::npos; at = record.find(name, at + name.size()))
@@ -92,7 +96,8 @@ void OdDbAttributeText::describeLater(Describer& d) {
     self.mtext_.reset();
 }
 
-// Versions 2000 to 2006 keep the lock in extended data: the version and the lock, two whole numbers.
+// Versions 2000 to 2006 keep the lock in extended data: the version and the lock, two whole numbers. Whatever else
+// stands there stays.
 bool OdDbAttributeText::locksByXData() const {
     constexpr int kFirst = 1015, kFirstWithGroup = 1021;
     const int version = database() ? database()->core().format.version : 0;
@@ -103,14 +108,15 @@ void OdDbAttributeText::beforeEncode() {
     OdDbText::beforeEncode();
     if (lockPosition_ == lockInFile_ || !locksByXData()) return;
     lockInFile_ = lockPosition_;
-    OdDbGroup application, number;
-    application.code = 1001;
-    application.text = base::widen(kLockApplication);
-    number.code = 1070;
-    OdDbGroup lock = number;
-    number.integer = version_;
-    lock.integer = lockPosition_;
-    setXData({application, number, lock});
+    std::vector<OdDbGroup> data = xData(base::widen(kLockApplication));
+    if (data.empty()) data.push_back({1001, base::widen(kLockApplication)});
+    if (!holdsLock(data)) {
+        OdDbGroup number{1070, {}};
+        number.integer = version_;
+        data.insert(data.begin() + 1, 2, number);
+    }
+    data[2].integer = lockPosition_;
+    setXData(data);
     database()->core().registerApplication(kLockApplication);
 }
 
@@ -118,7 +124,7 @@ void OdDbAttributeText::afterDecode() {
     OdDbText::afterDecode();
     if (lockPosition_ == 0 && locksByXData() && namesApplication(source_, kLockApplication)) {
         const std::vector<OdDbGroup> data = xData(base::widen(kLockApplication));
-        if (data.size() > 2 && data[2].integer != 0) lockPosition_ = 1;
+        if (holdsLock(data) && data[2].integer != 0) lockPosition_ = 1;
     }
     lockInFile_ = lockPosition_;
     if (!mtext_) return;

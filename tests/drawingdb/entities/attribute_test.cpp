@@ -143,7 +143,7 @@ TEST(AttributeFiles, VersionAndLockShareACode) {
 
 // Versions 2000 to 2006 have the lock in extended data, with the version before it.
 TEST(AttributeFiles, OlderFilesLockByExtendedData) {
-    const std::string lock = "1001|AcDbAttr|1070|0|1070|1|";
+    const std::string lock = "1001|AcDbAttr|1070|0|1070|1|1040|0.50|";
     const auto database = OdDbDatabase::readBytes(
         [&] {
             std::string bytes =
@@ -173,6 +173,19 @@ TEST(AttributeFiles, OlderFilesLockByExtendedData) {
     EXPECT_TRUE(applications->has(L"AcDbAttr")) << "an application that no table lists is a fault";
     definition->setLockPositionInBlock(false);
     EXPECT_FALSE(opened<OdDbAttributeDefinition>(reread(database), 0xD)->lockPositionInBlock());
+    const auto endOf = [&](const char* handle) {
+        std::string end;
+        for (const std::string& group : savedGroups(database, handle))
+            if (!end.empty() || group.starts_with("1001|")) end += group + " ";
+        return end;
+    };
+    EXPECT_EQ(endOf("D"), "1001|AcDbAttr 1070|0 1070|0 1040|0.5 ") << "what else stands there stays";
+    // Data of another form is not taken for a lock, nor lost by one.
+    opened<OdDbAttribute>(database, 0xA, OdDb::forWrite)
+        ->setXData({OdDbGroup{1001, L"AcDbAttr"}, OdDbGroup{1000, L"note"}, OdDbGroup{1070, {}, 0, 1}});
+    EXPECT_FALSE(opened<OdDbAttribute>(reread(database), 0xA)->lockPositionInBlock());
+    opened<OdDbAttribute>(database, 0xA, OdDb::forWrite)->setLockPositionInBlock(true);
+    EXPECT_EQ(endOf("A"), "1001|AcDbAttr 1070|0 1070|1 1000|note 1070|1 ");
 }
 
 // What is not turned keeps its digits, and what is turned gets few where few will do, the same on every platform.
