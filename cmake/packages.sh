@@ -43,3 +43,7 @@ need_for_program() {
     need libedit-dev /usr/include/histedit.h
     need libstb-dev /usr/include/stb/stb_image_write.h
 }
+
+# What its windows are shown with. Without it everything else is built all the same.
+qt_file='/usr/include/*/qt6/QtWidgets/QWidget'
+need_for_windows() { need qt6-base-dev "$qt_file"; }

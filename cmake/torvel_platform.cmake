@@ -51,6 +51,16 @@ if(CMAKE_CROSSCOMPILING)
   target_include_directories(torvel_pictures SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
 endif()
 
+# What Linux shows windows with. Everything else is built without it too.
+if(NOT WIN32)
+  find_path(TORVEL_QT QtWidgets/QWidget PATH_SUFFIXES qt6)
+  if(TORVEL_QT)
+    find_package(Qt6 REQUIRED COMPONENTS Widgets)
+  else()
+    message(STATUS "Qt 6 is not installed: there will be no windows.")
+  endif()
+endif()
+
 if(WIN32)
   # Library files carry no "lib" in front there.
   set(CMAKE_SHARED_LIBRARY_PREFIX "")

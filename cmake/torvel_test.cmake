@@ -1,5 +1,5 @@
-# torvel_test(NAME SOURCE... [LIBRARIES LIBRARY...])
-#     A GoogleTest program and the test that runs it. base is linked anyway. TORVEL_SOURCE_DIR is defined as the
+# torvel_test(NAME [DIALOGS] SOURCE... [LIBRARIES LIBRARY...])
+#     A GoogleTest program and the test that runs it. With DIALOGS it shows some, as windows too. base is linked anyway. TORVEL_SOURCE_DIR is defined as the
 #     narrow path of the source tree. Programs for Windows run under Wine by themselves.
 # torvel_add_test(NAME COMMAND...)
 #     Any other test. Names get this build's preset in front, so that one ctest run can cover several builds.
@@ -45,19 +45,30 @@ if(TORVEL_PRESET)
   set(TORVEL_TEST_PREFIX "${TORVEL_PRESET}.")
 endif()
 
+# No test opens windows on somebody's screen: Qt's are drawn into memory.
+set(TORVEL_TEST_ENVIRONMENT)
+if(TORVEL_QT)
+  set(TORVEL_TEST_ENVIRONMENT
+    QT_QPA_PLATFORM=offscreen "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/known_leaks.txt:print_suppressions=0")
+endif()
+
 function(torvel_add_test name)
   add_test(NAME "${TORVEL_TEST_PREFIX}${name}" COMMAND ${ARGN})
-  set_tests_properties("${TORVEL_TEST_PREFIX}${name}" PROPERTIES TIMEOUT 300)
+  set_tests_properties("${TORVEL_TEST_PREFIX}${name}" PROPERTIES
+    TIMEOUT 300 ENVIRONMENT "${TORVEL_TEST_ENVIRONMENT}")
 endfunction()
 
 function(torvel_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "DIALOGS" "" "LIBRARIES")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   torvel_options(${name})
   # EXPECT_EQ and its like expand into an if with an else, also behind an if without braces.
   target_compile_options(${name} PRIVATE ${TORVEL_TEST_OPTIONS} -Wno-dangling-else)
   target_compile_definitions(${name} PRIVATE "TORVEL_SOURCE_DIR=\"${PROJECT_SOURCE_DIR}\"")
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} base GTest::gmock GTest::gtest_main)
+  if(arg_DIALOGS AND TARGET torvelqt)
+    add_dependencies(${name} torvelqt)  # loaded by name
+  endif()
   if(TORVEL_TEST_HEADERS)
     target_precompile_headers(${name} REUSE_FROM ${TORVEL_TEST_HEADERS})
   endif()

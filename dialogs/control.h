@@ -32,7 +32,7 @@ struct Row {
     std::wstring name = {};  ///< what scripts call it, whatever columns are shown; empty: the first cell
 };
 
-struct Control {
+struct DIALOGS_API Control {
     Control(Dialog& owner, const ControlTemplate& design);
 
     Dialog* dialog;

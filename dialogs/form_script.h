@@ -11,7 +11,7 @@ class FormScript {
     FormScript(Run& run, LineSource& lines) : run_(run), lines_(lines) {}
 
     /// Takes one line and does it. At the end of the lines the dialog is cancelled, or the source of the lines throws.
-    void step();
+    DIALOGS_API void step();
 
   private:
     struct Verb;

@@ -1,4 +1,4 @@
-// What makes the windows and boxes of dialogs: one maker for real windows, one for forms.
+// What makes the windows and boxes of dialogs: a maker for the real windows of each platform, and one for forms.
 #pragma once
 
 #include <memory>
@@ -25,7 +25,7 @@ class Maker {
 };
 
 /// The process's own, see process.cpp.
-struct Process {
+struct DIALOGS_API Process {
     Process();
     void setStandard();
     void waitFor(const std::function<void()>& wait) const;
@@ -42,8 +42,8 @@ struct Process {
 };
 
 std::unique_ptr<Maker> makeFormsMaker();
-/// Null where there are no windows. One file per platform.
-std::unique_ptr<Maker> makeWindowsMaker(bool scripted);
+/// Null where there are no windows; `reason` is then what is missing. One file per platform.
+std::unique_ptr<Maker> makeWindowsMaker(bool scripted, std::wstring& reason);
 void useSystemLocale();
 
 }  // namespace dialogs

@@ -30,7 +30,8 @@ LineSource::~LineSource() = default;
 Process::Process() { setStandard(); }
 
 void Process::setStandard() {
-    maker = makeWindowsMaker(false);
+    std::wstring reason;
+    maker = windowsAreStandard() ? makeWindowsMaker(false, reason) : nullptr;
     lines = nullptr;
     waiting = {};
     if (maker) return;
@@ -52,8 +53,10 @@ void useForms(LineSource& lines) {
     process.waiting = {};
 }
 
-bool useWindows(LineSource* script, Waiting waiting) {
-    std::unique_ptr<Maker> maker = makeWindowsMaker(script != nullptr);
+bool useWindows(LineSource* script, Waiting waiting, std::wstring* reason) {
+    std::wstring missing;
+    std::unique_ptr<Maker> maker = makeWindowsMaker(script != nullptr, missing);
+    if (!maker && reason) *reason = missing;
     if (!maker) return false;
     Process& process = Process::instance();
     process.maker = std::move(maker);

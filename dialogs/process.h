@@ -39,8 +39,10 @@ DIALOGS_API void useForms(LineSource& lines);
 /// Calls `wait`, which returns when a person has done something; shows meanwhile that nothing is being worked at.
 using Waiting = std::function<void(const std::function<void()>& wait)>;
 /// Dialogs are windows. With a script its lines do what a user would do; without one (null) the user does.
-/// False, and nothing changed, where there are no windows.
-DIALOGS_API bool useWindows(LineSource* script, Waiting waiting = {});
+/// False, and nothing changed, where there are no windows; `reason` is then what is missing.
+DIALOGS_API bool useWindows(LineSource* script, Waiting waiting = {}, std::wstring* reason = nullptr);
+/// Whether dialogs are windows without a say.
+DIALOGS_API bool windowsAreStandard();
 /// Dialogs and boxes that open outside of any other dialog belong to that window, the handle of the host's main window,
 /// and are modal to it. Null: to none.
 DIALOGS_API void useMainWindow(void* window);

@@ -9,7 +9,7 @@
 
 namespace dialogs {
 
-class Run {
+class DIALOGS_API Run {
   public:
     explicit Run(Dialog& root);
     ~Run();

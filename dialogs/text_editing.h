@@ -17,7 +17,7 @@ void copySelection(Control& field);
 /// True when the text changed. The caret steps over runs; deleting beside one deletes it.
 bool editByKey(Control& field, TextKey key, bool shift);
 /// Widens the selection so that it cuts no run, and brings it inside the text.
-void snapSelection(Control& field);
+DIALOGS_API void snapSelection(Control& field);
 /// After the contents of a rich edit changed.
 void refreshFromRichText(Control& field);
 

@@ -8,6 +8,7 @@
 
 #include <string>
 
+#include "dialogs/api.h"
 #include "dialogs/control.h"
 
 namespace dialogs {
@@ -55,7 +56,7 @@ struct PixelRect {
     int left = 0, top = 0, width = 0, height = 0;
 };
 
-class View {
+class DIALOGS_API View {
   public:
     explicit View(Run& run) : run_(run) {}
     virtual ~View() = default;

@@ -1,7 +1,7 @@
 # torvel_script_cases(NAME [DIALOGS] [SCRIPTS SCRIPT...])
 #     A test NAME.CASE for every script CASE.scr of this folder, which runs it through torvelhost; run_case.py says what
-#     belongs to a case. Programs for Windows run under Wine by themselves. With DIALOGS every script is run there once
-#     more, working real windows, as NAME_in_windows.CASE. SCRIPTS are cases that lie elsewhere. A table statuses.txt in
+#     belongs to a case. Programs for Windows run under Wine by themselves. With DIALOGS every script is run once more,
+#     working real windows, as NAME_in_windows.CASE. SCRIPTS are cases that lie elsewhere. A table statuses.txt in
 #     the folder is the test NAME.statuses, see run_statuses.py.
 find_program(TORVEL_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
 if(NOT TORVEL_PYTHON)
@@ -23,7 +23,7 @@ function(torvel_script_cases name)
   foreach(script IN LISTS scripts arg_SCRIPTS)
     cmake_path(GET script STEM case)
     torvel_add_test(${name}.${case} ${run_case} "--emulator=${emulator}" "${script}")
-    if(WIN32 AND arg_DIALOGS)
+    if(arg_DIALOGS AND (WIN32 OR TORVEL_QT))
       torvel_add_test(${name}_in_windows.${case} ${run_case} "--emulator=${emulator}" --option=--windows "${script}")
     endif()
   endforeach()

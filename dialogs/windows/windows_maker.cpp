@@ -165,7 +165,9 @@ void usePrivateDesktop() {
 
 }  // namespace
 
-std::unique_ptr<Maker> makeWindowsMaker(bool scripted) {
+bool windowsAreStandard() { return true; }
+
+std::unique_ptr<Maker> makeWindowsMaker(bool scripted, std::wstring&) {
     if (scripted) usePrivateDesktop();
     return std::make_unique<WindowsMaker>();
 }

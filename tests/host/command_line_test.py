@@ -51,6 +51,19 @@ class CommandLine(unittest.TestCase):
     def run_program(self, *arguments, **options):
         return Run(self.folder, *arguments, **options)
 
+    def test_windows_want_a_screen(self):
+        if not IS_NATIVE:
+            self.skipTest("there are always windows")
+        has_qt = (pathlib.Path(COMMAND[0]).parent / "libtorvelqt.so").exists()
+        names = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")
+        without = {name: value for name, value in os.environ.items() if name not in names}
+        for screen in {}, {"DISPLAY": ":4711"}:
+            run = self.run_program("--windows", "-c", "Ray|0,0|1,1||", "-o", "out.dxf", env=without | screen)
+            self.assertEqual(run.status, 2)
+            self.assertIn("--windows: ", run.errors)
+            self.assertIn(screen.get("DISPLAY", "DISPLAY") if has_qt else "Qt", run.errors)
+            self.assertFalse((self.folder / "out.dxf").exists())
+
     def test_help_and_version(self):
         run = self.run_program("--help")
         self.assertEqual(run.status, 0)

@@ -29,7 +29,7 @@ SUBROOMS = {
     "torvelhost": [["resources", "lines"], ["plot"], ["session"], ["commands", "modules"], ["program"]],
     "torvelcmd2": [["resources"], ["frame"], ["attributes/values"], ["attributes"],
                    ["attmanager", "construction", "extract/burst", "slides"], ["extract"]],
-    "dialogs": [[""], ["forms", "windows"]],
+    "dialogs": [[""], ["forms", "qt", "windows"]],
 }
 # What points up all the same, and why.
 ALLOWED_UP = {

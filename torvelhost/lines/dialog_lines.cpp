@@ -29,7 +29,9 @@ DialogUse::DialogUse(bool windows, DialogLines& lines) {
         const Progress::Pause pause;
         wait();
     };
-    if ((windows || person) && dialogs::useWindows(scripted ? &lines : nullptr, waiting)) return;
+    if ((windows || (person && dialogs::windowsAreStandard())) &&
+        dialogs::useWindows(scripted ? &lines : nullptr, waiting))
+        return;
     dialogs::useForms(lines);
 }
 

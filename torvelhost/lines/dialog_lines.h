@@ -25,7 +25,7 @@ class DialogLines final : public dialogs::LineSource {
 };
 
 /// Dialogs are windows or forms while this lives: windows where the options want them, and for a person at a terminal
-/// where there are some.
+/// where that is usual.
 class DialogUse {
   public:
     DialogUse(bool windows, DialogLines& lines);

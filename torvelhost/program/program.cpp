@@ -128,12 +128,18 @@ void checkOptions(const Options& options) {
     if (options.plot && !isPictureFileName(*options.plot))
         throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
                          "\" is no picture; give a name that ends in .svg or .png");
-    if (options.windows && base::pathSeparator() != L'\\')
-        throw UsageError("--windows: there are windows on Windows only");
+}
+
+// Where dialogs cannot be windows, that is said before anything is done.
+void requireWindows() {
+    std::wstring reason;
+    if (!dialogs::useWindows(nullptr, {}, &reason)) throw UsageError("--windows: " + base::toUtf8(reason));
+    dialogs::useStandard();
 }
 
 ExitStatus run(const Options& options, Terminal& terminal) {
     checkOptions(options);
+    if (options.windows) requireWindows();
     if (options.drawing)
         std::snprintf(g_drawingName, sizeof g_drawingName, "%s", base::toUtf8(visible(*options.drawing)).c_str());
     const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);

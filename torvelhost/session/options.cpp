@@ -87,7 +87,7 @@ const char kUsage[] =
     "      --size WxH          of the plot and the view in pixels (1600x1200)\n"
     "      --set NAME=VALUE    set a system variable first; may be repeated\n"
     "      --profile FILE      the settings store (default: the user's own)\n"
-    "      --windows           show dialogs as windows (Windows; the default without a script)\n"
+    "      --windows           show dialogs as windows (on Windows the default without a script)\n"
     "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
     "  --help  --version\n"
     "Without -s, -c, -o and -p it is a command prompt.\n"

@@ -1,0 +1,427 @@
+#include "dialogs/qt/control_widget.h"
+
+#include <algorithm>
+#include <limits>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QTextEdit>
+#include <QTreeView>
+
+#include "base/resources.h"
+#include "base/text.h"
+#include "dialogs/dialog.h"
+#include "dialogs/qt/items_model.h"
+#include "dialogs/qt/qt_text.h"
+#include "dialogs/styles.h"
+#include "dialogs/text_editing.h"
+
+namespace dialogs {
+namespace {
+
+constexpr int kLineHeight = 8;  // of text, in dialog units
+
+LineEnds lineEndsOf(const Control& field) {
+    return field.kind() == ControlKind::kEdit && field.isMultiLine() ? LineEnds::kOneCharacter : LineEnds::kKept;
+}
+
+// With LF for line ends. (toPlainText turns blanks that do not break into others.)
+template <class Edit>
+QString textOf(const Edit& edit) {
+    QString text = edit.document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
+    return text;
+}
+
+// ---- making
+
+QWidget* makeLabel(const Control& control, QWidget* parent) {
+    auto* const label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(control.design->place.height >= 2 * kLineHeight);
+    constexpr std::uint32_t kTypeMask = 0x1F, kCentered = 1, kRight = 2;
+    const std::uint32_t type = control.design->style & kTypeMask;
+    label->setAlignment(Qt::AlignTop | (type == kCentered ? Qt::AlignHCenter
+                                        : type == kRight  ? Qt::AlignRight
+                                                          : Qt::AlignLeft));
+    return label;
+}
+
+QWidget* makeFrame(const Control& control, QWidget* parent) {
+    auto* const frame = new QFrame(parent);
+    constexpr std::uint32_t kTypeMask = 0x1F, kHorizontalLine = 0x10, kVerticalLine = 0x11;
+    const std::uint32_t type = control.design->style & kTypeMask;
+    frame->setFrameStyle(QFrame::Sunken | (type == kHorizontalLine ? QFrame::HLine
+                                           : type == kVerticalLine ? QFrame::VLine
+                                                                   : QFrame::Box));
+    return frame;
+}
+
+QWidget* makeEdit(const Control& control, QWidget* parent) {
+    if (!control.isMultiLine()) {
+        auto* const edit = new QLineEdit(parent);
+        edit->setMaxLength(std::numeric_limits<int>::max());
+        return edit;
+    }
+    auto* const edit = new QPlainTextEdit(parent);
+    edit->setTabChangesFocus(true);
+    return edit;
+}
+
+// It only shows the text and the selection; every key is the view's.
+QWidget* makeRichEdit(QWidget* parent) {
+    auto* const edit = new QTextEdit(parent);
+    edit->setReadOnly(true);
+    edit->setUndoRedoEnabled(false);
+    edit->setLineWrapMode(QTextEdit::NoWrap);
+    edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    edit->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    edit->setAttribute(Qt::WA_InputMethodEnabled);
+    edit->setAcceptDrops(false);
+    edit->document()->setDocumentMargin(2);
+    return edit;
+}
+
+QWidget* makeCombo(const Control& control, QWidget* parent) {
+    auto* const combo = new QComboBox(parent);
+    combo->setModel(new ItemsModel(control, combo));
+    if (control.kind() == ControlKind::kEditCombo) {
+        combo->setEditable(true);
+        combo->setInsertPolicy(QComboBox::NoInsert);
+        combo->setCompleter(nullptr);
+    }
+    return combo;
+}
+
+QWidget* makeList(const Control& control, QWidget* parent) {
+    auto* const list = new QListView(parent);
+    list->setModel(new ItemsModel(control, list));
+    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list->setUniformItemSizes(true);
+    return list;
+}
+
+QWidget* makeListView(const Control& control, QWidget* parent) {
+    auto* const list = new QTreeView(parent);
+    list->setModel(new ItemsModel(control, list));
+    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list->setRootIsDecorated(false);
+    list->setItemsExpandable(false);
+    list->setUniformRowHeights(true);
+    list->setAllColumnsShowFocus(true);
+    list->header()->setSectionsMovable(false);
+    list->header()->setStretchLastSection(false);
+    list->header()->setMinimumSectionSize(1);
+    return list;
+}
+
+QWidget* makePushButton(QWidget* parent) {
+    auto* const button = new QPushButton(parent);
+    button->setAutoDefault(false);
+    return button;
+}
+
+// ---- the aspects
+
+QString captionOf(const Control& control) {
+    QString caption = toQt(control.text);
+    const bool plain = control.kind() == ControlKind::kLabel && (control.design->style & kNoPrefixStyle) != 0;
+    return plain ? caption.replace(u'&', QStringLiteral("&&")) : caption;
+}
+
+void showSelection(const Control& field, QWidget* widget) {
+    const auto position = [&](std::size_t units) { return toQtPosition(field.text, units, lineEndsOf(field)); };
+    const int anchor = position(field.selection.anchor), caret = position(field.selection.caret);
+    if (QLineEdit* const line = lineOf(widget)) {
+        if (anchor == caret) {
+            line->setCursorPosition(caret);  // keeps what is selected when the caret is there already
+            line->deselect();
+        } else {
+            line->setSelection(anchor, caret - anchor);
+        }
+        return;
+    }
+    const auto select = [&](auto* edit) {
+        QTextCursor cursor = edit->textCursor();
+        cursor.setPosition(anchor);
+        cursor.setPosition(caret, QTextCursor::KeepAnchor);
+        edit->setTextCursor(cursor);
+    };
+    if (auto* const plain = qobject_cast<QPlainTextEdit*>(widget)) select(plain);
+    if (auto* const rich = qobject_cast<QTextEdit*>(widget)) select(rich);
+}
+
+// The runs of a rich edit are shaded a fifth of the way from the paper's colour to the ink's, so that they are seen in
+// every colour scheme.
+void showRuns(const Control& field, QTextEdit* edit) {
+    const QColor paper = edit->palette().color(QPalette::Base), ink = edit->palette().color(QPalette::Text);
+    const auto mix = [](int a, int b) { return (4 * a + b) / 5; };
+    QList<QTextEdit::ExtraSelection> shaded;
+    for (const RichText::Run& run : field.richText ? field.richText->runs() : std::vector<RichText::Run>()) {
+        QTextEdit::ExtraSelection shade;
+        shade.cursor = QTextCursor(edit->document());
+        shade.cursor.setPosition(toQtPosition(field.text, run.begin, LineEnds::kKept));
+        shade.cursor.setPosition(toQtPosition(field.text, run.end, LineEnds::kKept), QTextCursor::KeepAnchor);
+        shade.format.setBackground(
+            QColor(mix(paper.red(), ink.red()), mix(paper.green(), ink.green()), mix(paper.blue(), ink.blue())));
+        shaded.append(shade);
+    }
+    edit->setExtraSelections(shaded);
+}
+
+void showFieldText(const Control& field, QWidget* widget) {
+    const QString text = toQt(field.text);
+    if (QLineEdit* const line = lineOf(widget)) {
+        if (line->text() != text) line->setText(text);
+    } else if (auto* const plain = qobject_cast<QPlainTextEdit*>(widget)) {
+        QString lines = text;
+        lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        if (textOf(*plain) != lines) plain->setPlainText(lines);
+    } else if (auto* const rich = qobject_cast<QTextEdit*>(widget)) {
+        if (textOf(*rich) != text) rich->setPlainText(text);
+        showRuns(field, rich);
+    }
+    showSelection(field, widget);
+}
+
+// The choice, row or page selected.
+void showItem(const Control& control, QWidget* widget) {
+    if (auto* const combo = qobject_cast<QComboBox*>(widget)) {
+        combo->setCurrentIndex(control.selected);
+        if (QLineEdit* const line = combo->lineEdit(); line && line->text() != toQt(control.text))
+            line->setText(toQt(control.text));
+    } else if (auto* const tabs = qobject_cast<QTabWidget*>(widget)) {
+        tabs->setCurrentIndex(control.selected);
+    } else if (QAbstractItemView* const items = itemsOf(widget)) {
+        const QModelIndex index = itemIndex(*items, control.selected);
+        items->selectionModel()->setCurrentIndex(index,
+                                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        if (!index.isValid()) return items->selectionModel()->clear();
+        items->scrollTo(index);
+    }
+}
+
+void showText(const Control& control, QWidget* widget) {
+    if (control.isTyped()) return showFieldText(control, widget);
+    if (control.kind() == ControlKind::kCombo) return showItem(control, widget);
+    if (auto* const label = qobject_cast<QLabel*>(widget)) label->setText(captionOf(control));
+    if (auto* const box = qobject_cast<QGroupBox*>(widget)) box->setTitle(captionOf(control));
+    if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setText(captionOf(control));
+}
+
+void showItems(const Control& control, QWidget* widget) {
+    QAbstractItemModel* model = nullptr;
+    if (auto* const combo = qobject_cast<QComboBox*>(widget)) model = combo->model();
+    if (QAbstractItemView* const items = itemsOf(widget)) model = items->model();
+    if (!model) return;
+    static_cast<ItemsModel*>(model)->refresh();
+    showItem(control, widget);
+}
+
+void showColumns(const Control& control, QWidget* widget) {
+    auto* const list = qobject_cast<QTreeView*>(widget);
+    if (!list) return;
+    showItems(control, widget);
+    for (std::size_t i = 0; i < control.columns.size(); ++i)
+        list->header()->resizeSection(static_cast<int>(i), control.columns[i].width);
+}
+
+void showPages(const Control& control, QWidget* widget) {
+    auto* const tabs = qobject_cast<QTabWidget*>(widget);
+    if (!tabs) return;
+    for (std::size_t i = 0; i < control.choices.size(); ++i) {
+        const int page = static_cast<int>(i);
+        if (page == tabs->count()) tabs->addTab(new QWidget, QString());
+        tabs->setTabText(page, toQt(control.choices[i].text));
+    }
+    showItem(control, widget);
+}
+
+// A bitmap resource is a bitmap file without the 14 bytes at its head.
+QPixmap bitmapOf(const Control& control) {
+    const base::ResourceBytes bytes = base::findResource(control.dialog->resources(), base::kBitmapResource,
+                                                         static_cast<std::uint16_t>(control.picture));
+    if (bytes.empty()) return {};
+    QByteArray file("BM\0\0\0\0\0\0\0\0\0\0\0\0", 14);
+    file.append(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
+    const auto number = [&](qsizetype place) {
+        return *reinterpret_cast<const std::uint16_t*>(file.constData() + place);
+    };
+    constexpr qsizetype kHeaderSizePlace = 14, kBitsPlace = 28, kColorsPlace = 46;
+    const int bits = number(kBitsPlace);
+    const int colors = number(kColorsPlace) != 0 ? number(kColorsPlace) : bits <= 8 ? 1 << bits : 0;
+    file[10] = static_cast<char>((14 + number(kHeaderSizePlace) + 4 * colors) & 0xFF);
+    file[11] = static_cast<char>((14 + number(kHeaderSizePlace) + 4 * colors) >> 8);
+    QPixmap picture = QPixmap::fromImage(QImage::fromData(file, "BMP"));
+    picture.setMask(picture.createMaskFromColor(QColor(192, 192, 192)));  // what stands for the button's face
+    return picture;
+}
+
+void showExtras(const Control& control, QWidget* widget) {
+    const QString tip = toQt(control.tooltip);
+    widget->setToolTip(Qt::mightBeRichText(tip) ? tip.toHtmlEscaped() : tip);
+    auto* const button = qobject_cast<QAbstractButton*>(widget);
+    if (!button || control.picture == 0) return;
+    const QPixmap picture = bitmapOf(control);
+    button->setIcon(picture);
+    button->setIconSize(picture.size());
+    button->setText({});
+    button->setAccessibleName(toQt(control.tooltip));
+}
+
+}  // namespace
+
+QWidget* makeWidget(Control& control, QWidget* parent) {
+    switch (control.kind()) {
+        case ControlKind::kLabel:
+            return makeLabel(control, parent);
+        case ControlKind::kPicture:
+            return makeFrame(control, parent);
+        case ControlKind::kGroup:
+            return new QGroupBox(parent);
+        case ControlKind::kButton:
+        case ControlKind::kPictureButton:
+            return makePushButton(parent);
+        case ControlKind::kCheck:
+            return new QCheckBox(parent);
+        case ControlKind::kRadio: {
+            auto* const button = new QRadioButton(parent);
+            button->setAutoExclusive(false);  // the template tells the groups
+            return button;
+        }
+        case ControlKind::kEdit:
+            return makeEdit(control, parent);
+        case ControlKind::kRichEdit:
+            return makeRichEdit(parent);
+        case ControlKind::kListBox:
+            return makeList(control, parent);
+        case ControlKind::kCombo:
+        case ControlKind::kEditCombo:
+            return makeCombo(control, parent);
+        case ControlKind::kListView:
+            return makeListView(control, parent);
+        case ControlKind::kTab:
+            return new QTabWidget(parent);
+        case ControlKind::kOther:
+            break;
+    }
+    return new QWidget(parent);
+}
+
+int heightOf(const Control& control, const QWidget* widget, int templateHeight) {
+    const bool combo = control.kind() == ControlKind::kCombo || control.kind() == ControlKind::kEditCombo;
+    return combo ? widget->sizeHint().height() : templateHeight;
+}
+
+void showAspect(const Control& control, QWidget* widget, Aspect aspect) {
+    switch (aspect) {
+        case Aspect::kText:
+            return showText(control, widget);
+        case Aspect::kChecked:
+            if (auto* const button = qobject_cast<QAbstractButton*>(widget); button && control.isCheckable())
+                button->setChecked(control.checked);
+            return;
+        case Aspect::kEnabled:
+            return widget->setEnabled(control.enabled);
+        case Aspect::kVisible:
+            return widget->setVisible(control.visible);
+        case Aspect::kReadOnly:
+            if (control.kind() != ControlKind::kEdit) return;
+            if (QLineEdit* const line = lineOf(widget)) line->setReadOnly(control.readOnly);
+            if (auto* const edit = qobject_cast<QPlainTextEdit*>(widget)) edit->setReadOnly(control.readOnly);
+            return;
+        case Aspect::kSelection:
+            showItem(control, widget);
+            return control.isTyped() ? showSelection(control, widget) : void();
+        case Aspect::kChoices:
+        case Aspect::kRows:
+            return showItems(control, widget);
+        case Aspect::kColumns:
+            return showColumns(control, widget);
+        case Aspect::kPages:
+            return showPages(control, widget);
+        case Aspect::kExtras:
+            return showExtras(control, widget);
+    }
+}
+
+QLineEdit* lineOf(QWidget* widget) {
+    if (auto* const combo = qobject_cast<QComboBox*>(widget)) return combo->lineEdit();
+    return qobject_cast<QLineEdit*>(widget);
+}
+
+QAbstractItemView* itemsOf(QWidget* widget) { return qobject_cast<QAbstractItemView*>(widget); }
+
+QModelIndex itemIndex(const QAbstractItemView& items, int item) {
+    return item < 0 ? QModelIndex() : items.model()->index(item, 0);
+}
+
+// ---- from the widget into the control
+
+// Of what was typed, letters become capitals where the field wants that, and one line takes what stands before the
+// first line end.
+void noteText(Control& field, QWidget* widget) {
+    if (auto* const edit = qobject_cast<QPlainTextEdit*>(widget)) {
+        field.text = base::replaceAll(fromQt(textOf(*edit)), L"\n", L"\r\n");
+        return noteSelection(field, widget);
+    }
+    QLineEdit* const line = lineOf(widget);
+    const std::wstring shown = fromQt(line->text());
+    const std::size_t begin = std::min(field.selection.begin(), shown.size());
+    const std::size_t end = std::max(begin, fromQtPosition(shown, line->cursorPosition(), LineEnds::kKept));
+    std::wstring typed = shown.substr(begin, end - begin);
+    if (field.upperCase) typed = base::toUpper(typed);
+    typed.resize(std::min(typed.find_first_of(L"\r\n"), typed.size()));
+    field.text = shown.substr(0, begin) + typed + shown.substr(end);
+    if (field.text == shown) return noteSelection(field, widget);
+    field.selection = {begin + typed.size(), begin + typed.size()};
+    showFieldText(field, widget);
+}
+
+void noteSelection(Control& field, QWidget* widget) {
+    const auto position = [&](int units) { return fromQtPosition(field.text, units, lineEndsOf(field)); };
+    if (const QLineEdit* const line = lineOf(widget)) {
+        const int caret = line->cursorPosition();
+        const int begin = line->hasSelectedText() ? line->selectionStart() : caret;
+        const int end = line->hasSelectedText() ? line->selectionEnd() : caret;
+        field.selection = {position(caret == begin ? end : begin), position(caret)};
+        return;
+    }
+    const auto note = [&](const QTextCursor& cursor) {
+        field.selection = {position(cursor.anchor()), position(cursor.position())};
+    };
+    if (const auto* const plain = qobject_cast<QPlainTextEdit*>(widget)) note(plain->textCursor());
+    if (const auto* const rich = qobject_cast<QTextEdit*>(widget)) {
+        note(rich->textCursor());
+        snapSelection(field);
+    }
+}
+
+void noteColumns(Control& list, QWidget* widget) {
+    const QHeaderView* const header = static_cast<QTreeView*>(widget)->header();
+    for (std::size_t i = 0; i < list.columns.size(); ++i)
+        list.columns[i].width = header->sectionSize(static_cast<int>(i));
+}
+
+// ---- as a hand would
+
+void typeInto(QWidget* widget, const QString& text) {
+    if (QLineEdit* const line = lineOf(widget)) {
+        // Nothing in the place of nothing is told all the same.
+        if (!text.isEmpty() || line->hasSelectedText()) line->insert(text);
+    } else if (auto* const plain = qobject_cast<QPlainTextEdit*>(widget)) {
+        plain->insertPlainText(text);
+    }
+}
+
+}  // namespace dialogs
