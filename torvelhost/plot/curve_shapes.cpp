@@ -1,6 +1,7 @@
 // Curves and points.
 #include <cmath>
 
+#include "drawingdb/wide_joint.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -172,20 +173,12 @@ void Shapes::addFlatPolyline(const std::vector<Vertex>& vertices, bool closed, b
     list_.end();
 }
 
-// A quadrilateral a segment; where two meet they share the corners of the mitre, as long as that is not too sharp.
-// Segments that are equally wide where they meet share the corners of the mitre there, unless it were too sharp. Others
-// end square, and a wedge fills the gap between their outer corners.
+// A quadrilateral a segment, and what the joints need besides.
 void Shapes::addWide(const std::vector<WideSegment>& segments, bool closed, const OdGeMatrix3d& toWorld,
                      double elevation) {
     const auto sideOf = [](const WideSegment& segment) { return (segment.end - segment.start).normal().perpVector(); };
-    const auto meet = [&](const WideSegment& before, const WideSegment& after) {
-        constexpr double kSharpest = -0.7;
-        return std::fabs(before.endWidth - after.startWidth) <= 1e-9 * before.endWidth &&
-               sideOf(before).dotProduct(sideOf(after)) >= kSharpest;
-    };
-    const auto mitre = [&](const WideSegment& segment, const WideSegment& neighbour) {
-        const OdGeVector2d own = sideOf(segment), other = sideOf(neighbour);
-        return (own + other) / (1 + own.dotProduct(other));
+    const auto jointOf = [&](const WideSegment& before, const WideSegment& behind) {
+        return drawingdb::wideJoint(sideOf(before), before.endWidth, sideOf(behind), behind.startWidth);
     };
     const auto addContour = [&](std::initializer_list<OdGePoint2d> corners) {
         for (const OdGePoint2d& corner : corners) list_.addPoint(toWorld * OdGePoint3d(corner.x, corner.y, elevation));
@@ -196,23 +189,18 @@ void Shapes::addWide(const std::vector<WideSegment>& segments, bool closed, cons
         const WideSegment& segment = segments[i];
         if ((segment.end - segment.start).isZeroLength()) continue;
         const WideSegment* before = i > 0 ? &segments[i - 1] : closed ? &segments.back() : nullptr;
-        const WideSegment* after = i + 1 < segments.size() ? &segments[i + 1] : closed ? &segments.front() : nullptr;
+        const WideSegment* behind = i + 1 < segments.size() ? &segments[i + 1] : closed ? &segments.front() : nullptr;
         if (before && (before->end - before->start).isZeroLength()) before = nullptr;
-        if (after && (after->end - after->start).isZeroLength()) after = nullptr;
-        const OdGeVector2d side = sideOf(segment);
-        const OdGeVector2d start =
-            (before && meet(*before, segment) ? mitre(segment, *before) : side) * (segment.startWidth / 2);
-        const OdGeVector2d end =
-            (after && meet(segment, *after) ? mitre(segment, *after) : side) * (segment.endWidth / 2);
+        if (behind && (behind->end - behind->start).isZeroLength()) behind = nullptr;
+        drawingdb::WideJoint joint{sideOf(segment), {}, {}};
+        const OdGeVector2d start = (before ? jointOf(*before, segment).start : joint.end) * (segment.startWidth / 2);
+        if (behind) joint = jointOf(segment, *behind);
+        const OdGeVector2d end = joint.end * (segment.endWidth / 2);
         addContour({segment.start + start, segment.start - start, segment.end - end, segment.end + end});
-        if (!after || meet(segment, *after) || segment.endWidth == 0 || after->startWidth == 0) continue;
-        const OdGeVector2d next = sideOf(*after);
-        const double turn = side.crossProduct(next);
-        if (turn == 0) continue;
-        const OdGePoint2d own = segment.end - side * (std::copysign(segment.endWidth, turn) / 2),
-                          other = segment.end - next * (std::copysign(after->startWidth, turn) / 2);
+        if (!joint.wedge) continue;
+        const OdGePoint2d own = segment.end + joint.wedge->first, other = segment.end + joint.wedge->second;
         // All contours turn the same way round, so that what they cover adds up.
-        turn > 0 ? addContour({segment.end, own, other}) : addContour({segment.end, other, own});
+        joint.turnsLeft ? addContour({segment.end, own, other}) : addContour({segment.end, other, own});
     }
     list_.end();
 }

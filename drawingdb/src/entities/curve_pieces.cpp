@@ -6,6 +6,7 @@
 #include "drawingdb/ellipse.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/entities/filled_strip.h"
+#include "drawingdb/wide_joint.h"
 
 namespace drawingdb {
 namespace {
@@ -70,19 +71,12 @@ void CurvePieces::addSegment(const BulgeSegment& segment) {
     addArc(*center, radius.length(), start, start + std::fabs(segment.angle()));
 }
 
-// Segments that are equally wide where they meet share the corners of the mitre there, unless it were too sharp. Others
-// end square, and a wedge fills the gap between their outer corners.
 void CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed) {
     const auto sideAt = [](const WideSegment& of, double fraction) {
         return of.segment.derivativeAt(fraction).normal().perpVector();
     };
-    const auto meet = [&](const WideSegment& before, const WideSegment& after) {
-        constexpr double kSharpest = -0.7;
-        return std::fabs(before.endWidth - after.startWidth) <= 1e-9 * before.endWidth &&
-               sideAt(before, 1).dotProduct(sideAt(after, 0)) >= kSharpest;
-    };
-    const auto mitre = [](const OdGeVector2d& own, const OdGeVector2d& other) {
-        return (own + other) / (1 + own.dotProduct(other));
+    const auto jointOf = [&](const WideSegment& before, const WideSegment& behind) {
+        return wideJoint(sideAt(before, 1), before.endWidth, sideAt(behind, 0), behind.startWidth);
     };
     const std::size_t count = segments.size();
     const bool showsMore =
@@ -95,23 +89,17 @@ void CurvePieces::addWide(const std::vector<WideSegment>& segments, bool closed)
             continue;
         }
         const WideSegment& before = segments[(i + count - 1) % count];
-        const WideSegment& after = segments[(i + 1) % count];
+        const WideSegment& behind = segments[(i + 1) % count];
         const bool follows = (closed || i > 0) && !before.isPoint(),
-                   goesOn = (closed || i + 1 < count) && !after.isPoint();
-        const OdGeVector2d start = sideAt(wide, 0), end = sideAt(wide, 1);
-        addStrip(wide, follows && meet(before, wide) ? mitre(start, sideAt(before, 1)) : start,
-                 goesOn && meet(wide, after) ? mitre(end, sideAt(after, 0)) : end);
-        if (goesOn && !meet(wide, after)) addWedge(wide, after, end, sideAt(after, 0));
+                   goesOn = (closed || i + 1 < count) && !behind.isPoint();
+        const WideJoint joint = goesOn ? jointOf(wide, behind) : WideJoint{sideAt(wide, 1), {}, {}};
+        addStrip(wide, follows ? jointOf(before, wide).start : sideAt(wide, 0), joint.end);
+        if (joint.wedge)
+            addWedge(wide.segment.end, wide.segment.end + joint.wedge->first, wide.segment.end + joint.wedge->second);
     }
 }
 
-void CurvePieces::addWedge(const WideSegment& before, const WideSegment& after, const OdGeVector2d& sideBefore,
-                           const OdGeVector2d& sideAfter) {
-    const double turn = sideBefore.crossProduct(sideAfter);
-    if (turn == 0 || before.endWidth == 0 || after.startWidth == 0) return;
-    const OdGePoint2d middle = before.segment.end;
-    const OdGePoint2d own = middle - sideBefore * (std::copysign(before.endWidth, turn) / 2),
-                      other = middle - sideAfter * (std::copysign(after.startWidth, turn) / 2);
+void CurvePieces::addWedge(const OdGePoint2d& middle, const OdGePoint2d& own, const OdGePoint2d& other) {
     if (version_ >= kFirstVersionWithHatches && thickness_ == 0)
         return add(newSolidHatch({normal_, elevation_, {middle, own}, {other}}));
     const auto corner = [&](const OdGePoint2d& point) { return OdGePoint3d(point.x, point.y, elevation_); };

@@ -24,9 +24,7 @@ class CurvePieces {
     void addWide(const std::vector<WideSegment>& segments, bool closed);
 
   private:
-    /// The gap outside where two segments meet that end square.
-    void addWedge(const WideSegment& before, const WideSegment& after, const OdGeVector2d& sideBefore,
-                  const OdGeVector2d& sideAfter);
+    void addWedge(const OdGePoint2d& middle, const OdGePoint2d& own, const OdGePoint2d& other);
     void addStrip(const WideSegment& wide, const OdGeVector2d& startSide, const OdGeVector2d& endSide);
     void add(const OdDbEntityPtr& piece);
     void addLine(const OdGePoint2d& from, const OdGePoint2d& to);
