@@ -1,28 +1,15 @@
 // Real windows under real mouse and keys: what the scripts' messages stand for.
-#include <windows.h>
-#include <commctrl.h>
-
-#include <functional>
 #include <gmock/gmock.h>
 
 #include "base/text.h"
 #include "dialogs/boxes.h"
-#include "dialogs/dialog.h"
-#include "dialogs/process.h"
 #include "dialogs_test.h"
+#include "tests/dialogs/real_input_windows.h"
 
 using namespace dialogs;
 using testing::ElementsAre;
 
 namespace {
-
-class NoLines final : public LineSource {
-  public:
-    std::optional<std::wstring> next(const std::wstring&) override { return std::nullopt; }
-    void print(std::wstring_view) override {}
-    void refuse(const std::wstring&) override {}
-    bool isScript() const override { return true; }
-};
 
 // A height must be "2"; anything else shows a box.
 class InputDialog final : public Dialog {
@@ -58,135 +45,50 @@ class InputDialog final : public Dialog {
     }
 };
 
-// ---- input, one piece a tick of a timer, behind all other messages
-
-std::vector<std::function<void()>> steps;
-std::size_t nextStep = 0;
-
-Dialog* open = nullptr;
-
-void CALLBACK tick(HWND, UINT, UINT_PTR, DWORD) {
-    constexpr std::size_t kPatience = 50;
-    if (nextStep < steps.size()) steps[nextStep]();
-    // A dialog that is still open long after the last piece would wait for ever.
-    if (++nextStep == steps.size() + kPatience) open->end(kCancelButton);
-}
-
-void sendKey(WORD code, bool up) {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = code;
-    input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(code, MAPVK_VK_TO_VSC));
-    input.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
-    SendInput(1, &input, sizeof input);
-}
-
-void press(WORD code) {
-    steps.push_back([code] {
-        sendKey(code, false);
-        sendKey(code, true);
-    });
-}
-
-void pressWith(WORD modifier, WORD code) {
-    steps.push_back([modifier, code] {
-        sendKey(modifier, false);
-        sendKey(code, false);
-        sendKey(code, true);
-        sendKey(modifier, true);
-    });
-}
-
-void type(std::string_view text) {
-    for (char c : text) press(static_cast<WORD>(c));  // letters and digits are their own codes
-}
-
-void clickAt(const std::function<POINT()>& place, int times = 1) {
-    steps.push_back([place, times] {
-        const POINT point = place();
-        SetCursorPos(point.x, point.y);
-        for (int i = 0; i < 2 * times; ++i) {
-            INPUT input = {};
-            input.type = INPUT_MOUSE;
-            input.mi.dwFlags = i % 2 == 0 ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
-            SendInput(1, &input, sizeof input);
-        }
-    });
-}
-
-HWND controlWindow(const Dialog& dialog, int id) { return GetDlgItem(static_cast<HWND>(dialog.window()), id); }
-
-void click(const Dialog& dialog, int id) {
-    clickAt([&dialog, id] {
-        RECT place;
-        GetWindowRect(controlWindow(dialog, id), &place);
-        return POINT{place.left + 8, (place.top + place.bottom) / 2};
-    });
-}
-
-void clickRow(const Dialog& dialog, int id, int row, int times) {
-    clickAt(
-        [&dialog, id, row] {
-            RECT place;
-            ListView_GetItemRect(controlWindow(dialog, id), row, &place, LVIR_LABEL);
-            POINT point = {place.left + 10, (place.top + place.bottom) / 2};
-            ClientToScreen(controlWindow(dialog, id), &point);
-            return point;
-        },
-        times);
-}
-
 TEST(RealInput, MouseKeysAndMnemonics) {
-    NoLines lines;
-    ASSERT_TRUE(useWindows(&lines));  // gives this process a desktop of its own
-    ASSERT_TRUE(useWindows(nullptr));
+    const OwnDesktop desktop;
     const ResourceScope resources(base::processImage());
     InputDialog dialog;
-    steps.clear();
-    nextStep = 0;
+    RealInput input;
 
-    type("DOOR");
-    press(VK_TAB);
-    type("12");
-    click(dialog, IDC_INVISIBLE);  // refused: the box has the focus, the click is lost
-    press(VK_RETURN);              // closes the box; the whole field is selected
-    type("3");
-    pressWith(VK_MENU, 'I');  // refused as well
-    press(VK_RETURN);
-    type("2");
-    click(dialog, IDC_INVISIBLE);
-    pressWith(VK_MENU, 'T');  // to the field behind the label
-    press(VK_END);
-    type("S");
-    click(dialog, IDC_MIDDLE);
-    press(VK_RIGHT);
-    click(dialog, IDC_STYLE);
-    press(VK_DOWN);
-    press(VK_DOWN);
-    press(VK_RETURN);
-    clickAt(
+    input.type("DOOR");
+    input.press(VK_TAB);
+    input.type("12");
+    input.click(dialog, IDC_INVISIBLE);  // refused: the box has the focus, the click is lost
+    input.press(VK_RETURN);              // closes the box; the whole field is selected
+    input.type("3");
+    input.pressWith(VK_MENU, 'I');  // refused as well
+    input.press(VK_RETURN);
+    input.type("2");
+    input.click(dialog, IDC_INVISIBLE);
+    input.pressWith(VK_MENU, 'T');  // to the field behind the label
+    input.press(VK_END);
+    input.type("S");
+    input.click(dialog, IDC_MIDDLE);
+    input.press(VK_RIGHT);
+    input.click(dialog, IDC_STYLE);
+    input.press(VK_DOWN);
+    input.press(VK_DOWN);
+    input.press(VK_RETURN);
+    input.clickAt(
         [&dialog] {
             RECT place;
             GetWindowRect(controlWindow(dialog, IDC_COLORS), &place);
             return POINT{place.left + 10, place.top + 8};
         },
         2);
-    press(VK_F1);  // helps once
-    clickRow(dialog, IDC_LIST, 1, 1);
-    clickRow(dialog, IDC_LIST, 0, 2);
-    pressWith(VK_SHIFT, VK_TAB);  // to a button, which Enter then presses
-    press(VK_RETURN);
-    press(VK_TAB);
-    press(VK_TAB);
-    press(VK_RETURN);
-    open = &dialog;
-    UINT_PTR const timer = SetTimer(nullptr, 0, 40, tick);
-    const int code = dialog.runModal();
-    KillTimer(nullptr, timer);
-    useStandard();
+    input.press(VK_F1);  // helps once
+    input.clickRow(dialog, IDC_LIST, 1, 1);
+    input.clickRow(dialog, IDC_LIST, 0, 2);
+    input.pressWith(VK_SHIFT, VK_TAB);  // to a button, which Enter then presses
+    input.press(VK_RETURN);
+    input.press(VK_TAB);
+    input.press(VK_TAB);
+    input.press(VK_RETURN);
+    int code = 0;
+    input.during([&] { code = dialog.runModal(); });
 
     EXPECT_EQ(code, kOkButton);
-    EXPECT_GE(nextStep, steps.size());
     EXPECT_EQ(base::toUtf8(dialog.text(IDC_TAG)), "doors");
     EXPECT_EQ(base::toUtf8(dialog.text(IDC_HEIGHT)), "2");
     EXPECT_TRUE(dialog.isChecked(IDC_INVISIBLE));
@@ -199,46 +101,38 @@ TEST(RealInput, MouseKeysAndMnemonics) {
 }
 
 TEST(RealInput, AFieldIsAskedBeforeARowIsSelected) {
-    NoLines lines;
-    ASSERT_TRUE(useWindows(&lines));
-    ASSERT_TRUE(useWindows(nullptr));
+    const OwnDesktop desktop;
     const ResourceScope resources(base::processImage());
     InputDialog dialog;
-    steps.clear();
-    nextStep = 0;
+    RealInput input;
     int rowWhileRefused = 0;
     std::wstring shown;
 
-    pressWith(VK_MENU, 'E');  // to the height, by its label
-    type("3");
-    clickRow(dialog, IDC_LIST, 1, 1);
-    press(VK_RETURN);  // the box
-    steps.push_back(
-        [&] { rowWhileRefused = ListView_GetNextItem(controlWindow(dialog, IDC_LIST), -1, LVNI_SELECTED); });
-    pressWith(VK_MENU, 'V');  // and the value, by its own
-    press(VK_RETURN);
-    type("2");
-    clickRow(dialog, IDC_LIST, 0, 1);  // not where the last click was: that would be a double click
+    input.pressWith(VK_MENU, 'E');  // to the height, by its label
+    input.type("3");
+    input.clickRow(dialog, IDC_LIST, 1, 1);
+    input.press(VK_RETURN);  // the box
+    input.then([&] { rowWhileRefused = ListView_GetNextItem(controlWindow(dialog, IDC_LIST), -1, LVNI_SELECTED); });
+    input.pressWith(VK_MENU, 'V');  // and the value, by its own
+    input.press(VK_RETURN);
+    input.type("2");
+    input.clickRow(dialog, IDC_LIST, 0, 1);  // not where the last click was: that would be a double click
     // A choice that its handler takes back.
     dialog.addChoice(IDC_LAYER, L"red");
     dialog.addChoice(IDC_LAYER, L"More");
     dialog.setText(IDC_LAYER, L"red");
-    click(dialog, IDC_LAYER);
-    press(VK_F4);
-    press(VK_DOWN);
-    press(VK_RETURN);
-    steps.push_back([] {});
-    steps.push_back([&] {
+    input.click(dialog, IDC_LAYER);
+    input.press(VK_F4);
+    input.press(VK_DOWN);
+    input.press(VK_RETURN);
+    input.then([] {});
+    input.then([&] {
         wchar_t text[20];
         GetWindowTextW(controlWindow(dialog, IDC_LAYER), text, 20);
         shown = text;
         dialog.end(kCancelButton);
     });
-    open = &dialog;
-    UINT_PTR const timer = SetTimer(nullptr, 0, 40, tick);
-    dialog.runModal();
-    KillTimer(nullptr, timer);
-    useStandard();
+    input.during([&] { dialog.runModal(); });
 
     EXPECT_EQ(rowWhileRefused, -1);
     EXPECT_EQ(base::toUtf8(dialog.text(IDC_HEIGHT)), "2");
@@ -248,8 +142,7 @@ TEST(RealInput, AFieldIsAskedBeforeARowIsSelected) {
 
 // The host counts as work what is no waiting.
 TEST(RealInput, AWindowThatIsDraggedIsWaitedFor) {
-    NoLines lines;
-    ASSERT_TRUE(useWindows(&lines));
+    const OwnDesktop desktop;
     int waiting = 0;
     ASSERT_TRUE(useWindows(nullptr, [&](const std::function<void()>& wait) {
         ++waiting;
@@ -258,26 +151,21 @@ TEST(RealInput, AWindowThatIsDraggedIsWaitedFor) {
     }));
     const ResourceScope resources(base::processImage());
     InputDialog dialog;
-    steps.clear();
-    nextStep = 0;
+    RealInput input;
     bool wasDragged = false, wasWaitedFor = false;
 
     // The move is begun by a message, as that of a mouse is, and ends with Enter.
-    steps.push_back([&] { PostMessageW(static_cast<HWND>(dialog.window()), WM_SYSCOMMAND, SC_MOVE, 0); });
-    press(VK_RIGHT);
-    steps.push_back([&] {
+    input.then([&] { PostMessageW(static_cast<HWND>(dialog.window()), WM_SYSCOMMAND, SC_MOVE, 0); });
+    input.press(VK_RIGHT);
+    input.then([&] {
         GUITHREADINFO info = {};
         info.cbSize = sizeof info;
         wasDragged = GetGUIThreadInfo(GetCurrentThreadId(), &info) && (info.flags & GUI_INMOVESIZE) != 0;
         wasWaitedFor = waiting > 0;
     });
-    press(VK_RETURN);
-    steps.push_back([&] { dialog.end(kCancelButton); });
-    open = &dialog;
-    UINT_PTR const timer = SetTimer(nullptr, 0, 40, tick);
-    dialog.runModal();
-    KillTimer(nullptr, timer);
-    useStandard();
+    input.press(VK_RETURN);
+    input.then([&] { dialog.end(kCancelButton); });
+    input.during([&] { dialog.runModal(); });
 
     EXPECT_TRUE(wasDragged);
     EXPECT_TRUE(wasWaitedFor);

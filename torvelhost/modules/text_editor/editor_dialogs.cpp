@@ -26,8 +26,20 @@ OdString withLineEnds(const OdString& contents) {
     return lines;
 }
 
-OdString withParagraphs(const OdString& lines) {
-    return base::replaceAll(base::replaceAll(lines, kLineEnd, L"\n"), L"\n", kParagraphEnd);
+// A backslash that ends a line is one to be seen: a single one would make a backslash and a P of the paragraph's end.
+OdString withParagraphs(const OdString& shown) {
+    const OdString lines = base::replaceAll(shown, kLineEnd, L"\n");
+    OdString contents;
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        if (lines[at] == L'\n') {
+            contents += kParagraphEnd;
+            continue;
+        }
+        contents += lines[at];
+        if (lines[at] != L'\\' || at + 1 == lines.size()) continue;
+        contents += lines[at + 1] == L'\n' ? L'\\' : lines[++at];
+    }
+    return contents;
 }
 
 base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const void*>(&thisModule)); }
@@ -41,10 +53,16 @@ OdString lengthText(double length) {
 }  // namespace
 
 EditorDialog::EditorDialog(Lines lines, const Sheet& sheet)
-    : Dialog(lines == Lines::kMany ? IDD_TEXT_EDITOR : IDD_LINE_EDITOR), lines_(lines), sheet_(sheet) {
-    setText(IDC_EDITOR_TEXT, hasWidth() ? withLineEnds(sheet.contents.text) : sheet.contents.text);
-    if (hasWidth()) setText(IDC_EDITOR_WIDTH, lengthText(sheet.width));
-    focus(IDC_EDITOR_TEXT);
+    : Dialog(lines == Lines::kMany ? IDD_TEXT_EDITOR : IDD_LINE_EDITOR),
+      lines_(lines),
+      sheet_(sheet),
+      shown_(hasWidth() ? withLineEnds(sheet.contents.text) : sheet.contents.text) {
+    setText(IDC_EDITOR_TEXT, shown_);
+    // One line is selected whole at first; of several a key must not take the place.
+    if (hasWidth())
+        setText(IDC_EDITOR_WIDTH, lengthText(sheet.width));
+    else
+        selectAll(IDC_EDITOR_TEXT);
 }
 
 void EditorDialog::onCommand(int control, dialogs::Event event) {
@@ -83,7 +101,9 @@ bool EditorDialog::onLeave(int control, int next) {
 
 void EditorDialog::onOk() {
     if (hasWidth()) sheet_.width = typedWidth().value_or(sheet_.width);
-    sheet_.contents.text = hasWidth() ? withParagraphs(text(IDC_EDITOR_TEXT)) : text(IDC_EDITOR_TEXT);
+    // What was not changed stands for the contents to the last character, also where a line end was one.
+    if (const OdString edited = text(IDC_EDITOR_TEXT); edited != shown_)
+        sheet_.contents.text = hasWidth() ? withParagraphs(edited) : edited;
     end(dialogs::kOkButton);
 }
 

@@ -38,6 +38,7 @@ class EditorDialog final : public dialogs::Dialog {
 
     Lines lines_;
     Sheet sheet_;
+    OdString shown_;  // the contents as the field was filled
 };
 
 }  // namespace texteditor
