@@ -38,9 +38,10 @@ class HostEdInput {
     /// entered. The tracker, if any, follows the cursor until the prompt ends.
     virtual int getPoint(const OdGePoint3d* base, OdGePoint3d& point, const wchar_t* prompt, const wchar_t* keywords,
                          int flags, std::uintptr_t reserved, HostEdInputTracker* tracker) = 0;
-    /// Slot 1. From the user coordinate system's X axis, counter-clockwise.
+    /// Slot 1. From the user coordinate system's X axis, counter-clockwise. A point given instead of a number is where
+    /// the direction goes, from `base`, the address of an OdGePoint3d; with 0 a second point is asked for.
     virtual int getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int flags,
-                         std::uintptr_t reserved) = 0;
+                         std::uintptr_t base) = 0;
     /// Slot 2. With `textOut`, the address of an OdString, any other text is a reply too and gives kValue.
     virtual int getKeyword(const wchar_t* prompt, const wchar_t* keywords, int flags, std::uintptr_t textOut,
                            std::uintptr_t reserved) = 0;

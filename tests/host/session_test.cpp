@@ -200,6 +200,21 @@ TEST(Prompts, NumbersAnglesDistancesAndTexts) {
     EXPECT_EQ(host.input().getAngle(angle, L"Angle", L"Scale", 4, 0), 2);  // no south without a number
 }
 
+TEST(Prompts, AnAngleMayBeginAtABasePoint) {
+    Host host(L"1,1|30|3,2");
+    double angle = 0;
+    const OdGePoint3d base(0, 0, 0), other(3, 5, 0);
+    const auto ask = [&](const OdGePoint3d& from) {
+        return host.input().getAngle(angle, L"Angle", nullptr, 4, reinterpret_cast<std::uintptr_t>(&from));
+    };
+    EXPECT_EQ(ask(base), hostapi::kValue);
+    EXPECT_DOUBLE_EQ(angle, drawingdb::kPi / 4);
+    EXPECT_EQ(ask(base), hostapi::kValue);
+    EXPECT_DOUBLE_EQ(angle, drawingdb::kPi / 6);
+    EXPECT_EQ(ask(other), hostapi::kValue);
+    EXPECT_DOUBLE_EQ(std::cos(angle - 1.5 * drawingdb::kPi), 1);
+}
+
 TEST(Prompts, TextsAndTheirKeywords) {
     Host host(L"door 2|\"?\"|?|\"\"||^C|  blanks go  |\"\"|^C");
     OdString text;

@@ -153,24 +153,26 @@ int Input::secondPoint(const OdGePoint3d& first, OdGePoint3d& second) {
     return getPoint(&first, second, L"Specify second point", nullptr, 0, 0, nullptr);
 }
 
-int Input::getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t) {
+int Input::getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t base) {
     std::optional<double> angle;
-    std::optional<OdGePoint3d> first;
+    std::optional<OdGePoint3d> point;
     const int result = ask(prompt, keywords, L"an angle or a point", [&](const Reply& reply, std::wstring& reason) {
         if (reply.quoted) return false;
         // A lone "S" is more likely a keyword than south.
         if (reply.text.find_first_of(L"0123456789") != reply.text.npos) angle = textToAngle(reply.text, kDegrees);
         if (angle) return true;
-        if (const auto typed = parsePoint(reply.text)) first = document_.toWorld(*typed, reason);
-        return first.has_value();
+        if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed, reason);
+        return point.has_value();
     });
     if (result != hostapi::kValue) return result;
-    if (first) {
-        document_.setLastPoint(*first);
-        OdGePoint3d second;
-        const int pointResult = secondPoint(*first, second);
-        if (pointResult != hostapi::kValue) return pointResult;
-        const OdGeVector3d along = document_.ucs().inverse() * (second - *first);
+    if (point) {
+        document_.setLastPoint(*point);
+        const OdGePoint3d from = base != 0 ? *reinterpret_cast<const OdGePoint3d*>(base) : *point;
+        if (base == 0) {
+            const int pointResult = secondPoint(from, *point);
+            if (pointResult != hostapi::kValue) return pointResult;
+        }
+        const OdGeVector3d along = document_.ucs().inverse() * (*point - from);
         angle = along.xy().angle();
     }
     radians = *angle;

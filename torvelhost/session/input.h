@@ -21,7 +21,7 @@ class Input final : public HostEdInput {
     int getPoint(const OdGePoint3d* base, OdGePoint3d& point, const wchar_t* prompt, const wchar_t* keywords, int flags,
                  std::uintptr_t reserved, HostEdInputTracker* tracker) override;
     int getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int flags,
-                 std::uintptr_t reserved) override;
+                 std::uintptr_t base) override;
     int getKeyword(const wchar_t* prompt, const wchar_t* keywords, int flags, std::uintptr_t textOut,
                    std::uintptr_t reserved) override;
     void printMessage(const wchar_t* format, ...) override;
