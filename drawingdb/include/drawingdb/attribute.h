@@ -26,10 +26,16 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     void setPreset(bool on);
     void setLockPositionInBlock(bool on);
     int fieldLength() const { return fieldLength_; }
+    /// Whether programs with annotation scales show it at the same size on paper at each of them. Here it has the
+    /// height that it has.
+    bool isAnnotative() const;
+    void setAnnotative(bool on);
 
     /// The value: of a multi-line one the contents of the multi-line text, with their formatting codes.
     OdString textString() const override;
     bool isMultiLine() const { return mtext_ != nullptr; }
+    /// Whether files of the drawing's version hold multi-line ones.
+    static bool canBeMultiLine(const OdDbDatabase& database);
     /// A copy of the multi-line text, in no database but good only while the drawing lives; null for a single line.
     OdSmartPtr<OdDbMText> mtextCopy() const;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
@@ -40,6 +46,7 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     static void describeLater(drawingdb::Describer& d);
     bool isInOldFile() const;
     bool locksByXData() const;
+    void registerApplications();
     void beforeEncode() override;
     void afterDecode() override;
     void changed(Change what) override;
@@ -104,9 +111,9 @@ class DRAWINGDB_API OdDbAttribute : public OdDbAttributeText {
     void convertIntoMTextAttribute(bool multiLine);
     void updateMTextAttribute();
     /// Takes everything from the definition: entity properties, text geometry, style, modes, tag, the default as value,
-    /// multi-line text; then places it by the reference's block transform. An extension dictionary of the attribute
-    /// stays. A transform that squeezes the text to nothing places it without turning it. The attribute belongs to the
-    /// definition's drawing then.
+    /// multi-line text, being annotative; then places it by the reference's block transform. An extension dictionary of
+    /// the attribute stays. A transform that squeezes the text to nothing places it without turning it. The attribute
+    /// belongs to the definition's drawing then.
     void setAttributeFromBlock(const OdDbAttributeDefinition& definition, const OdGeMatrix3d& blockTransform);
 
   protected:

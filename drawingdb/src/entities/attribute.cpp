@@ -1,5 +1,7 @@
 #include "drawingdb/attribute.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/src/core/core.h"
@@ -22,6 +24,7 @@ constexpr int kEmbeddedSince = drawingdb::version::v2018;
 constexpr const char* kEmbedded = "Embedded Object";
 
 constexpr std::string_view kLockApplication = "AcDbAttr";
+constexpr std::string_view kAnnotativeApplication = "AcadAnnotative";
 
 bool holdsLock(const std::vector<OdDbGroup>& data) {
     return data.size() > 2 && data[1].code == 1070 && data[2].code == 1070;
@@ -32,6 +35,20 @@ bool namesApplication(std::string_view record, std::string_view name) {
     for (std::size_t at = record.find(name); at != std::string_view::npos; at = record.find(name, at + name.size()))
         if (at + name.size() == record.size() || record[at + name.size()] != 'i') return true;
     return false;
+}
+
+OdDbGroup textGroup(int code, std::string_view text) {
+    OdDbGroup group;
+    group.code = code;
+    group.text = base::widen(text);
+    return group;
+}
+
+OdDbGroup integerGroup(int code, std::int64_t value) {
+    OdDbGroup group;
+    group.code = code;
+    group.integer = value;
+    return group;
 }
 
 std::int16_t withBit(std::int16_t bits, std::int16_t bit, bool on) {
@@ -106,18 +123,42 @@ bool OdDbAttributeText::locksByXData() const {
 
 void OdDbAttributeText::beforeEncode() {
     OdDbText::beforeEncode();
-    if (lockPosition_ == lockInFile_ || !locksByXData()) return;
-    lockInFile_ = lockPosition_;
-    std::vector<OdDbGroup> data = xData(base::widen(kLockApplication));
-    if (data.empty()) data.push_back({1001, base::widen(kLockApplication)});
-    if (!holdsLock(data)) {
-        OdDbGroup number{1070, {}};
-        number.integer = version_;
-        data.insert(data.begin() + 1, 2, number);
+    if (lockPosition_ != lockInFile_ && locksByXData()) {
+        lockInFile_ = lockPosition_;
+        std::vector<OdDbGroup> data = xData(base::widen(kLockApplication));
+        if (data.empty()) data.push_back(textGroup(1001, kLockApplication));
+        if (!holdsLock(data)) data.insert(data.begin() + 1, 2, integerGroup(1070, version_));
+        data[2].integer = lockPosition_;
+        setXData(data);
     }
-    data[2].integer = lockPosition_;
+    registerApplications();
+}
+
+// Extended data stands behind the name of an application that the drawing knows.
+void OdDbAttributeText::registerApplications() {
+    if (!newXData_ || !database()) return;
+    for (const std::string_view application : {kLockApplication, kAnnotativeApplication}) {
+        const OdString name = base::widen(application);
+        if (std::ranges::any_of(*newXData_, [&](const OdDbGroup& g) { return g.code == 1001 && g.text == name; }))
+            database()->core().registerApplication(application);
+    }
+}
+
+// AnnotativeData, and in braces its version and whether it holds.
+bool OdDbAttributeText::isAnnotative() const {
+    if (!newXData_ && !namesApplication(source_, kAnnotativeApplication)) return false;
+    const std::vector<OdDbGroup> data = xData(base::widen(kAnnotativeApplication));
+    return data.size() > 4 && data[4].integer != 0;
+}
+
+void OdDbAttributeText::setAnnotative(bool on) {
+    assertWriteEnabled();
+    if (on == isAnnotative()) return;
+    std::vector<OdDbGroup> data{textGroup(1001, kAnnotativeApplication)};
+    if (on)
+        data.insert(data.end(), {textGroup(1000, "AnnotativeData"), textGroup(1002, "{"), integerGroup(1070, 1),
+                                 integerGroup(1070, 1), textGroup(1002, "}")});
     setXData(data);
-    database()->core().registerApplication(kLockApplication);
 }
 
 void OdDbAttributeText::afterDecode() {
@@ -259,9 +300,13 @@ OdSmartPtr<OdDbMText> OdDbAttributeText::mtextCopy() const {
     return copy;
 }
 
+bool OdDbAttributeText::canBeMultiLine(const OdDbDatabase& database) {
+    return database.core().format.version >= kEmbeddedSince;
+}
+
 void OdDbAttributeText::setMText(const OdDbMText& text) {
     assertWriteEnabled();
-    if (database() && database()->core().format.version < kEmbeddedSince)
+    if (database() && !canBeMultiLine(*database()))
         throw OdError(OdResult::notHeldByVersion,
                       "a multi-line attribute needs a drawing of version 2018; this one is older");
     OdSmartPtr<OdDbMText> copy = newMText();
@@ -343,6 +388,7 @@ void OdDbAttribute::setAttributeFromBlock(const OdDbAttributeDefinition& definit
     belongTo(definition.database());
     setPropertiesFrom(definition);
     copyAttributeFrom(definition);
+    setAnnotative(definition.isAnnotative());
     if (transformBy(blockTransform) != OdResult::ok)
         transformBy(OdGeMatrix3d::translation(blockTransform * heldPoint() - heldPoint()));
     // The definition is hung up by its tag, the attribute by its value.

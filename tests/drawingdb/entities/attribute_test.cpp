@@ -189,6 +189,32 @@ TEST(AttributeFiles, OlderFilesLockByExtendedData) {
 }
 
 // What is not turned keeps its digits, and what is turned gets few where few will do, the same on every platform.
+TEST(AttributeFiles, BeingAnnotativeGoesAlong) {
+    const auto database = OdDbDatabase::createNew();
+    const auto append = [&](bool annotative, bool multiLine) {
+        const auto definition = OdDbAttributeDefinition::createObject();
+        definition->setDatabaseDefaults(database.get());
+        definition->setTag(L"TAG");
+        definition->setAnnotative(annotative);
+        definition->convertIntoMTextAttributeDefinition(multiLine);
+        database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(definition.get());
+        return definition->handle().value();
+    };
+    const std::uint64_t yes = append(true, false), lines = append(true, true), no = append(false, false);
+    const auto again = reread(database);
+    for (const std::uint64_t handle : {yes, lines, no}) {
+        const auto definition = opened<OdDbAttributeDefinition>(again, handle);
+        EXPECT_EQ(definition->isAnnotative(), handle != no);
+        const auto attribute = OdDbAttribute::createObject();
+        attribute->setAttributeFromBlock(*definition, OdGeMatrix3d::kIdentity);
+        EXPECT_EQ(attribute->isAnnotative(), handle != no);
+    }
+    const auto definition = opened<OdDbAttributeDefinition>(again, yes, OdDb::forWrite);
+    definition->setAnnotative(false);
+    EXPECT_FALSE(definition->isAnnotative());
+    EXPECT_FALSE(opened<OdDbAttributeDefinition>(reread(again), yes)->isAnnotative());
+}
+
 TEST(AttributeFiles, AnglesKeepTheirDigits) {
     const auto turned = [](const std::string& definition, const std::string& reference,
                            const std::string& scale = "1") {
