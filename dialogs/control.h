@@ -53,7 +53,7 @@ struct DIALOGS_API Control {
     TextSelection selection;     ///< of an edit or rich edit
     RichText* richText = nullptr;
     std::wstring tooltip;
-    int picture = 0;  ///< a bitmap resource; 0: none
+    int picture = 0;  ///< an icon resource; 0: none
 
     int id() const { return design->id; }
     ControlKind kind() const { return design->kind; }

@@ -142,8 +142,8 @@ void Dialog::setTooltip(int id, std::wstring_view text) {
     changed(control(id), Aspect::kExtras);
 }
 
-void Dialog::setPicture(int id, int bitmap) {
-    control(id).picture = bitmap;
+void Dialog::setPicture(int id, int icon) {
+    control(id).picture = icon;
     changed(control(id), Aspect::kExtras);
 }
 

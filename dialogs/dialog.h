@@ -75,8 +75,9 @@ class DIALOGS_API Dialog {
     bool isVisible(int id) const { return control(id).visible; }
     void show(int id, bool on = true);
     void setTooltip(int id, std::wstring_view text);
-    /// A bitmap of the dialog's resources for a picture button.
-    void setPicture(int id, int bitmap);
+    /// An icon of the dialog's resources for a picture button (BS_ICON). It has a picture for each resolution: 16
+    /// pixels at 96 dots an inch, 24 at 144, 32 at 192.
+    void setPicture(int id, int icon);
     /// Moves the focus there without asking the field that has it. Before a run, that run begins there.
     void focus(int id);
     /// 0: none of this dialog's controls has the focus.

@@ -123,10 +123,11 @@ void showPages(const Control& control, HWND window) {
 
 void showPicture(const Control& control, HWND window) {
     if (control.picture == 0) return;
+    // Small icons grow with the screen's resolution.
     HANDLE const picture =
-        LoadImageW(static_cast<HINSTANCE>(control.dialog->resources()), MAKEINTRESOURCEW(control.picture), IMAGE_BITMAP,
-                   0, 0, LR_LOADMAP3DCOLORS | LR_SHARED);
-    send(window, BM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(picture));
+        LoadImageW(static_cast<HINSTANCE>(control.dialog->resources()), MAKEINTRESOURCEW(control.picture), IMAGE_ICON,
+                   GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), LR_SHARED);
+    send(window, BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(picture));
 }
 
 }  // namespace
