@@ -46,7 +46,8 @@ std::vector<dialogs::MenuEntry> CFEdCtrl::menu(const dialogs::TextSelection& sel
     std::vector<dialogs::MenuEntry> entries;
     for (int i = 0; i < FieldEdit::kCommands; ++i) {
         const auto command = static_cast<FieldEdit::Command>(i);
-        entries.push_back({translate(FieldEdit::commandText(command)), i, selected.isAvailable(command)});
+        const bool allowed = !readOnly_ || command == FieldEdit::kCopy || command == FieldEdit::kSelectAll;
+        entries.push_back({translate(FieldEdit::commandText(command)), i, allowed && selected.isAvailable(command)});
     }
     return entries;
 }

@@ -13,6 +13,8 @@ class CFEdCtrl final : public dialogs::RichText {
     explicit CFEdCtrl(OdDbDatabase* database = nullptr) : value_(database) {}
 
     FieldEdit& value() { return value_; }
+    /// The menu of a control that can only be read changes nothing.
+    void setReadOnly(bool on) { readOnly_ = on; }
     /// Shows the entity's value; a control that is disabled shows fields as plain text.
     void load(const OdDbEntity& entity, bool enabled = true) { value_.load(entity, enabled); }
     /// Shows a value that cannot be edited here: without fields, and a multi-line one without escapes.
@@ -31,6 +33,7 @@ class CFEdCtrl final : public dialogs::RichText {
 
   private:
     FieldEdit value_;
+    bool readOnly_ = false;
 };
 
 }  // namespace torvel

@@ -41,4 +41,11 @@ OdGeMatrix3d drawingPlane() {
     return plane;
 }
 
+TextOrientation textOrientation(double rotation, OdDbDatabase& database) {
+    TextOrientation orientation{OdGeVector3d::kZAxis, rotation};
+    if (auto* const getTextOrientation = hostService(hostapi::getTextOrientation))
+        orientation.rotation = getTextOrientation(orientation.normal, rotation, &database);
+    return orientation;
+}
+
 }  // namespace torvel

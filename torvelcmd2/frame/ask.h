@@ -32,6 +32,14 @@ int askSet(const OdString& prompt, OdDbObjectIdArray& entities);
 /// The user coordinate system of the active space; maps its coordinates to the world's.
 OdGeMatrix3d drawingPlane();
 
+/// The normal of new text in the user coordinate system, and the rotation to store for one that is counted from its X
+/// axis (radians).
+struct TextOrientation {
+    OdGeVector3d normal;
+    double rotation;
+};
+TextOrientation textOrientation(double rotation, OdDbDatabase& database);
+
 /// A system variable by one of the services of hostapi/services.h, which says of what kind it is.
 template <class Value>
 Value hostVariable(const hostapi::Service<bool(const wchar_t* name, Value& value)>& service, const wchar_t* name,

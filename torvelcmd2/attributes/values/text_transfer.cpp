@@ -128,6 +128,22 @@ CapturedText captureText(const OdDbEntity& source) {
     return {false, plainValue(source), {}};
 }
 
+OdString shownText(const CapturedText& captured) {
+    OdString shown = captured.text;
+    for (std::size_t i = 0; i < captured.fields.size(); ++i) {
+        const OdString marker = fieldIndexMarker(i);
+        if (const std::size_t at = shown.find(marker); at != OdString::npos)
+            shown.replace(at, marker.size(), captured.fields[i]->getFieldCode(OdDbField::kEvaluatedText));
+    }
+    return shown;
+}
+
+CapturedText copyOf(const CapturedText& captured) {
+    CapturedText copy = captured;
+    for (OdDbFieldPtr& field : copy.fields) field = field->copy();
+    return copy;
+}
+
 bool sameText(const CapturedText& one, const CapturedText& other) {
     return one.hasField == other.hasField && one.text == other.text &&
            std::ranges::equal(one.fields, other.fields, {}, codeOf, codeOf);

@@ -56,6 +56,13 @@ OdDbFieldPtr newFieldLike(const OdDbField& field, OdDbDatabase* database);
 /// OdError_NotThatKindOfClass.
 CapturedText captureText(const OdDbEntity& source);
 
+/// What the value looks like: each field's text in the place of its marker. That of a multi-line text has its
+/// formatting codes.
+OdString shownText(const CapturedText& captured);
+
+/// Another one, with fields of its own.
+CapturedText copyOf(const CapturedText& captured);
+
 /// Whether two captured values are the same: the text, and the fields by their codes.
 bool sameText(const CapturedText& one, const CapturedText& other);
 

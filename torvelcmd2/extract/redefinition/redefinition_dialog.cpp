@@ -8,20 +8,6 @@
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
-namespace {
-
-// What a captured value looks like without its fields.
-OdString shownText(const CapturedText& value) {
-    OdString shown = value.text;
-    for (std::size_t i = 0; i < value.fields.size(); ++i) {
-        const OdString marker = fieldIndexMarker(i);
-        if (const std::size_t at = shown.find(marker); at != OdString::npos)
-            shown.replace(at, marker.size(), value.fields[i]->getFieldCode(OdDbField::kEvaluatedText));
-    }
-    return shown;
-}
-
-}  // namespace
 
 CAttReDefDlg::CAttReDefDlg(OdSmartPtr<OdDbAttributeDefinition> definition)
     : ModuleDialog(IDD_ATTREDEF, nullptr, L"IDH_AttReDef"),
