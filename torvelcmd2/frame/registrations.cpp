@@ -2,6 +2,7 @@
 //
 // They stand in one file because their order is the order of the host's list.
 #include "torvelcmd2/attmanager/att_ip_edit.h"
+#include "torvelcmd2/attributes/att_def.h"
 #include "torvelcmd2/attributes/att_sync.h"
 #include "torvelcmd2/construction/divide.h"
 #include "torvelcmd2/construction/elx_test.h"
@@ -46,6 +47,7 @@ const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
+const CommandRegistration attdef("Attdef", createCommand<CAttdefCmd>);
 const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);
 const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
 const CommandRegistration attIPedit("ATTIPedit", createCommand<ATTIPeditCmd>, kGroup, hostapi::kUsesPickFirst);
