@@ -40,11 +40,12 @@ class ResourceName {
     bool isNumber_ = true;
 };
 
-constexpr std::uint16_t kBitmapResource = 2;
+constexpr std::uint16_t kIconResource = 3;
 constexpr std::uint16_t kMenuResource = 4;
 constexpr std::uint16_t kDialogResource = 5;
 constexpr std::uint16_t kStringTableResource = 6;
 constexpr std::uint16_t kRawDataResource = 10;
+constexpr std::uint16_t kIconGroupResource = 14;
 
 using ResourceBytes = std::span<const std::byte>;
 

@@ -1,6 +1,7 @@
 #include "dialogs/qt/control_widget.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <QApplication>
 #include <QCheckBox>
@@ -247,24 +248,34 @@ void showPages(const Control& control, QWidget* widget) {
     showItem(control, widget);
 }
 
-// A bitmap resource is a bitmap file without the 14 bytes at its head.
-QPixmap bitmapOf(const Control& control) {
-    const base::ResourceBytes bytes = base::findResource(control.dialog->resources(), base::kBitmapResource,
-                                                         static_cast<std::uint16_t>(control.picture));
-    if (bytes.empty()) return {};
-    QByteArray file("BM\0\0\0\0\0\0\0\0\0\0\0\0", 14);
-    file.append(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
-    const auto number = [&](qsizetype place) {
-        return *reinterpret_cast<const std::uint16_t*>(file.constData() + place);
+// An icon is a directory of pictures of several sizes, each a resource of its own: a bitmap's header, which counts the
+// rows twice for the mask behind them, and the rows from the lowest up, blue, green, red and opacity.
+QIcon iconOf(const Control& control) {
+    constexpr std::size_t kHead = 6, kEntry = 14, kCountPlace = 4, kIdPlace = 12, kBitsPlace = 40;
+    constexpr std::size_t kWidthPlace = 4, kDepthPlace = 14;
+    const auto find = [&](std::uint16_t type, std::uint16_t id) {
+        return base::findResource(control.dialog->resources(), type, id);
     };
-    constexpr qsizetype kHeaderSizePlace = 14, kBitsPlace = 28, kColorsPlace = 46;
-    const int bits = number(kBitsPlace);
-    const int colors = number(kColorsPlace) != 0 ? number(kColorsPlace) : bits <= 8 ? 1 << bits : 0;
-    file[10] = static_cast<char>((14 + number(kHeaderSizePlace) + 4 * colors) & 0xFF);
-    file[11] = static_cast<char>((14 + number(kHeaderSizePlace) + 4 * colors) >> 8);
-    QPixmap picture = QPixmap::fromImage(QImage::fromData(file, "BMP"));
-    picture.setMask(picture.createMaskFromColor(QColor(192, 192, 192)));  // what stands for the button's face
-    return picture;
+    const auto number = [](base::ResourceBytes bytes, std::size_t place) {
+        const auto* const at = reinterpret_cast<const unsigned char*>(bytes.data()) + place;
+        return static_cast<std::uint16_t>(at[0] | at[1] << 8);
+    };
+    QIcon icon;
+    const base::ResourceBytes directory = find(base::kIconGroupResource, static_cast<std::uint16_t>(control.picture));
+    if (directory.size() < kHead) return icon;
+    for (std::size_t i = 0; i < number(directory, kCountPlace) && kHead + (i + 1) * kEntry <= directory.size(); ++i) {
+        const base::ResourceBytes picture = find(base::kIconResource, number(directory, kHead + i * kEntry + kIdPlace));
+        if (picture.size() < kBitsPlace || number(picture, kDepthPlace) != 32) continue;
+        const int side = number(picture, kWidthPlace);
+        QImage image(side, side, QImage::Format_ARGB32);
+        const auto row = static_cast<std::size_t>(image.bytesPerLine());
+        if (picture.size() < kBitsPlace + row * static_cast<std::size_t>(side)) continue;
+        for (int y = 0; y < side; ++y)
+            std::memcpy(image.scanLine(side - 1 - y), picture.data() + kBitsPlace + row * static_cast<std::size_t>(y),
+                        row);
+        icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
 }
 
 void showExtras(const Control& control, QWidget* widget) {
@@ -272,9 +283,10 @@ void showExtras(const Control& control, QWidget* widget) {
     widget->setToolTip(Qt::mightBeRichText(tip) ? tip.toHtmlEscaped() : tip);
     auto* const button = qobject_cast<QAbstractButton*>(widget);
     if (!button || control.picture == 0) return;
-    const QPixmap picture = bitmapOf(control);
-    button->setIcon(picture);
-    button->setIconSize(picture.size());
+    constexpr int kSmallIcon = 16, kUsualResolution = 96;
+    const int side = kSmallIcon * button->logicalDpiX() / kUsualResolution;
+    button->setIcon(iconOf(control));
+    button->setIconSize({side, side});
     button->setText({});
     button->setAccessibleName(toQt(control.tooltip));
 }
