@@ -375,6 +375,29 @@ class Prompt(unittest.TestCase):
         terminal.send("Y\r")
         self.assertEqual(terminal.status(), 1)  # commands were cancelled
 
+    def test_ctrl_c_stops_work(self):
+        # Seconds of it: references of two dozen doors each.
+        head, tail = PLAN.split("0\nINSERT\n")
+        line = "0\nLINE\n5\n20\n" + head.split("5\n20\n")[1].split("0\nENDBLK")[0]
+        insert, end = "0\nINSERT\n8\n0\n2\nDOOR\n10\n5.0\n20\n5.0\n30\n0.0\n", tail[tail.index("0\nENDSEC"):]
+        drawing = head.replace(line, line.replace("5\n20\n", "") * 24) + insert * 80000 + end
+        (self.folder / "plan.dxf").write_text(drawing)
+        (self.folder / "burst.scr").write_text("Burst\nall\n\n")
+        terminal = self.start()
+        terminal.send("Burst\rall\r\r")
+        terminal.expect("Burst ... ")
+        terminal.send("\x03")
+        terminal.expect("Burst: stopped")
+        terminal.expect("Command: ")
+        terminal.send("\x04")  # what it had done is taken back: there is nothing to save
+        self.assertEqual(terminal.status(), 1)
+        # A script has nobody to go on with.
+        terminal = Terminal(self.folder, "plan.dxf", "-s", "burst.scr", "-o", "out.dxf")
+        terminal.expect("Burst ... ")
+        terminal.send("\x03")
+        self.assertEqual(terminal.status(), -signal.SIGINT)
+        self.assertEqual(sorted(file.name for file in self.folder.glob("*.dxf")), ["plan.dxf"])
+
     def test_tab_completes(self):
         terminal = self.start()
         for typed, prompt in (("elx\t", "Enter text: "), ("x", "Command: "),

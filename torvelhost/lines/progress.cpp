@@ -1,7 +1,6 @@
 #include "torvelhost/lines/progress.h"
 
 #include <chrono>
-#include <csignal>
 #include <system_error>
 
 #include "base/console.h"
@@ -11,22 +10,6 @@ namespace host {
 namespace {
 
 Progress* g_current = nullptr;
-
-// Ctrl-C is a wish to stop from when the work has shown that it asks for one; pressed once more it does what it does
-// everywhere else.
-volatile std::sig_atomic_t g_stop = 0;
-bool g_listens = false;
-void (*g_handlerBefore)(int) = SIG_DFL;
-
-void onInterrupt(int number) {
-    if (g_stop) {
-        std::signal(number, g_handlerBefore);
-        std::raise(number);
-        return;
-    }
-    g_stop = 1;
-    std::signal(number, onInterrupt);  // one system forgets the handler when it is called
-}
 
 }  // namespace
 
@@ -50,18 +33,12 @@ Progress::~Progress() {
     change_.notify_one();
     thread_.join();
     g_current = nullptr;
-    if (g_listens) std::signal(SIGINT, g_handlerBefore);
-    g_listens = false;
-    g_stop = 0;
 }
 
 bool Progress::tell(std::uint64_t done, std::uint64_t total) {
-    if (!g_current) return true;
-    if (!g_listens) g_handlerBefore = std::signal(SIGINT, onInterrupt);
-    g_listens = true;
-    if (total > 0)
+    if (g_current && total > 0)
         g_current->percent_ = static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total));
-    return g_stop == 0;
+    return !base::takeInterrupt();
 }
 
 void Progress::watch() {

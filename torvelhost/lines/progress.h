@@ -21,8 +21,8 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// `done` of `total` steps of the work are done. False when the user wants it to stop: Ctrl-C was pressed since it
-    /// began.
+    /// `done` of `total` steps of the work are done. False when the user wants it to stop: Ctrl-C was pressed at the
+    /// command prompt's terminal. A script that is run has no one to go on with, and Ctrl-C ends the program.
     static bool tell(std::uint64_t done, std::uint64_t total);
 
     /// While a pause lives the program waits for the user; the clock starts anew behind it.
