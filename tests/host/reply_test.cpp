@@ -78,6 +78,7 @@ TEST(Reply, PromptsShowTheirKeywords) {
     EXPECT_EQ(promptText(L"Select a block:", Keywords()), L"Select a block:");
     // Only the last place is filled, and nothing else is formatted.
     EXPECT_EQ(promptText(L"BLOCK [%s] 100%d %s? [%s]", yesNo), L"BLOCK [%s] 100%d %s? [Yes/No]:");
+    EXPECT_EQ(promptText(L"Enter text <a [%s]>", Keywords()), L"Enter text <a [%s]>:") << "a value, as it stands";
     EXPECT_EQ(promptText(nullptr, Keywords()), L":");
 }
 

@@ -88,7 +88,8 @@ Keywords::Match Keywords::find(std::wstring_view text) const {
 
 std::wstring promptText(const wchar_t* prompt, const Keywords& keywords) {
     std::wstring text = prompt ? prompt : L"";
-    if (const std::size_t at = text.rfind(L"[%s]"); at != text.npos) text.replace(at + 1, 2, keywords.joined());
+    if (const std::size_t at = text.rfind(L"[%s]"); at != text.npos && !keywords.empty())
+        text.replace(at + 1, 2, keywords.joined());
     while (!text.empty() && (text.back() == L' ' || text.back() == L':')) text.pop_back();
     return text + L":";
 }
