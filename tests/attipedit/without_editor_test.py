@@ -10,7 +10,8 @@ import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 CASES = [("attsync/plan.dxf", "DBLCLICK #82"), ("attsync/plan.dxf", "DBLCLICK #87"), ("attsync/plan.dxf", "#82|ATTIPedit"),
-         ("burst/multi_line.dxf", "DBLCLICK #34|press Default|press OK")]
+         ("burst/multi_line.dxf", "DBLCLICK #34|press Default|press OK"),
+         ("burst/multi_line.dxf", "Attdef|check Multiple lines|press Default|show|press Cancel")]
 
 
 def main():
