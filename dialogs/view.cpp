@@ -53,9 +53,12 @@ std::optional<TextKey> textKeyOf(Key key) {
     }
 }
 
+bool isCaption(const Control* control) {
+    return control->kind() == ControlKind::kLabel || control->kind() == ControlKind::kGroup;
+}
+
 bool hasMnemonic(const Control& control, wchar_t letter) {
-    const bool isStatic = control.kind() == ControlKind::kLabel || control.kind() == ControlKind::kGroup;
-    if (!isStatic && !isPushed(control)) return false;
+    if (!isCaption(&control) && !isPushed(control)) return false;
     if (control.kind() == ControlKind::kLabel && (control.design->style & kNoPrefixStyle) != 0) return false;
     const std::wstring& caption = control.text;
     for (std::size_t i = 0; i + 1 < caption.size(); ++i) {
@@ -230,8 +233,13 @@ bool View::userPressedMnemonic(wchar_t letter) {
             userPressed(**found);
             return true;
         }
-        // A caption's control is the next that can have the focus.
-        const auto meant = std::find_if(found, shown.end(), [](Control* control) { return control->canHaveFocus(); });
+        // A caption's control is the field behind it, also when a button that picks for the field comes first; else the
+        // next that can have the focus.
+        const auto canHaveFocus = [](Control* control) { return control->canHaveFocus(); };
+        const auto isFreeField = [](Control* control) { return control->canHaveFocus() && control->isField(); };
+        const auto nextCaption = std::find_if(found + 1, shown.end(), isCaption);
+        auto meant = std::find_if(found, nextCaption, isFreeField);
+        if (meant == nextCaption) meant = std::find_if(found, shown.end(), canHaveFocus);
         if (meant == shown.end()) continue;
         if (moveFocus(**meant) && (*meant)->isTyped()) select(**meant, {0, (*meant)->text.size()});
         return true;
