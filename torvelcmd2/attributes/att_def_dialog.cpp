@@ -146,6 +146,7 @@ void CAttDefDlg::setField(const OdDbFieldPtr& field) {
     default_.value().selectAll();
     default_.value().insertField(field->copy());
     refreshRichText(IDC_ATTDEF_DEFAULT);
+    setSelection(IDC_ATTDEF_DEFAULT, {default_.value().anchor(), default_.value().caret()});
 }
 
 void CAttDefDlg::editDefault() {
