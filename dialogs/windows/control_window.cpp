@@ -160,7 +160,10 @@ void showAspect(const Control& control, HWND window, Aspect aspect) {
             if (control.isCheckable()) send(window, BM_SETCHECK, control.checked ? BST_CHECKED : BST_UNCHECKED);
             return;
         case Aspect::kEnabled:
-            EnableWindow(window, control.enabled);
+            if (control.kind() == ControlKind::kRichEdit)
+                showRichEnabled(control, window);
+            else
+                EnableWindow(window, control.enabled);
             return;
         case Aspect::kVisible:
             ShowWindow(window, control.visible ? SW_SHOWNA : SW_HIDE);

@@ -46,6 +46,18 @@ void showRichSelection(const Control& control, HWND window) {
     send(window, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }
 
+// The system leaves a disabled one as it is, which looks as if one could type into it.
+void showRichEnabled(const Control& control, HWND window) {
+    EnableWindow(window, control.enabled);
+    send(window, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(GetSysColor(control.enabled ? COLOR_WINDOW : COLOR_3DFACE)));
+    CHARFORMAT2W format = {};
+    format.cbSize = sizeof format;
+    format.dwMask = CFM_COLOR;
+    format.crTextColor = GetSysColor(control.enabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT);
+    for (const WPARAM which : {SCF_DEFAULT, SCF_ALL})
+        send(window, EM_SETCHARFORMAT, which, reinterpret_cast<LPARAM>(&format));
+}
+
 // The window's own text is never read back.
 void showRichText(const Control& control, HWND window) {
     send(window, WM_SETREDRAW, FALSE);

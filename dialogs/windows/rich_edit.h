@@ -13,6 +13,7 @@ namespace dialogs {
 void prepareRichEdit(HWND window);
 void showRichText(const Control& control, HWND window);
 void showRichSelection(const Control& control, HWND window);
+void showRichEnabled(const Control& control, HWND window);
 /// By mouse.
 void noteRichSelection(Control& control, HWND window);
 
