@@ -11,9 +11,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
 #include <QTabWidget>
 #include <QTextEdit>
 #include <QTreeView>
@@ -77,6 +79,26 @@ QWidget* makeEdit(const Control& control, QWidget* parent) {
     edit->setTabChangesFocus(true);
     return edit;
 }
+
+// With the title in the frame's upper edge, where templates leave room for it; styles put it above.
+class GroupBox final : public QGroupBox {
+  public:
+    using QGroupBox::QGroupBox;
+
+  private:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const int line = fontMetrics().height(), indent = line / 2;
+        painter.setPen(palette().color(QPalette::Mid));
+        painter.drawRect(rect().adjusted(0, line / 2, -1, -1));
+        if (title().isEmpty()) return;
+        const QSize size = fontMetrics().size(Qt::TextShowMnemonic, title());
+        const QRect place(indent, 0, size.width() + indent, line);
+        painter.fillRect(place, palette().color(QPalette::Window));
+        style()->drawItemText(&painter, place, Qt::AlignCenter | Qt::TextShowMnemonic, palette(), isEnabled(), title(),
+                              QPalette::WindowText);
+    }
+};
 
 // It only shows the text and the selection; every key is the view's.
 QWidget* makeRichEdit(QWidget* parent) {
@@ -300,7 +322,7 @@ QWidget* makeWidget(Control& control, QWidget* parent) {
         case ControlKind::kPicture:
             return makeFrame(control, parent);
         case ControlKind::kGroup:
-            return new QGroupBox(parent);
+            return new GroupBox(parent);
         case ControlKind::kButton:
         case ControlKind::kPictureButton:
             return makePushButton(parent);

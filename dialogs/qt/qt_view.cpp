@@ -103,7 +103,6 @@ QtView::QtView(Run& run)
       root_(std::make_unique<QWidget>(owner_, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint)) {
     root_->setWindowModality(Qt::ApplicationModal);
-    root_->setFocusPolicy(Qt::StrongFocus);  // keys must reach the dialog also when no control has the focus
     const QFontMetricsF metrics(root_->font());
     unitWidth_ = averageCharacterWidth(metrics) / 4;
     unitHeight_ = metrics.height() / 8;
@@ -123,11 +122,22 @@ QtView::~QtView() {
     if (owner_) owner_->activateWindow();
 }
 
+namespace {
+
+// The focus is the view's to move: a click or a wheel would move it before the event is seen here.
+void keepFocusFrom(QWidget* widget) {
+    if (widget->focusPolicy() != Qt::NoFocus) widget->setFocusPolicy(Qt::TabFocus);
+}
+
+}  // namespace
+
 void QtView::makeControls(Dialog& dialog, QWidget* parent) {
     for (const auto& control : dialog.controls()) {
         QWidget* const widget = makeWidget(*control, parent);
         controls_[widget] = control.get();
         widgets_[control.get()] = widget;
+        keepFocusFrom(widget);
+        for (QWidget* const part : widget->findChildren<QWidget*>()) keepFocusFrom(part);
         widget->setObjectName(QString::number(control->id()));
         const UnitRect& units = control->design->place;
         const auto x = [this](int value) { return static_cast<int>(std::lround(value * unitWidth_)); };

@@ -4,7 +4,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
 #include "hostapi/input.h"
-#include "tests/dialogs/real_input_windows.h"
+#include "tests/dialogs/real_input.h"
 #include "tests/dialogs/script_lines.h"
 #include "tests/module/loaded_services.h"
 #include "torvelcmd2/attmanager/att_ip_edit.h"
@@ -54,19 +54,22 @@ TEST_F(TextEditorWindow, MouseKeysAndMnemonics) {
     const OwnDesktop desktop;
     const dialogs::ResourceScope resources(base::processImage());
     EditorDialog dialog(EditorDialog::Lines::kMany, {{L"one\\Ptwo", {}}, 3});
-    host().keywords = {{hostapi::kValue, L"%<\\AcExpr (3+4)>%"}};
     RealInput input;
-    input.pressWith(VK_CONTROL, VK_END);
-    input.press(VK_RETURN);  // a line, not the button
+    input.press(Key::kEnd, Held::kControl);
+    input.press(Key::kEnter);  // a line, not the button
     input.type("NEW ");
     input.click(dialog, IDC_EDITOR_FIELD);
+    input.press(Key::kEnd);  // the field manager's dialog: the last kind, a formula
+    input.pressWith(Held::kAlt, 'U');
+    input.type("34");
+    input.press(Key::kEnter);
     input.type("X");
-    input.pressWith(VK_MENU, 'W');
+    input.pressWith(Held::kAlt, 'W');
     input.type("WIDE");
     input.click(dialog, dialogs::kOkButton);  // refused: the box has the focus
-    input.press(VK_RETURN);
+    input.press(Key::kEnter);
     input.type("12");  // over the whole field
-    input.press(VK_RETURN);
+    input.press(Key::kEnter);
     int code = 0;
     input.during([&] { code = dialog.runModal(); });
     EXPECT_EQ(code, dialogs::kOkButton);
@@ -80,9 +83,9 @@ TEST_F(TextEditorWindow, TheWidthArrivesInTheAttribute) {
     const auto attribute = doubleClicked(0x39, 0x3C);
     const OdString text = attribute->textString();
     RealInput input;
-    input.pressWith(VK_MENU, 'W');
+    input.pressWith(Held::kAlt, 'W');
     input.type("7");
-    input.press(VK_RETURN);
+    input.press(Key::kEnter);
     EXPECT_EQ(run(input), 0);
     EXPECT_EQ(attribute->getMTextAttribute()->width(), 7);
     EXPECT_EQ(attribute->textString(), text);
@@ -95,22 +98,22 @@ TEST_F(TextEditorWindow, ASingleLineHasOneOrTheFullEditor) {
     ASSERT_FALSE(attribute->isMTextAttribute());
     RealInput oneLine;
     oneLine.type("BLUE");
-    oneLine.press(VK_RETURN);
+    oneLine.press(Key::kEnter);
     EXPECT_EQ(run(oneLine), 0);
     EXPECT_EQ(attribute->textString(), L"blue");
     services_->attipe = 1;
     RealInput full;
-    full.pressWith(VK_CONTROL, VK_END);
+    full.press(Key::kEnd, Held::kControl);
     full.type("X");
-    full.press(VK_RETURN);
+    full.press(Key::kEnter);
     full.type("Y");
-    full.pressWith(VK_MENU, 'W');  // there is a width, which a single line has no use for
-    full.press(VK_RETURN);
+    full.pressWith(Held::kAlt, 'W');  // there is a width, which a single line has no use for
+    full.press(Key::kEnter);
     EXPECT_EQ(run(full), 0);
     EXPECT_EQ(attribute->textString(), L"bluex\\Py");
     RealInput escape;
     escape.type("LOST");
-    escape.press(VK_ESCAPE);
+    escape.press(Key::kEscape);
     EXPECT_EQ(run(escape), 0);
     EXPECT_EQ(attribute->textString(), L"bluex\\Py");
 }

@@ -4,7 +4,7 @@
 #include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
-#include "tests/dialogs/real_input_windows.h"
+#include "tests/dialogs/real_input.h"
 #include "tests/dialogs/script_lines.h"
 #include "torvelcmd2/extract/redefinition/redefinition_dialog.h"
 #include "torvelcmd2/extract/redefinition/redefinition_dialog_ex.h"
@@ -33,21 +33,21 @@ TEST_F(RedefinitionWindow, Plain) {
     const dialogs::ResourceScope resources(base::processImage());
     torvel::CAttReDefDlg dialog(definition_);
     RealInput input;
-    input.pressWith(VK_CONTROL, 'A');
+    input.pressWith(Held::kControl, 'A');
     input.type("HUE");
-    input.pressWith(VK_MENU, 'M');
+    input.pressWith(Held::kAlt, 'M');
     input.type("TWO WORDS");
     input.click(dialog, IDC_ATTREDEF_DEFAULT);
-    input.press(VK_END);
+    input.press(Key::kEnd);
     input.type("ISH");
     input.click(dialog, IDC_ATTREDEF_FIELD);  // there is no host that the field manager could ask
     input.click(dialog, IDC_ATTREDEF_EDITOR);
-    input.pressWith(VK_CONTROL, VK_END);
+    input.press(Key::kEnd, Held::kControl);
     input.type("X");
-    input.pressWith(VK_MENU, 'W');  // where Enter is the editor's OK
-    input.press(VK_RETURN);
-    input.pressWith(VK_MENU, 'L');
-    input.press(VK_RETURN);
+    input.pressWith(Held::kAlt, 'W');  // where Enter is the editor's OK
+    input.press(Key::kEnter);
+    input.pressWith(Held::kAlt, 'L');
+    input.press(Key::kEnter);
     int code = 0;
     input.during([&] { code = dialog.runModal(); });
     EXPECT_EQ(code, dialogs::kOkButton);
@@ -62,21 +62,21 @@ TEST_F(RedefinitionWindow, ATagThatIsRefusedKeepsTheFocusButForCancel) {
     const auto look = [&] { focused.push_back(dialog.focused()); };
     RealInput input;
     input.type("A B");
-    input.press(VK_TAB);
+    input.press(Key::kTab);
     input.then(look);
     input.click(dialog, IDC_ATTREDEFEX_DEFAULT);
     input.then(look);
     input.click(dialog, dialogs::kOkButton);
     input.then(look);
-    input.press(VK_RETURN);
+    input.press(Key::kEnter);
     input.then(look);
     input.type("AB");  // over the whole tag
-    input.press(VK_TAB);
+    input.press(Key::kTab);
     input.then(look);
     input.type("ONE");
-    input.pressWith(VK_MENU, 'L');
+    input.pressWith(Held::kAlt, 'L');
     input.then(look);
-    input.press(VK_END);
+    input.press(Key::kEnd);
     input.type("ISH");
     input.click(dialog, dialogs::kOkButton);
     int code = 0;
@@ -88,7 +88,7 @@ TEST_F(RedefinitionWindow, ATagThatIsRefusedKeepsTheFocusButForCancel) {
 
     torvel::CAttReDefDlgEx again(definition_);
     RealInput cancel;
-    cancel.press(VK_DELETE);
+    cancel.press(Key::kDelete);
     cancel.click(again, dialogs::kCancelButton);
     cancel.during([&] { code = again.runModal(); });
     EXPECT_EQ(code, dialogs::kCancelButton);
