@@ -65,6 +65,8 @@ bool useWindows(LineSource* script, Waiting waiting, std::wstring* reason) {
     return true;
 }
 
+bool isDialogOpen() { return Process::instance().current != nullptr; }
+
 void useMainWindow(void* window) { Process::instance().mainWindow = window; }
 
 void useStandard() { Process::instance().setStandard(); }

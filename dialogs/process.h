@@ -41,6 +41,8 @@ using Waiting = std::function<void(const std::function<void()>& wait)>;
 /// Dialogs are windows. With a script its lines do what a user would do; without one (null) the user does.
 /// False, and nothing changed, where there are no windows; `reason` is then what is missing.
 DIALOGS_API bool useWindows(LineSource* script, Waiting waiting = {}, std::wstring* reason = nullptr);
+/// Whether one is open.
+DIALOGS_API bool isDialogOpen();
 /// Whether dialogs are windows without a say.
 DIALOGS_API bool windowsAreStandard();
 /// Dialogs and boxes that open outside of any other dialog belong to that window, the handle of the host's main window,

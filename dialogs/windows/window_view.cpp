@@ -314,6 +314,8 @@ bool WindowView::takeInput(const MSG& message) {
         case WM_RBUTTONDOWN:
         case WM_RBUTTONDBLCLK:
             return takeMouseButton(message);
+        case WM_MOUSEWHEEL:
+            return takeWheel(message);
         case WM_KEYDOWN:
             return takeKey(message);
         case WM_CHAR:
@@ -335,6 +337,13 @@ bool WindowView::takeMouseButton(const MSG& message) {
         if (TabCtrl_HitTest(message.hwnd, &hit) < 0) return false;
     }
     return !moveFocus(*control) || run_.hasEnded();
+}
+
+// A wheel that scrolls past must not change what it comes upon.
+bool WindowView::takeWheel(const MSG& message) {
+    const Control* const control = controlOf(message.hwnd);
+    if (!control || control == run_.focus()) return false;
+    return control->kind() == ControlKind::kCombo || control->kind() == ControlKind::kEditCombo;
 }
 
 bool WindowView::takeKey(const MSG& message) {

@@ -64,6 +64,7 @@ class WindowView final : public View {
     /// True: the message is done with.
     bool takeInput(const MSG& message);
     bool takeMouseButton(const MSG& message);
+    bool takeWheel(const MSG& message);
     bool takeKey(const MSG& message);
     bool takeLetter(const MSG& message);
     void rethrow();

@@ -1,4 +1,7 @@
 // The field manager: makes and changes fields on behalf of a command that has loaded this module for the call.
+#include "dialogs/boxes.h"
+#include "dialogs/process.h"
+#include "torvelhost/modules/field_manager/field_dialog.h"
 #include "torvelhost/modules/field_manager/field_questions.h"
 #include "torvelhost/modules/host_services.h"
 
@@ -17,10 +20,31 @@ void notice(const OdString& text) {
     if (auto* const notify = hostService(hostapi::notify)) notify(text.c_str());
 }
 
-bool ask(OdDbFieldPtr& field) {
+base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const void*>(&thisModule)); }
+
+OdDbFieldPtr askInDialog(const OdDbFieldPtr& before, OdDbDatabase& database) {
+    const dialogs::ResourceScope resources(thisModule());
+    fieldmanager::FieldDialog dialog(before ? before->getFieldCode(OdDbField::kRawCode) : OdString(), database);
+    for (;;) {
+        const int code = dialog.runModal();
+        if (code != fieldmanager::FieldDialog::kPickObject)
+            return code == dialogs::kOkButton ? dialog.field() : OdDbFieldPtr();
+        if (const OdDbObjectId object = selectObject(L"Select object"); !object.isNull()) dialog.setObject(object);
+    }
+}
+
+OdDbFieldPtr askOnCommandLine(const OdDbFieldPtr& before, HostDocument& document) {
+    if (before) notice(L"The field is: " + before->getFieldCode(OdDbField::kRawCode));
+    return fieldmanager::askField({*document.input(), *document.database(), selectObject, notice});
+}
+
+// A person who works a dialog as a window is asked in one; a script and the command line go on with their lines.
+bool ask(OdDbFieldPtr& field, const OdDbFieldPtr& before) {
     HostDocument* const document = hostmodule::activeDocument();
     if (!document) return false;
-    const OdDbFieldPtr made = fieldmanager::askField({*document->input(), *document->database(), selectObject, notice});
+    const bool inWindows = dialogs::isDialogOpen() && !dialogs::asksLines();
+    const OdDbFieldPtr made =
+        inWindows ? askInDialog(before, *document->database()) : askOnCommandLine(before, *document);
     if (made) field = made;
     return static_cast<bool>(made);
 }
@@ -29,12 +53,9 @@ bool ask(OdDbFieldPtr& field) {
 
 extern "C" {
 
-bool insertField(OdDbFieldPtr& field) { return ask(field); }
+bool insertField(OdDbFieldPtr& field) { return ask(field, {}); }
 
-bool changeField(OdDbFieldPtr& field) {
-    if (field) notice(L"The field is: " + field->getFieldCode(OdDbField::kRawCode));
-    return ask(field);
-}
+bool changeField(OdDbFieldPtr& field) { return ask(field, field); }
 
 }  // extern "C"
 

@@ -1,18 +1,14 @@
 #include "torvelhost/modules/field_manager/field_questions.h"
 
-#include <optional>
+#include <algorithm>
 
-#include "base/format.h"
 #include "base/text.h"
+#include "torvelhost/modules/field_manager/field_code.h"
 
 namespace fieldmanager {
 namespace {
 
 using Answer = std::optional<OdString>;
-
-constexpr const wchar_t* kProperties =
-    L"Title Subject Author Comments Keywords LastSavedBy RevisionNumber HyperlinkBase Filename Filesize Login";
-constexpr const wchar_t* kDates = L"Date CreateDate SaveDate PlotDate";
 
 // A text, or the keyword that was given by an abbreviation. Nothing for an empty answer and for a cancel, which
 // `cancelled` tells apart.
@@ -25,75 +21,55 @@ Answer ask(const Desk& desk, const wchar_t* prompt, const wchar_t* keywords = L"
     return result == hostapi::kValue && !text.empty() ? Answer(text) : Answer();
 }
 
-// Bracketed codes may also lie within a code that has no brackets itself.
-bool holdsField(const OdString& text) { return text.find(L"%<") != OdString::npos; }
+constexpr const wchar_t* promptOf(Kind kind) {
+    switch (kind) {
+        case Kind::kProperty:
+            return L"Enter property name [%s]";
+        case Kind::kDate:
+            return L"Enter which date [%s]";
+        case Kind::kVariable:
+            return L"Enter variable name";
+        case Kind::kObject:
+            return L"Enter property name";
+        case Kind::kFormula:
+            return L"Enter formula";
+    }
+    return L"";
+}
 
-// The code of a variable field; a name that is none of the keywords stands for a property that the user has named.
-OdString variableCode(const OdString& name) { return L"\\AcVar " + name; }
-
-Answer propertyCode(const Desk& desk) {
-    const Answer name = ask(desk, L"Enter property name [%s]", kProperties);
+// What a field of the kind shows, and how; nothing when the user gave up.
+Answer askParts(const Desk& desk, const KindNames& kind) {
+    FieldParts parts{kind.kind, {}};
+    if (kind.kind == Kind::kObject) {
+        const OdDbObjectId object = desk.selectObject(L"Select object");
+        if (object.isNull()) return {};
+        parts.object = object.handle().value();
+    }
+    const Answer name = ask(desk, promptOf(kind.kind), kind.names);
     if (!name) return {};
-    const auto known = base::split(kProperties, L' ');
-    const bool custom = std::ranges::find(known, *name) == known.end();
-    return variableCode(custom ? L"CustomDP." + *name : *name);
+    parts.name = *name;
+    bool cancelled = false;
+    parts.format = ask(desk, L"Enter format <none>", L"", &cancelled).value_or(OdString());
+    return cancelled ? Answer() : codeOf(parts);
 }
 
-Answer dateCode(const Desk& desk) {
-    const Answer name = ask(desk, L"Enter which date [%s]", kDates);
-    return name ? variableCode(*name) : Answer();
-}
-
-Answer systemVariableCode(const Desk& desk) {
-    const Answer name = ask(desk, L"Enter variable name");
-    return name ? variableCode(*name) : Answer();
-}
-
-Answer objectCode(const Desk& desk) {
-    const OdDbObjectId object = desk.selectObject(L"Select object");
-    const Answer property = object.isNull() ? Answer() : ask(desk, L"Enter property name");
-    if (!property) return {};
-    return L"\\AcObjProp Object(%<\\_ObjId " + std::to_wstring(object.handle().value()) + L">%)." + *property;
-}
-
-Answer formulaCode(const Desk& desk) {
-    const Answer formula = ask(desk, L"Enter formula");
-    return formula ? L"\\AcExpr (" + *formula + L")" : Answer();
-}
-
-struct Kind {
-    const wchar_t* keyword;
-    Answer (*code)(const Desk& desk);
-};
-constexpr Kind kKinds[] = {
-    {L"Property", propertyCode}, {L"Date", dateCode},       {L"Variable", systemVariableCode},
-    {L"Object", objectCode},     {L"Formula", formulaCode},
-};
-constexpr const wchar_t* kKindKeywords = L"Property Date Variable Object Formula";
-
-OdString quoted(const OdString& text) {
-    return L'"' + base::replaceAll(base::replaceAll(text, L"\\", L"\\\\"), L"\"", L"\\\"") + L'"';
+OdString kindKeywords() {
+    OdString keywords;
+    for (const KindNames& kind : kKinds) keywords += (keywords.empty() ? L"" : L" ") + OdString(kind.keyword);
+    return keywords;
 }
 
 // The whole code of a field, or a text with field codes in it.
 Answer askCode(const Desk& desk) {
+    const OdString keywords = kindKeywords();
     for (;;) {
-        Answer answer = ask(desk, L"Enter field code or kind of field [%s]", kKindKeywords);
-        if (!answer || holdsField(*answer)) return answer;
-        // Without brackets it is a code all the same, also one whose evaluator is not there.
-        if (answer->starts_with(L'\\')) return L"%<" + *answer + L">%";
-        const auto kind = std::ranges::find(kKinds, *answer, [](const Kind& k) { return OdString(k.keyword); });
-        if (kind == std::end(kKinds)) {
-            desk.notice(L"\"" + *answer +
-                        L"\" is no field code and no kind of field; a code is written %<\\AcVar Title>%");
-            continue;
-        }
-        const Answer code = kind->code(desk);
-        if (!code) return {};
-        bool cancelled = false;
-        const Answer format = ask(desk, L"Enter format <none>", L"", &cancelled);
-        if (cancelled) return {};
-        return L"%<" + *code + (format ? L" \\f " + quoted(*format) : OdString()) + L">%";
+        const Answer answer = ask(desk, L"Enter field code or kind of field [%s]", keywords.c_str());
+        if (!answer) return {};
+        if (const auto code = codeMeant(*answer)) return code;
+        const auto* const kind =
+            std::ranges::find(kKinds, *answer, [](const KindNames& k) { return OdString(k.keyword); });
+        if (kind != std::end(kKinds)) return askParts(desk, *kind);
+        desk.notice(L"\"" + *answer + L"\"" + kNoCode);
     }
 }
 
@@ -102,9 +78,7 @@ Answer askCode(const Desk& desk) {
 OdDbFieldPtr askField(const Desk& desk) {
     const Answer code = askCode(desk);
     if (!code) return {};
-    OdDbFieldPtr field = OdDbField::createObject();
-    field->setFieldCode(*code);
-    field->evaluate(OdDbField::kAutomatic, &desk.database);
+    OdDbFieldPtr field = makeField(*code, desk.database);
     desk.notice(L"The field shows: " + field->getFieldCode(OdDbField::kEvaluatedText));
     return field;
 }
