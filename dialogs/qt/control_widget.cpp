@@ -242,6 +242,15 @@ void showText(const Control& control, QWidget* widget) {
     if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setText(captionOf(control));
 }
 
+// What can only be read looks like the dialog, not like a sheet to write on.
+void showReadOnly(const Control& control, QWidget* widget) {
+    if (QLineEdit* const line = lineOf(widget)) line->setReadOnly(control.readOnly);
+    if (auto* const edit = qobject_cast<QPlainTextEdit*>(widget)) edit->setReadOnly(control.readOnly);
+    QPalette palette;
+    if (control.readOnly) palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    widget->setPalette(palette);
+}
+
 void showItems(const Control& control, QWidget* widget) {
     QAbstractItemModel* model = nullptr;
     if (auto* const combo = qobject_cast<QComboBox*>(widget)) model = combo->model();
@@ -370,10 +379,7 @@ void showAspect(const Control& control, QWidget* widget, Aspect aspect) {
         case Aspect::kVisible:
             return widget->setVisible(control.visible);
         case Aspect::kReadOnly:
-            if (control.kind() != ControlKind::kEdit) return;
-            if (QLineEdit* const line = lineOf(widget)) line->setReadOnly(control.readOnly);
-            if (auto* const edit = qobject_cast<QPlainTextEdit*>(widget)) edit->setReadOnly(control.readOnly);
-            return;
+            return control.kind() == ControlKind::kEdit ? showReadOnly(control, widget) : void();
         case Aspect::kSelection:
             showItem(control, widget);
             return control.isTyped() ? showSelection(control, widget) : void();
