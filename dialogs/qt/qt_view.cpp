@@ -331,6 +331,8 @@ void QtView::work() {
                 QAbstractEventDispatcher::instance()->processEvents(QEventLoop::WaitForMoreEvents |
                                                                     QEventLoop::ExcludeUserInputEvents);
             });
+            // What was left there would else wait for the next event of the screen.
+            QAbstractEventDispatcher::instance()->wakeUp();
             rethrow();
         }
     }
