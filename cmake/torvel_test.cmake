@@ -68,6 +68,10 @@ function(torvel_test name)
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} base GTest::gmock GTest::gtest_main)
   if(arg_DIALOGS AND TARGET torvelqt)
     add_dependencies(${name} torvelqt)  # loaded by name
+    if(TORVEL_SANITIZE)
+      # The leak checker of GCC 12 crashes over the thread storage of libraries that are loaded later.
+      target_link_options(${name} PRIVATE LINKER:--no-as-needed "$<TARGET_FILE:Qt6::Widgets>" LINKER:--as-needed)
+    endif()
   endif()
   if(TORVEL_TEST_HEADERS)
     target_precompile_headers(${name} REUSE_FROM ${TORVEL_TEST_HEADERS})

@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""A person at a screen: the program's dialogs as windows of an X server with a window manager, worked by its mouse and keys.
+
+    screen_test.py --program TORVELHOST --plan examples/parts_list
+
+The person makes the parts list of the examples by hand; a script makes it too, and both are the same file.
+"""
+
+import argparse
+import os
+import pathlib
+import pty
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+PATIENCE = 60
+
+
+class Screen:
+    """An X server of the test's own with a window manager."""
+
+    def __enter__(self):
+        read, write = os.pipe()
+        self.server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24"], pass_fds=[write],
+                                       stderr=subprocess.DEVNULL)
+        os.close(write)
+        with os.fdopen(read) as numbers:
+            display = ":" + numbers.readline().strip()
+        kept = {name: value for name, value in os.environ.items() if not name.startswith(("QT_", "WAYLAND_"))}
+        self.env = kept | {"DISPLAY": display}
+        self.manager = subprocess.Popen(["openbox"], env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return self
+
+    def __exit__(self, *_):
+        for process in self.manager, self.server:
+            process.terminate()
+            process.wait()
+
+    def do(self, *words):
+        return subprocess.run(["xdotool", *words], env=self.env, capture_output=True, text=True).stdout.split()
+
+    def wait_for_window(self, title):
+        """Until one of that title has the focus."""
+        deadline = time.time() + PATIENCE
+        while time.time() < deadline:
+            if " ".join(self.do("getwindowfocus", "getwindowname")) == title:
+                return
+            time.sleep(0.05)
+        raise AssertionError(f'no window "{title}" came up')
+
+    def keys(self, *keys):
+        for key in keys:
+            self.do("key", key)
+            time.sleep(0.05)
+
+    def click(self, x, y, size):
+        """At a place of a template of that size, in the window that has the focus."""
+        geometry = dict(line.split("=") for line in self.do("getwindowfocus", "getwindowgeometry", "--shell") if "=" in line)
+        place = [str(round(int(geometry["WIDTH"]) * x / size[0])), str(round(int(geometry["HEIGHT"]) * y / size[1]))]
+        self.do("mousemove", "--window", geometry["WINDOW"], *place, "click", "1")
+        time.sleep(0.1)
+
+
+class Program:
+    """The program at a terminal of its own."""
+
+    def __init__(self, folder, env, *command):
+        self.shown = b""
+        self.process, self.terminal = pty.fork()
+        if self.process == 0:
+            os.chdir(folder)
+            os.execvpe(command[0], command, env | {"TERM": "dumb"})
+        threading.Thread(target=self.listen, daemon=True).start()
+
+    def listen(self):
+        try:
+            while piece := os.read(self.terminal, 4096):
+                self.shown += piece
+        except OSError:
+            pass  # it has ended
+
+    def answer(self, prompt, line):
+        deadline = time.time() + PATIENCE
+        while not self.shown.rstrip().endswith(prompt.encode()):
+            if time.time() > deadline:
+                raise AssertionError(f"no prompt {prompt!r}:\n{self.shown.decode()}")
+            time.sleep(0.02)
+        self.shown = b""
+        os.write(self.terminal, line.encode() + b"\n")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--plan", required=True, type=pathlib.Path)
+    arguments = parser.parse_args()
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        for file in arguments.plan.iterdir():
+            shutil.copy(file, folder)
+        subprocess.run([arguments.program, "-q", "--profile", "p.ini", "plan.dxf", "-s", "parts.scr"], cwd=folder, check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        expected = (folder / "parts.csv").read_bytes()
+        with Screen() as screen:
+            program = Program(folder, screen.env, arguments.program, "--windows", "--profile", "p.ini", "plan.dxf")
+            program.answer("Command:", "AttExt")
+            title, size = "Attribute Extraction", (260, 152)
+            screen.wait_for_window(title)
+            screen.click(30, 34, size)   # SDF, by the mouse
+            screen.keys("Up", "Return")  # CDF, by a key; OK is refused: nothing is selected
+            time.sleep(0.5)
+            screen.keys("Return")        # closes the box
+            screen.wait_for_window(title)
+            screen.keys("alt+o")         # Select Objects, on the command line
+            program.answer("Select objects:", "all")
+            program.answer("Select objects:", "")
+            screen.wait_for_window(title)
+            screen.keys("Tab", "Tab", "Tab", *"doors", "period", *"txt")
+            screen.keys("Tab", "Tab", "shift+End", *"by", "underscore", *"hand", "period", *"csv", "Return")
+            program.answer("Command:", "QUIT")
+            status = os.waitstatus_to_exitcode(os.waitpid(program.process, 0)[1])
+        if status != 0 or (folder / "by_hand.csv").read_bytes() != expected:
+            sys.exit(f"status {status}; {sorted(file.name for file in folder.iterdir())}")
+
+
+if __name__ == "__main__":
+    main()
