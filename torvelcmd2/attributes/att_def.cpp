@@ -125,7 +125,7 @@ void makeMultiLine(OdDbAttributeDefinition& definition, double width) {
 
 OdDbAttributeDefinitionPtr newDefinition(OdDbDatabase& database, const DefinitionValues& values,
                                          const Justification& justification) {
-    const auto definition = OdDbAttributeDefinition::createObject();
+    auto definition = OdDbAttributeDefinition::createObject();
     definition->setDatabaseDefaults(&database);
     const TextOrientation orientation = textOrientation(values.rotation, database);
     definition->setNormal(orientation.normal);
@@ -162,7 +162,7 @@ class AttDefTracker final : public HostEdPointTracker {
 };
 
 OdSmartPtr<OdDbText> newPreview(OdDbDatabase& database, const OdDbAttributeDefinition& definition) {
-    const auto preview = OdDbText::createObject();
+    auto preview = OdDbText::createObject();
     preview->setDatabaseDefaults(&database);
     preview->setTextString(definition.tag());
     preview->setNormal(definition.normal());

@@ -36,7 +36,10 @@ const Justification* findRow(Test test) {
 
 // Where an attachment lies in a box: 0 to 1 from left to right, and from top to bottom.
 double across(int attachment) { return (attachment - 1) % 3 / 2.0; }
-double down(int attachment) { return (attachment - 1) / 3 / 2.0; }
+double down(int attachment) {
+    const int row = (attachment - 1) / 3;
+    return row / 2.0;
+}
 
 }  // namespace
 
