@@ -33,6 +33,8 @@ class Screen:
         kept = {name: value for name, value in os.environ.items() if not name.startswith(("QT_", "WAYLAND_"))}
         self.env = kept | {"DISPLAY": display}
         self.manager = subprocess.Popen(["openbox"], env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        # A window that comes before the manager would lose the focus to it.
+        self.wait(lambda: self.do("get_num_desktops"), "the window manager does not begin")
         return self
 
     def __exit__(self, *_):
@@ -43,14 +45,21 @@ class Screen:
     def do(self, *words):
         return subprocess.run(["xdotool", *words], env=self.env, capture_output=True, text=True).stdout.split()
 
-    def wait_for_window(self, title):
-        """Until one of that title has the focus."""
+    @staticmethod
+    def wait(ready, failure):
         deadline = time.time() + PATIENCE
-        while time.time() < deadline:
-            if " ".join(self.do("getwindowfocus", "getwindowname")) == title:
-                return
+        while not (result := ready()):
+            if time.time() > deadline:
+                raise AssertionError(failure)
             time.sleep(0.05)
-        raise AssertionError(f'no window "{title}" came up')
+        return result
+
+    def wait_for_window(self, title, other_than=None):
+        """Until one of that title has the focus; which one."""
+        def focused():
+            window = self.do("getwindowfocus")
+            return window != other_than and " ".join(self.do("getwindowname", *window)) == title and window
+        return self.wait(focused, f'no window "{title}" came up')
 
     def keys(self, *keys):
         for key in keys:
@@ -109,12 +118,12 @@ def main():
             program = Program(folder, screen.env, arguments.program, "--windows", "--profile", "p.ini", "plan.dxf")
             program.answer("Command:", "AttExt")
             title, size = "Attribute Extraction", (260, 152)
-            screen.wait_for_window(title)
+            dialog = screen.wait_for_window(title)
             screen.click(30, 34, size)   # SDF, by the mouse
             screen.keys("Up", "Return")  # CDF, by a key; OK is refused: nothing is selected
-            time.sleep(0.5)
-            screen.keys("Return")        # closes the box
-            screen.wait_for_window(title)
+            box = screen.wait_for_window(title, other_than=dialog)
+            screen.keys("Return")
+            screen.wait_for_window(title, other_than=box)
             screen.keys("alt+o")         # Select Objects, on the command line
             program.answer("Select objects:", "all")
             program.answer("Select objects:", "")
