@@ -22,4 +22,8 @@ int HostRun::askNumber(const wchar_t* prompt, double& number) const {
 
 bool isInteger(const Reply& reply) { return base::parseInteger(std::wstring_view(reply.text)).has_value(); }
 
+bool isRecordName(std::wstring_view name) {
+    return !name.empty() && name.find_first_of(L"<>/\\\":;?*|,=`") == name.npos;
+}
+
 }  // namespace host::commands

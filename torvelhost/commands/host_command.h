@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "hostapi/command.h"
 #include "torvelhost/session/application.h"
@@ -36,5 +37,7 @@ using HostCommandBody = CMD_RUNSTATUS (*)(HostRun& run);
 inline CMD_RUNSTATUS statusOf(int inputResult) { return inputResult == kCancel ? kCommandCancelled : kCommandFinished; }
 
 bool isInteger(const Reply& reply);
+/// Whether a layer, a block or the like may be called so.
+bool isRecordName(std::wstring_view name);
 
 }  // namespace host::commands

@@ -13,6 +13,7 @@ const HostCommand kHostCommands[] = {
     {L"REGEN", commands::regen, HostCommand::kChangesView},
     {L"LAYER", commands::layer},
     {L"UCS", commands::ucs},
+    {L"BLOCK", commands::block},
     {L"INSERT", commands::insert},
     {L"SETVAR", commands::setVariable},
     {L"LAYOUT", commands::layout, HostCommand::kChangesView},

@@ -13,6 +13,7 @@ namespace commands {
 
 // The bodies, each in the file of its family.
 
+CMD_RUNSTATUS block(HostRun& run);          // block.cpp
 CMD_RUNSTATUS insert(HostRun& run);         // insert.cpp
 CMD_RUNSTATUS layer(HostRun& run);          // layer.cpp
 CMD_RUNSTATUS layout(HostRun& run);         // layouts.cpp

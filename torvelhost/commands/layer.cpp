@@ -52,7 +52,7 @@ void changeLayers(HostRun& run, int option) {
             reason = L"the drawing has a layer \"" + name + L"\" already";
         else if (!isNew && !known)
             reason = L"the drawing has no layer \"" + name + L"\"";
-        else if (!known && (name.empty() || name.find_first_of(L"<>/\\\":;?*|,=`") != name.npos))
+        else if (!known && !isRecordName(name))
             reason = L"\"" + name + L"\" is no name for a layer";
         return reason.empty();
     };

@@ -4,10 +4,19 @@
 #include "drawingdb/entity.h"
 #include "drawingdb/symbol_table.h"
 
+class OdDbIdMapping;
+
 /// A block: its record and its entities.
 class DRAWINGDB_API OdDbBlockTableRecord : public OdDbSymbolTableRecord {
     OD_DECLARE_CONCRETE_CLASS(OdDbBlockTableRecord)
   public:
+    /// Adds a block without entities to the drawing. Throws OdError(duplicateName) when there is one of that name (in
+    /// any case), OdError(badFile) where the file has no section of blocks.
+    static OdDbObjectId addNew(OdDbDatabase& database, const OdString& name);
+    /// Makes the block anew, of copies of these entities in their order and with 0,0,0 as its base point; what it held
+    /// is erased. References go on showing it, and keep their attributes. The record must be open for write. None of
+    /// the entities may hold a reference to the block, also not through others.
+    void redefine(const OdDbObjectIdArray& entities, OdDbIdMapping& copies);
     /// The entities in order. Attributes, vertices and end marks belong to their entity and do not appear.
     OdDbObjectIdRange entities(bool skipErased = true) const;
     /// The same in the order in which they are drawn, one over the other: that of the file, unless the block has a

@@ -129,6 +129,10 @@ class Core {
     /// A new block without entities for what a dimension shows, by a name of its own, otherwise like the block
     /// `picture`. Its record; null where the file has no place for one.
     Stub* addPicture(Stub& picture);
+    /// A new block without entities. The name must not be there. Throws badFile where the file has no place for one.
+    Stub& addBlock(std::wstring_view blockName);
+    /// Copies of these entities become what the block holds, around 0,0,0.
+    void redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbIdMapping& copies);
     void appendObject(OdDbObject& object, Stub& container);
     void erase(Stub& stub, bool erasing);
     void setFlags(Stub& stub, std::uint32_t flags);
@@ -210,6 +214,12 @@ class Core {
     /// is told whether it stands in the list of reactors, from where 0 removes it.
     std::string rewritten(std::string_view bytes, std::uint64_t handle, std::uint64_t owner, bool paperSpace,
                           const std::function<std::uint64_t(std::uint64_t, bool)>& map);
+    /// The records of a new block, in the file but still without bytes; nothing where it has no place for them. In a
+    /// file without block records (`table` is null then) BLOCK is the block's record.
+    struct NewBlock {
+        Stub *table, *record, *block, *end;
+    };
+    std::optional<NewBlock> linkBlock();
     /// The bytes of a record of a block, its BLOCK or its ENDBLK for an anonymous block of another name.
     Content ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t owner, std::string_view name);
     friend class Indexer;

@@ -1,4 +1,4 @@
-// Appending, erasing with all that is owned, exchanging identities.
+// Appending, erasing with all that is owned, exchanging identities, copying, making blocks.
 #include <algorithm>
 
 #include "base/text.h"
@@ -410,38 +410,125 @@ Content Core::ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t own
     return Arena::contentOf(arena_.add(bytes, source.type));
 }
 
-// The tables of names and blocks are added to, and not forgotten: a drawing may have very many pictures.
-Stub* Core::addPicture(Stub& picture) {
-    requireWritable();
-    Stub* const begin = blockBegin(picture);
-    Stub* const end = begin ? anchorOf(*begin, false) : nullptr;
+std::optional<Core::NewBlock> Core::linkBlock() {
     Stub* const blocks = section(Section::blocks);
     Stub* const table = tableNamed("BLOCK_RECORD");
-    if (!end || end->type != rtEndblk || !blocks || !blocks->has(Stub::ownCloser)) return nullptr;
-    if (table && (!table->has(Stub::ownCloser) || begin == &picture)) return nullptr;
-    std::wstring newName;
-    do newName = L"*D" + std::to_wstring(++lastPicture_);
-    while (findRecord("BLOCK_RECORD", newName));
-    const std::string raw = encodeText(newName, format);
-
-    Stub* const record = table ? &linkedStub(picture.type, *table) : nullptr;
+    if (!blocks || !blocks->has(Stub::ownCloser) || (table && !table->has(Stub::ownCloser))) return {};
+    Stub* const record = table ? &linkedStub(rtBlockRecord, *table) : nullptr;
     Stub& block = linkedStub(rtBlock, *blocks);
-    Stub& copy = record ? *record : block;
     Stub& closer = stubs.add();
     closer.type = rtEndblk;
     closer.owner = indexOf(&block);
     closer.flags = Stub::appended;
     giveHandle(closer, block);
     block.close = indexOf(&closer);
-    if (record) record->content = ofAnonymousBlock(picture, *record, table->handle, raw);
-    block.content = ofAnonymousBlock(*begin, block, copy.handle, raw);
-    closer.content = ofAnonymousBlock(*end, closer, copy.handle, raw);
+    return NewBlock{table, record ? record : &block, &block, &closer};
+}
 
-    names_.find("BLOCK_RECORD")->second.insert_or_assign(newName, indexOf(&copy));
+// The tables of names and blocks are added to, and not forgotten: a drawing may have very many pictures.
+Stub* Core::addPicture(Stub& picture) {
+    requireWritable();
+    Stub* const begin = blockBegin(picture);
+    Stub* const end = begin ? anchorOf(*begin, false) : nullptr;
+    if (!end || end->type != rtEndblk || (tableNamed("BLOCK_RECORD") && begin == &picture)) return nullptr;
+    const std::optional<NewBlock> made = linkBlock();
+    if (!made) return nullptr;
+    std::wstring newName;
+    do newName = L"*D" + std::to_wstring(++lastPicture_);
+    while (findRecord("BLOCK_RECORD", newName));
+    const std::string raw = encodeText(newName, format);
+    if (made->table) made->record->content = ofAnonymousBlock(picture, *made->record, made->table->handle, raw);
+    made->block->content = ofAnonymousBlock(*begin, *made->block, made->record->handle, raw);
+    made->end->content = ofAnonymousBlock(*end, *made->end, made->record->handle, raw);
+
+    const std::uint32_t record = indexOf(made->record), block = indexOf(made->block);
+    names_.find("BLOCK_RECORD")->second.insert_or_assign(newName, record);
     rawBlockNames_.erase(raw);
-    blockOfRecord_.insert_or_assign(indexOf(&copy), indexOf(&block));
-    recordOfBlock_.insert_or_assign(indexOf(&block), indexOf(&copy));
-    return &copy;
+    blockOfRecord_.insert_or_assign(record, block);
+    recordOfBlock_.insert_or_assign(block, record);
+    return made->record;
+}
+
+Stub& Core::addBlock(std::wstring_view blockName) {
+    requireWritable();
+    const std::optional<NewBlock> made = linkBlock();
+    if (!made)
+        throw OdError(OdResult::badFile, where(nullptr) +
+                                             "the file has no place for blocks. Remedy: open it with a program that "
+                                             "can make them");
+    const auto fill = [&](Stub& stub, const char* kind, std::uint64_t owner, const auto& write) {
+        std::string bytes;
+        GroupWriter writer(bytes, format);
+        writer.text(0, kind);
+        if (stub.handle) writer.handle(5, stub.handle);
+        if (format.version >= version::v2000 && owner) writer.handle(330, owner);
+        write(writer);
+        stub.content = Arena::contentOf(arena_.add(bytes, stub.type));
+    };
+    if (made->table)
+        fill(*made->record, "BLOCK_RECORD", made->table->handle, [&](GroupWriter& writer) {
+            writer.marker("AcDbSymbolTableRecord");
+            writer.marker("AcDbBlockTableRecord");
+            writer.wide(2, blockName);
+            if (format.version >= version::v2000) writer.handle(340, 0);
+            if (format.version < version::v2007) return;
+            writer.integer(70, database.headerInteger("$INSUNITS", 0));
+            writer.integer(280, 1);
+            writer.integer(281, 0);
+        });
+    const std::uint64_t owner = made->table ? made->record->handle : 0;
+    fill(*made->block, "BLOCK", owner, [&](GroupWriter& writer) {
+        writer.marker("AcDbEntity");
+        writer.text(8, "0");
+        writer.marker("AcDbBlockBegin");
+        writer.wide(2, blockName);
+        writer.integer(70, 0);
+        writer.point(10, 0, 0, 0);
+        writer.wide(3, blockName);
+        writer.text(1, "");
+    });
+    fill(*made->end, "ENDBLK", owner, [&](GroupWriter& writer) {
+        writer.marker("AcDbEntity");
+        writer.text(8, "0");
+        writer.marker("AcDbBlockEnd");
+    });
+    forgetNames();
+    return *made->record;
+}
+
+void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbIdMapping& copies) {
+    constexpr std::int64_t kHasAttributes = 2;
+    requireWritable();
+    OdDbObjectIdArray before;
+    for (const OdDbObjectId id : entitiesOf(record, true)) before.push_back(id);
+    deepClone(entities, record, copies);
+    for (const OdDbObjectId id : before) erase(*id.stub(), true);
+    // The order of drawing and whatever else was told of the old entities.
+    if (const OdDbObjectId dictionary = open(record, OdDb::forRead, false)->extensionDictionary(); dictionary) {
+        erase(*dictionary.stub(), true);
+        setBytes(record, withDictionary(bytesOf(record), {}, format));
+    }
+    const bool hasAttributes = std::ranges::any_of(copies.pairs(), [](const OdDbIdMapping::Pair& pair) {
+        const auto definition = pair.copy.openIf<OdDbAttributeDefinition>();
+        return pair.primary && definition && !definition->isConstant();
+    });
+    Stub& begin = *blockBegin(record);
+    std::string bytes;
+    GroupWriter writer(bytes, format);
+    for (RecordWalk walk(GroupCursor(bytesOf(begin), format)); walk.next();) {
+        const Group& group = walk.group();
+        const bool isField = walk.part() == RecordPart::field;
+        if (isField && (group.code == 10 || group.code == 20 || group.code == 30)) {
+            writer.real(group.code, 0);
+        } else if (isField && group.code == 70) {
+            const std::int64_t flags = groupInteger(group, format.binary).value_or(0) & ~kHasAttributes;
+            writer.integer(70, hasAttributes ? flags | kHasAttributes : flags);
+        } else {
+            writer.raw(group.bytes());
+        }
+    }
+    setBytes(begin, bytes);
+    forgetNames();
 }
 
 void Core::registerApplication(std::string_view application) {

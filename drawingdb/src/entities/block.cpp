@@ -30,6 +30,17 @@ const ClassDescription* OdDbBlockTableRecord::description() const {
         drawingdb::describe<OdDbBlockTableRecord>("BLOCK_RECORD", &OdDbBlockTableRecord::describe);
     return &d;
 }
+OdDbObjectId OdDbBlockTableRecord::addNew(OdDbDatabase& database, const OdString& name) {
+    if (database.core().findRecord("BLOCK_RECORD", name))
+        throw OdError(OdResult::duplicateName, "there is a block of that name already");
+    return OdDbObjectId(&database.core().addBlock(name));
+}
+void OdDbBlockTableRecord::redefine(const OdDbObjectIdArray& entities, OdDbIdMapping& copies) {
+    assertWriteEnabled();
+    if (!stub_) throw OdError(OdResult::notInDatabase, "the block is in no database");
+    coreOf(stub_).flushAll();
+    coreOf(stub_).redefineBlock(*stub_, entities, copies);
+}
 OdDbObjectIdRange OdDbBlockTableRecord::entities(bool skipErased) const {
     return stub_ ? coreOf(stub_).entitiesOf(*stub_, skipErased) : OdDbObjectIdRange();
 }

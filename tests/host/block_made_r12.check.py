@@ -1,0 +1,4 @@
+import pathlib
+import runpy
+
+check = runpy.run_path(str(pathlib.Path(__file__).with_name("block_made.check.py")))["check"]
