@@ -28,11 +28,6 @@ void takeMessage(QtMsgType type, const QMessageLogContext&, const QString& messa
 
 void dropMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
 
-bool isSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value && *value != '\0';
-}
-
 // In a process of its own, which Qt may end.
 bool answersInChild() {
     const pid_t child = fork();
@@ -51,12 +46,14 @@ bool answersInChild() {
     return child > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+// "DISPLAY=:0", and the like: what names a screen.
 std::wstring screenNames() {
     std::wstring names;
-    for (const char* variable : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"})
-        if (isSet(variable))
-            names +=
-                (names.empty() ? L"" : L", ") + base::fromUtf8(variable) + L"=" + base::fromUtf8(std::getenv(variable));
+    for (const char* variable : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
+        const char* const value = std::getenv(variable);
+        if (!value || *value == '\0') continue;
+        names += (names.empty() ? L"" : L", ") + base::fromUtf8(variable) + L"=" + base::fromUtf8(value);
+    }
     return names;
 }
 
