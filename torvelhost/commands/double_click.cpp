@@ -1,22 +1,16 @@
 #include "torvelhost/commands/double_click.h"
 
-#include "base/modules.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/layer.h"
 #include "drawingdb/mtext.h"
-#include "hostapi/module_functions.h"
+#include "torvelhost/commands/module_function.h"
 
 namespace host {
 namespace {
 
 using commands::HostRun;
-
-// A function of the command module, which is loaded all the time; null when it has none of that name.
-template <class Signature>
-Signature* commandFunction(const hostapi::Service<Signature>& service) {
-    return base::findFunction<Signature>(base::findLoadedModule(base::libraryFileName(service.library)), service.name);
-}
+using commands::moduleFunction;
 
 CMD_RUNSTATUS statusOfEdit(bool edited) { return edited ? kCommandFinished : kCommandCancelled; }
 
@@ -30,14 +24,14 @@ bool hasEditableAttributes(const OdDbBlockReference& reference) {
 }
 
 CMD_RUNSTATUS editAttributes(OdDbObjectId reference) {
-    auto* const edit = commandFunction(hostapi::doEAttEdit);
+    auto* const edit = moduleFunction(hostapi::doEAttEdit);
     OdDbObjectId attribute;
     // It tells by the status of a command how it ended.
     return edit && edit(reference, attribute) == kCommandFinished ? kCommandFinished : kCommandCancelled;
 }
 
 CMD_RUNSTATUS redefine(OdDbObjectId definition) {
-    auto* const edit = commandFunction(hostapi::ShowAttDDEIT);
+    auto* const edit = moduleFunction(hostapi::ShowAttDDEIT);
     return statusOfEdit(edit && edit(definition) == 1);
 }
 

@@ -1,48 +1,105 @@
 // INSERT: a reference to a block, with its attributes.
 #include <cmath>
+#include <optional>
+#include <vector>
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/field.h"
 #include "torvelhost/commands/host_commands.h"
+#include "torvelhost/commands/module_function.h"
 
 namespace host::commands {
 namespace {
 
-// A default that is a field goes on being one.
-void takeField(const OdDbAttributeDefinition& definition, OdDbAttribute& attribute) {
-    const OdDbFieldPtr standard = definition.getField(L"TEXT");
-    if (!standard) return;
-    const OdDbFieldPtr field = standard->copy();
+using AttributeDefinitionPtr = OdSmartPtr<OdDbAttributeDefinition>;
+using ShowAttEditDialog = int(const OdString& block, hostapi::AttributeValues& values, const OdGeMatrix3d& transform);
+
+void giveField(const OdDbFieldPtr& field, OdDbAttribute& attribute) {
     attribute.setField(L"TEXT", field);
     field->evaluate(OdDbField::kAutomatic, attribute.database());
 }
 
+// A default that is a field goes on being one.
+void takeField(const OdDbAttributeDefinition& definition, OdDbAttribute& attribute) {
+    if (const OdDbFieldPtr standard = definition.getField(L"TEXT")) giveField(standard->copy(), attribute);
+}
+
+std::vector<AttributeDefinitionPtr> definitionsOf(OdDbObjectId block) {
+    std::vector<AttributeDefinitionPtr> definitions;
+    const auto record = block.openAs<OdDbBlockTableRecord>();
+    for (OdDbObjectId id : record->entities())
+        if (const auto definition = id.openIf<OdDbAttributeDefinition>(); definition && !definition->isConstant())
+            definitions.push_back(definition);
+    return definitions;
+}
+
+OdSmartPtr<OdDbAttribute> append(OdDbBlockReference& reference, const OdDbAttributeDefinition& definition) {
+    const auto attribute = OdDbAttribute::createObject();
+    reference.appendAttribute(attribute.get());
+    attribute->setAttributeFromBlock(definition, reference.blockTransform());
+    return attribute;
+}
+
 // Asks for the value of each attribute that has one to ask for. A cancel leaves the reference with what was answered so
 // far.
-bool fillAttributes(HostRun& run, OdDbObjectId referenceId, OdDbObjectId block) {
-    const auto reference = referenceId.openAs<OdDbBlockReference>(OdDb::forWrite);
-    const auto record = block.openAs<OdDbBlockTableRecord>();
-    for (OdDbObjectId id : record->entities()) {
-        const auto definition = id.openIf<OdDbAttributeDefinition>();
-        if (!definition || definition->isConstant()) continue;
+bool fillAttributes(HostRun& run, OdDbBlockReference& reference, const std::vector<AttributeDefinitionPtr>& definitions,
+                    bool asks) {
+    for (const AttributeDefinitionPtr& definition : definitions) {
         OdString value;
         int result = kEmpty;
-        if (!definition->isPreset()) {
+        if (asks && !definition->isPreset()) {
             const OdString prompt = definition->prompt().empty() ? definition->tag() : definition->prompt();
             const OdString standard = definition->textString();
             result = run.input.askText((standard.empty() ? prompt : prompt + L" <" + standard + L">").c_str(), nullptr,
                                        value);
             if (result == kCancel) return false;
         }
-        const auto attribute = OdDbAttribute::createObject();
-        reference->appendAttribute(attribute.get());
-        attribute->setAttributeFromBlock(*definition, reference->blockTransform());
+        const auto attribute = append(reference, *definition);
         if (result == kValue)
             attribute->setTextString(value);
         else
             takeField(*definition, *attribute);
+    }
+    return true;
+}
+
+// The same by the module's dialog. What it does to the definitions on the way is taken back; a changed one tells the
+// field that its value has become.
+bool fillByDialog(HostRun& run, OdDbBlockReference& reference, const std::vector<AttributeDefinitionPtr>& definitions,
+                  ShowAttEditDialog& showDialog) {
+    struct Changed {
+        OdString value;
+        OdDbFieldPtr field;
+    };
+    std::vector<std::optional<Changed>> changes(definitions.size());
+    hostapi::AttributeValues values;
+    for (const AttributeDefinitionPtr& definition : definitions)
+        values.emplace_back(definition, definition->textString());
+    const hostapi::AttributeValues before = values;
+
+    run.database->blockUndoRecording(true);
+    const bool accepted =
+        showDialog(reference.blockName(), values, reference.blockTransform()) == 1 && values.size() == before.size();
+    for (std::size_t i = 0; accepted && i < values.size(); ++i) {
+        const OdString& value = boost::get<1>(values[i]);
+        if (value == boost::get<1>(before[i])) continue;
+        changes[i] = Changed{value, {}};
+        if (definitions[i]->textString() == boost::get<1>(before[i])) continue;
+        if (const OdDbFieldPtr field = definitions[i]->getField(L"TEXT")) changes[i]->field = field->copy();
+    }
+    run.database->rollBackUndoGroup();
+    if (!accepted) return false;
+
+    for (std::size_t i = 0; i < definitions.size(); ++i) {
+        const auto attribute = append(reference, *definitions[i]);
+        if (!changes[i]) {
+            takeField(*definitions[i], *attribute);
+            continue;
+        }
+        attribute->setTextString(changes[i]->value);
+        if (changes[i]->field) giveField(changes[i]->field, *attribute);
     }
     return true;
 }
@@ -88,7 +145,17 @@ CMD_RUNSTATUS insert(HostRun& run) {
         const auto space = run.document.activeSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite);
         inserted = space->appendOdDbEntity(reference.get());
     }
-    return fillAttributes(run, inserted, block) ? kCommandFinished : kCommandCancelled;
+    const std::vector<AttributeDefinitionPtr> definitions = definitionsOf(block);
+    const auto reference = inserted.openAs<OdDbBlockReference>(OdDb::forWrite);
+    const auto isOn = [&](const wchar_t* variable) {
+        return run.variables.get(variable) == VariableValue(std::int64_t{1});
+    };
+    auto* const dialog = isOn(L"ATTREQ") && isOn(L"ATTDIA") && !definitions.empty()
+                             ? moduleFunction(hostapi::ShowAttEditDialog)
+                             : nullptr;
+    const bool filled = dialog ? fillByDialog(run, *reference, definitions, *dialog)
+                               : fillAttributes(run, *reference, definitions, isOn(L"ATTREQ"));
+    return filled ? kCommandFinished : kCommandCancelled;
 }
 
 }  // namespace host::commands
