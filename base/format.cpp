@@ -9,6 +9,7 @@
 #include <locale>
 #include <optional>
 
+#include "base/number.h"
 #include "base/text.h"
 
 namespace base {
@@ -38,7 +39,7 @@ constexpr int kLargestField = 1 << 20;
 
 int readNumber(std::wstring_view text, std::size_t& i) {
     int number = 0;
-    for (; i < text.size() && text[i] >= L'0' && text[i] <= L'9'; ++i)
+    for (; i < text.size() && isDigit(text[i]); ++i)
         number = std::min(number * 10 + static_cast<int>(text[i] - L'0'), kLargestField);
     return number;
 }
@@ -259,7 +260,7 @@ void appendPointer(std::wstring& result, const Conversion& conversion, Arguments
     const auto address = reinterpret_cast<std::uintptr_t>(va_arg(arguments.list, void*));
     std::wstring text;
     for (int shift = 60; shift >= 0; shift -= 4)
-        text += L"0123456789ABCDEF"[static_cast<std::uint64_t>(address) >> shift & 15];
+        text += static_cast<wchar_t>(kHexDigits[static_cast<std::uint64_t>(address) >> shift & 15]);
     appendPadded(result, conversion, text);
 }
 

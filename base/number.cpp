@@ -67,8 +67,7 @@ std::optional<double> parseReal(std::string_view text) {
     text = numberIn(text);
     // "inf" and "nan" read as numbers too, but are none here.
     const std::string_view unsignedText = !text.empty() && text[0] == '-' ? text.substr(1) : text;
-    if (unsignedText.empty() || !((unsignedText[0] >= '0' && unsignedText[0] <= '9') || unsignedText[0] == '.'))
-        return std::nullopt;
+    if (unsignedText.empty() || !(isDigit(unsignedText[0]) || unsignedText[0] == '.')) return std::nullopt;
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (end != text.data() + text.size()) return std::nullopt;
@@ -118,7 +117,7 @@ std::string realToText(double number) {
 std::string hexToText(std::uint64_t number) {
     std::string text;
     do {
-        text.insert(text.begin(), "0123456789ABCDEF"[number % 16]);
+        text.insert(text.begin(), kHexDigits[number % 16]);
         number /= 16;
     } while (number != 0);
     return text;

@@ -8,6 +8,21 @@
 
 namespace base {
 
+/// Decimal digits alone, whatever the locale.
+template <class Character>
+constexpr bool isDigit(Character c) {
+    return c >= Character('0') && c <= Character('9');
+}
+/// The value of a hexadecimal digit of either case; -1 for what is none.
+template <class Character>
+constexpr int hexValue(Character c) {
+    if (isDigit(c)) return static_cast<int>(c - Character('0'));
+    if (c >= Character('A') && c <= Character('F')) return static_cast<int>(c - Character('A')) + 10;
+    if (c >= Character('a') && c <= Character('f')) return static_cast<int>(c - Character('a')) + 10;
+    return -1;
+}
+inline constexpr char kHexDigits[] = "0123456789ABCDEF";
+
 /// All of these read the whole text: blanks and tabs around the number and a plus sign are allowed, anything else
 /// beside it gives nothing. Reals: decimal, with or without exponent, finite; too small a number is zero.
 std::optional<double> parseReal(std::string_view text);

@@ -71,9 +71,7 @@ std::wstring loadString(ModuleHandle module, unsigned id) {
 int loadNarrowString(ModuleHandle module, unsigned id, char* buffer, int size) {
     if (size <= 0) return 0;
     const std::string text = toUtf8(loadString(module, id));
-    std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
-    // Bytes 10xxxxxx continue a character.
-    while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
+    const std::size_t length = utf8Prefix(text, static_cast<std::size_t>(size) - 1);
     std::copy_n(text.begin(), length, buffer);
     buffer[length] = '\0';
     return static_cast<int>(length);

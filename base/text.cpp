@@ -144,6 +144,13 @@ std::string toUtf8Exact(std::wstring_view text) {
     return utf8;
 }
 
+std::size_t utf8Prefix(std::string_view utf8, std::size_t limit) {
+    if (utf8.size() <= limit) return utf8.size();
+    // Bytes 10xxxxxx continue a character.
+    while (limit > 0 && (static_cast<unsigned char>(utf8[limit]) & 0xC0) == 0x80) --limit;
+    return limit;
+}
+
 bool isUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
         const Utf8Character character = takeUtf8(bytes);

@@ -18,6 +18,8 @@ std::wstring fromUtf8(std::string_view utf8);
 /// Unpaired surrogates become U+FFFD; a pair of surrogates is joined on both platforms.
 std::string toUtf8(std::wstring_view text);
 bool isUtf8(std::string_view bytes);
+/// The length of a piece from the front of UTF-8 text, at most `limit` bytes, that splits no character.
+std::size_t utf8Prefix(std::string_view utf8, std::size_t limit);
 /// For texts that are known to be ASCII (names, keywords); other bytes become the character of the same number.
 std::wstring widen(std::string_view ascii);
 

@@ -35,15 +35,13 @@ constexpr double kInchesPerMillimetre = 0.03937007874015748;
 
 bool weightsAreInInches() { return hostVariable(hostapi::getIntegerVariable, L"LWUNITS", 1) == 0; }
 
-bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
-
 // The number at the start of a text, as scanf's "%lf" takes it: "0.3 mm" is 0.3. Nothing when there is none.
 std::optional<double> leadingReal(std::wstring_view text) {
     std::size_t at = std::min(text.find_first_not_of(L" \t\r\n"), text.size());
     const std::size_t start = at;
     const auto skipDigits = [&] {
         const std::size_t first = at;
-        while (at < text.size() && isDigit(text[at])) ++at;
+        while (at < text.size() && base::isDigit(text[at])) ++at;
         return at > first;
     };
     const auto skipSign = [&] {

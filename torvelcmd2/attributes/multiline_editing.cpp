@@ -25,11 +25,11 @@ void redraw(OdDbObjectId object) {
 
 // A copy, in no drawing; null for what has no multi-line text.
 OdSmartPtr<OdDbMText> multiLineTextOf(const OdDbEntity& source) {
-    if (source.isKindOf(OdDbAttribute::desc()) || source.isKindOf(OdDbAttributeDefinition::desc()))
-        return static_cast<const OdDbAttributeText&>(source).mtextCopy();
-    if (!source.isKindOf(OdDbMText::desc())) return {};
+    if (const auto* const attribute = drawingdb::as<OdDbAttributeText>(source)) return attribute->mtextCopy();
+    const auto* const text = drawingdb::as<OdDbMText>(source);
+    if (!text) return {};
     auto copy = OdDbMText::createObject();
-    copy->setTextFrom(static_cast<const OdDbMText&>(source));
+    copy->setTextFrom(*text);
     return copy;
 }
 
@@ -59,10 +59,10 @@ void setWidth(OdDbEntity& target, double width) {
     if (!text || text->width() == width) return;
     target.upgradeOpen();
     text->setWidth(width);
-    if (target.isKindOf(OdDbAttribute::desc()))
-        static_cast<OdDbAttribute&>(target).setMTextAttribute(*text);
-    else if (target.isKindOf(OdDbAttributeDefinition::desc()))
-        static_cast<OdDbAttributeDefinition&>(target).setMTextAttributeDefinition(*text);
+    if (auto* const attribute = drawingdb::as<OdDbAttribute>(target))
+        attribute->setMTextAttribute(*text);
+    else if (auto* const definition = drawingdb::as<OdDbAttributeDefinition>(target))
+        definition->setMTextAttributeDefinition(*text);
     else
         static_cast<OdDbMText&>(target).setWidth(width);
 }

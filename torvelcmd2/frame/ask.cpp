@@ -23,14 +23,13 @@ int askText(HostEdInput& input, const OdString& prompt, OdString& text, const Od
 
 int askEntity(const OdString& prompt, hostapi::Pick& pick, int flags) {
     auto* const selectEntity = hostService(hostapi::selectEntity);
-    return selectEntity != nullptr ? selectEntity(prompt.c_str(), nullptr, flags, pick) : hostapi::kCancel;
+    return selectEntity ? selectEntity(prompt.c_str(), nullptr, flags, pick) : hostapi::kCancel;
 }
 
 int askSet(const OdString& prompt, OdDbObjectIdArray& entities) {
     constexpr int kNoFlags = 0;
     auto* const selectSet = hostService(hostapi::selectSet);
-    const int result =
-        selectSet != nullptr ? selectSet(prompt.c_str(), kNoFlags, entities) : static_cast<int>(hostapi::kCancel);
+    const int result = selectSet ? selectSet(prompt.c_str(), kNoFlags, entities) : static_cast<int>(hostapi::kCancel);
     if (result == hostapi::kCancel) entities.clear();
     return result;
 }

@@ -13,7 +13,7 @@ base::ModuleHandle viewModule() { return base::findLoadedModule(base::libraryFil
 // What the bridge names as the main module; null when the bridge is not loaded or names none.
 base::ModuleHandle mainModuleOfBridge() {
     auto* const mainInstance = hostService(hostapi::GetMainDllInstanceEx);
-    return mainInstance != nullptr ? mainInstance() : nullptr;
+    return mainInstance ? mainInstance() : nullptr;
 }
 
 // The lookup of the factory goes by the main module's name where GetHostMainModule goes by its handle: a host may offer
@@ -23,7 +23,7 @@ base::ModuleHandle factoryModule() {
     if (auto* const mainName = base::findFunction<NameFunction>(base::processImage(), hostapi::GetMainDllNameW.name)) {
         // When the module so named is not loaded there is no other way: the program has said where its commands are.
         const wchar_t* const name = mainName();
-        return name != nullptr ? base::findLoadedModule(name) : nullptr;
+        return name ? base::findLoadedModule(name) : nullptr;
     }
     if (base::ModuleHandle const view = viewModule()) return view;
     return mainModuleOfBridge();
@@ -43,7 +43,7 @@ base::ModuleHandle GetHostMainModule() {
 hostapi::HostFunction GetHostFunction(int id) {
     auto* const hostFunctions =
         base::findFunction<hostapi::HostFunction(int)>(GetHostMainModule(), hostapi::get_host_funcptr.name);
-    return hostFunctions != nullptr ? hostFunctions(id) : nullptr;
+    return hostFunctions ? hostFunctions(id) : nullptr;
 }
 
 bool GetCommandFactory(ICmdFactory*& factory) {
@@ -56,13 +56,13 @@ bool GetCommandFactory(ICmdFactory*& factory) {
 HostApplication* hostApplication() {
     auto* const application =
         reinterpret_cast<hostapi::ApplicationFunction*>(GetHostFunction(hostapi::kApplicationFunction));
-    return application != nullptr ? application() : nullptr;
+    return application ? application() : nullptr;
 }
 
 HostEdInput* GetCurrentInput() {
     HostApplication* const application = hostApplication();
     HostDocument* const document = application->activeDocument();
-    return document != nullptr ? document->input() : application->applicationInput();
+    return document ? document->input() : application->applicationInput();
 }
 
 void checkInterfaceVersion() {

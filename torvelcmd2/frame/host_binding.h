@@ -42,7 +42,7 @@ Signature* hostService(const hostapi::Service<Signature>& service) {
 template <class Object>
 Object* hostObject(const hostapi::Service<Object*()>& service) {
     auto* const get = hostService(service);
-    return get != nullptr ? get() : nullptr;
+    return get ? get() : nullptr;
 }
 
 /// A function of a module that is loaded by its file name for one use and unloaded together with this object. False

@@ -21,7 +21,7 @@ void writeSetting(const wchar_t* section, const wchar_t* key, const OdString& va
 int readIntegerSetting(const wchar_t* section, const wchar_t* key, int standard) {
     IProfile* const profile = hostObject(hostapi::getProfile);
     std::int32_t value = 0;
-    return profile != nullptr && profile->readInteger(section, key, value) ? value : standard;
+    return profile && profile->readInteger(section, key, value) ? value : standard;
 }
 
 void writeIntegerSetting(const wchar_t* section, const wchar_t* key, int value) {
@@ -30,7 +30,7 @@ void writeIntegerSetting(const wchar_t* section, const wchar_t* key, int value) 
 
 int showBox(hostapi::MessageKind kind, const OdString& text) {
     auto* const box = hostService(hostapi::messageBox);
-    return box != nullptr ? box(text.c_str(), nullptr, kind) : hostapi::kAnswerCancel;
+    return box ? box(text.c_str(), nullptr, kind) : hostapi::kAnswerCancel;
 }
 
 void notifyUser(const OdString& text) {

@@ -17,12 +17,12 @@ Signature* translationFunction(const hostapi::Service<Signature>& service) {
 
 int InitResourceTranslation(base::ModuleHandle instance) {
     auto* const init = translationFunction(hostapi::initResTranslation);
-    return init != nullptr ? init(instance) : 0;
+    return init ? init(instance) : 0;
 }
 
 int DeInitResourceTranslation(base::ModuleHandle instance) {
     auto* const deInit = translationFunction(hostapi::deInitResTranslation);
-    return deInit != nullptr ? deInit(instance) : 0;
+    return deInit ? deInit(instance) : 0;
 }
 
 int LoadStringNotTranslated(base::ModuleHandle instance, unsigned id, char* buffer, int size) {

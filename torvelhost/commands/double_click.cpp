@@ -40,9 +40,9 @@ CMD_RUNSTATUS editText(OdDbEntity& text, HostRun& run) {
         return run.refused(L"the layer " + layer->name() + L" is locked");
     const base::ModuleReference editor = base::loadModule(base::libraryFileName(hostapi::kTextEditorModule));
     text.upgradeOpen();
-    if (text.isKindOf(OdDbMText::desc())) {
+    if (auto* const paragraphs = drawingdb::as<OdDbMText>(text)) {
         auto* const edit = base::findFunction<bool(OdDbMText&, const wchar_t*)>(editor.get(), hostapi::editMText.name);
-        return statusOfEdit(edit && edit(static_cast<OdDbMText&>(text), L"ATTIPE"));
+        return statusOfEdit(edit && edit(*paragraphs, L"ATTIPE"));
     }
     auto* const edit = base::findFunction<bool(OdDbText&, HostEdInput&)>(editor.get(), hostapi::editText.name);
     return statusOfEdit(edit && edit(static_cast<OdDbText&>(text), run.input));

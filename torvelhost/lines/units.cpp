@@ -113,9 +113,7 @@ class Scanner {
     // Digits, a point, an exponent; no sign.
     std::optional<double> takeNumber() {
         std::size_t length = 0;
-        const auto isDigit = [this](std::size_t at) {
-            return at < rest_.size() && rest_[at] >= L'0' && rest_[at] <= L'9';
-        };
+        const auto isDigit = [this](std::size_t at) { return at < rest_.size() && base::isDigit(rest_[at]); };
         while (isDigit(length) || (length < rest_.size() && rest_[length] == L'.')) ++length;
         if (length < rest_.size() && (rest_[length] == L'e' || rest_[length] == L'E')) {
             std::size_t exponent = length + 1;

@@ -25,10 +25,10 @@ void addText(const OdDbText& text, const OdString& shown, OdGeExtents3d& box) {
 
 void addText(const OdDbText& text, OdGeExtents3d& box) {
     OdGeExtents3d own;
-    if (text.isKindOf(OdDbAttributeDefinition::desc()) &&
-        !static_cast<const OdDbAttributeDefinition&>(text).isConstant()) {
-        addText(text, static_cast<const OdDbAttributeDefinition&>(text).tag(), box);
-    } else if (text.isKindOf(OdDbAttribute::desc()) && static_cast<const OdDbAttribute&>(text).isMTextAttribute()) {
+    const auto* const definition = drawingdb::as<OdDbAttributeDefinition>(text);
+    if (definition && !definition->isConstant()) {
+        addText(text, definition->tag(), box);
+    } else if (!definition && drawingdb::isMultiLine(text)) {
         if (text.geomExtents(own)) box.addExtents(own);
     } else {
         addText(text, text.textString(), box);
@@ -55,9 +55,8 @@ const Bounds& BlockBounds::of(OdDbObjectId block) {
         for (OdDbObjectId id : record->entities()) {
             const auto entity = id.openIf<OdDbEntity>();
             if (!entity || entity->isInvisibleEntity()) continue;
-            if (entity->isKindOf(OdDbAttributeDefinition::desc()) &&
-                !static_cast<const OdDbAttributeDefinition&>(*entity).isConstant())
-                continue;
+            const auto* const definition = drawingdb::as<OdDbAttributeDefinition>(*entity);
+            if (definition && !definition->isConstant()) continue;
             add(*entity, bounds);
         }
     }
@@ -99,9 +98,9 @@ void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& boun
 }
 
 void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
-    if (entity.isKindOf(OdDbBlockReference::desc()))
-        return addReference(static_cast<const OdDbBlockReference&>(entity), bounds);
-    if (entity.isKindOf(OdDbText::desc())) return addText(static_cast<const OdDbText&>(entity), bounds.box);
+    if (const auto* const reference = drawingdb::as<OdDbBlockReference>(entity))
+        return addReference(*reference, bounds);
+    if (const auto* const text = drawingdb::as<OdDbText>(entity)) return addText(*text, bounds.box);
     if (entity.isKindOf(OdDbConstructionLine::desc())) {
         bounds.endless = true;
         return;
@@ -133,15 +132,14 @@ std::optional<OdGeExtents3d> extentsOfSpace(OdDbObjectId space) {
     for (OdDbObjectId id : record->entities()) {
         const auto entity = id.openIf<OdDbEntity>();
         if (!entity || entity->isInvisibleEntity() || styles.isHidden(styles.styleOf(*entity))) continue;
-        if (entity->isKindOf(OdDbViewport::desc())) {
+        if (const auto* const viewport = drawingdb::as<OdDbViewport>(*entity)) {
             // The layout's own viewport is the paper.
-            const auto& viewport = static_cast<const OdDbViewport&>(*entity);
             OdGeExtents3d frame;
-            if (viewport.number() > 1 && viewport.geomExtents(frame)) bounds.box.addExtents(frame);
+            if (viewport->number() > 1 && viewport->geomExtents(frame)) bounds.box.addExtents(frame);
             continue;
         }
-        if (entity->isKindOf(OdDbConstructionLine::desc()))
-            basePoints.addPoint(static_cast<const OdDbConstructionLine&>(*entity).basePoint());
+        if (const auto* const line = drawingdb::as<OdDbConstructionLine>(*entity))
+            basePoints.addPoint(line->basePoint());
         blocks.add(*entity, bounds);
     }
     if (bounds.box.isValid()) return bounds.box;

@@ -46,17 +46,14 @@ void Shapes::addText(const OdDbText& text, const OdString& shown) {
 }
 
 void Shapes::addAttributeText(const OdDbAttributeText& text) {
-    OdSmartPtr<OdDbMText> multiLine;
     if (text.isKindOf(OdDbAttribute::desc())) {
         if (attributeMode_ == 0 || (attributeMode_ == 1 && text.isInvisible())) return;
-        multiLine = static_cast<const OdDbAttribute&>(text).getMTextAttribute();
     } else {
         // On its own a definition shows its tag.
         if (!inBlock_) return addText(text, text.tag());
         if (!text.isConstant() || text.isInvisible()) return;
-        multiLine = static_cast<const OdDbAttributeDefinition&>(text).getMTextAttributeDefinition();
     }
-    if (multiLine)
+    if (const OdSmartPtr<OdDbMText> multiLine = text.mtextCopy())
         addMText(*multiLine);
     else
         addText(text, text.textString());

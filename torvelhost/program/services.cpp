@@ -99,12 +99,7 @@ int _DeInitResTranslation(void* module) { return translatedModules().erase(modul
 int _LoadStringNotTrans(void* module, unsigned id, char* buffer, int size) {
     if (!buffer || size <= 0) return 0;
     std::string text = base::toUtf8(base::loadString(module, id));
-    auto length = static_cast<std::size_t>(size) - 1;
-    if (text.size() > length) {
-        // Continuation bytes belong to the character before them.
-        while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
-        text.resize(length);
-    }
+    text.resize(base::utf8Prefix(text, static_cast<std::size_t>(size) - 1));
     std::memcpy(buffer, text.c_str(), text.size() + 1);
     return static_cast<int>(text.size());
 }

@@ -27,14 +27,12 @@ std::wstring previewText(const OdDbEntity& entity) {
     std::wstring text = base::widen(entity.dxfName());
     const auto add = [&text](const OdGePoint3d& p) { text += L" " + coordinates(p.x, p.y, p.z); };
     OdGeExtents3d box;
-    if (entity.isKindOf(OdDbConstructionLine::desc())) {
-        const auto& line = static_cast<const OdDbConstructionLine&>(entity);
-        const OdGeVector3d direction = line.unitDir();
-        add(line.basePoint());
+    if (const auto* const line = drawingdb::as<OdDbConstructionLine>(entity)) {
+        const OdGeVector3d direction = line->unitDir();
+        add(line->basePoint());
         text += L" towards " + coordinates(direction.x, direction.y, direction.z);
-    } else if (entity.isKindOf(OdDbPolyline::desc())) {
-        const auto& polyline = static_cast<const OdDbPolyline&>(entity);
-        for (std::size_t i = 0; i < polyline.numVerts(); ++i) add(polyline.pointAt(i));
+    } else if (const auto* const polyline = drawingdb::as<OdDbPolyline>(entity)) {
+        for (std::size_t i = 0; i < polyline->numVerts(); ++i) add(polyline->pointAt(i));
     } else if (entity.geomExtents(box)) {
         add(box.minPoint());
         add(box.maxPoint());

@@ -40,9 +40,9 @@ bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle
 
 // Attributes are part of what a reference shows.
 bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, drawingdb::LayerStates& layers) {
-    return meetsRectangle(entity, OdGeMatrix3d::kIdentity, rectangle) ||
-           (entity.isKindOf(OdDbBlockReference::desc()) &&
-            anyShownAttributeMeets(static_cast<const OdDbBlockReference&>(entity), rectangle, layers));
+    if (meetsRectangle(entity, OdGeMatrix3d::kIdentity, rectangle)) return true;
+    const auto* const reference = drawingdb::as<OdDbBlockReference>(entity);
+    return reference && anyShownAttributeMeets(*reference, rectangle, layers);
 }
 
 }  // namespace

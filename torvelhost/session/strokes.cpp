@@ -22,6 +22,8 @@
 namespace host {
 namespace {
 
+using drawingdb::as;
+
 constexpr int kStepsPerTurn = 96;
 constexpr int kDeepestNesting = 32;
 // Blocks that hold blocks many times over show more than anyone can pick from.
@@ -42,9 +44,8 @@ bool anyCell(const OdDbBlockReference& reference, int& budget, const std::functi
 // Attribute definitions show only in their references, and there only constant ones.
 bool showsInReference(const OdDbEntity& entity) {
     if (entity.isInvisibleEntity()) return false;
-    if (!entity.isKindOf(OdDbAttributeDefinition::desc())) return true;
-    const auto& definition = static_cast<const OdDbAttributeDefinition&>(entity);
-    return definition.isConstant() && !definition.isInvisible();
+    const auto* const definition = as<OdDbAttributeDefinition>(entity);
+    return !definition || (definition->isConstant() && !definition->isInvisible());
 }
 
 std::vector<OdGePoint2d> textCorners(const OdDbText& text, const OdGeMatrix3d& toWorld) {
@@ -97,10 +98,8 @@ bool meetsConstructionLine(const OdDbConstructionLine& line, const OdGeMatrix3d&
 int stepsOfPiece(const OdDbCurve& curve, std::size_t piece) {
     constexpr int kStepsPerSpan = 24;
     const auto stepsOfBulge = [](double bulge) { return bulge == 0 ? 1 : kStepsPerTurn / 2; };
-    if (curve.isKindOf(OdDbPolyline::desc()))
-        return stepsOfBulge(static_cast<const OdDbPolyline&>(curve).vertexAt(piece).bulge);
-    if (curve.isKindOf(OdDbOldPolyline::desc()))
-        return stepsOfBulge(static_cast<const OdDbOldPolyline&>(curve).vertices()[piece].bulge);
+    if (const auto* const polyline = as<OdDbPolyline>(curve)) return stepsOfBulge(polyline->vertexAt(piece).bulge);
+    if (const auto* const old = as<OdDbOldPolyline>(curve)) return stepsOfBulge(old->vertices()[piece].bulge);
     if (curve.isKindOf(OdDbLine::desc())) return 1;
     return curve.isKindOf(OdDbSpline::desc()) ? kStepsPerSpan : kStepsPerTurn;
 }
@@ -129,18 +128,16 @@ class Meeting {
 
     bool meets(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, int depth) {
         if (--budget_ < 0) return false;
-        if (entity.isKindOf(OdDbBlockReference::desc()))
-            return meetsReference(static_cast<const OdDbBlockReference&>(entity), toWorld, depth);
-        if (entity.isKindOf(OdDbConstructionLine::desc()))
-            return meetsConstructionLine(static_cast<const OdDbConstructionLine&>(entity), toWorld, rectangle_);
-        if (entity.isKindOf(OdDbPoint::desc()))
-            return rectangle_.contains((toWorld * static_cast<const OdDbPoint&>(entity).position()).xy());
-        if (entity.isKindOf(OdDbCurve::desc()))
-            return meetsCurve(static_cast<const OdDbCurve&>(entity), toWorld, rectangle_);
-        if (entity.isKindOf(OdDbWipeout::desc()))
-            return meetsFrame(static_cast<const OdDbWipeout&>(entity), toWorld, rectangle_);
-        if (entity.isKindOf(OdDbText::desc()) && !drawingdb::isMultiLine(entity))
-            return rectangle_.meetsArea(textCorners(static_cast<const OdDbText&>(entity), toWorld));
+        if (const auto* const reference = as<OdDbBlockReference>(entity))
+            return meetsReference(*reference, toWorld, depth);
+        if (const auto* const line = as<OdDbConstructionLine>(entity))
+            return meetsConstructionLine(*line, toWorld, rectangle_);
+        if (const auto* const point = as<OdDbPoint>(entity))
+            return rectangle_.contains((toWorld * point->position()).xy());
+        if (const auto* const curve = as<OdDbCurve>(entity)) return meetsCurve(*curve, toWorld, rectangle_);
+        if (const auto* const wipeout = as<OdDbWipeout>(entity)) return meetsFrame(*wipeout, toWorld, rectangle_);
+        if (const auto* const text = as<OdDbText>(entity); text && !drawingdb::isMultiLine(entity))
+            return rectangle_.meetsArea(textCorners(*text, toWorld));
         OdGeExtents3d box;
         return entity.geomExtents(box) && rectangle_.meetsArea(boxCorners(box, toWorld));
     }

@@ -117,6 +117,15 @@ class OdSmartPtr {
 
 using OdRxObjectPtr = OdSmartPtr<OdRxObject>;
 
+namespace drawingdb {
+/// The object as a T, or null when it is of another class; nothing is owned.
+template <class T, class Object>
+std::conditional_t<std::is_const_v<Object>, const T, T>* as(Object& object) {
+    using Result = std::conditional_t<std::is_const_v<Object>, const T, T>;
+    return object.isKindOf(T::desc()) ? static_cast<Result*>(&object) : nullptr;
+}
+}  // namespace drawingdb
+
 /// Declares what every class of the run-time class system has: desc(), isA() and, for concrete classes, createObject().
 #define OD_DECLARE_CLASS(Class)            \
   public:                                  \

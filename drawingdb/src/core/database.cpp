@@ -302,7 +302,7 @@ OdDbObjectId OdDbDatabase::addObject(const OdDbObjectPtr& object, OdDbObjectId o
                           " without an OBJECTS section. Remedy: open it with a program that can save newer versions");
     core_->appendObject(*object, *section);
     ObjectAccess::owner(*object).handle = owner.handle().value();
-    if (object->isKindOf(OdDbField::desc())) ObjectAccess::fieldEntered(static_cast<OdDbField&>(*object));
+    if (auto* const field = drawingdb::as<OdDbField>(*object)) ObjectAccess::fieldEntered(*field);
     return object->objectId();
 }
 void OdDbDatabase::deepCloneObjects(const OdDbObjectIdArray& objects, OdDbObjectId owner, OdDbIdMapping& mapping) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/text.h"
 #include "drawingdb/src/core/members.h"
 #include "drawingdb/src/geometry/curve_math.h"
 
@@ -14,9 +15,7 @@ constexpr std::size_t kChunk = 250;
 // Where a text of bytes may be cut at the latest, `limit` at most: not inside a character or an escape sequence.
 std::size_t cutPlace(std::string_view text, std::size_t limit, const FileFormat& format) {
     if (text.size() <= limit) return text.size();
-    std::size_t cut = limit;
-    if (format.utf8())
-        while (cut > 1 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+    std::size_t cut = format.utf8() ? std::max<std::size_t>(1, base::utf8Prefix(text, limit)) : limit;
     const std::size_t escape = text.find_last_of("\\^", cut - 1);
     if (escape != std::string_view::npos && escape > 0 && cut - escape < 8) cut = escape;
     return cut;

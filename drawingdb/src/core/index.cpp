@@ -10,6 +10,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/number.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "drawingdb/src/core/core.h"
@@ -68,7 +69,7 @@ class Indexer {
     // A DWG begins with the letters and digits of its version, where a DXF begins with the number of a group code.
     void refuseDwg() {
         const std::string_view sign = core_.file_.substr(0, 6);
-        const auto isOfVersion = [](char c) { return (c >= '0' && c <= '9') || c == '.'; };
+        const auto isOfVersion = [](char c) { return base::isDigit(c) || c == '.'; };
         if (sign.size() < 6 || sign[1] != 'C' || (sign[0] != 'A' && sign[0] != 'M')) return;
         if (!std::all_of(sign.begin() + 2, sign.end(), isOfVersion)) return;
         core_.failAt(begin_, "this is a DWG (of version " + std::string(sign) +
@@ -480,7 +481,7 @@ void Core::readIndex(base::FileReading& reading) {
     if (const auto version = headerVariable("$ACADVER")) {
         int number = 0;
         for (const char c : version->first)
-            if (c >= '0' && c <= '9' && number < 100000) number = number * 10 + (c - '0');
+            if (base::isDigit(c) && number < 100000) number = number * 10 + (c - '0');
         // The first versions were "AC1.2" to "AC2.22".
         const bool isOfTheFirst = version->first.find('.') != std::string_view::npos && number < 1001;
         if (number >= 1001 && number <= 1099) {

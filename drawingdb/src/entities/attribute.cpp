@@ -397,7 +397,6 @@ void OdDbAttribute::setAttributeFromBlock(const OdDbAttributeDefinition& definit
 }
 
 bool drawingdb::isMultiLine(const OdDbObject& text) {
-    if (text.isKindOf(OdDbAttribute::desc()) || text.isKindOf(OdDbAttributeDefinition::desc()))
-        return static_cast<const OdDbAttributeText&>(text).isMultiLine();
+    if (const auto* const attribute = as<OdDbAttributeText>(text)) return attribute->isMultiLine();
     return text.isKindOf(OdDbMText::desc());
 }

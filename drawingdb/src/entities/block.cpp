@@ -132,8 +132,7 @@ OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdDbEntity* entity) {
     if (inPaper) entity->stub_->flags |= Stub::paperSpace;
     entity->paperSpace_ = inPaper ? 1 : 0;
     entity->owner_.handle = stub_->handle;
-    if (auto* reference =
-            entity->isKindOf(OdDbBlockReference::desc()) ? static_cast<OdDbBlockReference*>(entity) : nullptr) {
+    if (auto* const reference = drawingdb::as<OdDbBlockReference>(*entity)) {
         core.referenceAdded(*entity->stub_, reference->blockTableRecord().stub());
         auto pending = std::move(reference->pendingAttributes_);
         reference->pendingAttributes_.clear();

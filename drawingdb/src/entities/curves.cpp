@@ -392,10 +392,8 @@ OdResult OdDbCircle::getOffsetCurves(double distance, const OdGeVector3d&, std::
     round->normal_ = normal_;
     round->radius_ = radius;
     round->thickness_ = thickness_;
-    if (isKindOf(OdDbArc::desc())) {
-        const auto& arc = static_cast<const OdDbArc&>(*this);
-        static_cast<OdDbArc&>(*round).setAngles(arc.startAngle(), arc.endAngle());
-    }
+    if (const auto* const arc = drawingdb::as<OdDbArc>(*this))
+        static_cast<OdDbArc&>(*round).setAngles(arc->startAngle(), arc->endAngle());
     curves.emplace_back(round);
     return OdResult::ok;
 }

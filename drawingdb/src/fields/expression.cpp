@@ -101,7 +101,7 @@ class Parser {
         const wchar_t c = text_[at_];
         if (c == L'(') return parenthesised();
         if (c == L'%') return marker();
-        if (isDigit(c) || c == L'.') return number();
+        if (base::isDigit(c) || c == L'.') return number();
         return named();
     }
 
@@ -122,13 +122,13 @@ class Parser {
 
     Value number() {
         const std::size_t begin = at_;
-        while (at_ < text_.size() && (isDigit(text_[at_]) || text_[at_] == L'.')) ++at_;
+        while (at_ < text_.size() && (base::isDigit(text_[at_]) || text_[at_] == L'.')) ++at_;
         if (at_ < text_.size() && (text_[at_] == L'e' || text_[at_] == L'E')) {
             std::size_t digits = at_ + 1;
             if (digits < text_.size() && (text_[digits] == L'+' || text_[digits] == L'-')) ++digits;
-            if (digits < text_.size() && isDigit(text_[digits])) {
+            if (digits < text_.size() && base::isDigit(text_[digits])) {
                 at_ = digits;
-                while (at_ < text_.size() && isDigit(text_[at_])) ++at_;
+                while (at_ < text_.size() && base::isDigit(text_[at_])) ++at_;
             }
         }
         return base::parseReal(text_.substr(begin, at_ - begin));
@@ -136,7 +136,7 @@ class Parser {
 
     Value named() {
         const std::size_t begin = at_;
-        while (at_ < text_.size() && (isLetter(text_[at_]) || isDigit(text_[at_]))) ++at_;
+        while (at_ < text_.size() && (isLetter(text_[at_]) || base::isDigit(text_[at_]))) ++at_;
         const std::wstring_view name = text_.substr(begin, at_ - begin);
         if (base::equalsNoCase(name, L"pi")) return kPi;
         for (const auto& [known, function] : kFunctions) {
@@ -147,7 +147,6 @@ class Parser {
         return {};
     }
 
-    static bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
     static bool isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
     void skipBlanks() {
         while (at_ < text_.size() && (text_[at_] == L' ' || text_[at_] == L'\t')) ++at_;

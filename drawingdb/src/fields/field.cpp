@@ -15,6 +15,7 @@
 #include <optional>
 #include <unordered_set>
 
+#include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
@@ -76,11 +77,10 @@ void writePieces(GroupWriter& writer, int code, int lastCode, std::wstring_view 
 }
 
 std::string hexDigits(std::string_view bytes) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string hex;
     for (const char byte : bytes) {
-        hex.push_back(kDigits[static_cast<unsigned char>(byte) >> 4]);
-        hex.push_back(kDigits[static_cast<unsigned char>(byte) & 15]);
+        hex.push_back(base::kHexDigits[static_cast<unsigned char>(byte) >> 4]);
+        hex.push_back(base::kHexDigits[static_cast<unsigned char>(byte) & 15]);
     }
     return hex;
 }
@@ -813,11 +813,8 @@ void OdDbField::passToText(OdDbObject& owner, bool escapes) {
         text.setTextFromField(shown);
         if (!wasWritable) text.downgradeOpen();
     };
-    if (owner.isKindOf(OdDbText::desc())) {
-        auto& text = static_cast<OdDbText&>(owner);
-        pass(text, text.textString());
-    } else if (owner.isKindOf(OdDbMText::desc())) {
-        auto& paragraphs = static_cast<OdDbMText&>(owner);
-        pass(paragraphs, paragraphs.contents());
-    }
+    if (auto* const text = drawingdb::as<OdDbText>(owner))
+        pass(*text, text->textString());
+    else if (auto* const paragraphs = drawingdb::as<OdDbMText>(owner))
+        pass(*paragraphs, paragraphs->contents());
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/number.h"
 #include "base/text.h"
 
 namespace drawingdb {
@@ -9,7 +10,6 @@ namespace drawingdb {
 namespace {
 
 bool isBlank(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r'; }
-bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 bool isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'_'; }
 
 std::size_t skipBlanks(std::wstring_view text, std::size_t at) {
@@ -34,7 +34,8 @@ void classify(FieldSpan& span, std::wstring_view text) {
     for (const auto& [name, kind] : kMarkers) {
         if (!code.starts_with(name) || code.size() == name.size() || !isBlank(code[name.size()])) continue;
         const std::wstring_view digits = base::trimmed(code.substr(name.size()));
-        if (digits.empty() || digits.size() > 19 || !std::all_of(digits.begin(), digits.end(), isDigit)) return;
+        if (digits.empty() || digits.size() > 19 || !std::all_of(digits.begin(), digits.end(), base::isDigit<wchar_t>))
+            return;
         span.kind = kind;
         for (const wchar_t digit : digits) span.number = span.number * 10 + static_cast<std::uint64_t>(digit - L'0');
         return;
@@ -123,7 +124,7 @@ FieldCode parseFieldCode(std::wstring_view code) {
         return result;
     }
     const std::size_t name = ++at;
-    while (at < code.size() && (isLetter(code[at]) || isDigit(code[at]) || code[at] == L'.')) ++at;
+    while (at < code.size() && (isLetter(code[at]) || base::isDigit(code[at]) || code[at] == L'.')) ++at;
     result.evaluator = code.substr(name, at - name);
 
     const std::vector<FieldSpan> nested = findFields(code);
@@ -132,7 +133,7 @@ FieldCode parseFieldCode(std::wstring_view code) {
     result.body = base::trimmed(code.substr(body, at - body));
     while (at < code.size()) {
         const std::size_t begin = ++at;
-        while (at < code.size() && (isLetter(code[at]) || isDigit(code[at]))) ++at;
+        while (at < code.size() && (isLetter(code[at]) || base::isDigit(code[at]))) ++at;
         auto& [key, value] = result.options.emplace_back(code.substr(begin, at - begin), std::wstring());
         at = skipBlanks(code, at);
         if (at < code.size() && code[at] == L'"') {
@@ -148,7 +149,7 @@ FieldCode parseFieldCode(std::wstring_view code) {
 
 std::wstring_view withoutVersion(std::wstring_view evaluator) {
     for (std::size_t dot = evaluator.find(L'.'); dot != std::wstring_view::npos; dot = evaluator.find(L'.', dot + 1))
-        if (dot + 1 < evaluator.size() && isDigit(evaluator[dot + 1])) return evaluator.substr(0, dot);
+        if (dot + 1 < evaluator.size() && base::isDigit(evaluator[dot + 1])) return evaluator.substr(0, dot);
     return evaluator;
 }
 

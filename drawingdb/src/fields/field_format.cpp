@@ -40,7 +40,6 @@ struct ValueFormat {
 };
 
 bool isLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
-bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
 // A separator by its number; what is no character of the first plane is left as it was.
 void setSeparator(wchar_t& separator, int number) {
@@ -88,7 +87,7 @@ ValueFormat parseFormat(std::wstring_view text) {
         }
         const std::wstring_view name = text.substr(at + 1, 2);
         int number = 0;
-        for (at += 3; at < text.size() && isDigit(text[at]); ++at)
+        for (at += 3; at < text.size() && base::isDigit(text[at]); ++at)
             if (number < 1000000) number = number * 10 + (text[at] - L'0');
         std::wstring_view bracket;
         if (at < text.size() && text[at] == L'[') {

@@ -80,13 +80,12 @@ std::uint64_t LineFeeds::feedsFrom(const char* block, const char* next, const ch
 }
 
 int AsciiGroupCursor::unusualCode(const char* line, const char* lineEnd) {
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     while (line < lineEnd && (*line == ' ' || *line == '\t')) ++line;
     const bool negative = line < lineEnd && *line == '-';
     if (negative) ++line;
-    if (line == lineEnd || !isDigit(*line)) return kNoCode;
+    if (line == lineEnd || !base::isDigit(*line)) return kNoCode;
     int code = 0;
-    for (; line < lineEnd && isDigit(*line); ++line)
+    for (; line < lineEnd && base::isDigit(*line); ++line)
         if (code < 100000) code = code * 10 + (*line - '0');
     return negative ? -code : code;
 }
@@ -152,18 +151,17 @@ std::optional<double> shortReal(const char* p, const char* end) {
     static constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     constexpr std::ptrdiff_t kMostDigits = 15;
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     const bool negative = p < end && *p == '-';
     if (negative) ++p;
     if (end - p > kMostDigits + 1) return {};
     std::int64_t digits = 0;
     const char* const whole = p;
-    for (; p < end && isDigit(*p); ++p) digits = digits * 10 + (*p - '0');
+    for (; p < end && base::isDigit(*p); ++p) digits = digits * 10 + (*p - '0');
     std::ptrdiff_t count = p - whole;
     std::ptrdiff_t decimals = 0;
     if (p < end && *p == '.') {
         const char* const fraction = ++p;
-        for (; p < end && isDigit(*p); ++p) digits = digits * 10 + (*p - '0');
+        for (; p < end && base::isDigit(*p); ++p) digits = digits * 10 + (*p - '0');
         decimals = p - fraction;
         count += decimals;
     }
@@ -254,17 +252,10 @@ std::uint64_t parseHandle(std::string_view text) {
     while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
     for (; i < text.size(); ++i) {
         const char c = text[i];
-        unsigned digit;
-        if (c >= '0' && c <= '9')
-            digit = static_cast<unsigned>(c - '0');
-        else if (c >= 'A' && c <= 'F')
-            digit = static_cast<unsigned>(c - 'A' + 10);
-        else if (c >= 'a' && c <= 'f')
-            digit = static_cast<unsigned>(c - 'a' + 10);
-        else
-            break;
+        const int digit = base::hexValue(c);
+        if (digit < 0) break;
         if (value >> 60) return 0;
-        value = value << 4 | digit;
+        value = value << 4 | static_cast<unsigned>(digit);
     }
     while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\r')) ++i;
     return i == text.size() ? value : 0;
@@ -432,7 +423,7 @@ void GroupWriter::handle(int groupCode, std::uint64_t value) {
     char digits[20];
     char* const end = digits + sizeof digits;
     char* begin = end;
-    do *--begin = "0123456789ABCDEF"[value & 15];
+    do *--begin = base::kHexDigits[value & 15];
     while (value >>= 4);
     text(groupCode, {begin, static_cast<std::size_t>(end - begin)});
 }

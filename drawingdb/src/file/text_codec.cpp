@@ -1,25 +1,19 @@
 #include "drawingdb/src/file/text_codec.h"
 
 #include "base/exact_utf8.h"
+#include "base/number.h"
 #include "base/text.h"
 
 namespace drawingdb {
 
 namespace {
 
-int hexDigit(wchar_t c) {
-    if (c >= L'0' && c <= L'9') return c - L'0';
-    if (c >= L'A' && c <= L'F') return c - L'A' + 10;
-    if (c >= L'a' && c <= L'f') return c - L'a' + 10;
-    return -1;
-}
-
 // The character of four hexadecimal digits at `at`, or -1.
 int fourHex(const std::wstring& text, std::size_t at) {
     if (at + 4 > text.size()) return -1;
     int value = 0;
     for (std::size_t i = at; i < at + 4; ++i) {
-        const int digit = hexDigit(text[i]);
+        const int digit = base::hexValue(text[i]);
         if (digit < 0) return -1;
         value = value * 16 + digit;
     }
@@ -112,9 +106,8 @@ std::string encodeNarrow(std::wstring_view text, const base::CodePage& codePage)
         text,
         [](char32_t character, std::string& bytes) {
             const auto unit = [&bytes](unsigned value) {
-                static constexpr char kDigits[] = "0123456789ABCDEF";
                 bytes += "\\U+";
-                for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(kDigits[(value >> shift) & 15]);
+                for (int shift = 12; shift >= 0; shift -= 4) bytes.push_back(base::kHexDigits[(value >> shift) & 15]);
             };
             if (character < 0x10000) {
                 unit(character);

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "base/code_page.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/src/lettering/text_codes.h"
 
@@ -42,7 +43,7 @@ class ParameterReader {
         if (i < text_.size() && text_[i] == L'+') ++i;
         for (; i < text_.size() && length < sizeof digits; ++i) {
             const wchar_t c = text_[i];
-            const bool belongs = (c >= L'0' && c <= L'9') || c == L'.' || (c == L'-' && length == 0);
+            const bool belongs = base::isDigit(c) || c == L'.' || (c == L'-' && length == 0);
             if (!belongs) break;
             digits[length++] = static_cast<char>(c);
         }
@@ -57,11 +58,7 @@ class ParameterReader {
         std::uint32_t value = 0;
         for (std::size_t i = 0; i < count; ++i) {
             if (position_ + i >= text_.size()) return std::nullopt;
-            const wchar_t c = text_[position_ + i];
-            const int digit = c >= L'0' && c <= L'9'   ? c - L'0'
-                              : c >= L'A' && c <= L'F' ? c - L'A' + 10
-                              : c >= L'a' && c <= L'f' ? c - L'a' + 10
-                                                       : -1;
+            const int digit = base::hexValue(text_[position_ + i]);
             if (digit < 0) return std::nullopt;
             value = value * 16 + static_cast<std::uint32_t>(digit);
         }
@@ -405,7 +402,7 @@ class MTextParser {
         const base::CodePage* page = base::CodePage::byName(kPages[*number - 1]);
         std::string encoded{static_cast<char>(*bytes >> 8), static_cast<char>(*bytes & 0xFF)};
         if (encoded[0] == '\0') encoded.erase(0, 1);
-        const std::wstring decoded = page != nullptr ? page->decode(encoded) : L"\uFFFD";
+        const std::wstring decoded = page ? page->decode(encoded) : L"\uFFFD";
         for (std::size_t i = 0; i < decoded.size();) addDecoded(base::nextCharacter(decoded, i));
         return true;
     }

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/src/lettering/text_codes.h"
 #include "drawingdb/stroke_font.h"
@@ -15,8 +16,6 @@ constexpr double kDescender = 1.0 / 3.0;  // in text heights
 constexpr double kUnderline = -0.2;
 constexpr double kOverline = 1.2;
 constexpr double kStrikeThrough = 0.45;
-
-bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
 char32_t numberedCharacter(char32_t number) {
     switch (number) {
@@ -148,7 +147,7 @@ ControlCode controlCodeAt(std::wstring_view text, std::size_t position) {
         default:
             break;
     }
-    if (text.size() < 5 || !isDigit(text[2]) || !isDigit(text[3]) || !isDigit(text[4])) return {};
+    if (text.size() < 5 || !base::isDigit(text[2]) || !base::isDigit(text[3]) || !base::isDigit(text[4])) return {};
     const auto number = static_cast<char32_t>((text[2] - L'0') * 100 + (text[3] - L'0') * 10 + (text[4] - L'0'));
     return {ControlCode::Character, numberedCharacter(number), 5};
 }

@@ -57,26 +57,18 @@ void applyFields(const CapturedText& captured, OdDbEntity& target) {
 OdString codeOf(const OdDbFieldPtr& field) { return field->getFieldCode(OdDbField::kRawCode); }
 
 OdString plainValue(const OdDbEntity& source) {
-    if (source.isKindOf(OdDbAttribute::desc())) {
-        const auto& attribute = static_cast<const OdDbAttribute&>(source);
-        return attribute.isMTextAttribute() ? attribute.getMTextAttribute()->contents() : attribute.textString();
-    }
-    if (source.isKindOf(OdDbAttributeDefinition::desc())) {
-        const auto& definition = static_cast<const OdDbAttributeDefinition&>(source);
-        return definition.isMTextAttributeDefinition() ? definition.getMTextAttributeDefinition()->contents()
-                                                       : definition.textString();
-    }
-    if (source.isKindOf(OdDbText::desc())) return static_cast<const OdDbText&>(source).textString();
-    if (source.isKindOf(OdDbMText::desc())) return static_cast<const OdDbMText&>(source).contents();
+    // A multi-line attribute or definition gives the contents of its multi-line text.
+    if (const auto* const text = drawingdb::as<OdDbText>(source)) return text->textString();
+    if (const auto* const paragraphs = drawingdb::as<OdDbMText>(source)) return paragraphs->contents();
     throw OdError_NotThatKindOfClass(source.isA()->name(), OdDbText::desc()->name());
 }
 
 void setPlainValue(const OdString& value, OdDbEntity& target) {
-    if (target.isKindOf(OdDbMText::desc())) {
-        static_cast<OdDbMText&>(target).setContents(value);
-    } else if (target.isKindOf(OdDbText::desc())) {
+    if (auto* const paragraphs = drawingdb::as<OdDbMText>(target)) {
+        paragraphs->setContents(value);
+    } else if (auto* const text = drawingdb::as<OdDbText>(target)) {
         // In a multi-line attribute or definition this replaces the contents of the multi-line text.
-        static_cast<OdDbText&>(target).setTextString(value);
+        text->setTextString(value);
     } else {
         throw OdError_NotThatKindOfClass(target.isA()->name(), OdDbText::desc()->name());
     }

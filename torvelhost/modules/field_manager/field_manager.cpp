@@ -12,7 +12,7 @@ using hostmodule::hostService;
 OdDbObjectId selectObject(const wchar_t* prompt) {
     hostapi::Pick pick;
     auto* const select = hostService(hostapi::selectEntity);
-    const bool picked = select != nullptr && select(prompt, nullptr, hostapi::kSingleEntity, pick) == hostapi::kValue;
+    const bool picked = select && select(prompt, nullptr, hostapi::kSingleEntity, pick) == hostapi::kValue;
     return picked ? pick.entity : OdDbObjectId();
 }
 

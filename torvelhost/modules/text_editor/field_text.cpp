@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/number.h"
 #include "drawingdb/database.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/text.h"
@@ -16,13 +17,13 @@ constexpr std::wstring_view kMarkerBegin = L"%<\\_FldIdx ";
 constexpr std::wstring_view kMarkerEnd = L">%";
 
 OdString plainContents(const OdDbEntity& text) {
-    return text.isKindOf(OdDbMText::desc()) ? static_cast<const OdDbMText&>(text).contents()
-                                            : static_cast<const OdDbText&>(text).textString();
+    const auto* const paragraphs = drawingdb::as<OdDbMText>(text);
+    return paragraphs ? paragraphs->contents() : static_cast<const OdDbText&>(text).textString();
 }
 
 void setPlainContents(OdDbEntity& text, const OdString& contents) {
-    if (text.isKindOf(OdDbMText::desc()))
-        static_cast<OdDbMText&>(text).setContents(contents);
+    if (auto* const paragraphs = drawingdb::as<OdDbMText>(text))
+        paragraphs->setContents(contents);
     else
         static_cast<OdDbText&>(text).setTextString(contents);
 }
@@ -44,7 +45,7 @@ Piece markerAt(std::wstring_view text, std::size_t begin, std::size_t fields) {
     if (!text.substr(begin).starts_with(kMarkerBegin)) return none;
     const std::size_t digits = begin + kMarkerBegin.size();
     std::size_t at = digits, index = 0;
-    for (; at < text.size() && text[at] >= L'0' && text[at] <= L'9' && index < fields; ++at)
+    for (; at < text.size() && base::isDigit(text[at]) && index < fields; ++at)
         index = index * 10 + static_cast<std::size_t>(text[at] - L'0');
     if (at == digits || index >= fields || !text.substr(at).starts_with(kMarkerEnd)) return none;
     return {Piece::kField, begin, at + kMarkerEnd.size(), index};
