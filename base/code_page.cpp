@@ -150,6 +150,11 @@ const CodePage* CodePage::byName(std::string_view name) {
     return page ? pages.emplace(std::move(key), std::move(page)).first->second.get() : nullptr;
 }
 
+const CodePage* CodePage::byMultiByteNumber(int number) {
+    static constexpr const char* kPages[] = {"ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};
+    return number >= 1 && number <= 5 ? byName(kPages[number - 1]) : nullptr;
+}
+
 const CodePage& CodePage::standard() { return *byName("ANSI_1252"); }
 
 std::wstring CodePage::decode(std::string_view bytes) const {

@@ -12,6 +12,8 @@ class CodePage {
     /// By the name a drawing gives ("ANSI_1252", "dos850", case does not matter). Null when the name is unknown.
     /// The objects live as long as the program.
     static const CodePage* byName(std::string_view name);
+    /// By the number in a text's "\M+nXXXX", which gives a character in one of five double-byte pages. Null for others.
+    static const CodePage* byMultiByteNumber(int number);
     /// ANSI_1252, which holds where a drawing names none.
     static const CodePage& standard();
 

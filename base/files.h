@@ -82,8 +82,8 @@ std::string readTextFile(std::wstring_view path);
 std::string_view untilEndMark(std::string_view text);
 
 /// A file that is either replaced whole or left as it was. It is written beside the target and takes its name in
-/// commit(); without commit() nothing remains of it, also where a signal ends the program meanwhile. The target's
-/// permissions are kept, and a link stays a link. A target that is no plain file (a pipe, a device) is written
+/// commit(); without commit() nothing remains of it, on Linux also where a signal ends the program meanwhile. The
+/// target's permissions are kept, and a link stays a link. A target that is no plain file (a pipe, a device) is written
 /// directly. All but the destructor throw FileError, which names the target.
 class AtomicFile {
   public:

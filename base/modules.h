@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace base {
 
@@ -41,5 +42,34 @@ std::wstring libraryFileName(std::wstring_view name);
 
 /// The module need not hear of threads that begin and end.
 void disableThreadNotifications(ModuleHandle module);
+
+/// The function that a row of a table of functions names, with the row's signature: of a library that is loaded. Null
+/// when it is not, or lacks the function.
+template <template <class> class Row, class Signature>
+Signature* findFunction(const Row<Signature>& row) {
+    return findFunction<Signature>(findLoadedModule(libraryFileName(row.library)), row.name);
+}
+
+/// A function of a module that is loaded by its file name for one use and unloaded together with this object. False
+/// when the module is not there or lacks the function.
+template <class Signature>
+class ModuleFunction {
+  public:
+    template <template <class> class Row>
+    explicit ModuleFunction(const Row<Signature>& row)
+        : module_(loadModule(libraryFileName(row.library))),
+          function_(findFunction<Signature>(module_.get(), row.name)) {}
+    explicit operator bool() const { return function_ != nullptr; }
+    template <class... Arguments>
+    auto operator()(Arguments&&... arguments) const {
+        return function_(std::forward<Arguments>(arguments)...);
+    }
+
+  private:
+    ModuleReference module_;
+    Signature* function_;
+};
+template <template <class> class Row, class Signature>
+ModuleFunction(const Row<Signature>&) -> ModuleFunction<Signature>;
 
 }  // namespace base

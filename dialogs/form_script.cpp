@@ -295,7 +295,11 @@ void FormScript::press(std::wstring_view name) {
 }
 
 void FormScript::key(std::wstring_view keys) {
-    if (base::startsWithNoCase(keys, L"Alt+") && keys.size() == 5) return run_.view()->pressMnemonic(keys.back());
+    if (base::startsWithNoCase(keys, L"Alt+") && keys.size() == 5) {
+        if (!run_.view()->hasMnemonicOf(keys.back()))
+            throw Refusal(L"no caption has the mnemonic " + std::wstring(keys.substr(4)));
+        return run_.view()->pressMnemonic(keys.back());
+    }
     std::wstring_view name = keys;
     const bool shift = base::startsWithNoCase(name, L"Shift+");
     if (shift) name.remove_prefix(6);

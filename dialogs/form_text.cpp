@@ -168,7 +168,7 @@ class Printer {
     }
 
     static std::wstring labelText(const Control& label) {
-        const std::wstring caption = inOneLine(label.text);
+        std::wstring caption = inOneLine(label.text);
         if ((label.design->style & kNoPrefixStyle) != 0) return caption;
         return base::replaceAll(base::replaceAll(base::replaceAll(caption, L"&&", L"\x1"), L"&", L""), L"\x1", L"&");
     }

@@ -184,6 +184,8 @@ bool View::isOwnKey(Key key) const {
     if (focus->kind() == ControlKind::kRichEdit) return true;
     if (focus->kind() == ControlKind::kEditCombo)
         return key == Key::kUp || key == Key::kDown || key == Key::kPageUp || key == Key::kPageDown;
+    // There the list scrolls.
+    if (focus->kind() == ControlKind::kListView) return key != Key::kLeft && key != Key::kRight;
     return true;
 }
 
@@ -220,6 +222,12 @@ void View::tab(bool backwards) {
     Control* const next = run_.nextInTabOrder(backwards);
     if (!next || !moveFocus(*next)) return;
     if (next->isTyped()) select(*next, {0, next->text.size()});
+}
+
+bool View::hasMnemonicOf(wchar_t letter) const {
+    const std::vector<Control*> shown = run_.shownControls();
+    return std::any_of(shown.begin(), shown.end(),
+                       [&](const Control* control) { return hasMnemonic(*control, letter); });
 }
 
 bool View::userPressedMnemonic(wchar_t letter) {

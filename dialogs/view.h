@@ -98,6 +98,8 @@ class DIALOGS_API View {
     /// Where the focus is.
     virtual void pressKey(Key key, bool shift) { userPressedKey(key, shift); }
     virtual void pressMnemonic(wchar_t letter) { userPressedMnemonic(letter); }
+    /// Whether a caption that is shown has the letter behind its "&".
+    bool hasMnemonicOf(wchar_t letter) const;
     virtual void dragColumn(Control& list, int column, int width);
     virtual void close() { userClosed(); }
 

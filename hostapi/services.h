@@ -3,14 +3,8 @@
 // A module links to none of them; it looks the name up in the library at every use, and a function that is not there
 // makes the operation do nothing:
 //
-//     template <class Signature>
-//     Signature* hostService(const hostapi::Service<Signature>& service) {
-//         return base::findFunction<Signature>(base::findLoadedModule(base::libraryFileName(service.library)),
-//         service.name);
-//     }
-//
 //     OdDbObjectId space;
-//     if (auto* activeSpace = hostService(hostapi::getActiveBTRId)) activeSpace(space, database);
+//     if (auto* activeSpace = base::findFunction(hostapi::getActiveBTRId)) activeSpace(space, database);
 //
 // Rows without a library are looked up along the ways that the binding of the module describes.
 //

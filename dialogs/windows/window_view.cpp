@@ -99,7 +99,7 @@ WindowView::WindowView(Run& run) : View(run), owner_(static_cast<HWND>(Process::
 
 WindowView::~WindowView() {
     applying_ = 1;  // what comes while the windows go is nobody's doing
-    if (owner_) {
+    if (owner_ && disabledOwner_) {
         // Before the window goes, or another program's would come to the front.
         EnableWindow(owner_, TRUE);
         SetActiveWindow(owner_);
@@ -167,23 +167,29 @@ void WindowView::changed(Control& control, Aspect aspect) {
     if (!window) return;
     const Applying applying(*this);
     showAspect(control, window, aspect);
-    if (aspect == Aspect::kExtras) showTooltip(control, window);
+    if (aspect == Aspect::kExtras || aspect == Aspect::kEnabled) showTooltip(control, window);
 }
 
 void WindowView::showTooltip(Control& control, HWND window) {
-    if (control.tooltip.empty()) return;
+    if (control.tooltip.empty() && !tooltips_) return;
     if (!tooltips_)
         tooltips_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_NOPREFIX, CW_USEDEFAULT,
                                     CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, GetAncestor(window, GA_ROOT), nullptr,
                                     nullptr, nullptr);
     TTTOOLINFOW tool = {};
     tool.cbSize = sizeof tool;
-    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
     tool.hwnd = GetParent(window);
-    tool.uId = reinterpret_cast<UINT_PTR>(window);
     tool.lpszText = control.tooltip.data();
-    send(tooltips_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    send(tooltips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    // A window that is disabled hears no mouse: its parent does, at its place.
+    GetWindowRect(window, &tool.rect);
+    MapWindowPoints(nullptr, tool.hwnd, reinterpret_cast<POINT*>(&tool.rect), 2);
+    for (const bool enabled : {true, false}) {
+        tool.uFlags = TTF_SUBCLASS | (enabled ? TTF_IDISHWND : 0U);
+        tool.uId = enabled ? reinterpret_cast<UINT_PTR>(window) : static_cast<UINT_PTR>(GetDlgCtrlID(window));
+        send(tooltips_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+        if (!control.tooltip.empty() && enabled == (IsWindowEnabled(window) != 0))
+            send(tooltips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    }
 }
 
 void WindowView::pageShown(Control& tab) {
@@ -269,7 +275,8 @@ void WindowView::rethrow() {
 
 void WindowView::work() {
     LineSource* const lines = Process::instance().lines;
-    if (owner_) EnableWindow(owner_, FALSE);
+    // A host may have disabled its window itself.
+    if (owner_) disabledOwner_ = EnableWindow(owner_, FALSE) == 0;
     ShowWindow(root_, SW_SHOW);
     SetActiveWindow(root_);
     SetForegroundWindow(root_);
@@ -442,10 +449,12 @@ void WindowView::onCommand(Control& control, int code) {
                 return userEdited(control);
             }
             if (code != CBN_SELCHANGE || shownItem(control, window) < 0) return;
-            // The system puts the choice into the field once more, whatever a handler put there.
+            userChose(control, shownItem(control, window));
+            // The system puts the choice into the field once more, whatever a handler put there. Posted behind the
+            // handler: a dialog that it opens takes every message out of the queue.
             if (control.kind() == ControlKind::kEditCombo)
                 PostMessageW(root_, kShowTextMessage, 0, reinterpret_cast<LPARAM>(window));
-            return userChose(control, shownItem(control, window));
+            return;
         case ControlKind::kListBox:
             if (code == LBN_DBLCLK) return userDoubleClicked(control, control.selected);
             if (code == LBN_SELCHANGE) return userChose(control, shownItem(control, window));
@@ -508,8 +517,11 @@ void WindowView::onContextMenu(Control& control, HWND window, LPARAM place) {
         point = {8, 8};
         ClientToScreen(window, &point);
     }
-    const int chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, point.x, point.y, 0,
-                                      dialogs_.at(control.dialog), nullptr);
+    int chosen = 0;
+    Process::instance().waitFor([&] {
+        chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, point.x, point.y, 0, dialogs_.at(control.dialog),
+                                nullptr);
+    });
     DestroyMenu(menu);
     if (chosen > 0) run_.menuChosen(control, entries[static_cast<std::size_t>(chosen) - 1].command);
 }

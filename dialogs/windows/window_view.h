@@ -100,6 +100,7 @@ class WindowView final : public View {
 
     Themed themed_;
     HWND owner_ = nullptr;
+    bool disabledOwner_ = false;
     HWND root_ = nullptr;
     HWND tooltips_ = nullptr;
     std::unordered_map<HWND, Control*> controls_;

@@ -5,7 +5,7 @@
 #include "base/format.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
-#include "drawingdb/layer.h"
+#include "drawingdb/layer_states.h"
 #include "drawingdb/symbol_table.h"
 #include "torvelcmd2/frame/command.h"
 #include "torvelcmd2/resources/resource.h"
@@ -13,11 +13,7 @@
 namespace torvel {
 
 bool hasDefinitions(const OdDbBlockTableRecord& block, Definitions which) {
-    if (which == Definitions::kAny) return block.hasAttributeDefinitions();
-    for (OdDbObjectId id : block.entities())
-        if (const auto definition = id.openIf<OdDbAttributeDefinition>(); definition && !definition->isConstant())
-            return true;
-    return false;
+    return block.hasAttributeDefinitions(which == Definitions::kNotConstant);
 }
 
 std::vector<AttributedBlock> attributedBlocks(const OdDbDatabase& database, Definitions which) {
@@ -37,8 +33,8 @@ std::vector<AttributedBlock> attributedBlocks(const OdDbDatabase& database, Defi
 bool blockHasAttributes(OdDbObjectId id, bool editableOnly) {
     id.openAs<OdDbEntity>();  // anything else is an error of the caller
     if (!id.isKindOf(OdDbBlockReference::desc())) return false;
-    const auto block = OdDbBlockReference::blockTableRecordOf(id).openAs<OdDbBlockTableRecord>();
-    return hasDefinitions(*block, editableOnly ? Definitions::kNotConstant : Definitions::kAny);
+    const auto block = OdDbBlockReference::blockTableRecordOf(id).openIf<OdDbBlockTableRecord>();
+    return block && hasDefinitions(*block, editableOnly ? Definitions::kNotConstant : Definitions::kAny);
 }
 
 OdDbObjectIdArray editableAttributes(const OdDbBlockReference& reference) {
@@ -49,14 +45,10 @@ OdDbObjectIdArray editableAttributes(const OdDbBlockReference& reference) {
     return editable;
 }
 
-bool isOnLockedLayer(const OdDbEntity& entity) {
-    const auto layer = entity.layerId().openIf<OdDbLayerTableRecord>();
-    return layer && layer->isLocked();
-}
-
 OdString lockedLayerOf(OdDbObjectId attribute) {
     for (OdDbObjectId id : {attribute, attribute.containerId()})
-        if (const auto entity = id.openIf<OdDbEntity>(); entity && isOnLockedLayer(*entity)) return entity->layer();
+        if (const auto entity = id.openIf<OdDbEntity>(); entity && drawingdb::isOnLockedLayer(*entity))
+            return entity->layer();
     return {};
 }
 

@@ -31,7 +31,6 @@ bool blockHasAttributes(OdDbObjectId id, bool editableOnly);
 OdDbObjectIdArray editableAttributes(const OdDbBlockReference& reference);
 
 /// ---- locked layers
-bool isOnLockedLayer(const OdDbEntity& entity);
 /// What keeps an attribute, or the reference with it, from being edited: the name of a locked layer; empty when nothing
 /// does. Commands that edit the attributes of one reference leave such an attribute alone; those that go by the block
 /// (AttSync, the Block Attribute Manager) change it all the same.

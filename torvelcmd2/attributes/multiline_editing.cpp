@@ -13,11 +13,6 @@ namespace {
 // The variable that says how the editor presents itself.
 constexpr wchar_t kEditorContext[] = L"ATTIPE";
 
-HostDocument* activeDocument() {
-    HostApplication* const application = hostApplication();
-    return application ? application->activeDocument() : nullptr;
-}
-
 void redraw(OdDbObjectId object) {
     auto* const redrawEntity = hostService(hostapi::redrawEntity);
     if (redrawEntity && object) redrawEntity(object);
@@ -69,7 +64,13 @@ void setWidth(OdDbEntity& target, double width) {
 
 }  // namespace
 
-ScratchEditing::Redraw::~Redraw() { redraw(object); }
+ScratchEditing::Redraw::~Redraw() {
+    try {
+        redraw(object);
+    } catch (...) {
+        // What is not drawn anew loses nothing.
+    }
+}
 
 ScratchEditing::ScratchEditing(const OdDbEntity& object, WhileEdited how) : group_(OdDbDatabasePtr(object.database())) {
     if (how == WhileEdited::kAsItIs || object.isInvisibleEntity() == (how == WhileEdited::kHidden)) return;

@@ -62,7 +62,7 @@ std::vector<OdGePoint3d> cornersOf(const OdDbPolyline& polyline) {
 bool eraseIfWanted(HostEdInput& input, OdDbPolyline& polyline) {
     constexpr int kYes = hostapi::kFirstKeyword;
     const int result = askKeyword(input, loadText(IDS_ERASE_POLYLINE), loadText(IDS_YES_NO_KEYWORDS));
-    if (result == kYes && !drawingdb::LayerStates().isLocked(polyline.layerId())) {
+    if (result == kYes && !drawingdb::isOnLockedLayer(polyline)) {
         polyline.upgradeOpen();
         polyline.erase();
     }

@@ -22,8 +22,7 @@ OdString drawingPath(const OdDbDatabase& database) {
 
 // Replaced whole, also by nothing when the selection was cancelled.
 void selectObjects(CAttExtDlg& dialog, OdDbObjectIdArray& selection) {
-    selection.clear();
-    if (askSet(loadText(IDS_ATTEXT_SELECT_OBJECTS), selection) != hostapi::kValue) selection.clear();
+    askSet(loadText(IDS_ATTEXT_SELECT_OBJECTS), selection);
     dialog.setNumberFound(static_cast<int>(selection.size()));
 }
 

@@ -59,6 +59,11 @@ HostApplication* hostApplication() {
     return application ? application() : nullptr;
 }
 
+HostDocument* activeDocument() {
+    HostApplication* const application = hostApplication();
+    return application ? application->activeDocument() : nullptr;
+}
+
 HostEdInput* GetCurrentInput() {
     HostApplication* const application = hostApplication();
     HostDocument* const document = application->activeDocument();

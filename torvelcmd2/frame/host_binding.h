@@ -12,6 +12,8 @@
 
 namespace torvel {
 
+using base::ModuleFunction;
+
 /// The module that holds the host's functions; null when there is no host.
 base::ModuleHandle GetHostMainModule();
 
@@ -25,6 +27,9 @@ bool GetCommandFactory(ICmdFactory*& factory);
 /// Null when there is no host.
 HostApplication* hostApplication();
 
+/// Null without a host and without an open drawing.
+HostDocument* activeDocument();
+
 /// Where messages go: the input channel of the active document, or the application's own when no document is open.
 HostEdInput* GetCurrentInput();
 
@@ -35,7 +40,7 @@ void checkInterfaceVersion();
 /// A service of the host; null when its library is not loaded or lacks it. The caller then does without, silently.
 template <class Signature>
 Signature* hostService(const hostapi::Service<Signature>& service) {
-    return base::findFunction<Signature>(base::findLoadedModule(base::libraryFileName(service.library)), service.name);
+    return base::findFunction(service);
 }
 
 /// A service that is an object, which lives as long as the host; null when there is none.
@@ -44,25 +49,6 @@ Object* hostObject(const hostapi::Service<Object*()>& service) {
     auto* const get = hostService(service);
     return get ? get() : nullptr;
 }
-
-/// A function of a module that is loaded by its file name for one use and unloaded together with this object. False
-/// when the module is not there or lacks the function; the caller then does without, silently.
-template <class Signature>
-class ModuleFunction {
-  public:
-    explicit ModuleFunction(const hostapi::Service<Signature>& service)
-        : module_(base::loadModule(base::libraryFileName(service.library))),
-          function_(base::findFunction<Signature>(module_.get(), service.name)) {}
-    explicit operator bool() const { return function_ != nullptr; }
-    template <class... Arguments>
-    auto operator()(Arguments&&... arguments) const {
-        return function_(std::forward<Arguments>(arguments)...);
-    }
-
-  private:
-    base::ModuleReference module_;
-    Signature* function_;
-};
 
 /// Gives back the reference to a counted object.
 struct ReleaseReference {

@@ -7,18 +7,13 @@
 namespace torvel {
 namespace {
 
-HostDocument* currentDocument() {
-    HostApplication* const application = hostApplication();
-    return application ? application->activeDocument() : nullptr;
-}
-
 void callFor(HostDocument* document, const hostapi::Service<void(HostDocument*)>& service) {
     if (auto* const function = hostService(service)) function(document);
 }
 
 }  // namespace
 
-UndoScope::UndoScope() : document_(currentDocument()) {
+UndoScope::UndoScope() : document_(activeDocument()) {
     // All of it must be there: a group that nobody can count is never closed.
     auto* const depth = hostService(hostapi::undoGroupDepth);
     auto* const open = hostService(hostapi::openUndoGroup);
@@ -29,7 +24,13 @@ UndoScope::UndoScope() : document_(currentDocument()) {
     open(document_);
 }
 
-UndoScope::~UndoScope() { rollBack(); }
+UndoScope::~UndoScope() {
+    try {
+        rollBack();
+    } catch (...) {
+        // Out of memory: the host takes its whole command back.
+    }
+}
 
 bool UndoScope::isAboveDepth() const {
     auto* const depth = hostService(hostapi::undoGroupDepth);

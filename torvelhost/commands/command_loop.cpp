@@ -30,7 +30,7 @@ CMD_RUNSTATUS runOnce(const RegisteredCommand& registered) {
 std::vector<std::wstring> commandNames() {
     std::vector<std::wstring> names = hostCommandNames();
     for (std::wstring& name : CommandFactory::instance().names()) names.push_back(std::move(name));
-    names.insert(names.end(), {L"QUIT", L"DBLCLICK "});
+    names.insert(names.end(), {L"QUIT", std::wstring(kDoubleClickName) + L" "});
     return names;
 }
 

@@ -1,50 +1,44 @@
 #include "torvelhost/commands/double_click.h"
 
+#include "base/modules.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
-#include "drawingdb/layer.h"
+#include "drawingdb/layer_states.h"
 #include "drawingdb/mtext.h"
-#include "torvelhost/commands/module_function.h"
+#include "hostapi/module_functions.h"
 
 namespace host {
 namespace {
 
 using commands::HostRun;
-using commands::moduleFunction;
 
 CMD_RUNSTATUS statusOfEdit(bool edited) { return edited ? kCommandFinished : kCommandCancelled; }
 
 bool hasEditableAttributes(const OdDbBlockReference& reference) {
     const auto block = reference.blockTableRecord().openIf<OdDbBlockTableRecord>();
-    if (!block) return false;
-    for (OdDbObjectId id : block->entities())
-        if (const auto definition = id.openIf<OdDbAttributeDefinition>(); definition && !definition->isConstant())
-            return true;
-    return false;
+    return block && block->hasAttributeDefinitions(true);
 }
 
 CMD_RUNSTATUS editAttributes(OdDbObjectId reference) {
-    auto* const edit = moduleFunction(hostapi::doEAttEdit);
+    auto* const edit = base::findFunction(hostapi::doEAttEdit);
     OdDbObjectId attribute;
     // It tells by the status of a command how it ended.
     return edit && edit(reference, attribute) == kCommandFinished ? kCommandFinished : kCommandCancelled;
 }
 
 CMD_RUNSTATUS redefine(OdDbObjectId definition) {
-    auto* const edit = moduleFunction(hostapi::ShowAttDDEIT);
+    auto* const edit = base::findFunction(hostapi::ShowAttDDEIT);
     return statusOfEdit(edit && edit(definition) == 1);
 }
 
 CMD_RUNSTATUS editText(OdDbEntity& text, HostRun& run) {
-    if (const auto layer = text.layerId().openIf<OdDbLayerTableRecord>(); layer && layer->isLocked())
-        return run.refused(L"the layer " + layer->name() + L" is locked");
-    const base::ModuleReference editor = base::loadModule(base::libraryFileName(hostapi::kTextEditorModule));
+    if (drawingdb::isOnLockedLayer(text)) return run.refused(L"the layer " + text.layer() + L" is locked");
     text.upgradeOpen();
     if (auto* const paragraphs = drawingdb::as<OdDbMText>(text)) {
-        auto* const edit = base::findFunction<bool(OdDbMText&, const wchar_t*)>(editor.get(), hostapi::editMText.name);
+        const base::ModuleFunction edit(hostapi::editMText);
         return statusOfEdit(edit && edit(*paragraphs, L"ATTIPE"));
     }
-    auto* const edit = base::findFunction<bool(OdDbText&, HostEdInput&)>(editor.get(), hostapi::editText.name);
+    const base::ModuleFunction edit(hostapi::editText);
     return statusOfEdit(edit && edit(static_cast<OdDbText&>(text), run.input));
 }
 

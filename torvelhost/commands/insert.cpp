@@ -8,7 +8,7 @@
 #include "drawingdb/block_reference.h"
 #include "drawingdb/field.h"
 #include "torvelhost/commands/host_commands.h"
-#include "torvelhost/commands/module_function.h"
+#include "hostapi/module_functions.h"
 
 namespace host::commands {
 namespace {
@@ -151,7 +151,7 @@ CMD_RUNSTATUS insert(HostRun& run) {
         return run.variables.get(variable) == VariableValue(std::int64_t{1});
     };
     auto* const dialog = isOn(L"ATTREQ") && isOn(L"ATTDIA") && !definitions.empty()
-                             ? moduleFunction(hostapi::ShowAttEditDialog)
+                             ? base::findFunction(hostapi::ShowAttEditDialog)
                              : nullptr;
     const bool filled = dialog ? fillByDialog(run, *reference, definitions, *dialog)
                                : fillAttributes(run, *reference, definitions, isOn(L"ATTREQ"));

@@ -1,6 +1,5 @@
 // SAVE.
 #include "torvelhost/commands/host_commands.h"
-#include "torvelhost/lines/progress.h"
 
 namespace host::commands {
 
@@ -10,7 +9,6 @@ CMD_RUNSTATUS save(HostRun& run) {
     const std::wstring prompt = name.empty() ? L"Enter file name" : L"Enter file name <" + name + L">";
     const int result = run.input.askText(prompt.c_str(), nullptr, name);
     if (result == kCancel || name.empty()) return kCommandCancelled;
-    const Progress progress(run.terminal(), L"Saving " + name);
     run.document.save(name);
     return kCommandFinished;
 }

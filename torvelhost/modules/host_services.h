@@ -7,12 +7,6 @@
 
 namespace hostmodule {
 
-/// Null when the library is not loaded or lacks it.
-template <class Signature>
-Signature* hostService(const hostapi::Service<Signature>& service) {
-    return base::findFunction<Signature>(base::findLoadedModule(base::libraryFileName(service.library)), service.name);
-}
-
 /// Null without a host and without an open drawing.
 inline HostDocument* activeDocument() {
     // This host's functions are in its core library.
@@ -26,8 +20,7 @@ inline HostDocument* activeDocument() {
 
 /// By the field manager, which is loaded for the call. False when there is none, and when the user gave up.
 inline bool askField(OdDbFieldPtr& field) {
-    const base::ModuleReference manager = base::loadModule(base::libraryFileName(hostapi::insertField.library));
-    auto* const insert = base::findFunction<bool(OdDbFieldPtr&)>(manager.get(), hostapi::insertField.name);
+    const base::ModuleFunction insert(hostapi::insertField);
     return insert && insert(field) && field;
 }
 

@@ -17,13 +17,12 @@ void addText(const OdDbText& text, const OdString& shown, OdGeExtents3d& box) {
     const OdGeVector3d around(reach, reach, 0);
     const OdGePoint3d position = text.position();
     if (box.isValid() && box.contains(position - around) && box.contains(position + around)) return;
-    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
-    const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * position).z;
-    for (const OdGePoint2d& corner : drawingdb::textBoundingPoints(shown, geometryOf(text, shown)))
-        box.addPoint(plane * OdGePoint3d(corner.x, corner.y, elevation));
+    for (const OdGePoint3d& corner : cornersOf(text, shown)) box.addPoint(corner);
 }
 
-void addText(const OdDbText& text, OdGeExtents3d& box) {
+}  // namespace
+
+void addShownText(const OdDbText& text, OdGeExtents3d& box) {
     OdGeExtents3d own;
     const auto* const definition = drawingdb::as<OdDbAttributeDefinition>(text);
     if (definition && !definition->isConstant()) {
@@ -34,8 +33,6 @@ void addText(const OdDbText& text, OdGeExtents3d& box) {
         addText(text, text.textString(), box);
     }
 }
-
-}  // namespace
 
 double reachOf(const OdDbText& text, const OdString& shown) {
     // No character is wider than twice its height; fitted text reaches from one of its points to the other.
@@ -92,7 +89,7 @@ void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& boun
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
         if (attribute && !attribute->isInvisible() && !attribute->isInvisibleEntity())
-            addText(*attribute, isArray ? attributes : bounds.box);
+            addShownText(*attribute, isArray ? attributes : bounds.box);
     }
     bounds.box.addExtents(inAllCells(attributes, item));
 }
@@ -100,7 +97,7 @@ void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& boun
 void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
     if (const auto* const reference = drawingdb::as<OdDbBlockReference>(entity))
         return addReference(*reference, bounds);
-    if (const auto* const text = drawingdb::as<OdDbText>(entity)) return addText(*text, bounds.box);
+    if (const auto* const text = drawingdb::as<OdDbText>(entity)) return addShownText(*text, bounds.box);
     if (entity.isKindOf(OdDbConstructionLine::desc())) {
         bounds.endless = true;
         return;

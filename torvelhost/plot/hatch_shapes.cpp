@@ -129,8 +129,10 @@ class PatternLines {
             if (group.code != 49) continue;
             dashes_.push_back(group.real);
             period_ += std::fabs(group.real);
-            ink += std::max(group.real, 0.0);
+            // A dot is as long as a line is wide.
+            ink += group.real == 0 ? pixel_ : std::max(group.real, 0.0);
         }
+        if (!std::isfinite(period_)) return false;
         const double density = (period_ > 0 ? ink / period_ : 1) / std::fabs(spacing_);
         if (!(period_ > 2 * pixel_)) dashes_.clear();
         bringNear();

@@ -31,10 +31,8 @@ double scaleOf(const OdGeMatrix3d& m) {
 
 // A reference may show a part of its block only; here it shows all of it.
 bool hasClip(const OdDbEntity& entity) {
-    if (!entity.isKindOf(OdDbBlockReference::desc())) return false;
-    const auto dictionary = entity.extensionDictionary().openIf<OdDbDictionary>();
-    const auto filters = dictionary ? dictionary->getAt(L"ACAD_FILTER").openIf<OdDbDictionary>() : OdDbDictionaryPtr();
-    return filters && !filters->getAt(L"SPATIAL").isNull();
+    const auto* const reference = drawingdb::as<OdDbBlockReference>(entity);
+    return reference && reference->isClipped();
 }
 
 // What the picture shows of a plane seen from above, or nothing when the plane is seen at an angle.

@@ -24,6 +24,11 @@ DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 /// Where single-line text stands. Justified text hangs on its alignment point in this font too, wherever another one
 /// made it begin.
 drawingdb::TextGeometry geometryOf(const OdDbText& text, const OdString& shown);
+/// The corners of the box around it, in the coordinates that the text lies in.
+std::vector<OdGePoint3d> cornersOf(const OdDbText& text, const OdString& shown);
+
+/// Widens the box by what a text shows: of a definition that is not constant its tag.
+void addShownText(const OdDbText& text, OdGeExtents3d& box);
 
 /// The box around an entity's geometry and the width of a polyline's line; false for what has none.
 bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box);

@@ -14,6 +14,15 @@ drawingdb::TextGeometry geometryOf(const OdDbText& text, const OdString& shown) 
     return text.isJustified() ? drawingdb::alignText(shown, geometry) : geometry;
 }
 
+std::vector<OdGePoint3d> cornersOf(const OdDbText& text, const OdString& shown) {
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
+    const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
+    std::vector<OdGePoint3d> corners;
+    for (const OdGePoint2d& corner : drawingdb::textBoundingPoints(shown, geometryOf(text, shown)))
+        corners.push_back(plane * OdGePoint3d(corner.x, corner.y, elevation));
+    return corners;
+}
+
 bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
     if (!window_) return false;
     const double reach = reachOf(text, shown);

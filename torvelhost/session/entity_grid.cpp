@@ -4,6 +4,8 @@
 #include <cmath>
 
 #include "drawingdb/block.h"
+#include "drawingdb/text.h"
+#include "torvelhost/plot/shapes.h"
 
 namespace host {
 namespace {
@@ -24,7 +26,11 @@ EntityGrid::EntityGrid(OdDbObjectId space) {
         const auto entity = id.openIf<OdDbEntity>();
         if (!entity) continue;
         OdGeExtents3d box;
-        Entry entry{id, {}, entity->geomExtents(box)};
+        if (const auto* const text = drawingdb::as<OdDbText>(*entity))
+            addShownText(*text, box);
+        else
+            entity->geomExtents(box);
+        Entry entry{id, {}, box.isValid()};
         if (entry.hasBox) {
             entry.box = {box.minPoint().xy(), box.maxPoint().xy()};
             all.addExtents(box);

@@ -9,15 +9,14 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
-#include "drawingdb/database.h"
 #include "drawingdb/old_polyline.h"
 #include "drawingdb/reference_cells.h"
 #include "drawingdb/spline.h"
-#include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/wipeout.h"
 #include "torvelhost/plot/cut.h"
+#include "torvelhost/plot/shapes.h"
 
 namespace host {
 namespace {
@@ -49,19 +48,12 @@ bool showsInReference(const OdDbEntity& entity) {
 }
 
 std::vector<OdGePoint2d> textCorners(const OdDbText& text, const OdGeMatrix3d& toWorld) {
-    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
-    const OdGePoint3d position = OdGeMatrix3d::worldToPlane(text.normal()) * text.position();
-    drawingdb::TextGeometry geometry;
-    geometry.position = position.xy();
-    geometry.height = text.height();
-    geometry.rotation = text.rotation();
-    geometry.widthFactor = text.widthFactor();
-    geometry.oblique = text.oblique();
-    geometry.mirroredInX = text.isMirroredInX();
-    geometry.mirroredInY = text.isMirroredInY();
+    // A definition shows its tag on its own; in references only constant ones are met.
+    const auto* const definition = as<OdDbAttributeDefinition>(text);
     std::vector<OdGePoint2d> corners;
-    for (const OdGePoint2d& corner : drawingdb::textBoundingPoints(text.textString(), geometry))
-        corners.push_back((toWorld * (plane * OdGePoint3d(corner.x, corner.y, position.z))).xy());
+    for (const OdGePoint3d& corner :
+         cornersOf(text, definition && !definition->isConstant() ? definition->tag() : text.textString()))
+        corners.push_back((toWorld * corner).xy());
     return corners;
 }
 

@@ -31,7 +31,8 @@ class DRAWINGDB_API OdDbBlockTableRecord : public OdDbSymbolTableRecord {
     bool isFromExternalReference() const;
     bool explodable() const { return explodable_ != 0; }
     OdDbObjectId layoutId() const;
-    bool hasAttributeDefinitions() const;
+    /// `editableOnly`: constant ones do not count.
+    bool hasAttributeDefinitions(bool editableOnly = false) const;
     /// References to this block: those in spaces and blocks, wherever they lie; with `directOnly` those that lie
     /// directly in a layout's space. Erased ones are left out. The index behind it is kept, not searched for.
     OdDbObjectIdArray blockReferenceIds(bool directOnly) const;

@@ -31,6 +31,9 @@ class DRAWINGDB_API OdDbBlockReference : public OdDbEntity {
     /// The placement without the block's origin.
     OdGeMatrix3d placement() const;
 
+    /// Whether it shows only what lies inside a boundary of its own.
+    bool isClipped() const;
+
     OdDbObjectIdRange attributes(bool skipErased = true) const;
     /// Adds a new attribute. The reference must be open for write; when it is in no database yet the attributes are
     /// kept and go into it together with the reference, and the id returned is null.
@@ -43,7 +46,6 @@ class DRAWINGDB_API OdDbBlockReference : public OdDbEntity {
   protected:
     const drawingdb::ClassDescription* description() const override;
     static void describe(drawingdb::Describer& d);
-    void beforeEncode() override;
     friend class drawingdb::Core;
     friend struct drawingdb::ObjectAccess;
     friend class OdDbBlockTableRecord;

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "drawingdb/database.h"
+#include "drawingdb/entity.h"
 #include "drawingdb/layer.h"
 
 namespace drawingdb {
@@ -12,7 +13,6 @@ namespace drawingdb {
 /// has no state.
 class LayerStates {
   public:
-    bool isOff(OdDbObjectId layer) { return (flagsOf(layer) & kOff) != 0; }
     bool isFrozen(OdDbObjectId layer) { return (flagsOf(layer) & kFrozen) != 0; }
     bool isLocked(OdDbObjectId layer) { return (flagsOf(layer) & kLocked) != 0; }
     /// Off or frozen: what is on it is not seen.
@@ -42,5 +42,11 @@ class LayerStates {
 
     std::unordered_map<OdDbObjectId, int> flags_;
 };
+
+/// For who asks it of one entity.
+inline bool isOnLockedLayer(const OdDbEntity& entity) {
+    const auto layer = entity.layerId().openIf<OdDbLayerTableRecord>();
+    return layer && layer->isLocked();
+}
 
 }  // namespace drawingdb

@@ -12,7 +12,8 @@ class ReferenceCells {
     explicit ReferenceCells(const OdDbBlockReference& reference)
         : reference_(reference),
           axes_(OdGeMatrix3d::planeToWorld(reference.normal()) *
-                OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis)) {}
+                OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis)),
+          first_(reference.blockTransform()) {}
 
     int rows() const { return reference_.rows(); }
     int columns() const { return reference_.columns(); }
@@ -22,13 +23,13 @@ class ReferenceCells {
     }
     /// From the block's coordinates to those that the reference lies in.
     OdGeMatrix3d transform(int row, int column) const {
-        const OdGeMatrix3d first = reference_.blockTransform();
-        return row == 0 && column == 0 ? first : OdGeMatrix3d::translation(offset(row, column)) * first;
+        return row == 0 && column == 0 ? first_ : OdGeMatrix3d::translation(offset(row, column)) * first_;
     }
 
   private:
     const OdDbBlockReference& reference_;
     OdGeMatrix3d axes_;
+    OdGeMatrix3d first_;
 };
 
 }  // namespace drawingdb

@@ -100,7 +100,7 @@ class Core {
 
     /// ---- finding ----
     Stub* byHandle(std::uint64_t handle);
-    /// Gives a new stub its handle, unless the drawing is one without handles.
+    /// Gives a new stub its handle; in a drawing without handles only an object of the OBJECTS section gets one.
     void giveHandle(Stub& stub, const Stub& container);
     Stub* findRecord(std::string_view table, const std::wstring& recordName);
     /// Block of a name as a file spells it, remembered by its bytes.

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <bitset>
 #include <cstring>
+#include <utility>
 
 #include "drawingdb/mtext.h"
-#include "drawingdb/src/core/object_access.h"
-#include "drawingdb/src/geometry/curve_math.h"
 
 namespace drawingdb {
 

@@ -539,7 +539,7 @@ void Core::registerApplication(std::string_view application) {
     GroupWriter writer(bytes, format);
     writer.text(0, "APPID");
     if (record.handle) writer.handle(5, record.handle);
-    if (format.version >= 1015) writer.handle(330, table->handle);
+    if (format.version >= version::v2000) writer.handle(330, table->handle);
     writer.marker("AcDbSymbolTableRecord");
     writer.marker("AcDbRegAppTableRecord");
     writer.text(2, application);

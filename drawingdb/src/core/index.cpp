@@ -467,9 +467,8 @@ std::string Core::version() const {
 
 // Whether every section that a drawing of the version must have is there and the last thing is the end of one.
 bool Core::isComplete() {
-    constexpr int kFirstVersionWithObjects = 1012;
     const Stub* entities = section(Section::entities);
-    const Stub* last = format.version < kFirstVersionWithObjects ? entities : section(Section::objects);
+    const Stub* last = format.version < version::r13 ? entities : section(Section::objects);
     return entities && last && stubs[fileStubs - 2].type == rtEndsec;
 }
 

@@ -11,7 +11,7 @@
 //
 // Sections, tables, blocks, references and old polylines are containers: their children lie between them and their
 // closer. Appended children hang on a chain that the closer anchors (`next` the first, `close` the last of it); a
-// container without a closer of its own gets a new SEQEND stub as its anchor.
+// container without a closer of its own gets a new SEQEND stub as its anchor, which its own `next` names.
 #pragma once
 
 #include <cstddef>

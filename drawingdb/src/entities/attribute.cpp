@@ -116,9 +116,8 @@ void OdDbAttributeText::describeLater(Describer& d) {
 // Versions 2000 to 2006 keep the lock in extended data: the version and the lock, two whole numbers. Whatever else
 // stands there stays.
 bool OdDbAttributeText::locksByXData() const {
-    constexpr int kFirst = 1015, kFirstWithGroup = 1021;
     const int version = database() ? database()->core().format.version : 0;
-    return version >= kFirst && version < kFirstWithGroup;
+    return version >= drawingdb::version::v2000 && version < drawingdb::version::v2007;
 }
 
 void OdDbAttributeText::beforeEncode() {

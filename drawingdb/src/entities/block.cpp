@@ -90,9 +90,11 @@ bool OdDbBlockTableRecord::isFromExternalReference() const {
     return false;
 }
 OdDbObjectId OdDbBlockTableRecord::layoutId() const { return resolve(layout_); }
-bool OdDbBlockTableRecord::hasAttributeDefinitions() const {
+bool OdDbBlockTableRecord::hasAttributeDefinitions(bool editableOnly) const {
     for (const OdDbObjectId id : entities())
-        if (id.isKindOf(OdDbAttributeDefinition::desc())) return true;
+        if (id.isKindOf(OdDbAttributeDefinition::desc()) &&
+            (!editableOnly || !id.openAs<OdDbAttributeDefinition>()->isConstant()))
+            return true;
     return false;
 }
 

@@ -4,6 +4,7 @@
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
+#include "drawingdb/dictionary.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
@@ -34,7 +35,6 @@ const ClassDescription* OdDbBlockReference::description() const {
     static const ClassDescription d = drawingdb::describe<OdDbBlockReference>("INSERT", &OdDbBlockReference::describe);
     return &d;
 }
-void OdDbBlockReference::beforeEncode() {}
 
 OdString OdDbBlockReference::blockName() const { return decoded(blockName_); }
 OdDbObjectId OdDbBlockReference::blockTableRecord() const {
@@ -97,6 +97,12 @@ OdGeMatrix3d OdDbBlockReference::blockTransform() const {
     return placement() * OdGeMatrix3d::translation(OdGeVector3d(-origin.x, -origin.y, -origin.z));
 }
 
+bool OdDbBlockReference::isClipped() const {
+    const auto dictionary = extensionDictionary().openIf<OdDbDictionary>();
+    const auto filters = dictionary ? dictionary->getAt(L"ACAD_FILTER").openIf<OdDbDictionary>() : OdDbDictionaryPtr();
+    return filters && !filters->getAt(L"SPATIAL").isNull();
+}
+
 OdDbObjectIdRange OdDbBlockReference::attributes(bool skipErased) const {
     return stub_ ? OdDbObjectIdRange(stub_, nullptr, nullptr, skipErased) : OdDbObjectIdRange();
 }
@@ -139,12 +145,14 @@ OdResult OdDbBlockReference::transformBy(const OdGeMatrix3d& matrix) {
     const OdGeVector3d flat = toPlane * axisX;
     // Rows and columns lie apart along the reference's own directions, whose images are the new ones or their
     // opposites.
-    const double stretchX = lx / std::fabs(scale_.x), stretchY = ly / std::fabs(scale_.y);
-    columnSpacing_ *= withoutNoise(stretchX);
-    rowSpacing_ *= withoutNoise(stretchY) * (signY * scale_.y < 0 ? -1 : 1);
+    const double stretchX = withoutNoise(lx / std::fabs(scale_.x)), stretchY = withoutNoise(ly / std::fabs(scale_.y)),
+                 stretchZ = withoutNoise(lz / std::fabs(scale_.z));
+    const double flipY = signY * scale_.y < 0 ? -1 : 1;
+    columnSpacing_ *= stretchX;
+    rowSpacing_ *= stretchY * flipY;
     normal_ = normal;
-    rotation_ = angleOf(flat.xy());
-    scale_ = OdGePoint3d(signX * lx, signY * ly, signZ * lz);
+    rotation_ = turnedTo(rotation_, flat.xy());
+    scale_ = OdGePoint3d(scale_.x * stretchX, scale_.y * stretchY * flipY, scale_.z * stretchZ);
     position_ = toPlane * OdGePoint3d(whole.entry[0][3], whole.entry[1][3], whole.entry[2][3]);
     for (const OdDbObjectId id : attributes())
         if (const auto attribute = id.openIf<OdDbAttribute>(OdDb::forWrite)) attribute->transformBy(matrix);

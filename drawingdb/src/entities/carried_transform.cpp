@@ -275,22 +275,32 @@ class HatchTransform {
         if (sense >= groups_.end()) return false;
         const bool counterClockwise = (groups_.integer(sense) != 0) != plane_->reversed;
         groups_.setInteger(sense, counterClockwise ? 1 : 0);
-        const OdGeVector2d x = mapped({1, 0});
-        const double turn = std::atan2(x.y, x.x) / kDegree * (counterClockwise ? 1 : -1);
         for (std::size_t i = at + 1; i < sense; ++i) {
             const int code = groups_.code(i);
             if (code == 10) mapPoint(i);
             if (code == 11) mapVector(i);
             if (code == 40 && arc) groups_.setReal(i, groups_.real(i) * *uniform_);
-            if ((code == 50 || code == 51) && arc) groups_.setReal(i, groups_.real(i) + turn);
+            if ((code == 50 || code == 51) && arc)
+                groups_.setReal(i, turnedArcAngle(groups_.real(i), counterClockwise));
         }
         return true;
     }
 
     double mappedAngle(double degrees, double* stretch) const {
-        const OdGeVector2d image = mapped({std::cos(degrees * kDegree), std::sin(degrees * kDegree)});
-        if (stretch) *stretch = image.length();
-        return std::atan2(image.y, image.x) / kDegree;
+        if (stretch) *stretch = mapped(directionOf(degrees * kDegree)).length();
+        return mapAngle(*plane_, degrees);
+    }
+
+    // What an arc's angle becomes, as many whole turns away as it is. Angles of clockwise arcs count clockwise.
+    double turnedArcAngle(double degrees, bool counterClockwise) const {
+        const double sign = counterClockwise ? 1 : -1;
+        const OdGeVector2d x = mapped({1, 0});
+        const double turn = angleOf(x);
+        if (turn == 0) return degrees;
+        const OdGeVector2d from = directionOf(degrees * sign * kDegree);
+        const double turned = sign * degreesOf(angleOf(x.x * from.x - x.y * from.y, x.y * from.x + x.x * from.y));
+        const double near = degrees + sign * std::remainder(turn / kDegree, 360);
+        return turned + 360 * std::round((near - turned) / 360);
     }
 
     // From 75 on: the pattern's lines take any matrix, as lines do.
@@ -352,7 +362,8 @@ bool transform(std::string_view kind, GroupList& groups, const OdGeMatrix3d& mat
     if (kind == "HATCH") return HatchTransform(groups, matrix).run();
     if (kind == "MESH") return transformInWorld(groups, matrix, {10}, {});
     if (kind == "VERTEX") return transformVertex(groups, matrix);
-    if (kind == "LIGHT") return transformAlike(groups, matrix, {10, 11}, {}, {});
+    // 41 and 42 are where the light ends to fade and where it is gone.
+    if (kind == "LIGHT") return transformAlike(groups, matrix, {10, 11}, {}, {41, 42});
     if (kind == "MLINE") return transformAlike(groups, matrix, {10, 11}, {12, 13, 210}, {40, 41, 42});
     if (kind == "HELIX") return transformAlike(groups, matrix, {10, 11}, {12, 13, 210}, {40, 42});
     // As large as its dimension style says.

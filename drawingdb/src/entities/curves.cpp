@@ -230,7 +230,7 @@ OdResult OdDbPoint::transformBy(const OdGeMatrix3d& matrix) {
         if (const auto plane = mapPlane(matrix, normal_)) {
             const OdGeVector2d along = drawingdb::directionOf(rotation_);
             const OdGeVector3d mark = plane->map * OdGeVector3d(along.x, along.y, 0);
-            rotation_ = drawingdb::angleOf(mark.xy());
+            rotation_ = drawingdb::turnedTo(rotation_, mark.xy());
         }
     }
     transformExtrusion(matrix, normal_, thickness_);
@@ -317,17 +317,11 @@ OdResult OdDbCircle::explode(std::vector<OdDbEntityPtr>& pieces) const {
 OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     const auto plane = mapPlane(matrix, normal_);
     if (const OdResult result = OdDbCircle::transformBy(matrix); result != OdResult::ok) return result;
-    // By how much the plane's X axis has turned: angles that have not changed keep their digits.
-    const OdGeVector3d x = plane->map * OdGeVector3d::kXAxis;
-    const double turn = drawingdb::angleOf(x.xy());
-    if (plane->reversed) {
-        const double start = turn - endAngle_;
-        endAngle_ = drawingdb::normalizedAngle(turn - startAngle_);
-        startAngle_ = drawingdb::normalizedAngle(start);
-    } else if (turn != 0) {
-        startAngle_ = drawingdb::normalizedAngle(startAngle_ + turn);
-        endAngle_ = drawingdb::normalizedAngle(endAngle_ + turn);
+    for (double* const angle : {&startAngle_, &endAngle_}) {
+        const OdGeVector2d along = drawingdb::directionOf(*angle);
+        *angle = drawingdb::turnedTo(*angle, (plane->map * OdGeVector3d(along.x, along.y, 0)).xy());
     }
+    if (plane->reversed) std::swap(startAngle_, endAngle_);
     return OdResult::ok;
 }
 

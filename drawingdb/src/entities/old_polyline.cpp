@@ -6,6 +6,7 @@
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/entities/curve_pieces.h"
+#include "drawingdb/src/geometry/angles.h"
 #include "drawingdb/src/geometry/arc_length.h"
 #include "drawingdb/src/geometry/curve_math.h"
 
@@ -111,9 +112,10 @@ void OdDbOldPolyline::mapVertices(const OdGeMatrix3d& map, std::optional<double>
                     break;
                 case 50: {
                     // The direction of the smoothed line.
-                    const double angle = real(group) * drawingdb::kPi / 180;
-                    const OdGeVector3d image = map * OdGeVector3d(std::cos(angle), std::sin(angle), 0);
-                    writer.real(50, drawingdb::normalizedAngle(std::atan2(image.y, image.x)) * 180 / drawingdb::kPi);
+                    const double angle = real(group) * drawingdb::kDegree;
+                    const OdGeVector2d along = drawingdb::directionOf(angle);
+                    const double turned = drawingdb::turnedTo(angle, (map * OdGeVector3d(along.x, along.y, 0)).xy());
+                    turned != angle ? writer.real(50, drawingdb::degreesOf(turned)) : writer.raw(group.bytes());
                     break;
                 }
                 default:

@@ -311,7 +311,7 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
     height_ *= drawingdb::withoutNoise(heightScale);
     widthFactor_ *= drawingdb::withoutNoise(alongImage.length() / heightScale);
     if (sheared) oblique_ = drawingdb::normalizedAngle(std::atan(newSlant));
-    if (!newBaseline.isEqualTo(baseline, {1e-14, 1e-14})) rotation_ = drawingdb::angleOf(newBaseline);
+    rotation_ = drawingdb::turnedTo(rotation_, newBaseline);
 
     position_.transformBy(plane->map);
     if (hasAlignment()) alignment_ = plane->map * alignmentInPlane();

@@ -44,9 +44,8 @@ void explodeLeader(const OdDbEntity& leader, std::vector<OdDbEntityPtr>& pieces)
 
 // The vertices of a polygon or polyface mesh; what else the polyline says has no place.
 OdResult transformMesh(Core& core, Stub& mesh, const OdGeMatrix3d& matrix) {
-    core.requireWritable();
     for (Stub* child = core.nextChild(mesh, nullptr); child; child = core.nextChild(mesh, child)) {
-        if (core.typeName(*child) != "VERTEX") continue;
+        if (child->gone() || child->type != rtVertex) continue;
         if (const auto bytes = transformedCarried("VERTEX", core.bytesOf(*child), core.format, matrix))
             core.setBytes(*child, *bytes);
     }
@@ -59,7 +58,10 @@ OdResult OdDbUnknownEntity::transformBy(const OdGeMatrix3d& matrix) {
     if (!stub_ || (dxfName() == "LEADER" && resizesHead(*this, matrix))) return OdResult::transformRefused;
     Core& core = coreOf(stub_);
     if (isDimension(dxfName())) return transformDimension(*this, matrix);
-    if (dxfName() == "POLYLINE") return transformMesh(core, *stub_, matrix);
+    if (dxfName() == "POLYLINE") {
+        assertWriteEnabled();
+        return transformMesh(core, *stub_, matrix);
+    }
     const auto bytes = transformedCarried(dxfName(), core.bytesOf(*stub_), core.format, matrix);
     if (!bytes) return OdResult::transformRefused;
     assertWriteEnabled();

@@ -26,10 +26,14 @@ void OdDbViewport::describe(Describer& d) {
 int OdDbViewport::number() const {
     const auto layout = number_ == 0 ? blockId().openIf<OdDbBlockTableRecord>() : OdSmartPtr<OdDbBlockTableRecord>();
     if (!layout) return number_;
-    int place = 0;
+    // By its place, as long as no viewport of the layout has a number of its own.
+    int count = 0, place = 0;
     for (const OdDbObjectId id : layout->entities()) {
-        place += id.isKindOf(desc()) ? 1 : 0;
-        if (id == objectId()) break;
+        const auto viewport = id.openIf<OdDbViewport>();
+        if (!viewport) continue;
+        if (viewport->number_ != 0) return number_;
+        ++count;
+        if (id == objectId()) place = count;
     }
     return place;
 }

@@ -691,12 +691,13 @@ OdDbObjectId textOwner(const OdDbField& field) {
 }  // namespace
 
 bool OdDbField::evaluate(int context, OdDbDatabase* database) {
+    if (!(context & evaluationOption_)) return true;
     Evaluation run{context, database, unitSettings(database), {}, {}};
     const OdDbObjectPtr text = isDatabaseResident() && !isErased() ? textOwner(*this).open() : OdDbObjectPtr();
     // A field's value must not be taken for a formatting code.
     const bool escapes = text && drawingdb::isMultiLine(*text);
     const bool evaluated = evaluateIn(run, 0, escapes);
-    if (text && (context & evaluationOption_)) passToText(*text, escapes);
+    if (text) passToText(*text, escapes);
     return evaluated;
 }
 

@@ -22,9 +22,7 @@ int fourHex(const std::wstring& text, std::size_t at) {
 
 // "\M+nXXXX": a double-byte character of one of five code pages.
 bool appendMultiByte(wchar_t page, int bytes, std::wstring& out) {
-    static constexpr const char* kPages[] = {"ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};
-    if (page < L'1' || page > L'5') return false;
-    const base::CodePage* codePage = base::CodePage::byName(kPages[page - L'1']);
+    const base::CodePage* codePage = base::CodePage::byMultiByteNumber(page - L'0');
     if (!codePage) return false;
     std::string pair;
     if (bytes > 255) pair.push_back(static_cast<char>(bytes >> 8));

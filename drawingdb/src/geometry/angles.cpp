@@ -68,6 +68,15 @@ double angleOf(double x, double y) {
     return normalizedAngle(withoutNoiseInDegrees(angle / kDegree, kNoise) * kDegree);
 }
 
+double turnedTo(double angle, const OdGeVector2d& image) {
+    const double length = image.length();
+    if (!(length > 0)) return angle;
+    const OdGeVector2d from = directionOf(angle);
+    constexpr double kSame = 1e-14;
+    const bool same = std::fabs(image.x / length - from.x) <= kSame && std::fabs(image.y / length - from.y) <= kSame;
+    return same ? angle : angleOf(image);
+}
+
 double degreesOf(double angle) {
     const double degrees = angle / kDegree;
     for (const double units : {1e6, 1e10, 1e13})

@@ -17,6 +17,10 @@ OdGeVector2d directionOf(double angle);
 double angleOf(double x, double y);
 inline double angleOf(const OdGeVector2d& v) { return angleOf(v.x, v.y); }
 
+/// What has become of an angle whose direction has turned into `image`: the angle itself, to the last digit, when it
+/// has not turned.
+double turnedTo(double angle, const OdGeVector2d& image);
+
 /// The degrees to write for an angle: those that read back as it, with few digits where there are such.
 double degreesOf(double angle);
 

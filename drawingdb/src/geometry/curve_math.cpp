@@ -47,9 +47,10 @@ std::optional<double> equalScale(const OdGeMatrix3d& matrix) {
 }
 
 double mapAngle(const PlaneMap& plane, double degrees) {
-    const OdGeVector2d along = directionOf(degrees * kDegree);
-    const OdGeVector3d image = (plane.map * OdGeVector3d(along.x, along.y, 0)).normal();
-    return image.isEqualTo({along.x, along.y, 0}, {1e-14, 1e-14}) ? degrees : degreesOf(angleOf(image.x, image.y));
+    const double angle = degrees * kDegree;
+    const OdGeVector2d along = directionOf(angle);
+    const double turned = turnedTo(angle, (plane.map * OdGeVector3d(along.x, along.y, 0)).xy());
+    return turned == angle ? degrees : degreesOf(turned);
 }
 
 std::optional<double> widthScale(const PlaneMap& plane, const std::vector<WideSegment>& segments, double thickness) {

@@ -392,14 +392,13 @@ class MTextParser {
 
     // \M+nXXXX: two bytes in the code page with that number.
     bool parseCodePageBytes() {
-        constexpr std::string_view kPages[] = {"ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};
         ParameterReader reader(text_, at_);
         if (!reader.skip(L'+')) return false;
         const auto number = reader.hexDigits(1);
         const auto bytes = reader.hexDigits(4);
-        if (!number || !bytes || *number < 1 || *number > std::size(kPages)) return false;
+        if (!number || !bytes || *number < 1 || *number > 5) return false;
         at_ = reader.position();
-        const base::CodePage* page = base::CodePage::byName(kPages[*number - 1]);
+        const base::CodePage* page = base::CodePage::byMultiByteNumber(static_cast<int>(*number));
         std::string encoded{static_cast<char>(*bytes >> 8), static_cast<char>(*bytes & 0xFF)};
         if (encoded[0] == '\0') encoded.erase(0, 1);
         const std::wstring decoded = page ? page->decode(encoded) : L"\uFFFD";

@@ -1,4 +1,3 @@
-
 #include "drawingdb/text_metrics.h"
 
 #include <cmath>

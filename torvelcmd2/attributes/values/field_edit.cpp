@@ -59,8 +59,9 @@ void FieldEdit::setText(const OdString& text) {
 
 void FieldEdit::loadForReading(const OdDbEntity& entity) {
     load(entity, false);
-    // A value with fields has lost its escapes there.
-    if (drawingdb::isMultiLine(entity) && !entity.getField(kTextFieldKey)) setText(inOneLine(withoutEscapes(text_)));
+    // A value with fields has lost its escapes there, but not its lines.
+    if (drawingdb::isMultiLine(entity))
+        setText(inOneLine(entity.getField(kTextFieldKey) ? text_ : withoutEscapes(text_)));
 }
 
 void FieldEdit::load(const OdDbEntity& entity, bool enabled) {

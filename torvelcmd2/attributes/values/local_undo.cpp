@@ -11,9 +11,8 @@ namespace {
 
 // Null when no drawing is open.
 OdDbDatabasePtr activeDatabase() {
-    auto* const application = hostApplication();
-    auto* const document = application != nullptr ? application->activeDocument() : nullptr;
-    return document != nullptr ? OdDbDatabasePtr(document->database()) : OdDbDatabasePtr();
+    HostDocument* const document = activeDocument();
+    return document ? OdDbDatabasePtr(document->database()) : OdDbDatabasePtr();
 }
 
 }  // namespace

@@ -53,13 +53,6 @@ OdSmartPtr<OdDbMText> newMText(const OdDbMText& source, OdDbDatabase* database) 
     return text;
 }
 
-// It may show a part of its block only.
-bool hasClip(const OdDbBlockReference& reference) {
-    const auto dictionary = reference.extensionDictionary().openIf<OdDbDictionary>();
-    const auto filters = dictionary ? dictionary->getAt(L"ACAD_FILTER").openIf<OdDbDictionary>() : OdDbDictionaryPtr();
-    return filters && !filters->getAt(L"SPATIAL").isNull();
-}
-
 }  // namespace
 
 bool ReferenceBurster::burst(const OdDbBlockReference& reference, OdDbBlockTableRecord& owner) {
@@ -85,7 +78,7 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
     // A block that holds itself, which damaged files have, could be burst without end.
     if (!definition.explodable || layers_.isFrozen(reference.layerId()) || std::ranges::count(within_, block) != 0)
         return false;
-    if (hasClip(reference)) {
+    if (reference.isClipped()) {
         obstacle_ = within_.empty() ? OdString(L"clip would be lost")
                                     : inBlock(L"clipped reference of " + reference.blockName());
         return false;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "drawingdb/layer_states.h"
 #include "hostapi/module_functions.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/attributes/multiline_editing.h"
@@ -22,7 +23,7 @@ CAttReDefDlgEx::CAttReDefDlgEx(OdSmartPtr<OdDbAttributeDefinition> definition)
     // Several lines are edited by the text editor alone.
     enable(IDC_ATTREDEFEX_DEFAULT, !definition_->isMTextAttributeDefinition());
     showDefault();
-    if (isOnLockedLayer(*definition_)) lock(definition_->layer());
+    if (drawingdb::isOnLockedLayer(*definition_)) lock(definition_->layer());
 }
 
 void CAttReDefDlgEx::lock(const OdString& layer) {
@@ -91,10 +92,7 @@ extern "C" int ShowAttDDEIT(const OdDbObjectId& id) {
         editDefault(*definition, undo);
         dialog.showDefault();
     }
-    if (code == dialogs::kOkButton) {
-        undo.dropTo(0);
-        return 1;
-    }
+    if (code == dialogs::kOkButton) return 1;
     while (undo.undo()) {
     }
     return 0;

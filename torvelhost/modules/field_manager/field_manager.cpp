@@ -7,17 +7,15 @@
 
 namespace {
 
-using hostmodule::hostService;
-
 OdDbObjectId selectObject(const wchar_t* prompt) {
     hostapi::Pick pick;
-    auto* const select = hostService(hostapi::selectEntity);
+    auto* const select = base::findFunction(hostapi::selectEntity);
     const bool picked = select && select(prompt, nullptr, hostapi::kSingleEntity, pick) == hostapi::kValue;
     return picked ? pick.entity : OdDbObjectId();
 }
 
 void notice(const OdString& text) {
-    if (auto* const notify = hostService(hostapi::notify)) notify(text.c_str());
+    if (auto* const notify = base::findFunction(hostapi::notify)) notify(text.c_str());
 }
 
 base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const void*>(&thisModule)); }

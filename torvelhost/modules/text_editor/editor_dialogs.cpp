@@ -46,7 +46,7 @@ base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const v
 
 OdString lengthText(double length) {
     CXStringW text;
-    auto* const toText = hostmodule::hostService(hostapi::realToText);
+    auto* const toText = base::findFunction(hostapi::realToText);
     return toText && toText(length, -1, -1, text) ? OdString(text) : OdString();
 }
 
@@ -87,7 +87,7 @@ void EditorDialog::insertField() {
 std::optional<double> EditorDialog::typedWidth() const {
     const OdString typed = text(IDC_EDITOR_WIDTH);
     if (typed == lengthText(sheet_.width)) return sheet_.width;
-    auto* const toReal = hostmodule::hostService(hostapi::textToReal);
+    auto* const toReal = base::findFunction(hostapi::textToReal);
     double width = 0;
     return toReal && toReal(typed.c_str(), -1, width) && width >= 0 ? std::optional(width) : std::nullopt;
 }

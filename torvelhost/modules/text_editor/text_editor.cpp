@@ -12,7 +12,6 @@
 
 namespace {
 
-using hostmodule::hostService;
 using texteditor::FieldText;
 using texteditor::Sheet;
 
@@ -26,7 +25,7 @@ bool askLine(HostEdInput& input, OdString& contents) {
 }
 
 bool wantsFullEditor() {
-    auto* const integer = hostService(hostapi::getIntegerVariable);
+    auto* const integer = base::findFunction(hostapi::getIntegerVariable);
     std::int64_t value = 0;
     return integer && integer(L"ATTIPE", value) && value == 1;
 }
@@ -66,11 +65,11 @@ bool newMTextAtt(HostDocument* document, OdDbObjectId style, const wchar_t* text
     Sheet sheet{{text ? text : L"", {}}, width};
     if (!editSheet(document->input(), sheet)) return false;
     OdDbObjectId space;
-    if (auto* const activeSpace = hostService(hostapi::getActiveBTRId)) activeSpace(space, document->database());
+    if (auto* const activeSpace = base::findFunction(hostapi::getActiveBTRId)) activeSpace(space, document->database());
     if (!space) return false;
     // A person points at nothing here: the last point is where the user was.
     OdGePoint3d location;
-    auto* const point = hostService(hostapi::getPointVariable);
+    auto* const point = base::findFunction(hostapi::getPointVariable);
     if (onScreen && point) point(L"LASTPOINT", location);
     const auto created = OdDbMText::createObject();
     created->setDatabaseDefaults(document->database());
