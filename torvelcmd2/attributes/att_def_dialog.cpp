@@ -131,7 +131,7 @@ OdDbObjectId CAttDefDlg::textStyle() const {
 
 double CAttDefDlg::firstHeight() const {
     const auto style = textStyle().openIf<OdDbTextStyleTableRecord>();
-    constexpr double kStandardHeight = 2.5;
+    constexpr double kStandardHeight = 0.2;  // as new texts have it
     return style && style->textSize() > 0 ? style->textSize() : database_.headerReal("$TEXTSIZE", kStandardHeight);
 }
 
