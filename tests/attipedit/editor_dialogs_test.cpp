@@ -82,7 +82,7 @@ TEST_P(TextEditor, AFieldGoesInAsItsMarker) {
         script_.lines = {"caret Text 0 4", "press Insert Field", "type Text: by", "key Alt+I", "press OK"};
         Sheet sheet{contents, 0};
         if (isOneLine) {
-            EXPECT_TRUE(texteditor::editLine(contents));
+            EXPECT_TRUE(texteditor::editLine(contents, false));
             sheet.contents = contents;
         } else {
             EXPECT_TRUE(texteditor::editLines(sheet));
@@ -97,11 +97,23 @@ TEST_P(TextEditor, AFieldGoesInAsItsMarker) {
 TEST_P(TextEditor, OneLineEndsWithEnter) {
     texteditor::FieldText contents{L"D\\P1", {}};
     script_.lines = {"key End", "type Text: !", "key Enter"};
-    EXPECT_TRUE(texteditor::editLine(contents));
+    EXPECT_TRUE(texteditor::editLine(contents, false));
     EXPECT_EQ(contents.text, L"D\\P1!");
     script_.lines = {"Text =", "press Cancel"};
-    EXPECT_FALSE(texteditor::editLine(contents));
+    EXPECT_FALSE(texteditor::editLine(contents, false));
     EXPECT_EQ(contents.text, L"D\\P1!");
+}
+
+// In the full editor a text of one line stays one: codes are characters there, and a line end is a blank.
+TEST_P(TextEditor, OneLineInFullStaysOneLine) {
+    texteditor::FieldText contents{L"C:\Plans", {}};
+    script_.lines = {"show", "press OK"};
+    EXPECT_TRUE(texteditor::editLine(contents, true));
+    EXPECT_EQ(contents.text, L"C:\Plans");
+    EXPECT_NE(script_.printed.find("C:\Plans"), std::string::npos) << script_.printed;
+    script_.lines = {"key End", "key Enter", "type Text: new", "press OK"};
+    EXPECT_TRUE(texteditor::editLine(contents, true));
+    EXPECT_EQ(contents.text, L"C:\Plans new");
 }
 
 // A width that the editor changed, beside the text or alone, goes into the attribute and changes nothing else.

@@ -53,7 +53,7 @@ class TextEditorWindow : public testing::Test {
 TEST_F(TextEditorWindow, MouseKeysAndMnemonics) {
     const OwnDesktop desktop;
     const dialogs::ResourceScope resources(base::processImage());
-    EditorDialog dialog(EditorDialog::Lines::kMany, {{L"one\\Ptwo", {}}, 3});
+    EditorDialog dialog(EditorDialog::Lines::kParagraphs, {{L"one\\Ptwo", {}}, 3});
     RealInput input;
     input.press(Key::kEnd, Held::kControl);
     input.press(Key::kEnter);  // a line, not the button
@@ -107,22 +107,23 @@ TEST_F(TextEditorWindow, ASingleLineHasOneOrTheFullEditor) {
     full.type("X");
     full.press(Key::kEnter);
     full.type("Y");
-    full.pressWith(Held::kAlt, 'W');  // there is a width, which a single line has no use for
+    full.press(Key::kTab);  // past the width, which a single line has no use for
+    full.press(Key::kTab);
     full.press(Key::kEnter);
     EXPECT_EQ(run(full), 0);
-    EXPECT_EQ(attribute->textString(), L"bluex\\Py");
+    EXPECT_EQ(attribute->textString(), L"bluex y");
     RealInput escape;
     escape.type("LOST");
     escape.press(Key::kEscape);
     EXPECT_EQ(run(escape), 0);
-    EXPECT_EQ(attribute->textString(), L"bluex\\Py");
+    EXPECT_EQ(attribute->textString(), L"bluex y");
 }
 
 // For docs/take_pictures.
 class TextEditorPicture : public testing::TestWithParam<EditorDialog::Lines> {};
 INSTANTIATE_TEST_SUITE_P(Lines, TextEditorPicture,
-                         testing::Values(EditorDialog::Lines::kMany, EditorDialog::Lines::kOne),
-                         [](const auto& lines) { return lines.param == EditorDialog::Lines::kMany ? "Many" : "One"; });
+                         testing::Values(EditorDialog::Lines::kParagraphs, EditorDialog::Lines::kOne),
+                         [](const auto& lines) { return lines.param == EditorDialog::Lines::kParagraphs ? "Many" : "One"; });
 
 TEST_P(TextEditorPicture, CanBePictured) {
     const LoadedServices services(L"rich");
@@ -130,7 +131,7 @@ TEST_P(TextEditorPicture, CanBePictured) {
     ASSERT_TRUE(dialogs::useWindows(&script));
     {
         const dialogs::ResourceScope resources(base::processImage());
-        const bool isMany = GetParam() == EditorDialog::Lines::kMany;
+        const bool isMany = GetParam() == EditorDialog::Lines::kParagraphs;
         EditorDialog dialog(GetParam(), {{isMany ? L"Fire door %<\\_FldIdx 0>%\\Pself-closing" : L"No. %<\\_FldIdx 0>%",
                                           {OdDbField::createObject()}},
                                          12.5});

@@ -53,16 +53,15 @@ OdString lengthText(double length) {
 }  // namespace
 
 EditorDialog::EditorDialog(Lines lines, const Sheet& sheet)
-    : Dialog(lines == Lines::kMany ? IDD_TEXT_EDITOR : IDD_LINE_EDITOR),
+    : Dialog(lines == Lines::kOne ? IDD_LINE_EDITOR : IDD_TEXT_EDITOR),
       lines_(lines),
       sheet_(sheet),
-      shown_(hasWidth() ? withLineEnds(sheet.contents.text) : sheet.contents.text) {
+      shown_(hasParagraphs() ? withLineEnds(sheet.contents.text) : sheet.contents.text) {
     setText(IDC_EDITOR_TEXT, shown_);
     // One line is selected whole at first; of several a key must not take the place.
-    if (hasWidth())
-        setText(IDC_EDITOR_WIDTH, lengthText(sheet.width));
-    else
-        selectAll(IDC_EDITOR_TEXT);
+    if (lines == Lines::kOne) selectAll(IDC_EDITOR_TEXT);
+    if (lines == Lines::kOneInFull) enable(IDC_EDITOR_WIDTH, false);
+    if (hasParagraphs()) setText(IDC_EDITOR_WIDTH, lengthText(sheet.width));
 }
 
 void EditorDialog::onCommand(int control, dialogs::Event event) {
@@ -100,24 +99,29 @@ bool EditorDialog::onLeave(int control, int next) {
 }
 
 void EditorDialog::onOk() {
-    if (hasWidth()) sheet_.width = typedWidth().value_or(sheet_.width);
+    if (hasParagraphs()) sheet_.width = typedWidth().value_or(sheet_.width);
     // What was not changed stands for the contents to the last character, also where a line end was one.
-    if (const OdString edited = text(IDC_EDITOR_TEXT); edited != shown_)
-        sheet_.contents.text = hasWidth() ? withParagraphs(edited) : edited;
+    if (text(IDC_EDITOR_TEXT) != shown_) sheet_.contents.text = editedContents();
     end(dialogs::kOkButton);
+}
+
+OdString EditorDialog::editedContents() const {
+    const OdString edited = text(IDC_EDITOR_TEXT);
+    if (hasParagraphs()) return withParagraphs(edited);
+    return lines_ == Lines::kOneInFull ? base::replaceAll(edited, kLineEnd, L" ") : edited;
 }
 
 bool editLines(Sheet& sheet) {
     const dialogs::ResourceScope resources(thisModule());
-    EditorDialog dialog(EditorDialog::Lines::kMany, sheet);
+    EditorDialog dialog(EditorDialog::Lines::kParagraphs, sheet);
     if (dialog.runModal() != dialogs::kOkButton) return false;
     sheet = dialog.sheet();
     return true;
 }
 
-bool editLine(FieldText& contents) {
+bool editLine(FieldText& contents, bool inFull) {
     const dialogs::ResourceScope resources(thisModule());
-    EditorDialog dialog(EditorDialog::Lines::kOne, {contents, 0});
+    EditorDialog dialog(inFull ? EditorDialog::Lines::kOneInFull : EditorDialog::Lines::kOne, {contents, 0});
     if (dialog.runModal() != dialogs::kOkButton) return false;
     contents = dialog.sheet().contents;
     return true;

@@ -16,12 +16,14 @@ struct Sheet {
 
 /// Shows the sheet and lets the user change it. False when it was given up; the sheet is as it was then.
 bool editLines(Sheet& sheet);
-bool editLine(FieldText& contents);
+/// A text of one line; in the full editor too, where the user wants that.
+bool editLine(FieldText& contents, bool inFull);
 
-/// The dialog behind both. A paragraph's end, "\P" in the contents, is a line end in the field.
+/// The dialog behind both. Of paragraphs an end, "\P" in the contents, is a line end in the field; of one line in the
+/// full editor a line end becomes a blank, codes are characters, and there is no width.
 class EditorDialog final : public dialogs::Dialog {
   public:
-    enum class Lines { kOne, kMany };
+    enum class Lines { kOne, kOneInFull, kParagraphs };
     EditorDialog(Lines lines, const Sheet& sheet);
 
     const Sheet& sheet() const { return sheet_; }
@@ -32,7 +34,8 @@ class EditorDialog final : public dialogs::Dialog {
     void onOk() override;
 
   private:
-    bool hasWidth() const { return lines_ == Lines::kMany; }
+    bool hasParagraphs() const { return lines_ == Lines::kParagraphs; }
+    OdString editedContents() const;
     std::optional<double> typedWidth() const;
     void insertField();
 

@@ -85,16 +85,8 @@ bool newMTextAtt(HostDocument* document, OdDbObjectId style, const wchar_t* text
 bool editText(OdDbText& text, HostEdInput& input) {
     const FieldText before = texteditor::contentsOf(text);
     FieldText after = before;
-    bool accepted = false;
-    if (dialogs::asksLines()) {
-        accepted = askLine(input, after.text);
-    } else if (wantsFullEditor()) {
-        Sheet sheet{before, 0};
-        accepted = texteditor::editLines(sheet);
-        after = sheet.contents;
-    } else {
-        accepted = texteditor::editLine(after);
-    }
+    const bool accepted =
+        dialogs::asksLines() ? askLine(input, after.text) : texteditor::editLine(after, wantsFullEditor());
     if (accepted) write(before, after, text);
     return accepted;
 }
