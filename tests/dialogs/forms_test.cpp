@@ -518,6 +518,14 @@ TEST_P(Forms, RowsGoByNamesThatNoColumnShows) {
     EXPECT_EQ(dialog.selected(IDC_LIST), 0);
 }
 
+TEST_P(Forms, ACellIsPrintedInOneLine) {
+    Fields dialog;
+    dialog.setColumns(IDC_LIST, {{L"Value", 80}});
+    dialog.setRows(IDC_LIST, {{{L"one\ntwo"}, false, L"lines"}});
+    run(dialog, {"show", "close"});
+    EXPECT_THAT(script_.printed, HasSubstr("one\\ntwo"));
+}
+
 TEST_P(Forms, MenusTipsWidthsAndPlacesAreToldAndChanged) {
     Fields dialog;
     int widthInside = 0;
