@@ -106,14 +106,14 @@ TEST_P(TextEditor, OneLineEndsWithEnter) {
 
 // In the full editor a text of one line stays one: codes are characters there, and a line end is a blank.
 TEST_P(TextEditor, OneLineInFullStaysOneLine) {
-    texteditor::FieldText contents{L"C:\Plans", {}};
+    texteditor::FieldText contents{L"C:\\Plans", {}};
     script_.lines = {"show", "press OK"};
     EXPECT_TRUE(texteditor::editLine(contents, true));
-    EXPECT_EQ(contents.text, L"C:\Plans");
-    EXPECT_NE(script_.printed.find("C:\Plans"), std::string::npos) << script_.printed;
+    EXPECT_EQ(contents.text, L"C:\\Plans");
+    EXPECT_NE(script_.printed.find("C:\\Plans"), std::string::npos) << script_.printed;
     script_.lines = {"key End", "key Enter", "type Text: new", "press OK"};
     EXPECT_TRUE(texteditor::editLine(contents, true));
-    EXPECT_EQ(contents.text, L"C:\Plans new");
+    EXPECT_EQ(contents.text, L"C:\\Plans new");
 }
 
 // A width that the editor changed, beside the text or alone, goes into the attribute and changes nothing else.

@@ -123,7 +123,9 @@ TEST_F(TextEditorWindow, ASingleLineHasOneOrTheFullEditor) {
 class TextEditorPicture : public testing::TestWithParam<EditorDialog::Lines> {};
 INSTANTIATE_TEST_SUITE_P(Lines, TextEditorPicture,
                          testing::Values(EditorDialog::Lines::kParagraphs, EditorDialog::Lines::kOne),
-                         [](const auto& lines) { return lines.param == EditorDialog::Lines::kParagraphs ? "Many" : "One"; });
+                         [](const auto& lines) {
+                             return lines.param == EditorDialog::Lines::kParagraphs ? "Many" : "One";
+                         });
 
 TEST_P(TextEditorPicture, CanBePictured) {
     const LoadedServices services(L"rich");
