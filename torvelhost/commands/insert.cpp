@@ -3,12 +3,13 @@
 #include <optional>
 #include <vector>
 
+#include "base/modules.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/field.h"
-#include "torvelhost/commands/host_commands.h"
 #include "hostapi/module_functions.h"
+#include "torvelhost/commands/host_commands.h"
 
 namespace host::commands {
 namespace {
