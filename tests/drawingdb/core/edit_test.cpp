@@ -134,6 +134,45 @@ TEST(DeepClone, BringsAttributesDictionariesAndFields) {
               0x1Bu);
 }
 
+TEST(Blocks, AreMadeOfCopiesAndMadeAnew) {
+    const auto database = sample();
+    const std::string before = database->writeBytes();
+    const std::size_t position = database->undoPosition();
+    const OdDbObjectId reference = objectOf(database, 0x50), line = objectOf(database, 0x72);
+
+    const OdDbObjectId made = OdDbBlockTableRecord::addNew(*database, L"Made");
+    EXPECT_EQ(database->findBlock(L"MADE"), made);
+    EXPECT_THROW(OdDbBlockTableRecord::addNew(*database, L"mADE"), OdError);
+    {
+        OdDbIdMapping copies;
+        const auto record = made.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+        record->redefine({reference, line}, copies);
+        std::vector<OdDbObjectId> held;
+        for (const OdDbObjectId id : record->entities()) held.push_back(id);
+        EXPECT_EQ(held, (std::vector<OdDbObjectId>{copies.find(reference), copies.find(line)}));
+        EXPECT_EQ(held[0].openAs<OdDbEntity>()->ownerId(), made);
+    }
+    EXPECT_EQ(dangling(database->writeBytes()), "");
+
+    // What it is made of goes with the old definition, and references stay.
+    const OdDbObjectId used = OdDbBlockReference::blockTableRecordOf(reference);
+    {
+        OdDbIdMapping copies;
+        const auto record = used.openAs<OdDbBlockTableRecord>(OdDb::forWrite);
+        ASSERT_TRUE(record->hasAttributeDefinitions());
+        record->createExtensionDictionary();
+        record->redefine({line}, copies);
+        EXPECT_FALSE(record->hasAttributeDefinitions());
+        EXPECT_TRUE(record->extensionDictionary().isNull());
+        EXPECT_EQ(record->origin(), OdGePoint3d());
+        EXPECT_EQ(record->blockReferenceIds(true).front(), reference);
+    }
+    // Extended data, of the reference and of its copy, may name what is gone.
+    EXPECT_EQ(dangling(database->writeBytes()), "34 34 ");
+    database->undoTo(position);
+    EXPECT_EQ(database->writeBytes(), before);
+}
+
 TEST(Fields, StoredReplacedAndRemovedWithTheirDictionaries) {
     const auto database = sample();
     const auto text = objectOf(database, 0x60).openAs<OdDbText>(OdDb::forWrite);
