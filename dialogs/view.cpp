@@ -224,6 +224,16 @@ void View::tab(bool backwards) {
     if (next->isTyped()) select(*next, {0, next->text.size()});
 }
 
+Control* controlOfCaption(std::span<Control* const> behind, bool (*takes)(const Control&)) {
+    const auto isMeant = [takes](const Control* control) { return takes(*control); };
+    const auto isField = [takes](const Control* control) { return takes(*control) && control->isField(); };
+    const auto nextCaption = std::find_if(behind.begin(), behind.end(), isCaption);
+    const auto field = std::find_if(behind.begin(), nextCaption, isField);
+    if (field != nextCaption) return *field;
+    const auto any = std::find_if(behind.begin(), behind.end(), isMeant);
+    return any != behind.end() ? *any : nullptr;
+}
+
 bool View::hasMnemonicOf(wchar_t letter) const {
     const std::vector<Control*> shown = run_.shownControls();
     return std::any_of(shown.begin(), shown.end(),
@@ -241,15 +251,10 @@ bool View::userPressedMnemonic(wchar_t letter) {
             userPressed(**found);
             return true;
         }
-        // A caption's control is the field behind it, also when a button that picks for the field comes first; else the
-        // next that can have the focus.
-        const auto canHaveFocus = [](Control* control) { return control->canHaveFocus(); };
-        const auto isFreeField = [](Control* control) { return control->canHaveFocus() && control->isField(); };
-        const auto nextCaption = std::find_if(found + 1, shown.end(), isCaption);
-        auto meant = std::find_if(found, nextCaption, isFreeField);
-        if (meant == nextCaption) meant = std::find_if(found, shown.end(), canHaveFocus);
-        if (meant == shown.end()) continue;
-        if (moveFocus(**meant) && (*meant)->isTyped()) select(**meant, {0, (*meant)->text.size()});
+        Control* const meant =
+            controlOfCaption({found + 1, shown.end()}, [](const Control& control) { return control.canHaveFocus(); });
+        if (!meant) continue;
+        if (moveFocus(*meant) && meant->isTyped()) select(*meant, {0, meant->text.size()});
         return true;
     }
     return false;

@@ -6,6 +6,7 @@
 // what a maker has to do.
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "dialogs/api.h"
@@ -55,6 +56,10 @@ enum class Key {
 struct PixelRect {
     int left = 0, top = 0, width = 0, height = 0;
 };
+
+/// Which of the controls behind a caption it is for: the field up to the next caption, also when a button that picks
+/// for the field comes first; else the next that `takes` holds of. Null: none.
+DIALOGS_API Control* controlOfCaption(std::span<Control* const> behind, bool (*takes)(const Control&));
 
 class DIALOGS_API View {
   public:

@@ -73,10 +73,12 @@ QWidget* makeEdit(const Control& control, QWidget* parent) {
     if (!control.isMultiLine()) {
         auto* const edit = new QLineEdit(parent);
         edit->setMaxLength(std::numeric_limits<int>::max());
+        edit->setAcceptDrops(false);  // which would change a field without the focus
         return edit;
     }
     auto* const edit = new QPlainTextEdit(parent);
     edit->setTabChangesFocus(true);
+    edit->setAcceptDrops(false);
     return edit;
 }
 
@@ -122,6 +124,7 @@ QWidget* makeCombo(const Control& control, QWidget* parent) {
         combo->setEditable(true);
         combo->setInsertPolicy(QComboBox::NoInsert);
         combo->setCompleter(nullptr);
+        combo->lineEdit()->setAcceptDrops(false);
     }
     return combo;
 }

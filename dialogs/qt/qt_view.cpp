@@ -27,7 +27,9 @@
 #include <QTabWidget>
 #include <QTextEdit>
 #include <QTreeView>
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "base/files.h"
 #include "base/paths.h"
@@ -159,11 +161,14 @@ void QtView::makeControls(Dialog& dialog, QWidget* parent) {
 
 // A label shows its mnemonic, and is read aloud, for the control behind it.
 void QtView::connectBuddies(Dialog& dialog) {
-    QLabel* label = nullptr;
-    for (const auto& control : dialog.controls()) {
-        QWidget* const widget = widgetOf(*control);
-        if (label && control->takesFocus()) std::exchange(label, nullptr)->setBuddy(widget);
-        if (control->kind() == ControlKind::kLabel) label = qobject_cast<QLabel*>(widget);
+    std::vector<Control*> controls;
+    for (const auto& control : dialog.controls()) controls.push_back(control.get());
+    const auto takesFocus = [](const Control& control) { return control.takesFocus(); };
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        if (controls[i]->kind() != ControlKind::kLabel) continue;
+        Control* const meant = controlOfCaption(std::span(controls).subspan(i + 1), takesFocus);
+        if (auto* const label = qobject_cast<QLabel*>(widgetOf(*controls[i])); label && meant)
+            label->setBuddy(widgetOf(*meant));
     }
 }
 
@@ -360,6 +365,12 @@ bool QtView::takeEvent(QWidget& widget, QEvent& event) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
             return takeMouseButton(widget, static_cast<QMouseEvent&>(event));
+        case QEvent::MouseButtonRelease: {
+            // The middle button pastes when it is let go.
+            const Control* const field = controlOf(&widget);
+            return field && field->isField() && field != run_.focus() &&
+                   static_cast<QMouseEvent&>(event).button() == Qt::MiddleButton;
+        }
         case QEvent::MouseMove: {
             // A list is not to be selected in by dragging.
             const Control* const list = controlOf(&widget);
@@ -465,6 +476,9 @@ bool QtView::takeWheel(const QWidget& widget) {
 
 bool QtView::takeContextMenu(const QWidget& widget, const QContextMenuEvent& event) {
     Control* const control = controlOf(&widget);
+    // The button has moved the focus already, where it may.
+    if (control && control->isField() && event.reason() == QContextMenuEvent::Mouse && control != run_.focus())
+        return true;
     const bool hasOwn =
         control && (control->kind() == ControlKind::kEdit || control->kind() == ControlKind::kEditCombo);
     if (!control || !control->canHaveFocus() || hasOwn) return false;

@@ -40,7 +40,7 @@ bool answersInChild() {
         const QGuiApplication application(argumentCount, arguments);
         _exit(QGuiApplication::screens().isEmpty() ? 1 : 0);
     }
-    int status = 0;
+    int status = -1;  // as of a child that cannot be waited for
     while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     return child > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;

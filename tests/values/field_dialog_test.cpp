@@ -33,6 +33,7 @@ TEST_P(FieldDialogs, TheCodeIsMadeOfKindNameAndFormat) {
         OdString shown;
     } kCases[] = {
         {{"Name = Title", "Format = %tc1"}, L"%<\\AcVar Title \\f \"%tc1\">%", L"PLAN"},
+        {{"Name = Title", "Kind = Property"}, L"%<\\AcVar Title>%", L"Plan"},  // the same kind once more
         {{"Name = Client"}, L"%<\\AcVar CustomDP.Client>%", L"####"},
         {{"Kind = Date", "Name = Date", "Format = yyyy \"x\""},
          L"%<\\AcVar Date \\f \"yyyy \\\"x\\\"\">%",
@@ -77,6 +78,9 @@ TEST_P(FieldDialogs, ACodeIsTakenApart) {
         EXPECT_EQ(dialog.text(IDC_FIELD_FORMAT), test.format);
         EXPECT_EQ(dialog.text(IDC_FIELD_CODE), test.code);
         EXPECT_EQ(dialog.isEnabled(IDC_FIELD_OBJECT), test.kind == 3);
+        // One letter would make another code of parts that are not known.
+        EXPECT_EQ(dialog.isEnabled(IDC_FIELD_NAME), test.kind >= 0);
+        EXPECT_EQ(dialog.isEnabled(IDC_FIELD_FORMAT), test.kind >= 0);
     }
 }
 

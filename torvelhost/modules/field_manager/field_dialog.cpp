@@ -22,6 +22,8 @@ void FieldDialog::setObject(OdDbObjectId object) {
 void FieldDialog::onCommand(int control, dialogs::Event event) {
     switch (control) {
         case IDC_FIELD_KIND:
+            // The same once more begins nothing new.
+            if (static_cast<int>(parts_.kind) == selected(IDC_FIELD_KIND) && !parts_.name.empty()) return;
             parts_ = {static_cast<Kind>(selected(IDC_FIELD_KIND)), {}, parts_.object, parts_.format};
             showKind();
             return makeCode();
@@ -58,7 +60,11 @@ void FieldDialog::showKind() {
     setText(IDC_FIELD_NAME_LABEL, parts_.kind == Kind::kObject    ? L"&Property:"
                                   : parts_.kind == Kind::kFormula ? L"Form&ula:"
                                                                   : L"&Name:");
-    enable(IDC_FIELD_OBJECT, parts_.kind == Kind::kObject);
+    // The parts of a code that no kind makes are not known, and would make another.
+    const bool isKnown = selected(IDC_FIELD_KIND) >= 0;
+    enable(IDC_FIELD_NAME, isKnown);
+    enable(IDC_FIELD_FORMAT, isKnown);
+    enable(IDC_FIELD_OBJECT, isKnown && parts_.kind == Kind::kObject);
 }
 
 // Of a code that none of the kinds makes nothing is shown, and choosing a kind begins a new one.

@@ -22,11 +22,16 @@ base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const v
 
 OdDbFieldPtr askInDialog(const OdDbFieldPtr& before, OdDbDatabase& database) {
     const dialogs::ResourceScope resources(thisModule());
-    fieldmanager::FieldDialog dialog(before ? before->getFieldCode(OdDbField::kRawCode) : OdString(), database);
+    const OdString codeBefore = before ? before->getFieldCode(OdDbField::kRawCode) : OdString();
+    fieldmanager::FieldDialog dialog(codeBefore, database);
     for (;;) {
         const int code = dialog.runModal();
-        if (code != fieldmanager::FieldDialog::kPickObject)
-            return code == dialogs::kOkButton ? dialog.field() : OdDbFieldPtr();
+        if (code != fieldmanager::FieldDialog::kPickObject) {
+            if (code != dialogs::kOkButton) return {};
+            // What was not changed keeps the value it has, also where its source is gone.
+            const OdDbFieldPtr made = dialog.field();
+            return made->getFieldCode(OdDbField::kRawCode) == codeBefore ? OdDbFieldPtr() : made;
+        }
         if (const OdDbObjectId object = selectObject(L"Select object"); !object.isNull()) dialog.setObject(object);
     }
 }
