@@ -2,7 +2,7 @@ import math
 
 
 def check(case):
-    line, definition = case.after.block("Turned")
+    definition, line = case.after.block("Turned")
     assert math.dist(line.point(10), (0, 0, 0)) < 1e-12 and math.dist(line.point(11), (0, -4, 0)) < 1e-12, line.groups
     assert math.dist(definition.point(210), (0, 0, 1)) > 1, definition.groups
     reference, = [r for r in case.after.entities("INSERT") if r.text(2) == "Turned"]

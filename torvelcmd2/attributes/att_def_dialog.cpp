@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "drawingdb/block.h"
+#include "drawingdb/mtext_parser.h"
 #include "drawingdb/text_style.h"
 #include "torvelcmd2/attributes/tag_rules.h"
 #include "torvelcmd2/attributes/values/text_escapes.h"
@@ -84,7 +85,7 @@ CAttDefDlg::CAttDefDlg(OdDbDatabase& database)
     showMultiLine();
     // The row counts in the list that the modes call for.
     const int row = remembered().justification;
-    if (row >= 0 && row < choiceCount(IDC_ATTDEF_JUSTIFICATION))
+    if (!isHeldToOneLine() && row >= 0 && row < choiceCount(IDC_ATTDEF_JUSTIFICATION))
         selectJustification(static_cast<unsigned>(choiceData(IDC_ATTDEF_JUSTIFICATION, row)));
     fillTextStyles();
     setHeight(firstHeight());
@@ -153,7 +154,7 @@ void CAttDefDlg::editDefault() {
     const double width = numbers_.value(IDC_ATTDEF_WIDTH);
     const bool onScreen = isChecked(IDC_ATTDEF_ON_SCREEN);
     if (!multiLine_) {
-        MultiLineEdit made = newMultiLine(textStyle(), default_.text(), width, onScreen);
+        MultiLineEdit made = newMultiLine(textStyle(), drawingdb::mtextEscaped(default_.text()), width, onScreen);
         if (!made.value) return;
         multiLine_ = std::move(made.value);
         multiLine_->width = width;
@@ -229,8 +230,15 @@ DefinitionValues CAttDefDlg::values() {
     return values;
 }
 
+// A drawing that cannot hold several lines takes them from the dialog, not from what is remembered.
+bool CAttDefDlg::isHeldToOneLine() const {
+    return (remembered().modes & kMultiLineMode) != 0 && !isEnabled(IDC_ATTDEF_MULTIPLE_LINES);
+}
+
 void CAttDefDlg::remember() const {
-    remembered() = {modes(), selected(IDC_ATTDEF_TEXT_STYLE), selected(IDC_ATTDEF_JUSTIFICATION)};
+    const bool held = isHeldToOneLine();
+    remembered() = {modes() | (held ? unsigned{kMultiLineMode} : 0U), selected(IDC_ATTDEF_TEXT_STYLE),
+                    held ? remembered().justification : selected(IDC_ATTDEF_JUSTIFICATION)};
 }
 
 // ---- how the controls hang together
@@ -271,7 +279,7 @@ void CAttDefDlg::leaveFor(EndCode code) {
 // What was typed as a single line since is the multi-line text from now on.
 void CAttDefDlg::changeMultiLine() {
     if (isChecked(IDC_ATTDEF_MULTIPLE_LINES) && multiLine_ && default_.text() != multiLineShown_) {
-        multiLine_->text = {false, default_.text(), {}};
+        multiLine_->text = {false, drawingdb::mtextEscaped(default_.text()), {}};
         multiLineShown_ = default_.text();
     }
     showMultiLine();

@@ -71,6 +71,7 @@ class CAttDefDlg final : public ModuleDialog {
     void onOk() override;
 
     void leaveFor(EndCode code);
+    bool isHeldToOneLine() const;
     void remember() const;
     unsigned modes() const;
     void setModes(unsigned modes);

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "base/text.h"
+#include "drawingdb/attribute.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/layer_states.h"
 #include "drawingdb/viewport.h"
@@ -42,19 +43,26 @@ bool wouldHoldItself(OdDbObjectId block, const OdDbObjectIdArray& entities) {
     return false;
 }
 
-// In the order in which they were selected. A block holds no viewports, and what lies on a locked layer stays there.
+// Attribute definitions in the order in which they were selected, which is that in which a reference asks for them; the
+// rest in the order in which it is drawn. A block holds no viewports, and what lies on a locked layer stays there.
 int selectObjects(HostRun& run, OdDbObjectIdArray& entities) {
     OdDbObjectIdArray selected;
     if (run.session.selection.pickSet(L"Select objects", selected) == kCancel) return kCancel;
     drawingdb::LayerStates layers;
     std::size_t viewports = 0, locked = 0;
+    std::unordered_set<OdDbObjectId> drawn;
     for (const OdDbObjectId id : selected)
         if (id.isKindOf(OdDbViewport::desc()))
             ++viewports;
         else if (layers.isLocked(id.openAs<OdDbEntity>()->layerId()))
             ++locked;
-        else
+        else if (id.isKindOf(OdDbAttributeDefinition::desc()))
             entities.push_back(id);
+        else
+            drawn.insert(id);
+    if (!drawn.empty())
+        for (const OdDbObjectId id : run.document.activeSpaceId().openAs<OdDbBlockTableRecord>()->entitiesInDrawOrder())
+            if (drawn.contains(id)) entities.push_back(id);
     if (viewports != 0) run.terminal().notice(std::to_wstring(viewports) + L" left out: a viewport fits into no block");
     if (locked != 0) run.terminal().notice(std::to_wstring(locked) + L" left out on locked layers");
     return kValue;
@@ -65,8 +73,10 @@ int selectObjects(HostRun& run, OdDbObjectIdArray& entities) {
 OdDbObjectId define(OdDbObjectId block, const OdDbObjectIdArray& entities, const OdGeMatrix3d& toBlock) {
     OdDbIdMapping copies;
     block.openAs<OdDbBlockTableRecord>(OdDb::forWrite)->redefine(entities, copies);
+    // What stays where it is may be of any kind.
+    const bool moves = toBlock != OdGeMatrix3d::kIdentity;
     for (const OdDbIdMapping::Pair& pair : copies.pairs())
-        if (pair.primary && pair.copy.openAs<OdDbEntity>(OdDb::forWrite)->transformBy(toBlock) != OdResult::ok)
+        if (moves && pair.primary && pair.copy.openAs<OdDbEntity>(OdDb::forWrite)->transformBy(toBlock) != OdResult::ok)
             return pair.source;
     for (const OdDbObjectId id : entities) id.openAs<OdDbEntity>(OdDb::forWrite)->erase();
     return {};

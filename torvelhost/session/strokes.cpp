@@ -128,7 +128,9 @@ class Meeting {
             return rectangle_.contains((toWorld * point->position()).xy());
         if (const auto* const curve = as<OdDbCurve>(entity)) return meetsCurve(*curve, toWorld, rectangle_);
         if (const auto* const wipeout = as<OdDbWipeout>(entity)) return meetsFrame(*wipeout, toWorld, rectangle_);
-        if (const auto* const text = as<OdDbText>(entity); text && !drawingdb::isMultiLine(entity))
+        // A definition of several lines shows its tag too.
+        if (const auto* const text = as<OdDbText>(entity);
+            text && (!drawingdb::isMultiLine(entity) || as<OdDbAttributeDefinition>(entity)))
             return rectangle_.meetsArea(textCorners(*text, toWorld));
         OdGeExtents3d box;
         return entity.geomExtents(box) && rectangle_.meetsArea(boxCorners(box, toWorld));

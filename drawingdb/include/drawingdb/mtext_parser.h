@@ -82,4 +82,7 @@ DRAWINGDB_API std::vector<MTextParagraph> parseMText(std::wstring_view contents,
 /// What a reader sees: paragraphs end in a line feed (the last one does not), a stack reads "1/2" or "+1^-2".
 DRAWINGDB_API std::wstring mtextPlainText(std::wstring_view contents);
 
+/// Plain text as contents of a multi-line text, which begin their codes with a backslash and group by braces.
+DRAWINGDB_API std::wstring mtextEscaped(std::wstring_view plain);
+
 }  // namespace drawingdb

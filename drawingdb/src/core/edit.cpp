@@ -496,6 +496,18 @@ Stub& Core::addBlock(std::wstring_view blockName) {
     return *made->record;
 }
 
+namespace {
+
+std::string withoutPreview(std::string_view record, const FileFormat& format) {
+    std::string bytes;
+    GroupWriter writer(bytes, format);
+    for (RecordWalk walk(GroupCursor(record, format)); walk.next();)
+        if (walk.part() != RecordPart::field || walk.group().code != 310) writer.raw(walk.group().bytes());
+    return bytes;
+}
+
+}  // namespace
+
 void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbIdMapping& copies) {
     constexpr std::int64_t kHasAttributes = 2;
     requireWritable();
@@ -508,6 +520,8 @@ void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbId
         erase(*dictionary.stub(), true);
         setBytes(record, withDictionary(bytesOf(record), {}, format));
     }
+    // Nor is the picture of it that lists of blocks show.
+    if (record.type == rtBlockRecord) setBytes(record, withoutPreview(bytesOf(record), format));
     const bool hasAttributes = std::ranges::any_of(copies.pairs(), [](const OdDbIdMapping::Pair& pair) {
         const auto definition = pair.copy.openIf<OdDbAttributeDefinition>();
         return pair.primary && definition && !definition->isConstant();

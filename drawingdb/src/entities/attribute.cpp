@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "drawingdb/mtext.h"
+#include "drawingdb/mtext_parser.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/geometry/curve_math.h"

@@ -21,6 +21,7 @@
 #include "drawingdb/database.h"
 #include "drawingdb/dictionary.h"
 #include "drawingdb/mtext.h"
+#include "drawingdb/mtext_parser.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/fields/field_code.h"

@@ -24,9 +24,6 @@ struct ControlCode {
 /// The %% code that begins at the position; kind None when there is none.
 ControlCode controlCodeAt(std::wstring_view text, std::size_t position);
 
-/// Plain text as contents of a multi-line text, which begin their codes with a backslash and group by braces.
-std::wstring mtextEscaped(std::wstring_view plain);
-
 /// Where strokes go: from units of the text height to the text's plane, with the origin at the start of the baseline.
 struct StrokePen {
     double height = 1.0;
