@@ -86,5 +86,6 @@ class DRAWINGDB_API OdDbSpline : public OdDbCurve {
     std::int16_t degree_ = 3;
     /// Made when asked for, dropped after a change.
     mutable std::shared_ptr<const Shape> shape_;
+    mutable bool shapeFits_ = false;  // told once: a measured length asks for the shape at each of its points
     mutable std::shared_ptr<const drawingdb::ArcLengths> lengths_;
 };

@@ -231,8 +231,9 @@ const OdDbSpline::Shape* OdDbSpline::shape() const {
         Shape stored{degree_, knots_, controlPoints_, weights_};
         shape_ = std::make_shared<Shape>(
             controlPoints_.empty() ? throughFitPoints(fitPoints_, startTangent_, endTangent_) : std::move(stored));
+        shapeFits_ = shape_->fits();
     }
-    return shape_->fits() ? shape_.get() : nullptr;
+    return shapeFits_ ? shape_.get() : nullptr;
 }
 
 // De Boor's scheme on the points times their weights. The last step but one gives the derivative.
