@@ -13,7 +13,7 @@ constexpr double kAgreement = 1e-13;
 constexpr double kExactness = 1e-15;
 constexpr int kDeepestHalving = 40;
 // A curve that needs more (out of a damaged file) is measured as well as they allow.
-constexpr std::size_t kMostPieces = std::size_t{1} << 14;
+constexpr std::size_t kMostPieces = std::size_t{1} << 12;
 constexpr int kMostSteps = 100;
 
 // A length beyond all numbers counts as none.
