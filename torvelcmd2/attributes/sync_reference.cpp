@@ -10,13 +10,18 @@ namespace torvel {
 
 ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block) : block_(block) {
     const auto record = block.openAs<OdDbBlockTableRecord>();
-    for (OdDbObjectId id : record->entities()) {
-        auto definition = id.openIf<OdDbAttributeDefinition>();
-        if (definition && !definition->isConstant()) {
-            byTag_[base::toUpper(definition->tag())].positions.push_back(definitions_.size());
-            definitions_.push_back(std::move(definition));
-        }
-    }
+    for (OdDbObjectId id : record->entities()) addDefinition(id);
+}
+
+ReferenceSynchronizer::ReferenceSynchronizer(OdDbObjectId block, const OdDbObjectIdArray& definitions) : block_(block) {
+    for (OdDbObjectId id : definitions) addDefinition(id);
+}
+
+void ReferenceSynchronizer::addDefinition(OdDbObjectId id) {
+    auto definition = id.openIf<OdDbAttributeDefinition>();
+    if (!definition || definition->isConstant()) return;
+    byTag_[base::toUpper(definition->tag())].positions.push_back(definitions_.size());
+    definitions_.push_back(std::move(definition));
 }
 
 // Only what lies directly in the space counts. The database knows a block's references, so that the others need not be

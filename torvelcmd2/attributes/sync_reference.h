@@ -19,6 +19,8 @@ class ReferenceSynchronizer {
   public:
     /// Throws OdError_NotThatKindOfClass when the id names no block record.
     explicit ReferenceSynchronizer(OdDbObjectId block);
+    /// By these definitions of the block; the constant ones among them, and what is none, do not count.
+    ReferenceSynchronizer(OdDbObjectId block, const OdDbObjectIdArray& definitions);
 
     /// Synchronises the references of the block that lie directly in `space`, any block record; nested ones stay as
     /// they are.
@@ -29,6 +31,7 @@ class ReferenceSynchronizer {
     void synchronize(OdDbBlockReference& reference);
 
   private:
+    void addDefinition(OdDbObjectId id);
     void matchOldAttributes(const OdDbBlockReference& reference);
     void appendNewAttribute(OdDbBlockReference& reference, std::size_t position, const OdGeMatrix3d& blockTransform);
     void eraseOldAttributes();
