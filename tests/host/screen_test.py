@@ -23,18 +23,22 @@ PATIENCE = 60
 class Screen:
     """An X server of the test's own with a window manager."""
 
+    def __init__(self, folder):
+        self.begun = folder / "window_manager_has_begun"
+
     def __enter__(self):
         read, write = os.pipe()
-        self.server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24"], pass_fds=[write],
+        self.server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-noreset"], pass_fds=[write],
                                        stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as numbers:
             display = ":" + numbers.readline().strip()
         kept = {name: value for name, value in os.environ.items() if not name.startswith(("QT_", "WAYLAND_"))}
         self.env = kept | {"DISPLAY": display}
-        self.manager = subprocess.Popen(["openbox"], env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        # A window that comes before the manager would lose the focus to it.
-        self.wait(lambda: self.do("get_num_desktops"), "the window manager does not begin")
+        self.manager = subprocess.Popen(["openbox", "--startup", f"touch {self.begun}"], env=self.env, stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.DEVNULL)
+        # A window that comes while the manager begins does not get the focus.
+        self.wait(self.begun.exists, "the window manager does not begin")
         return self
 
     def __exit__(self, *_):
@@ -114,7 +118,7 @@ def main():
         subprocess.run([arguments.program, "-q", "--profile", "p.ini", "plan.dxf", "-s", "parts.scr"], cwd=folder, check=True,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         expected = (folder / "parts.csv").read_bytes()
-        with Screen() as screen:
+        with Screen(folder) as screen:
             program = Program(folder, screen.env, arguments.program, "--windows", "--profile", "p.ini", "plan.dxf")
             program.answer("Command:", "AttExt")
             title, size = "Attribute Extraction", (260, 152)

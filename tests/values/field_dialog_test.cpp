@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include "base/files.h"
 #include "base/modules.h"
 #include "tests/dialogs/each_maker.h"
 #include "torvelhost/modules/field_manager/resource.h"
@@ -92,15 +91,6 @@ TEST_P(FieldDialogs, TheObjectIsPickedBetweenTwoRuns) {
     script_.lines = {"type Property: Name", "press OK"};  // the focus is there already
     ASSERT_EQ(dialog.runModal(), dialogs::kOkButton);
     EXPECT_EQ(dialog.text(IDC_FIELD_PREVIEW), L"0");
-}
-
-// For docs/take_pictures.
-TEST_P(FieldDialogs, CanBePictured) {
-    if (GetParam() == Maker::forms) GTEST_SKIP() << "a form has no picture";
-    FieldDialog dialog({}, *database_);
-    script_.lines = {"Name = Title", "Format = %tc1", "picture shot.bmp", "press Cancel"};
-    EXPECT_EQ(dialog.runModal(), dialogs::kCancelButton);
-    EXPECT_TRUE(base::readFile(L"shot.bmp").view().starts_with("BM"));
 }
 
 TEST_P(FieldDialogs, WhatIsNoCodeIsRefused) {
