@@ -113,6 +113,13 @@ inline constexpr Service<bool(const wchar_t* text, int units, double& value)> te
 inline constexpr Service<bool(const wchar_t* text, int units, double& radians)> textToAngle{kUtilityLibrary,
                                                                                             "hostdbSToAng"};
 
+// ---- plot styles
+
+/// The names of the plot styles that the drawing's objects can have, by layer and by block left out. A null database
+/// means the active document's.
+inline constexpr Service<void(OdDbDatabase* database, std::vector<CXStringW>& names)> getPlotStyleNames{
+    kUtilityLibrary, "hostGetPlotStyleNames"};
+
 // ---- selection
 
 /// Asks for one entity of the current space. kValue with a null entity: the pick met nothing.

@@ -2,6 +2,7 @@
 #include "torvelcmd2/attmanager/property_controls.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 
 #include "base/format.h"
@@ -154,6 +155,12 @@ std::vector<OdString> CTLineWeightProperty::choices() const {
     return texts;
 }
 
+std::int32_t storableLineWeight(std::int32_t weight) {
+    if (weight == kLineWeightByLayer || weight == kLineWeightByBlock || weight == kLineWeightDefault) return weight;
+    return *std::ranges::min_element(kStandardWeights, {},
+                                     [weight](std::int64_t standard) { return std::abs(standard - weight); });
+}
+
 // ---- controls
 
 void CCSComboBoxCtrl::show() {
@@ -165,7 +172,9 @@ void CCSComboBoxCtrl::show() {
 
 bool CCSComboBoxCtrl::commit() {
     if (!dialog_.isModified(control_)) return false;
-    const bool taken = property_.setText(dialog_.text(control_));
+    // What is shown already is no other value, though it may not say all digits of it.
+    const OdString text = dialog_.text(control_);
+    const bool taken = text != property_.text() && property_.setText(text);
     // The value's own text, also in place of one that gave no value.
     dialog_.setText(control_, property_.text());
     dialog_.setModified(control_, false);

@@ -78,6 +78,9 @@ class CTLineWeightProperty final : public CTEditableProperty<std::int32_t> {
     std::vector<OdString> choices() const override;
 };
 
+/// What a file may hold: the weight itself, or the nearest of the 24 standard ones.
+std::int32_t storableLineWeight(std::int32_t weight);
+
 /// A property in an editable drop-down of a dialog.
 class CCSComboBoxCtrl {
   public:

@@ -6,6 +6,7 @@
 #include "drawingdb/block.h"
 #include "drawingdb/mtext_parser.h"
 #include "drawingdb/text_style.h"
+#include "torvelcmd2/attributes/drawing_lists.h"
 #include "torvelcmd2/attributes/tag_rules.h"
 #include "torvelcmd2/attributes/values/text_escapes.h"
 #include "torvelcmd2/frame/ask.h"
@@ -87,7 +88,7 @@ CAttDefDlg::CAttDefDlg(OdDbDatabase& database)
     const int row = remembered().justification;
     if (!isHeldToOneLine() && row >= 0 && row < choiceCount(IDC_ATTDEF_JUSTIFICATION))
         selectJustification(static_cast<unsigned>(choiceData(IDC_ATTDEF_JUSTIFICATION, row)));
-    fillTextStyles();
+    showTextStyles();
     setHeight(firstHeight());
     setRotation(0);
     setBoundaryWidth(0);
@@ -114,11 +115,8 @@ void CAttDefDlg::prepareButtons() {
     }
 }
 
-// Styles that are shape files have no letters.
-void CAttDefDlg::fillTextStyles() {
-    for (OdDbObjectId id : database_.textStyleTableId().openAs<OdDbSymbolTable>()->records())
-        if (const auto style = id.openIf<OdDbTextStyleTableRecord>(); style && !style->isShapeFile())
-            addChoice(IDC_ATTDEF_TEXT_STYLE, style->name());
+void CAttDefDlg::showTextStyles() {
+    fillTextStyles(*this, IDC_ATTDEF_TEXT_STYLE, database_);
     if (remembered().textStyle < choiceCount(IDC_ATTDEF_TEXT_STYLE))
         select(IDC_ATTDEF_TEXT_STYLE, remembered().textStyle);
 }

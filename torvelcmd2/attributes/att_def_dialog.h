@@ -76,7 +76,7 @@ class CAttDefDlg final : public ModuleDialog {
     unsigned modes() const;
     void setModes(unsigned modes);
     OdDbObjectId textStyle() const;
-    void fillTextStyles();
+    void showTextStyles();
     void prepareButtons();
     double firstHeight() const;
     OdGePoint3d insertionPoint() const;

@@ -11,6 +11,7 @@
 #include "base/resources.h"
 #include "base/text.h"
 #include "dialogs/boxes.h"
+#include "drawingdb/plot_style.h"
 #include "torvelhost/commands/command_factory.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/lines/units.h"
@@ -126,6 +127,12 @@ double getTextOrientation(OdGeVector3d& normal, double rotation, OdDbDatabase*) 
     if (ucs.xAxis() == OdGeVector3d::kXAxis && ucs.yAxis() == OdGeVector3d::kYAxis) return rotation;
     // The user's X axis, seen in the plane of the normal, is where rotations are counted from.
     return drawingdb::normalizedAngle((OdGeMatrix3d::worldToPlane(normal) * ucs.xAxis()).xy().angle() + rotation);
+}
+
+void hostGetPlotStyleNames(OdDbDatabase* database, std::vector<CXStringW>& names) {
+    Application::Session* current = session();
+    if (!database && current) database = current->document.database();
+    names = database ? drawingdb::plotStyleNames(*database) : std::vector<CXStringW>();
 }
 
 void hostGetDrawingPlane(OdGeMatrix3d& toWorld) {
@@ -292,6 +299,7 @@ static_assert(fits(hostapi::realToText, &hostdbRToS));
 static_assert(fits(hostapi::angleToText, &hostdbAngToS));
 static_assert(fits(hostapi::textToReal, &hostdbSToR));
 static_assert(fits(hostapi::textToAngle, &hostdbSToAng));
+static_assert(fits(hostapi::getPlotStyleNames, &hostGetPlotStyleNames));
 static_assert(fits(hostapi::selectEntity, &hostSelectEntity));
 static_assert(fits(hostapi::selectNested, &hostSelectNested));
 static_assert(fits(hostapi::selectSet, &hostSelectSet));

@@ -25,6 +25,10 @@ struct ObjectAccess {
     static const std::vector<HandleRef>& reactors(const OdDbObject& o) { return o.reactors_; }
     static const std::vector<OdDbGroup>* newXData(const OdDbObject& o) { return o.newXData_.get(); }
     static void forgetXData(OdDbObject& o) { o.newXData_.reset(); }
+    static std::int32_t& plotStyleKind(OdDbEntity& e) { return e.plotStyleKind_; }
+    static std::int32_t plotStyleKind(const OdDbEntity& e) { return e.plotStyleKind_; }
+    static HandleRef& plotStyle(OdDbEntity& e) { return e.plotStyle_; }
+    static OdDbObjectId plotStyleId(const OdDbEntity& e) { return e.resolve(e.plotStyle_); }
     static void setPaperSpace(OdDbEntity& e, bool on) { e.paperSpace_ = on ? 1 : 0; }
     static std::string_view& source(OdDbObject& o) { return o.source_; }
     static std::uintptr_t& closedContent(OdDbObject& o) { return o.closedContent_; }
