@@ -24,11 +24,13 @@ bool hasOwnCaption(const Control& control) {
     }
 }
 
+std::wstring withPlainAmpersands(std::wstring_view text) { return base::replaceAll(text, L"&", L"&&"); }
+
 std::wstring ownCaption(const Control& control) {
     // What a picture button shows is its picture.
     if (!hasOwnCaption(control) || (control.kind() == ControlKind::kPictureButton && control.picture != 0)) return {};
     const bool noPrefix = control.kind() == ControlKind::kLabel && (control.design->style & kNoPrefixStyle) != 0;
-    return plainName(noPrefix ? base::replaceAll(control.text, L"&", L"&&") : control.text);
+    return plainName(noPrefix ? withPlainAmpersands(control.text) : control.text);
 }
 
 // The nearest caption before the control. An empty label ends the search: it belongs to the control, and says nothing
@@ -108,11 +110,16 @@ class NameTable {
     std::vector<Entry> entries_;
 };
 
+// A name is written as it is shown, or as the template has it.
 Control* NameTable::find(std::wstring_view name) const {
-    if (Control* const found = findNth(plainName(name), 1)) return found;
+    const auto find = [this](std::wstring_view wanted, std::size_t n) {
+        Control* const found = findNth(plainName(withPlainAmpersands(wanted)), n);
+        return found ? found : findNth(plainName(wanted), n);
+    };
+    if (Control* const found = find(name, 1)) return found;
     std::wstring_view withoutNumber = base::trimmed(name);
     const auto number = takeNumber(withoutNumber);
-    return number ? findNth(plainName(withoutNumber), *number) : nullptr;
+    return number ? find(withoutNumber, *number) : nullptr;
 }
 
 }  // namespace

@@ -336,9 +336,8 @@ void FormScript::caret(std::wstring_view argument) {
 }
 
 void FormScript::menu(std::wstring_view argument) {
-    const auto takesFocus = [](const Control& control) { return control.takesFocus(); };
-    const NamedPart part = splitAtName(run_, argument, L':', takesFocus);
-    Control& control = part.control ? *part.control : require(run_, argument, takesFocus, L"control");
+    const NamedPart part = splitAtName(run_, argument, L':', isFieldControl);
+    Control& control = part.control ? *part.control : require(run_, argument, isFieldControl, L"field");
     if (!goTo(control)) return;
     const std::vector<MenuEntry> entries = run_.menuOf(control);
     if (entries.empty()) throw Refusal(L"it has no menu");
@@ -380,7 +379,8 @@ void FormScript::move(std::wstring_view argument) {
 
 void FormScript::tip(std::wstring_view name) {
     const Control& control = require(
-        run_, name, [](const Control& candidate) { return candidate.takesFocus(); }, L"control");
+        run_, name, [](const Control& candidate) { return candidate.takesFocus() || !candidate.tooltip.empty(); },
+        L"control");
     lines_.print(L"  " + (control.tooltip.empty() ? L"(no tooltip)" : control.tooltip) + L"\n");
 }
 

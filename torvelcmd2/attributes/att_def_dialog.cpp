@@ -220,8 +220,7 @@ DefinitionValues CAttDefDlg::values() {
     values.belowPrevious = isChecked(IDC_ATTDEF_BELOW);
     values.annotative = isChecked(IDC_ATTDEF_ANNOTATIVE);
     values.insertionPoint = insertionPoint();
-    auto [code, fields] = default_.value().code();
-    values.singleLine = {!fields.empty(), std::move(code), std::move(fields)};
+    values.singleLine = default_.captured();
     values.field = field_;
     values.multiLine = multiLine_;
     values.previous = previous_;

@@ -1,9 +1,16 @@
 #include "torvelcmd2/attributes/value_control.h"
 
+#include <utility>
+
 #include "dialogs/boxes.h"
 #include "torvelcmd2/frame/module_dialog.h"
 
 namespace torvel {
+
+CapturedText CFEdCtrl::captured() const {
+    auto [code, fields] = value_.code();
+    return {!fields.empty(), std::move(code), std::move(fields)};
+}
 
 OdString CFEdCtrl::save(OdDbEntity& entity) const {
     OdString shown;

@@ -3,6 +3,7 @@
 
 #include "dialogs/rich_text.h"
 #include "torvelcmd2/attributes/values/field_edit.h"
+#include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace torvel {
 
@@ -19,6 +20,8 @@ class CFEdCtrl final : public dialogs::RichText {
     void load(const OdDbEntity& entity, bool enabled = true) { value_.load(entity, enabled); }
     /// Shows a value that cannot be edited here: without fields, and a multi-line one without escapes.
     void loadForReading(const OdDbEntity& entity) { value_.loadForReading(entity); }
+    /// What would be saved.
+    CapturedText captured() const;
     /// Makes this the entity's value; returns what the entity shows afterwards.
     OdString save(OdDbEntity& entity) const;
 

@@ -3,6 +3,7 @@
 // They stand in one file because their order is the order of the host's list.
 #include "torvelcmd2/attmanager/att_ip_edit.h"
 #include "torvelcmd2/attributes/att_def.h"
+#include "torvelcmd2/attributes/att_edit.h"
 #include "torvelcmd2/attributes/att_sync.h"
 #include "torvelcmd2/construction/divide.h"
 #include "torvelcmd2/construction/elx_test.h"
@@ -46,6 +47,7 @@ const CommandRegistration ray("Ray", createCommand<CRayCmd>);
 const CommandRegistration divide("Divide", createCommand<CDivideCmd>);
 const CommandRegistration elxTest("ElxTest", createCommand<TestCmd>);
 const CommandRegistration wipeout("Wipeout", createCommand<CWipeoutCmd>);
+const CommandRegistration attEdit("AttEdit", createCommand<AttEditCmd>, kGroup, hostapi::kUsesPickFirst);
 const CommandRegistration attSync("AttSync", createCommand<CAttSyncCmd>);
 const CommandRegistration attdef("Attdef", createCommand<CAttdefCmd>);
 const CommandRegistration attExt("AttExt", createCommand<AttExtCmd>);

@@ -1,0 +1,132 @@
+#include "torvelcmd2/attributes/value_rows.h"
+
+#include <deque>
+#include <map>
+#include <utility>
+
+#include "base/text.h"
+#include "drawingdb/block.h"
+#include "torvelcmd2/attributes/attributed_blocks.h"
+#include "torvelcmd2/attributes/values/text_escapes.h"
+
+namespace torvel {
+namespace {
+
+OdString labelOf(const OdString& prompt, const OdString& tag) { return prompt.empty() ? tag : prompt; }
+
+// The prompts of a block's definitions. Of several with one tag each is taken once, in their order.
+class Prompts {
+  public:
+    // Constant definitions have no attributes in references.
+    explicit Prompts(OdDbObjectId blockId) {
+        const auto block = blockId.openIf<OdDbBlockTableRecord>();
+        if (!block) return;
+        for (OdDbObjectId id : block->entities())
+            if (const auto definition = id.openIf<OdDbAttributeDefinition>(); definition && !definition->isConstant())
+                ofTag_[base::toUpper(definition->tag())].push_back(definition->prompt());
+    }
+
+    OdString take(const OdString& tag) {
+        const auto found = ofTag_.find(base::toUpper(tag));
+        if (found == ofTag_.end() || found->second.empty()) return {};
+        OdString prompt = std::move(found->second.front());
+        found->second.pop_front();
+        return prompt;
+    }
+
+  private:
+    std::map<OdString, std::deque<OdString>> ofTag_;
+};
+
+}  // namespace
+
+// ---- the attributes of a reference
+
+AttributeRows::AttributeRows(const OdDbBlockReference& reference)
+    : database_(reference.database()), blockName_(reference.blockName()) {
+    Prompts prompts(reference.blockTableRecord());
+    for (OdDbObjectId id : editableAttributes(reference)) {
+        const OdString tag = id.openAs<OdDbAttribute>()->tag();
+        rows_.push_back({id, labelOf(prompts.take(tag), tag)});
+    }
+}
+
+bool AttributeRows::isMultiLine(std::size_t row) const {
+    return rows_[row].attribute.openAs<OdDbAttribute>()->isMTextAttribute();
+}
+
+OdString AttributeRows::refusal(std::size_t row) const {
+    const OdString layer = lockedLayerOf(rows_[row].attribute);
+    return layer.empty() ? OdString() : lockedLayerText(layer);
+}
+
+void AttributeRows::show(std::size_t row, CFEdCtrl& control) const {
+    const auto attribute = rows_[row].attribute.openAs<OdDbAttribute>();
+    if (attribute->isMTextAttribute())
+        control.loadForReading(*attribute);
+    else
+        control.load(*attribute);
+}
+
+void AttributeRows::save(std::size_t row, const CFEdCtrl& control) {
+    control.save(*rows_[row].attribute.openAs<OdDbAttribute>());
+}
+
+MultiLineEdit AttributeRows::edit(std::size_t row) const {
+    return editMultiLine(*rows_[row].attribute.openAs<OdDbAttribute>(), WhileEdited::kHidden);
+}
+
+void AttributeRows::save(std::size_t row, const MultiLineValue& value) {
+    applyMultiLine(value, *rows_[row].attribute.openAs<OdDbAttribute>());
+}
+
+// ---- attributes that are not there yet
+
+DefinitionRows::DefinitionRows(OdString blockName, const hostapi::AttributeValues& values,
+                               const OdGeMatrix3d& transform)
+    : blockName_(std::move(blockName)), values_(values), written_(values.size()), transform_(transform) {}
+
+OdDbDatabase* DefinitionRows::database() const { return values_.empty() ? nullptr : definition(0).database(); }
+
+OdString DefinitionRows::label(std::size_t row) const {
+    return labelOf(definition(row).prompt(), definition(row).tag());
+}
+
+bool DefinitionRows::isMultiLine(std::size_t row) const { return definition(row).isMTextAttributeDefinition(); }
+
+// Whether the value is the definition's own, whose fields then are those of the value.
+bool DefinitionRows::showsDefinition(std::size_t row) const {
+    return definition(row).isDatabaseResident() && definition(row).textString() == text(row);
+}
+
+void DefinitionRows::show(std::size_t row, CFEdCtrl& control) const {
+    if (!isMultiLine(row))
+        return showsDefinition(row) ? control.load(definition(row)) : control.value().setText(text(row));
+    control.value().setText({});
+    control.value().type(withoutEscapes(text(row)));  // in one line
+}
+
+void DefinitionRows::save(std::size_t row, const CFEdCtrl& control) {
+    const bool hasFields = control.captured().hasField && definition(row).isDatabaseResident();
+    if (hasFields || written_[row]) control.save(definition(row));
+    written_[row] = written_[row] || hasFields;
+    boost::get<1>(values_[row]) = written_[row] ? definition(row).textString() : control.text();
+}
+
+MultiLineEdit DefinitionRows::edit(std::size_t row) const {
+    std::optional<CapturedText> value;
+    if (!showsDefinition(row)) value = CapturedText{false, text(row), {}};
+    return editMultiLine(definition(row), WhileEdited::kAsItIs, transform_, std::move(value));
+}
+
+void DefinitionRows::save(std::size_t row, const MultiLineValue& value) {
+    if (!definition(row).isDatabaseResident()) {
+        boost::get<1>(values_[row]) = shownText(value.text);
+        return;
+    }
+    applyMultiLine(value, definition(row));
+    definition(row).updateMTextAttributeDefinition();
+    boost::get<1>(values_[row]) = definition(row).textString();
+}
+
+}  // namespace torvel
