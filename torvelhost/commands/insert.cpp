@@ -43,8 +43,7 @@ OdSmartPtr<OdDbAttribute> append(OdDbBlockReference& reference, const OdDbAttrib
     return attribute;
 }
 
-// Asks for the value of each attribute that has one to ask for. A cancel leaves the reference with what was answered so
-// far.
+// Asks for the value of each attribute that has one to ask for. False when the user cancelled one.
 bool fillAttributes(HostRun& run, OdDbBlockReference& reference, const std::vector<AttributeDefinitionPtr>& definitions,
                     bool asks) {
     for (const AttributeDefinitionPtr& definition : definitions) {
@@ -131,6 +130,7 @@ CMD_RUNSTATUS insert(HostRun& run) {
     if (x == 0 || y == 0) return run.refused(L"a scale factor is not 0");
 
     const OdGeMatrix3d ucs = run.document.ucs();
+    const std::size_t before = run.document.undoPosition();
     OdDbObjectId inserted;
     {
         const auto reference = OdDbBlockReference::createObject();
@@ -156,7 +156,9 @@ CMD_RUNSTATUS insert(HostRun& run) {
                              : nullptr;
     const bool filled = dialog ? fillByDialog(run, *reference, definitions, *dialog)
                                : fillAttributes(run, *reference, definitions, isOn(L"ATTREQ"));
-    return filled ? kCommandFinished : kCommandCancelled;
+    if (filled) return kCommandFinished;
+    database->undoTo(before);
+    return kCommandCancelled;
 }
 
 }  // namespace host::commands
