@@ -1,42 +1,15 @@
 #include "torvelcmd2/attributes/value_rows.h"
 
-#include <deque>
-#include <map>
 #include <utility>
 
-#include "base/text.h"
-#include "drawingdb/block.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
+#include "torvelcmd2/attributes/prompts.h"
 #include "torvelcmd2/attributes/values/text_escapes.h"
 
 namespace torvel {
 namespace {
 
 OdString labelOf(const OdString& prompt, const OdString& tag) { return prompt.empty() ? tag : prompt; }
-
-// The prompts of a block's definitions. Of several with one tag each is taken once, in their order.
-class Prompts {
-  public:
-    // Constant definitions have no attributes in references.
-    explicit Prompts(OdDbObjectId blockId) {
-        const auto block = blockId.openIf<OdDbBlockTableRecord>();
-        if (!block) return;
-        for (OdDbObjectId id : block->entities())
-            if (const auto definition = id.openIf<OdDbAttributeDefinition>(); definition && !definition->isConstant())
-                ofTag_[base::toUpper(definition->tag())].push_back(definition->prompt());
-    }
-
-    OdString take(const OdString& tag) {
-        const auto found = ofTag_.find(base::toUpper(tag));
-        if (found == ofTag_.end() || found->second.empty()) return {};
-        OdString prompt = std::move(found->second.front());
-        found->second.pop_front();
-        return prompt;
-    }
-
-  private:
-    std::map<OdString, std::deque<OdString>> ofTag_;
-};
 
 }  // namespace
 

@@ -19,9 +19,12 @@ bool hasEditableAttributes(const OdDbBlockReference& reference) {
     return block && block->hasAttributeDefinitions(true);
 }
 
-CMD_RUNSTATUS editAttributes(OdDbObjectId reference) {
+CMD_RUNSTATUS editAttributes(const hostapi::Pick& pick) {
+    OdDbObjectId reference = pick.entity, holder, attribute;
+    auto* const findAttribute = base::findFunction(hostapi::isAttRefSelected);
+    if (!findAttribute || findAttribute(&pick, &holder, &attribute) != hostapi::kValue || holder != reference)
+        attribute = OdDbObjectId();
     auto* const edit = base::findFunction(hostapi::doEAttEdit);
-    OdDbObjectId attribute;
     // It tells by the status of a command how it ended.
     return edit && edit(reference, attribute) == kCommandFinished ? kCommandFinished : kCommandCancelled;
 }
@@ -47,7 +50,7 @@ CMD_RUNSTATUS editText(OdDbEntity& text, HostRun& run) {
 std::function<CMD_RUNSTATUS()> editorOf(const hostapi::Pick& pick, HostRun& run) {
     if (pick.nested.isKindOf(OdDbAttribute::desc())) return nullptr;
     if (const auto reference = pick.entity.openIf<OdDbBlockReference>())
-        return hasEditableAttributes(*reference) ? [id = pick.entity] { return editAttributes(id); }
+        return hasEditableAttributes(*reference) ? [pick] { return editAttributes(pick); }
                                                  : std::function<CMD_RUNSTATUS()>();
     if (pick.entity.isKindOf(OdDbAttributeDefinition::desc())) return [id = pick.entity] { return redefine(id); };
     if (pick.entity.isKindOf(OdDbText::desc()) || pick.entity.isKindOf(OdDbMText::desc()))
