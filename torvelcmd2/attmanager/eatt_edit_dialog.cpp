@@ -27,7 +27,9 @@ void redraw(OdDbObjectId entity) {
     if (auto* const redrawEntity = hostService(hostapi::redrawEntity)) redrawEntity(entity);
 }
 
+// As it is stored, but several lines as one and without their codes.
 OdString shownValue(const OdDbAttribute& attribute) {
+    if (!attribute.isMTextAttribute()) return attribute.textString();
     FieldEdit value(attribute.database());
     value.loadForReading(attribute);
     return value.text();

@@ -48,7 +48,8 @@ CMD_RUNSTATUS editText(OdDbEntity& text, HostRun& run) {
 }  // namespace
 
 std::function<CMD_RUNSTATUS()> editorOf(const hostapi::Pick& pick, HostRun& run) {
-    if (pick.nested.isKindOf(OdDbAttribute::desc())) return nullptr;
+    // An attribute of a reference inside the reference is none that can be edited in place.
+    if (pick.nested.isKindOf(OdDbAttribute::desc()) && pick.containers.size() <= 1) return nullptr;
     if (const auto reference = pick.entity.openIf<OdDbBlockReference>())
         return hasEditableAttributes(*reference) ? [pick] { return editAttributes(pick); }
                                                  : std::function<CMD_RUNSTATUS()>();

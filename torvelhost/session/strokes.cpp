@@ -139,6 +139,8 @@ class Meeting {
   private:
     bool meetsReference(const OdDbBlockReference& reference, const OdGeMatrix3d& toWorld, int depth) {
         if (depth >= kDeepestNesting) return false;
+        // Those of the outermost one are the caller's: their layers count.
+        if (depth > 0 && anyAttributeMeets(reference, toWorld, depth)) return true;
         const auto block = reference.blockTableRecord().openIf<OdDbBlockTableRecord>();
         if (!block) return false;
         return anyCell(reference, budget_, [&](const OdGeMatrix3d& cell) {
@@ -149,6 +151,16 @@ class Meeting {
             }
             return false;
         });
+    }
+
+    bool anyAttributeMeets(const OdDbBlockReference& reference, const OdGeMatrix3d& toWorld, int depth) {
+        for (OdDbObjectId id : reference.attributes()) {
+            const auto attribute = id.openIf<OdDbAttribute>();
+            if (attribute && !attribute->isInvisible() && !attribute->isInvisibleEntity() &&
+                meets(*attribute, toWorld, depth + 1))
+                return true;
+        }
+        return false;
     }
 
     const Rectangle& rectangle_;
