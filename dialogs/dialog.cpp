@@ -107,7 +107,9 @@ namespace {
 
 void changed(Control& control, Aspect aspect) {
     Run* const run = control.dialog->run();
-    if (run && run->view()) run->view()->changed(control, aspect);
+    if (!run) return;
+    if (aspect == Aspect::kRows || aspect == Aspect::kChoices) run->itemsChanged();
+    if (run->view()) run->view()->changed(control, aspect);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "base/number.h"
 #include "base/paths.h"
@@ -63,26 +64,14 @@ const std::wstring& itemName(const Control& list, int item) {
     return row.cells.empty() ? kNone : row.cells.front();
 }
 
-// The nth item of that name; an exact name wins over one in other case.
-int findNamedItem(const Control& list, std::wstring_view name, std::size_t n) {
-    const auto find = [&](auto equals) {
-        std::size_t alike = 0;
-        for (int i = 0; i < list.itemCount(); ++i)
-            if (equals(std::wstring_view(itemName(list, i)), name) && ++alike == n) return i;
-        return -1;
-    };
-    const int exact = find([](std::wstring_view a, std::wstring_view b) { return a == b; });
-    return exact >= 0 ? exact : find([](std::wstring_view a, std::wstring_view b) { return base::equalsNoCase(a, b); });
-}
-
 // By its name, "NAME(2)", or its number.
-int findListItem(const Control& list, const Value& which) {
-    const int named = findNamedItem(list, which.text, 1);
+int findListItem(ItemNames& names, const Value& which) {
+    const int named = names.find(which.text, 1);
     if (named >= 0 || which.quoted) return named;
     std::wstring_view name = which.text;
-    if (const auto n = takeNumber(name)) return findNamedItem(list, name, *n);
+    if (const auto n = takeNumber(name)) return names.find(name, *n);
     const auto number = base::parseInteger(std::wstring_view(which.text));
-    return number && *number >= 1 && *number <= list.itemCount() ? static_cast<int>(*number) - 1 : -1;
+    return number && *number >= 1 && *number <= names.list().itemCount() ? static_cast<int>(*number) - 1 : -1;
 }
 
 std::wstring joinedChoices(const Control& control) {
@@ -124,6 +113,45 @@ std::optional<int> takeLastNumber(std::wstring_view& text) {
 }
 
 }  // namespace
+
+namespace {
+
+std::wstring folded(std::wstring_view name) {
+    std::wstring text;
+    for (std::size_t i = 0; i < name.size();) base::appendCharacter(text, base::foldCase(base::nextCharacter(name, i)));
+    return text;
+}
+
+}  // namespace
+
+template <class Key, class KeyOf>
+void ItemNames::fill(Places<Key>& places, int count, KeyOf keyOf) {
+    places.first.reserve(static_cast<std::size_t>(count));
+    places.next.assign(static_cast<std::size_t>(count), -1);
+    for (int i = count - 1; i >= 0; --i) {
+        const auto [first, isNew] = places.first.try_emplace(keyOf(i), i);
+        if (!isNew) places.next[static_cast<std::size_t>(i)] = std::exchange(first->second, i);
+    }
+}
+
+template <class Key>
+int ItemNames::nth(const Places<Key>& places, const Key& name, std::size_t n) {
+    const auto first = places.first.find(name);
+    int item = first == places.first.end() || n == 0 ? -1 : first->second;
+    for (std::size_t alike = 1; item >= 0 && alike < n; ++alike) item = places.next[static_cast<std::size_t>(item)];
+    return item;
+}
+
+int ItemNames::find(std::wstring_view name, std::size_t n) {
+    const int count = list_->itemCount();
+    const auto nameOf = [&](int i) { return std::wstring_view(itemName(*list_, i)); };
+    if (!exact_) fill(exact_.emplace(), count, nameOf);
+    if (const int exact = nth(*exact_, name, n); exact >= 0) return exact;
+    // A number has no case.
+    if (base::toUpper(name) == base::toLower(name)) return -1;
+    if (!folded_) fill(folded_.emplace(), count, [&](int i) { return folded(nameOf(i)); });
+    return nth(*folded_, folded(name), n);
+}
 
 struct FormScript::Verb {
     const wchar_t* name;   ///< empty: none, the line only stands in the help
@@ -223,7 +251,7 @@ void FormScript::assign(Control& field, std::wstring_view valueText) {
     View& view = *run_.view();
     if (field.readOnly) throw Refusal(L"it can only be read");
     if (isList(field)) {
-        const int item = findListItem(field, value);
+        const int item = findListItem(namesOf(field), value);
         if (item < 0) throw Refusal(L"there is no row " + inQuotes(value.text));
         if (goTo(field)) view.choose(field, item);
         return;
@@ -260,10 +288,16 @@ Control& FormScript::listMeant(bool withColumns) {
     throw Refusal(L"there is no list");
 }
 
+ItemNames& FormScript::namesOf(const Control& list) {
+    if (!names_ || &names_->list() != &list || namesRevision_ != run_.itemsRevision()) names_.emplace(list);
+    namesRevision_ = run_.itemsRevision();
+    return *names_;
+}
+
 void FormScript::chooseRow(std::wstring_view which, bool twice) {
     Control& list = listMeant(false);
     const Value value = parseValue(which);
-    const int row = findListItem(list, value);
+    const int row = findListItem(namesOf(list), value);
     if (row < 0) throw Refusal(L"there is no row " + inQuotes(value.text));
     if (!goTo(list)) return;
     run_.view()->choose(list, row);

@@ -2,9 +2,39 @@
 // table (form_script.cpp), which "help" prints and docs/scripts.md shows.
 #pragma once
 
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
 #include "dialogs/run.h"
 
 namespace dialogs {
+
+/// Where the items of a list are, by their names: a long list is worked by many lines. Good until its items change.
+class ItemNames {
+  public:
+    explicit ItemNames(const Control& list) : list_(&list) {}
+
+    const Control& list() const { return *list_; }
+    /// The nth item of that name; an exact name wins over one in other case. -1: there is none.
+    int find(std::wstring_view name, std::size_t n);
+
+  private:
+    template <class Key>
+    struct Places {
+        std::unordered_map<Key, int> first;
+        std::vector<int> next;  // the next item of the same name; -1: none
+    };
+    template <class Key, class KeyOf>
+    static void fill(Places<Key>& places, int count, KeyOf keyOf);
+    template <class Key>
+    static int nth(const Places<Key>& places, const Key& name, std::size_t n);
+
+    const Control* list_;
+    // Made when they are first wanted; the keys of the first are the items' own names.
+    std::optional<Places<std::wstring_view>> exact_;
+    std::optional<Places<std::wstring>> folded_;
+};
 
 class FormScript {
   public:
@@ -23,6 +53,7 @@ class FormScript {
     void setCheck(std::wstring_view name, bool on);
     Control& listMeant(bool withColumns);
     void chooseRow(std::wstring_view which, bool twice);
+    ItemNames& namesOf(const Control& list);
 
     /// ---- the verbs
     void type(std::wstring_view argument);
@@ -51,6 +82,8 @@ class FormScript {
 
     Run& run_;
     LineSource& lines_;
+    std::optional<ItemNames> names_;  // of the list that was looked at last
+    std::uint64_t namesRevision_ = 0;
 };
 
 }  // namespace dialogs

@@ -1,6 +1,7 @@
 // One run of a dialog, from its opening to its end: which control has the focus, and what the user's actions lead to.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -28,6 +29,10 @@ class DIALOGS_API Run {
     Control* focus() { return focus_; }
     /// Without asking; null: nowhere.
     void setFocus(Control* control);
+
+    /// Another number after every change of what lists hold: what was derived from that at the same one still holds.
+    std::uint64_t itemsRevision() const { return itemsRevision_; }
+    void itemsChanged() { ++itemsRevision_; }
 
     /// ---- the controls that are shown, in template order; those of a page behind its tab control
     std::vector<Control*> shownControls();
@@ -69,6 +74,7 @@ class DIALOGS_API Run {
     std::unique_ptr<View> view_;
     Control* focus_ = nullptr;
     std::optional<int> result_;
+    std::uint64_t itemsRevision_ = 0;
 };
 
 /// The controls from one with WS_GROUP to before the next that are of this kind.

@@ -136,5 +136,16 @@ TEST(Profile, KeepsSettingsInAFile) {
     EXPECT_THROW(nowhere.save(), base::FileError);
     EXPECT_NO_THROW(nowhere.save());
     EXPECT_FALSE(Profile(file).readInteger(L"AttExtDlg", L"Format", number));
+
+    // First settings are those of a file that is not there, and go into it; a file that is there has its own.
+    const std::wstring another = base::joinPath(folder, L"another.ini");
+    for (const wchar_t* first : {L"[List]\nWidth=3\n", L"[List]\nWidth=4\nHeight=5\n"}) {
+        Profile fresh(another, first);
+        EXPECT_TRUE(fresh.readInteger(L"List", L"Width", number));
+        EXPECT_EQ(number, 3);
+        EXPECT_FALSE(fresh.readInteger(L"List", L"Height", number));
+        fresh.writeInteger(L"Else", L"Key", 1);
+        fresh.save();
+    }
     std::filesystem::remove_all(base::toPath(folder));
 }

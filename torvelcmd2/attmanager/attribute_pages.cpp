@@ -65,12 +65,6 @@ namespace {
 constexpr int kNumbers[] = {IDC_TEXT_HEIGHT, IDC_TEXT_ROTATION, IDC_TEXT_WIDTH_FACTOR, IDC_TEXT_OBLIQUE,
                             IDC_TEXT_BOUNDARY_WIDTH};
 
-const Justification* justificationOf(const OdDbAttributeText& attribute) {
-    const OdSmartPtr<OdDbMText> lines = attribute.mtextCopy();
-    return lines ? findJustification(lines->horizontalMode(), lines->verticalMode())
-                 : findJustification(attribute.horizontalMode(), attribute.verticalMode());
-}
-
 double numberOf(const OdDbAttributeText& attribute, int control) {
     switch (control) {
         case IDC_TEXT_HEIGHT:

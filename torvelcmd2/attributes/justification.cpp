@@ -51,6 +51,12 @@ const Justification* findJustification(int horizontal, int vertical) {
     return findRow([=](const Justification& row) { return row.horizontal == horizontal && row.vertical == vertical; });
 }
 
+const Justification* justificationOf(const OdDbAttributeText& attribute) {
+    const OdSmartPtr<OdDbMText> lines = attribute.mtextCopy();
+    return lines ? findJustification(lines->horizontalMode(), lines->verticalMode())
+                 : findJustification(attribute.horizontalMode(), attribute.verticalMode());
+}
+
 void fillJustifications(dialogs::Dialog& dialog, int list, bool multiLine) {
     dialog.clearChoices(list);
     for (const Justification& row : kRows)

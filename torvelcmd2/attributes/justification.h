@@ -2,8 +2,7 @@
 #pragma once
 
 #include "dialogs/dialog.h"
-#include "drawingdb/mtext.h"
-#include "drawingdb/text.h"
+#include "drawingdb/attribute.h"
 
 namespace torvel {
 
@@ -21,6 +20,8 @@ struct Justification {
 /// Null when there is none.
 const Justification* findJustification(unsigned textId);
 const Justification* findJustification(int horizontal, int vertical);
+
+const Justification* justificationOf(const OdDbAttributeText& attribute);
 
 /// Fills a list of choices: fifteen for single-line text, nine for multi-line text. Nothing is selected afterwards.
 void fillJustifications(dialogs::Dialog& dialog, int list, bool multiLine);

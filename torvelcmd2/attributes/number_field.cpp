@@ -14,15 +14,6 @@ constexpr int kDrawingsOwn = -1;
 
 OdString plainNumber(double value) { return base::widen(base::realToText(value)); }
 
-OdString textOf(NumberKind kind, double value) {
-    const auto& service = kind == NumberKind::kAngle ? hostapi::angleToText : hostapi::realToText;
-    auto* const toText = hostService(service);
-    OdString text;
-    if (kind == NumberKind::kFactor || !toText || !toText(value, kDrawingsOwn, kDrawingsOwn, text))
-        return plainNumber(value);
-    return text;
-}
-
 std::optional<double> valueOf(NumberKind kind, const OdString& text) {
     const auto& service = kind == NumberKind::kAngle ? hostapi::textToAngle : hostapi::textToReal;
     auto* const toValue = hostService(service);
@@ -45,6 +36,15 @@ bool isIn(NumberRange range, double value) {
 
 }  // namespace
 
+OdString numberText(NumberKind kind, double value) {
+    const auto& service = kind == NumberKind::kAngle ? hostapi::angleToText : hostapi::realToText;
+    auto* const toText = hostService(service);
+    OdString text;
+    if (kind == NumberKind::kFactor || !toText || !toText(value, kDrawingsOwn, kDrawingsOwn, text))
+        return plainNumber(value);
+    return text;
+}
+
 NumberFields::NumberFields(dialogs::Dialog& dialog, std::initializer_list<NumberRow> rows) : dialog_(dialog) {
     for (const NumberRow& row : rows) fields_.push_back({row, 0, {}});
 }
@@ -57,7 +57,7 @@ const NumberFields::Field* NumberFields::find(int control) const {
 void NumberFields::show(int control, double value) {
     Field& field = *find(control);
     field.value = value;
-    field.shown = textOf(field.kind, value);
+    field.shown = numberText(field.kind, value);
     dialog_.setText(control, field.shown);
 }
 

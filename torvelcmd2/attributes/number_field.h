@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dialogs/dialog.h"
+#include "drawingdb/object_id.h"
 
 namespace torvel {
 
@@ -15,6 +16,9 @@ enum class NumberKind {
     kFactor,  ///< shown as a plain number, whatever the units
 };
 enum class NumberRange { kAny, kNotNegative, kPositive };
+
+/// The value in the drawing's units.
+OdString numberText(NumberKind kind, double value);
 
 /// What one field takes.
 struct NumberRow {

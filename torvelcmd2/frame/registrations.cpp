@@ -2,6 +2,7 @@
 //
 // They stand in one file because their order is the order of the host's list.
 #include "torvelcmd2/attmanager/att_ip_edit.h"
+#include "torvelcmd2/attmanager/batt_man.h"
 #include "torvelcmd2/attmanager/eatt_edit.h"
 #include "torvelcmd2/attributes/att_def.h"
 #include "torvelcmd2/attributes/att_edit.h"
@@ -56,6 +57,7 @@ const CommandRegistration xline("XLINE", createCommand<CXLineCmd>);
 const CommandRegistration attIPedit("ATTIPedit", createCommand<ATTIPeditCmd>, kGroup, hostapi::kUsesPickFirst);
 // The one command of the group without the flag: it goes by a pick, not by what was selected before.
 const CommandRegistration attIPeditW("ATTIPeditW", createCommand<ATTIPeditWCmd>, kGroup, 0);
+const CommandRegistration bAttMan("BAttMan", createCommand<BAttManCmd>, kGroup, hostapi::kUsesPickFirst);
 const CommandRegistration burst("Burst", createCommand<BurstCmd>, kGroup, hostapi::kUsesPickFirst);
 const CommandRegistration eattEdit("EAttEdit", createCommand<EAttEditCmd>, kGroup, hostapi::kUsesPickFirst);
 const CommandRegistration vSlide("VSlide", createCommand<VSlideCmd>);

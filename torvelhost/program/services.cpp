@@ -105,8 +105,12 @@ int _LoadStringNotTrans(void* module, unsigned id, char* buffer, int size) {
     return static_cast<int>(text.size());
 }
 
-// The texts are shown as the modules have them: this host speaks one language.
-void hostTranslateText(const wchar_t* text, CXStringW& translated) { translated = text ? text : L""; }
+// This host speaks one language, and what the user's settings know in another.
+void hostTranslateText(const wchar_t* text, CXStringW& translated) {
+    translated = text ? text : L"";
+    if (Application* const application = Application::current())
+        application->profile().readText(L"Translation", translated.c_str(), translated);
+}
 
 int getActiveBTRId(OdDbObjectId& block, OdDbDatabase* database) {
     Application::Session* current = session();

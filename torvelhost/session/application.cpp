@@ -19,7 +19,7 @@ Application* g_current = nullptr;
 Application::Application(const Options& options, Terminal& terminal)
     : options_(options),
       terminal_(terminal),
-      profile_(options.profile ? *options.profile : Profile::defaultFileName()),
+      profile_(options.profile ? Profile(*options.profile) : Profile::ofUser()),
       messages_(terminal),
       help_(terminal),
       folders_(*this),

@@ -29,22 +29,31 @@ std::wstring unescaped(std::wstring_view value) {
 
 }  // namespace
 
-std::wstring Profile::defaultFileName() {
-    return base::joinPath(base::joinPath(base::userSettingsFolder(), L"torvelhost"), L"profile.ini");
+Profile Profile::ofUser() {
+    // Without a width here the Block Attribute Manager shows no column before the user has chosen some.
+    constexpr wchar_t kFirst[] =
+        L"[Dialogs\\\\BAttMan]\n"
+        L"Tag=110\n"
+        L"Prompt=160\n"
+        L"Default=140\n"
+        L"Modes=60\n";
+    return Profile(base::joinPath(base::joinPath(base::userSettingsFolder(), L"torvelhost"), L"profile.ini"), kFirst);
+}
+
+std::wstring Profile::readFile() const {
+    if (!base::isFile(fileName_)) return first_;
+    try {
+        return base::fromUtf8(base::readTextFile(fileName_));
+    } catch (const base::FileError&) {
+        return {};
+    }
 }
 
 Profile::Sections& Profile::sections() {
     if (sections_) return *sections_;
     sections_.emplace();
-    if (!base::isFile(fileName_)) return *sections_;
-    std::wstring text;
-    try {
-        text = base::fromUtf8(base::readTextFile(fileName_));
-    } catch (const base::FileError&) {
-        return *sections_;
-    }
     Section* section = &(*sections_)[L""];
-    for (std::wstring& line : base::split(text, L'\n')) {
+    for (std::wstring& line : base::split(readFile(), L'\n')) {
         if (line.ends_with(L'\r')) line.pop_back();
         if (line.size() > 1 && line.front() == L'[' && line.back() == L']')
             section = &(*sections_)[unescaped(std::wstring_view(line).substr(1, line.size() - 2))];

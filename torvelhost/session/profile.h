@@ -20,10 +20,12 @@ namespace host {
 
 class Profile final : public IProfile {
   public:
-    /// Nothing is read before a setting is asked for.
-    explicit Profile(std::wstring fileName) : fileName_(std::move(fileName)) {}
-    /// The user's own file.
-    static std::wstring defaultFileName();
+    /// Nothing is read before a setting is asked for. `first` are the settings, in the form of a file, where there is
+    /// no file yet.
+    explicit Profile(std::wstring fileName, std::wstring first = {})
+        : fileName_(std::move(fileName)), first_(std::move(first)) {}
+    /// The user's own file, with what suits somebody who has none yet.
+    static Profile ofUser();
 
     bool readText(const wchar_t* section, const wchar_t* key, CXStringW& value) override;
     void writeText(const wchar_t* section, const wchar_t* key, const wchar_t* value) override;
@@ -41,8 +43,9 @@ class Profile final : public IProfile {
     using Sections = std::map<std::wstring, Section, base::LessNoCase>;
     /// The settings, read at the first call. A file that cannot be read counts as an empty one.
     Sections& sections();
+    std::wstring readFile() const;
 
-    std::wstring fileName_;
+    std::wstring fileName_, first_;
     std::optional<Sections> sections_;
     bool changed_ = false;
 };

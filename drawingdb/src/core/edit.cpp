@@ -309,12 +309,16 @@ void Core::swapIdentity(Stub& a, Stub& b, bool extendedData, bool extensionDicti
     place(objectB, a, contentA);
     // Dictionaries and fields that went along belong to the other identity now.
     if (extensionDictionaries) {
-        for (Stub* stub : {&a, &b}) {
+        for (const auto& [stub, before] : {std::pair{&a, &b}, std::pair{&b, &a}}) {
             const OdDbObjectPtr object = open(*stub, OdDb::forRead, true);
             if (Stub* dictionary = byHandle(ObjectAccess::extensionDictionary(*object).handle);
                 dictionary && !dictionary->gone()) {
                 const std::string_view bytes = bytesOf(*dictionary);
-                const std::string moved = rewritten(bytes, dictionary->handle, stub->handle, false, same);
+                const std::string moved =
+                    rewritten(bytes, dictionary->handle, stub->handle, false,
+                              [from = before->handle, to = stub->handle](std::uint64_t handle, bool) {
+                                  return handle == from ? to : handle;  // its reactor
+                              });
                 if (moved != bytes) setBytes(*dictionary, moved);
             }
         }

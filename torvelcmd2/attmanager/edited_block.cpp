@@ -1,0 +1,66 @@
+#include "torvelcmd2/attmanager/edited_block.h"
+
+#include <utility>
+
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "torvelcmd2/attmanager/sync_block.h"
+#include "torvelcmd2/frame/host_binding.h"
+
+namespace torvel {
+namespace {
+
+void regenerate(OdDbDatabase* database) {
+    if (auto* const regenerateDrawing = hostService(hostapi::regenerate)) regenerateDrawing(database);
+}
+
+}  // namespace
+
+EditedBlock::EditedBlock(OdDbDatabasePtr database) : database_(std::move(database)), undo_(database_) {}
+
+void EditedBlock::open(OdDbObjectId block) {
+    block_ = block;
+    level_ = undo_.level();
+    changed_ = false;
+    findDefinitions();
+}
+
+void EditedBlock::findDefinitions() {
+    definitions_.clear();
+    for (OdDbObjectId id : block_.openAs<OdDbBlockTableRecord>()->entities())
+        if (id.isKindOf(OdDbAttributeDefinition::desc())) definitions_.push_back(id);
+}
+
+void EditedBlock::exchange(std::size_t definition, std::size_t other) {
+    const HostLocalUndo::step step(undo_);
+    definitions_[definition].openAs<OdDbAttributeDefinition>(OdDb::forWrite)->swapIdWith(definitions_[other]);
+    changed_ = true;
+}
+
+void EditedBlock::remove(std::size_t definition) {
+    const HostLocalUndo::step step(undo_);
+    definitions_[definition].openAs<OdDbAttributeDefinition>(OdDb::forWrite)->erase();
+    definitions_.erase(definitions_.begin() + static_cast<std::ptrdiff_t>(definition));
+    changed_ = true;
+}
+
+void EditedBlock::synchronize() {
+    syncBlockReferences(block_, definitions_);
+    regenerate(database_.get());
+    keep();
+}
+
+void EditedBlock::keep() {
+    undo_.dropTo(level_);
+    changed_ = false;
+}
+
+void EditedBlock::takeBack() {
+    while (undo_.level() > level_ && undo_.undo()) {
+    }
+    changed_ = false;
+    findDefinitions();
+    regenerate(database_.get());
+}
+
+}  // namespace torvel
