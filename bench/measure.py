@@ -131,6 +131,18 @@ def sync_arguments(output):
     return *commands, "-o", output
 
 
+def regenerated_sync_arguments():
+    return [part for block in BLOCKS for part in ("-c", f"AttSync|Name|{block}|REGEN")]
+
+
+def apply_arguments(folder):
+    """The same, and what the manager adds to it: a definition moved, restore points, the dialog."""
+    settings = folder / "apply.ini"
+    settings.write_text("[Dialogs\\\\BAttMan]\nApplyChanges=1\n")
+    runs = [f"BAttMan|Block = {block}|press Move Down|press Apply|press OK" for block in BLOCKS]
+    return "--profile", settings, *(part for run in runs for part in ("-c", run))
+
+
 def extract_arguments(form, template, output):
     """AttExt for all references; its settings go nowhere else."""
     lines = ["AttExt", f"check {form}", "press Select Objects <", "all", "", f"Output File = {output}", "press OK"]
@@ -157,6 +169,8 @@ def compare_peers(programs, references, rounds, folder):
     jobs["load"] = Job("torvelhost: load", *host(programs, drawing, "-c", ""))
     jobs["save"] = Job("torvelhost: load, save", *host(programs, drawing, "-o", ours))
     jobs["sync"] = Job("torvelhost: load, AttSync, save", *host(programs, drawing, *sync_arguments(ours)))
+    jobs["regenerated"] = Job("torvelhost: load, AttSync and REGEN", *host(programs, drawing, *regenerated_sync_arguments()))
+    jobs["applied"] = Job("torvelhost: load, BAttMan's Apply", *host(programs, drawing, *apply_arguments(folder)))
     jobs["burst"] = Job("torvelhost: load, Burst, save", *host(programs, drawing, "-c", BURST, "-o", our_burst))
     jobs["extract"] = Job("torvelhost: load, AttExt to CDF",
                           *host(programs, drawing, *extract_arguments(CDF, template, our_extract)))
@@ -181,17 +195,18 @@ def compare_peers(programs, references, rounds, folder):
           [[job.name, f"{job.seconds:.3f}", f"{job.processor_seconds:.3f}", mega(job.peak), f"{job.peak / size:.2f}"]
            for job in jobs.values()])
 
-    def ratios(slow, fast):
+    def ratios(slow, fast, digits=1):
         if slow not in jobs:
             return ["not measured", ""]
-        return [f"{jobs[slow].seconds / jobs[fast].seconds:.1f}",
-                f"{jobs[slow].processor_seconds / jobs[fast].processor_seconds:.1f}"]
+        return [f"{jobs[slow].seconds / jobs[fast].seconds:.{digits}f}",
+                f"{jobs[slow].processor_seconds / jobs[fast].processor_seconds:.{digits}f}"]
 
     print()
     table(["ratio", "seconds", "processor", "wanted"], [
         ["load: times the floor", *ratios("load", "floor"), "at most 3"],
         ["load: times faster than dxflib reads", *ratios("dxflib", "load"), "at least 15"],
         ["load, AttSync, save: times faster than ezdxf", *ratios("ezdxf", "sync"), "at least 80"],
+        ["load, BAttMan's Apply: times AttSync and REGEN", *ratios("applied", "regenerated", 2), "at most 1.1"],
         ["load, Burst, save: times faster than ezdxf", *ratios("ezdxf_burst", "burst"), "at least 80"],
         ["load, AttExt: times the floor", *ratios("extract", "floor"), "at most 4"],
         ["load, AttExt: times faster than ezdxf", *ratios("ezdxf_extract", "extract"), "at least 150"],
