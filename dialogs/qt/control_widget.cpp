@@ -159,10 +159,15 @@ QWidget* makePushButton(QWidget* parent) {
 
 // ---- the aspects
 
-QString captionOf(const Control& control) {
+bool isLabelOf(const Control& control, std::uint32_t style) {
+    return control.kind() == ControlKind::kLabel && (control.design->style & style) != 0;
+}
+
+QString captionOf(const Control& control, const QWidget& widget) {
     QString caption = toQt(control.text);
-    const bool plain = control.kind() == ControlKind::kLabel && (control.design->style & kNoPrefixStyle) != 0;
-    return plain ? caption.replace(u'&', QStringLiteral("&&")) : caption;
+    if (isLabelOf(control, kEndEllipsisStyle))
+        caption = widget.fontMetrics().elidedText(caption, Qt::ElideRight, widget.width());
+    return isLabelOf(control, kNoPrefixStyle) ? caption.replace(u'&', QStringLiteral("&&")) : caption;
 }
 
 void showSelection(const Control& field, QWidget* widget) {
@@ -240,9 +245,9 @@ void showItem(const Control& control, QWidget* widget) {
 void showText(const Control& control, QWidget* widget) {
     if (control.isTyped()) return showFieldText(control, widget);
     if (control.kind() == ControlKind::kCombo) return showItem(control, widget);
-    if (auto* const label = qobject_cast<QLabel*>(widget)) label->setText(captionOf(control));
-    if (auto* const box = qobject_cast<QGroupBox*>(widget)) box->setTitle(captionOf(control));
-    if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setText(captionOf(control));
+    if (auto* const label = qobject_cast<QLabel*>(widget)) label->setText(captionOf(control, *label));
+    if (auto* const box = qobject_cast<QGroupBox*>(widget)) box->setTitle(captionOf(control, *box));
+    if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setText(captionOf(control, *button));
 }
 
 // What can only be read looks like the dialog, not like a sheet to write on.

@@ -37,6 +37,7 @@
 #include "dialogs/form_script.h"
 #include "dialogs/qt/control_widget.h"
 #include "dialogs/qt/qt_text.h"
+#include "dialogs/styles.h"
 
 namespace dialogs {
 namespace {
@@ -148,7 +149,8 @@ void QtView::makeControls(Dialog& dialog, QWidget* parent) {
         widget->setGeometry(x(units.x), y(units.y), x(units.x + units.width) - x(units.x),
                             heightOf(*control, widget, height));
         if (!control->takesFocus()) {
-            widget->setAttribute(Qt::WA_TransparentForMouseEvents);
+            const bool isMet = control->kind() == ControlKind::kLabel && (control->design->style & kNotifyStyle) != 0;
+            widget->setAttribute(Qt::WA_TransparentForMouseEvents, !isMet);
             widget->lower();  // a box around controls must not cover them
         }
         for (Aspect aspect : {Aspect::kColumns, Aspect::kPages, Aspect::kChoices, Aspect::kText, Aspect::kSelection,

@@ -23,6 +23,8 @@ void clickItem(const dialogs::Dialog& dialog, int list, int item, int times);
 void turnWheel(const dialogs::Dialog& dialog, int control);
 
 /// ---- what the windows show
+/// Whether the mouse meets the control itself, which then has its tooltip, and not what lies below it.
+bool meets(const dialogs::Dialog& dialog, int control);
 /// -1: none.
 int selectedRow(const dialogs::Dialog& dialog, int list);
 std::string shownText(const dialogs::Dialog& dialog, int dropDown);

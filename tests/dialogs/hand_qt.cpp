@@ -106,6 +106,11 @@ void turnWheel(const dialogs::Dialog& dialog, int control) {
     QCoreApplication::sendEvent(widget->window()->windowHandle(), &turn);
 }
 
+bool meets(const dialogs::Dialog& dialog, int control) {
+    QWidget* const widget = controlWidget(dialog, control);
+    return QApplication::widgetAt(widget->mapToGlobal(widget->rect().center())) == widget;
+}
+
 int selectedRow(const dialogs::Dialog& dialog, int list) {
     const QModelIndexList rows = listWidget(dialog, list)->selectionModel()->selectedRows();
     return rows.isEmpty() ? -1 : rows.front().row();

@@ -121,6 +121,12 @@ void turnWheel(const dialogs::Dialog& dialog, int control) {
     sendMouse(MOUSEEVENTF_WHEEL, -WHEEL_DELTA);
 }
 
+bool meets(const dialogs::Dialog& dialog, int control) {
+    RECT place;
+    GetWindowRect(controlWindow(dialog, control), &place);
+    return WindowFromPoint({place.left + 8, (place.top + place.bottom) / 2}) == controlWindow(dialog, control);
+}
+
 int selectedRow(const dialogs::Dialog& dialog, int list) {
     return ListView_GetNextItem(controlWindow(dialog, list), -1, LVNI_SELECTED);
 }
