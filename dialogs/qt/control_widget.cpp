@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
+#include <QStyleOptionFrame>
 #include <QTabWidget>
 #include <QTextEdit>
 #include <QTreeView>
@@ -103,8 +104,39 @@ class GroupBox final : public QGroupBox {
 };
 
 // It only shows the text and the selection; every key is the view's.
+// Framed as a field of one line is; a frame of its own is lost where the screen's scale is no whole number.
+class RichTextField final : public QTextEdit {
+  public:
+    explicit RichTextField(QWidget* parent) : QTextEdit(parent) {
+        setFrameStyle(QFrame::NoFrame);
+        document()->setDocumentMargin(kMargin);
+    }
+
+  private:
+    static constexpr int kFrame = 2, kMargin = 1;
+
+    // The line stands in the middle.
+    void resizeEvent(QResizeEvent* event) override {
+        const int above = (height() - fontMetrics().height()) / 2 - kMargin;
+        setViewportMargins(kFrame, std::max(above, kFrame), kFrame, kFrame);
+        QTextEdit::resizeEvent(event);
+    }
+
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
+        if (event->type() != QEvent::Paint) return QTextEdit::event(event);
+        QPainter painter(this);
+        QStyleOptionFrame frame;
+        frame.initFrom(this);
+        frame.lineWidth = 1;
+        frame.state |= QStyle::State_Sunken;
+        style()->drawPrimitive(QStyle::PE_PanelLineEdit, &frame, &painter, this);
+        return true;
+    }
+};
+
 QWidget* makeRichEdit(QWidget* parent) {
-    auto* const edit = new QTextEdit(parent);
+    auto* const edit = new RichTextField(parent);
     edit->setReadOnly(true);
     edit->setUndoRedoEnabled(false);
     edit->setLineWrapMode(QTextEdit::NoWrap);
@@ -113,7 +145,6 @@ QWidget* makeRichEdit(QWidget* parent) {
     edit->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     edit->setAttribute(Qt::WA_InputMethodEnabled);
     edit->setAcceptDrops(false);
-    edit->document()->setDocumentMargin(2);
     return edit;
 }
 
@@ -387,7 +418,7 @@ void showAspect(const Control& control, QWidget* widget, Aspect aspect) {
         case Aspect::kVisible:
             return widget->setVisible(control.visible);
         case Aspect::kReadOnly:
-            return control.kind() == ControlKind::kEdit ? showReadOnly(control, widget) : void();
+            return control.isText() ? showReadOnly(control, widget) : void();
         case Aspect::kSelection:
             showItem(control, widget);
             return control.isTyped() ? showSelection(control, widget) : void();

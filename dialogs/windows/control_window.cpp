@@ -170,6 +170,7 @@ void showAspect(const Control& control, HWND window, Aspect aspect) {
             return;
         case Aspect::kReadOnly:
             if (control.isText()) send(window, EM_SETREADONLY, control.readOnly);
+            if (control.kind() == ControlKind::kRichEdit) showRichEnabled(control, window);
             return;
         case Aspect::kSelection:
             showItem(control, window);

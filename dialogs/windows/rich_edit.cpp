@@ -46,10 +46,11 @@ void showRichSelection(const Control& control, HWND window) {
     send(window, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }
 
-// The system leaves a disabled one as it is, which looks as if one could type into it.
+// The system leaves one that is disabled or can only be read as it is, which looks as if one could type into it.
 void showRichEnabled(const Control& control, HWND window) {
     EnableWindow(window, control.enabled);
-    send(window, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(GetSysColor(control.enabled ? COLOR_WINDOW : COLOR_3DFACE)));
+    send(window, EM_SETBKGNDCOLOR, 0,
+         static_cast<LPARAM>(GetSysColor(control.enabled && !control.readOnly ? COLOR_WINDOW : COLOR_3DFACE)));
     CHARFORMAT2W format = {};
     format.cbSize = sizeof format;
     format.dwMask = CFM_COLOR;
