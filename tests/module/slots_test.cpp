@@ -85,7 +85,7 @@ TEST_F(ModuleInHost, RegistersItsCommandsInOrderAndGivesTheFactoryBack) {
                                    {"Wipeout", L"", 0},       {"AttEdit", L"HOST", 2},    {"AttSync", L"", 0},
                                    {"Attdef", L"", 0},        {"AttExt", L"", 0},         {"XLINE", L"", 0},
                                    {"ATTIPedit", L"HOST", 2}, {"ATTIPeditW", L"HOST", 0}, {"BAttMan", L"HOST", 2},
-                                   {"Burst", L"HOST", 2},     {"EAttEdit", L"HOST", 2},  {"VSlide", L"", 0}};
+                                   {"Burst", L"HOST", 2},     {"EAttEdit", L"HOST", 2},   {"VSlide", L"", 0}};
     ASSERT_EQ(host().registrations.size(), rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         EXPECT_EQ(host().registrations[i].name, rows[i].name);
