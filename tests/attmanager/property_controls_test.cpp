@@ -63,6 +63,13 @@ TEST_F(PropertyControls, LineweightsFromText) {
     }
 }
 
+TEST_F(PropertyControls, LineweightsThatAFileMayHold) {
+    for (const std::int32_t kept : {-3, -2, -1, 0, 5, 25, 211}) EXPECT_EQ(storableLineWeight(kept), kept);
+    const std::pair<std::int32_t, std::int32_t> kNearest[] = {
+        {-4, 0}, {-2147483647, 0}, {1, 0}, {27, 25}, {28, 30}, {44, 40}, {46, 50}, {206, 211}, {2147483647, 211}};
+    for (const auto& [weight, nearest] : kNearest) EXPECT_EQ(storableLineWeight(weight), nearest) << weight;
+}
+
 TEST_F(PropertyControls, LineweightsToTextAndBack) {
     const std::vector<OdString> metric = weight_.choices();
     ASSERT_EQ(metric.size(), 27u);

@@ -62,7 +62,23 @@ WORD codeOf(Key key) {
     return 0;
 }
 
-HWND controlWindow(const dialogs::Dialog& dialog, int id) { return GetDlgItem(static_cast<HWND>(dialog.window()), id); }
+// A page's controls lie in a window of the page's own.
+HWND controlWindow(const dialogs::Dialog& dialog, int id) {
+    struct Search {
+        int id;
+        HWND found;
+    } search{id, nullptr};
+    EnumChildWindows(
+        static_cast<HWND>(dialog.window()),
+        [](HWND window, LPARAM searched) -> BOOL {
+            Search& wanted = *reinterpret_cast<Search*>(searched);
+            if (GetDlgCtrlID(window) != wanted.id) return TRUE;
+            wanted.found = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
 
 void sendMouse(DWORD what, int data = 0) {
     INPUT input = {};

@@ -51,6 +51,7 @@ TEST(Services, EveryRowIsExported) {
     EXPECT_TRUE(find(angleToText));
     EXPECT_TRUE(find(textToReal));
     EXPECT_TRUE(find(textToAngle));
+    EXPECT_TRUE(find(getPlotStyleNames));
     EXPECT_TRUE(find(selectEntity));
     EXPECT_TRUE(find(selectNested));
     EXPECT_TRUE(find(selectSet));
