@@ -297,7 +297,7 @@ void QtView::savePicture(const std::wstring& fileName) {
     const QImage picture = root_->grab().toImage().convertToFormat(QImage::Format_RGB888);
     QBuffer bytes;
     bytes.open(QIODevice::WriteOnly);
-    picture.save(&bytes, base::equalsNoCase(base::extensionOf(fileName), L"png") ? "PNG" : "BMP");
+    picture.save(&bytes, base::equalsNoCase(base::extensionOf(fileName), L".png") ? "PNG" : "BMP");
     base::writeFile(fileName, {bytes.data().constData(), static_cast<std::size_t>(bytes.data().size())});
 }
 

@@ -1,12 +1,17 @@
-// What Qt's maker alone has: file dialogs as requests want them, and the host's window that owns dialogs.
+// What Qt's maker alone has: file dialogs as requests want them, pictures of two kinds, and the host's window that owns
+// dialogs.
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <QFileDialog>
 #include <QWidget>
 
+#include "base/files.h"
 #include "base/modules.h"
+#include "base/paths.h"
 #include "dialogs/qt/file_request.h"
 #include "dialogs_test.h"
 #include "tests/dialogs/real_input.h"
+#include "tests/dialogs/script_lines.h"
 
 using namespace dialogs;
 
@@ -44,6 +49,23 @@ TEST(FileRequests, AFileDialogIsWhatTheRequestWants) {
     EXPECT_EQ(save.defaultSuffix(), "csv");
     EXPECT_TRUE(save.testOption(QFileDialog::DontConfirmOverwrite));
     EXPECT_EQ(save.findChild<QWidget*>("fileNameEdit")->property("text").toString(), "parts.csv");
+}
+
+TEST(Pictures, AreOfTheKindThatTheirNameSays) {
+    ScriptLines script;
+    ASSERT_TRUE(useWindows(&script));
+    {
+        const ResourceScope resources(base::processImage());
+        Dialog dialog(IDD_FIELDS);
+        script.lines = {"picture qt_test.png", "picture qt_test.bmp", "close"};
+        dialog.runModal();
+    }
+    useStandard();
+    const std::wstring png = L"qt_test.png", bmp = L"qt_test.bmp";
+    EXPECT_EQ(base::readFile(png).view().substr(1, 3), "PNG");
+    EXPECT_EQ(base::readFile(bmp).view().substr(0, 2), "BM");
+    std::filesystem::remove(base::toPath(png));
+    std::filesystem::remove(base::toPath(bmp));
 }
 
 TEST(Owners, TheHostsWindowOwnsADialogAndThatOneTheNext) {

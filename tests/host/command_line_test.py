@@ -51,6 +51,16 @@ class CommandLine(unittest.TestCase):
     def run_program(self, *arguments, **options):
         return Run(self.folder, *arguments, **options)
 
+    def test_a_user_without_settings_sees_columns_in_the_manager(self):
+        if not IS_NATIVE:
+            self.skipTest("the user's folder is Wine's")
+        doors = str(pathlib.Path(__file__).parents[1] / "battman" / "doors.dxf")
+        env = {**os.environ, "XDG_CONFIG_HOME": str(self.folder / "config")}
+        show = ["-c", "BAttMan|show|close"]
+        fresh = subprocess.run(COMMAND + [doors, *show], cwd=self.folder, capture_output=True, env=env)
+        self.assertIn(" Tag   Prompt Default   Modes\n", fresh.stderr.decode())
+        self.assertNotIn(" Tag ", self.run_program(doors, *show, env=env).errors, "a file that was named")
+
     def test_windows_want_a_screen(self):
         if not IS_NATIVE:
             self.skipTest("there are always windows")

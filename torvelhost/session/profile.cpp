@@ -33,9 +33,9 @@ Profile Profile::ofUser() {
     // Without a width here the Block Attribute Manager shows no column before the user has chosen some.
     constexpr wchar_t kFirst[] =
         L"[Dialogs\\\\BAttMan]\n"
-        L"Tag=110\n"
-        L"Prompt=160\n"
-        L"Default=140\n"
+        L"Tag=90\n"
+        L"Prompt=140\n"
+        L"Default=120\n"
         L"Modes=60\n";
     return Profile(base::joinPath(base::joinPath(base::userSettingsFolder(), L"torvelhost"), L"profile.ini"), kFirst);
 }
