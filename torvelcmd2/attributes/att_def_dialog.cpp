@@ -83,6 +83,7 @@ CAttDefDlg::CAttDefDlg(OdDbDatabase& database)
         enable(IDC_ATTDEF_MULTIPLE_LINES, false);
         setTooltip(IDC_ATTDEF_MULTIPLE_LINES, loadText(IDS_NO_MULTIPLE_LINES));
     }
+    if (!OdDbField::canBeHeld(database)) setTooltip(IDC_ATTDEF_FIELD, loadText(IDS_NO_FIELDS));
     showMultiLine();
     // The row counts in the list that the modes call for.
     const int row = remembered().justification;
@@ -288,7 +289,7 @@ void CAttDefDlg::showMultiLine() {
     show(IDC_ATTDEF_EDITOR, multiLine);
     setReadOnly(IDC_ATTDEF_DEFAULT, multiLine);
     default_.setReadOnly(multiLine);
-    enable(IDC_ATTDEF_FIELD, !multiLine);
+    enable(IDC_ATTDEF_FIELD, !multiLine && OdDbField::canBeHeld(database_));
     fillJustifications(*this, IDC_ATTDEF_JUSTIFICATION, multiLine);
     selectJustification(justification_);
 }

@@ -37,6 +37,9 @@ class DRAWINGDB_API OdDbField : public OdDbObject {
     OdDbField();
     ~OdDbField() override;
 
+    /// Whether files of the drawing's version hold fields.
+    static bool canBeHeld(const OdDbDatabase& database);
+
     /// What getFieldCode and setFieldCode do; the numbers are part of the interface.
     enum CodeFlag {
         kFieldCode = 0,      ///< get: the code as stored, with index markers

@@ -307,6 +307,11 @@ struct OdDbField::Evaluation {
     std::vector<FieldPtr> held;  // so that no other field gets the address of one that was met
 };
 
+bool OdDbField::canBeHeld(const OdDbDatabase& database) {
+    const Core& core = database.core();
+    return core.section(Section::objects) && core.format.version >= allKinds()[rtField].since;
+}
+
 OdDbField::OdDbField() : stored_(std::make_unique<Stored>()) {}
 OdDbField::~OdDbField() = default;
 

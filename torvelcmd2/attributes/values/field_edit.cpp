@@ -297,10 +297,13 @@ OdString FieldEdit::copy() {
     return copied().text;
 }
 
+// In an old drawing a field could not be saved.
+bool FieldEdit::holdsFields() const { return !database_ || OdDbField::canBeHeld(*database_); }
+
 // What another program has copied since has another text, most likely.
 void FieldEdit::paste(const OdString& text) {
     if (text.empty()) return;
-    if (text == copied().text)
+    if (text == copied().text && holdsFields())
         replace(selection(), copied());
     else
         type(text);
@@ -351,6 +354,8 @@ bool FieldEdit::isAvailable(Command command) const {
         case kUpdateField:
         case kConvertFieldToText:
             return !fieldsToWorkOn().empty();
+        case kInsertField:
+            return holdsFields();
         case kSelectAll:
             return !text_.empty();
         default:

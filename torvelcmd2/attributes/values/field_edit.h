@@ -124,6 +124,7 @@ class FieldEdit {
     const FieldEntry& entryOf(std::int32_t number) const;
     std::vector<std::int32_t> fieldsToWorkOn() const;
 
+    bool holdsFields() const;
     void editField();
     void updateFields();
     void convertFieldsToText();
