@@ -23,6 +23,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTextEdit>
@@ -267,11 +268,19 @@ void QtView::showFocus(Control* control) {
         if (auto* const push = qobject_cast<QPushButton*>(button)) push->setDefault(shown == ofEnter);
 }
 
-// Also before it is laid out.
+// Also before it is laid out, when there is no scroll bar yet.
 int QtView::listWidth(const Control& list) {
-    const auto* const items = static_cast<QAbstractItemView*>(widgetOf(list));
-    const QScrollBar* const bar = items->verticalScrollBar();
-    return items->width() - 2 * items->frameWidth() - (items->isVisible() && bar->isVisible() ? bar->width() : 0);
+    const auto* const view = static_cast<QTreeView*>(widgetOf(list));
+    const QScrollBar* const bar = view->verticalScrollBar();
+    bool hasBar = view->isVisible() && bar->isVisible();
+    if (!view->isVisible()) {
+        const int rowHeight =
+            std::max(view->fontMetrics().height(), view->sizeHintForRow(0));  // columns may come later
+        const int room = view->height() - 2 * view->frameWidth() - view->header()->sizeHint().height();
+        hasBar = list.itemCount() > room / rowHeight;
+    }
+    const int barWidth = view->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, bar);
+    return view->width() - 2 * view->frameWidth() - (hasBar ? barWidth : 0);
 }
 
 PixelRect QtView::place() {

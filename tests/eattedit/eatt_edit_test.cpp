@@ -1,5 +1,7 @@
 // Where texts are once they are justified in the Enhanced Attribute Editor, with each maker, and which attribute it
 // opens with.
+#include "torvelcmd2/attmanager/eatt_edit.h"
+
 #include <algorithm>
 
 #include "base/text.h"
@@ -113,6 +115,25 @@ TEST_P(Editor, DoesNotGoOnToWhatHasNoAttributes) {
     EXPECT_EQ(dialog.current(), sign_.attributes[1]);
     ASSERT_TRUE(dialog.load(sign_.id, bareId));
     EXPECT_EQ(dialog.current(), sign_.attributes[0]);
+}
+
+TEST_P(Editor, TheExportTellsWhatWasCurrentInTheEnd) {
+    const dialogs::ResourceScope resources(base::processImage());
+    OdDbObjectId reference = sign_.id, attribute = sign_.attributes[1];
+    script_.lines = {"Value = other", "row LINES", "press OK"};
+    EXPECT_EQ(doEAttEdit(reference, attribute), 0);
+    EXPECT_EQ(reference, sign_.id);
+    EXPECT_EQ(attribute, sign_.attributes[2]);
+    EXPECT_EQ(sign_.attribute(1)->textString(), L"other");
+    attribute = OdDbObjectId();
+    script_.lines = {"Value = lost", "press Cancel"};
+    EXPECT_EQ(doEAttEdit(reference, attribute), 1);
+    EXPECT_EQ(sign_.attribute(0)->textString(), L"some value");
+    // There is no host that could ask for one.
+    reference = sign_.attributes[0];
+    EXPECT_EQ(doEAttEdit(reference, attribute), 1);
+    EXPECT_TRUE(reference.isNull());
+    EXPECT_EQ(doEAttEdit(reference, attribute), 1);
 }
 
 // Whoever goes back from outside must not stop at a mark of the dialog's.

@@ -15,6 +15,13 @@ OdDbObjectId impliedReference() {
     return !selected.empty() && blockHasAttributes(selected.front(), true) ? selected.front() : OdDbObjectId();
 }
 
+// That of the reference, or the active one where there is none; null: no drawing is open.
+OdDbDatabase* drawingOf(OdDbObjectId reference) {
+    if (reference) return reference.database();
+    HostDocument* const document = activeDocument();
+    return document ? document->database() : nullptr;
+}
+
 // The one chosen before stays when the user has none, or one without attributes.
 void chooseOther(CEAttEditDlg& dialog) {
     OdDbObjectId reference, attribute;
@@ -55,8 +62,10 @@ CMD_RUNSTATUS EAttEditCmd::run() {
 
 extern "C" int doEAttEdit(OdDbObjectId& blockRef, OdDbObjectId& attribute) {
     using namespace torvel;
+    OdDbDatabase* const database = drawingOf(blockRef);
+    if (!database) return 1;
     const ModuleResources resources;
-    CEAttEditDlg dialog(*reachDocument().database);
+    CEAttEditDlg dialog(*database);
     // A block can have definitions, and this reference of it no attributes.
     while (!dialog.load(blockRef, attribute)) {
         attribute = OdDbObjectId();
