@@ -92,12 +92,13 @@ class GroupBox final : public QGroupBox {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         const int line = fontMetrics().height(), indent = line / 2;
-        painter.setPen(palette().color(QPalette::Mid));
-        painter.drawRect(rect().adjusted(0, line / 2, -1, -1));
-        if (title().isEmpty()) return;
         const QSize size = fontMetrics().size(Qt::TextShowMnemonic, title());
-        const QRect place(indent, 0, size.width() + indent, line);
-        painter.fillRect(place, palette().color(QPalette::Window));
+        const QRect place(indent, 0, title().isEmpty() ? 0 : size.width() + indent, line);
+        painter.setPen(palette().color(QPalette::Mid));
+        painter.setClipRegion(QRegion(rect()) - place);
+        // Not at the very edge, which is cut off where the screen's scale is no whole number.
+        painter.drawRect(rect().adjusted(1, line / 2, -2, -2));
+        painter.setClipping(false);
         style()->drawItemText(&painter, place, Qt::AlignCenter | Qt::TextShowMnemonic, palette(), isEnabled(), title(),
                               QPalette::WindowText);
     }
