@@ -1,5 +1,7 @@
 // The dialog as other modules call it: the command module and a module of another maker are loaded, this program is
 // their host.
+#include <algorithm>
+
 #include "base/files.h"
 #include "dialogs/dialog.h"
 #include "drawingdb/block.h"
@@ -40,7 +42,8 @@ class AttEditExports : public EachMaker {
         before_ = bytes();
     }
     void TearDown() override {
-        host() = {};
+        host().database.reset();
+        host().keywords.clear();
         EachMaker::TearDown();
     }
 
@@ -108,7 +111,7 @@ TEST_P(AttEditExports, AskAgainForAValueThatHadAField) {
 TEST_P(AttEditExports, EditAReference) {
     for (const wchar_t* kind : {L"rich", L"poor"}) {
         const LoadedServices services(kind);
-        EXPECT_EQ(edit(object(0x80), {"type Number: x", "press Cancel"}), 0);
+        EXPECT_EQ(edit(object(0x80), {"type Number: x", "key Tab", "SIZE? = y", "key Tab", "press Cancel"}), 0);
         EXPECT_TRUE(bytes() == before_);
         EXPECT_EQ(edit(object(0x80), {"press OK"}), 1);
         EXPECT_TRUE(bytes() == before_);
@@ -118,6 +121,31 @@ TEST_P(AttEditExports, EditAReference) {
     EXPECT_EQ(edit(object(0x80), {"SIZE? = 1", "press OK"}), 1);
     EXPECT_EQ(object(0x82).openAs<OdDbAttribute>()->textString(), L"1");
     EXPECT_EQ(host().database->undoGroupDepth(), 0);
+}
+
+// A host without undo groups has no scope that would take back what was cancelled; the dialog does.
+TEST_P(AttEditExports, WorkForTheCommandInAnyHost) {
+    const auto command = std::ranges::find(host().registrations, "AttEdit", &fake::Registration::name);
+    ASSERT_NE(command, host().registrations.end());
+    const auto run = [&](const LoadedServices& services, std::deque<std::string> lines) {
+        services->picks = {hostapi::Pick()};
+        services->picks.front()->entity = object(0x80);
+        script_.lines = std::move(lines);
+        ICmdProcess* created = nullptr;
+        command->creator(&created);
+        const CMD_RUNSTATUS status = created->run();
+        created->release();
+        return status;
+    };
+    for (const wchar_t* kind : {L"rich", L"poor"}) {
+        const LoadedServices services(kind);
+        EXPECT_EQ(run(services, {"SIZE? = x", "key Tab", "press Cancel"}), kCommandCancelled);
+        EXPECT_TRUE(bytes() == before_);
+        EXPECT_EQ(run(services, {"SIZE? = x", "press OK"}), kCommandFinished);
+        EXPECT_EQ(object(0x82).openAs<OdDbAttribute>()->textString(), L"x");
+        EXPECT_EQ(host().database->undoGroupDepth(), 0);
+        before_ = bytes();
+    }
 }
 
 // There is no dialog that would take a line.
