@@ -1,7 +1,9 @@
 #include "dialogs/form_script.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -116,41 +118,53 @@ std::optional<int> takeLastNumber(std::wstring_view& text) {
 
 namespace {
 
-std::wstring folded(std::wstring_view name) {
-    std::wstring text;
-    for (std::size_t i = 0; i < name.size();) base::appendCharacter(text, base::foldCase(base::nextCharacter(name, i)));
-    return text;
+std::size_t exactHash(std::wstring_view name) { return std::hash<std::wstring_view>()(name); }
+
+std::size_t foldedHash(std::wstring_view name) {
+    std::wstring folded;
+    for (std::size_t i = 0; i < name.size();)
+        base::appendCharacter(folded, base::foldCase(base::nextCharacter(name, i)));
+    return exactHash(folded);
 }
+
+bool isExact(std::wstring_view a, std::wstring_view b) { return a == b; }
+bool isAnyCase(std::wstring_view a, std::wstring_view b) { return base::equalsNoCase(a, b); }
 
 }  // namespace
 
-template <class Key, class KeyOf>
-void ItemNames::fill(Places<Key>& places, int count, KeyOf keyOf) {
-    places.first.reserve(static_cast<std::size_t>(count));
-    places.next.assign(static_cast<std::size_t>(count), -1);
-    for (int i = count - 1; i >= 0; --i) {
-        const auto [first, isNew] = places.first.try_emplace(keyOf(i), i);
-        if (!isNew) places.next[static_cast<std::size_t>(i)] = std::exchange(first->second, i);
+ItemNames::ItemNames(const Control& list)
+    : list_(&list), exact_{exactHash, isExact, {}, {}}, inAnyCase_{foldedHash, isAnyCase, {}, {}} {}
+
+// Its own, or the free one where it belongs.
+int& ItemNames::slotOf(Places& places, std::wstring_view name) const {
+    const std::size_t mask = places.heads.size() - 1;
+    std::size_t slot = places.hash(name) & mask;
+    while (places.heads[slot] >= 0 && !places.alike(itemName(*list_, places.heads[slot]), name))
+        slot = (slot + 1) & mask;
+    return places.heads[slot];
+}
+
+void ItemNames::fill(Places& places) const {
+    const auto count = static_cast<std::size_t>(list_->itemCount());
+    places.heads.assign(std::bit_ceil(2 * count + 1), -1);
+    places.next.resize(count);
+    for (std::size_t i = count; i-- > 0;) {
+        int& slot = slotOf(places, itemName(*list_, static_cast<int>(i)));
+        places.next[i] = std::exchange(slot, static_cast<int>(i));
     }
 }
 
-template <class Key>
-int ItemNames::nth(const Places<Key>& places, const Key& name, std::size_t n) {
-    const auto first = places.first.find(name);
-    int item = first == places.first.end() || n == 0 ? -1 : first->second;
+int ItemNames::nth(Places& places, std::wstring_view name, std::size_t n) const {
+    if (places.heads.empty()) fill(places);
+    int item = n == 0 ? -1 : slotOf(places, name);
     for (std::size_t alike = 1; item >= 0 && alike < n; ++alike) item = places.next[static_cast<std::size_t>(item)];
     return item;
 }
 
 int ItemNames::find(std::wstring_view name, std::size_t n) {
-    const int count = list_->itemCount();
-    const auto nameOf = [&](int i) { return std::wstring_view(itemName(*list_, i)); };
-    if (!exact_) fill(exact_.emplace(), count, nameOf);
-    if (const int exact = nth(*exact_, name, n); exact >= 0) return exact;
+    if (const int exact = nth(exact_, name, n); exact >= 0) return exact;
     // A number has no case.
-    if (base::toUpper(name) == base::toLower(name)) return -1;
-    if (!folded_) fill(folded_.emplace(), count, [&](int i) { return folded(nameOf(i)); });
-    return nth(*folded_, folded(name), n);
+    return base::toUpper(name) == base::toLower(name) ? -1 : nth(inAnyCase_, name, n);
 }
 
 struct FormScript::Verb {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "dialogs/run.h"
@@ -13,27 +12,26 @@ namespace dialogs {
 /// Where the items of a list are, by their names: a long list is worked by many lines. Good until its items change.
 class ItemNames {
   public:
-    explicit ItemNames(const Control& list) : list_(&list) {}
+    explicit ItemNames(const Control& list);
 
     const Control& list() const { return *list_; }
     /// The nth item of that name; an exact name wins over one in other case. -1: there is none.
     int find(std::wstring_view name, std::size_t n);
 
   private:
-    template <class Key>
+    /// A hash table of items by one idea of what names are alike; built for a list's thousands of rows at one line.
     struct Places {
-        std::unordered_map<Key, int> first;
-        std::vector<int> next;  // the next item of the same name; -1: none
+        std::size_t (*hash)(std::wstring_view name);
+        bool (*alike)(std::wstring_view a, std::wstring_view b);
+        std::vector<int> heads;  // the first item of a name; -1: free. A power of two, at most half full
+        std::vector<int> next;   // the next item of the same name; -1: none
     };
-    template <class Key, class KeyOf>
-    static void fill(Places<Key>& places, int count, KeyOf keyOf);
-    template <class Key>
-    static int nth(const Places<Key>& places, const Key& name, std::size_t n);
+    int& slotOf(Places& places, std::wstring_view name) const;
+    void fill(Places& places) const;
+    int nth(Places& places, std::wstring_view name, std::size_t n) const;
 
     const Control* list_;
-    // Made when they are first wanted; the keys of the first are the items' own names.
-    std::optional<Places<std::wstring_view>> exact_;
-    std::optional<Places<std::wstring>> folded_;
+    Places exact_, inAnyCase_;  // filled when they are first wanted
 };
 
 class FormScript {

@@ -72,6 +72,20 @@ TEST_F(ManagerDialogs, ADefinitionThatCannotBeReadShowsSo) {
                                      L"layer:?", L"ltype:?", L"color:?", L"lweight:?", L"pltstyle:?"}));
 }
 
+// An anonymous block is not offered, but a reference of it can be picked.
+TEST_F(ManagerDialogs, ABlockThatIsNotOfferedCanBeChosen) {
+    const OdDbObjectId anonymous = OdDbBlockTableRecord::addNew(*database_, L"*U7");
+    torvel::CBAttManDlg dialog(database_, {{door_, L"DOOR"}});
+    dialog.chooseBlock(anonymous);
+    EXPECT_EQ(dialog.text(IDC_BATTMAN_BLOCK), L"*U7");
+    EXPECT_EQ(dialog.rowCount(IDC_BATTMAN_LIST), 0);
+    EXPECT_FALSE(dialog.isEnabled(IDC_BATTMAN_EDIT));
+    dialog.chooseBlock(door_);
+    EXPECT_EQ(dialog.text(IDC_BATTMAN_BLOCK), L"DOOR");
+    EXPECT_EQ(dialog.rowCount(IDC_BATTMAN_LIST), 7);
+    EXPECT_EQ(dialog.choiceCount(IDC_BATTMAN_BLOCK), 2);
+}
+
 #if defined(TORVEL_REAL_INPUT)
 TEST_F(ManagerDialogs, AreWorkedByMouseAndKeys) {
     const OwnDesktop desktop;
