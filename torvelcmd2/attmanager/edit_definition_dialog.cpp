@@ -53,7 +53,10 @@ void CAttDefEditPage::showDefault(const OdDbAttributeText& attribute) {
     const bool single = !attribute.isMultiLine();
     single ? default_.load(attribute) : default_.loadForReading(attribute);
     enable(IDC_DEFINITION_DEFAULT, single);
-    setTooltip(IDC_DEFINITION_EDITOR, single ? loadText(IDS_ATTDEF_INSERT_FIELD) : OdString());
+    const bool hasFields = OdDbField::canBeHeld(editor().database());
+    enable(IDC_DEFINITION_EDITOR, !single || hasFields);
+    setTooltip(IDC_DEFINITION_EDITOR,
+               !single ? OdString() : loadText(hasFields ? IDS_ATTDEF_INSERT_FIELD : IDS_NO_FIELDS));
     refreshRichText(IDC_DEFINITION_DEFAULT);
     setModified(IDC_DEFINITION_DEFAULT, false);
 }
