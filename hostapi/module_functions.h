@@ -28,7 +28,8 @@ using AttributeValues = std::vector<boost::tuple<OdSmartPtr<OdDbAttributeDefinit
 inline constexpr Service<int(const OdDbObjectId& blockReference)> ShowAttEditDialogEx{kCommandModule,
                                                                                       "ShowAttEditDialogEx"};
 /// Attributes that are yet to be made, of a block that is named. `transform` takes the block's coordinates to the
-/// world's. After OK (1) the values are those that the user gave; after Cancel (0) they are as they were.
+/// world's. After OK (1) the values are those that the user gave, and what a string cannot hold is in the definition
+/// (docs/hosts.md tells what to do about that); after Cancel (0) all is as it was.
 inline constexpr Service<int(const OdString& blockName, AttributeValues& values, const OdGeMatrix3d& transform)>
     ShowAttEditDialog{kCommandModule, "ShowAttEditDialog"};
 /// Values, text options and properties of one reference's attributes, with `attribute` (or null) current at first. Both
