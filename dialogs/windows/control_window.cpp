@@ -1,5 +1,9 @@
 #include "dialogs/windows/control_window.h"
 
+#include <algorithm>
+#include <stdexcept>
+
+#include "base/text.h"
 #include "dialogs/dialog.h"
 #include "dialogs/windows/rich_edit.h"
 
@@ -30,11 +34,15 @@ void showSelection(const Control& control, HWND window) {
 }
 
 void showRow(const Control& list, HWND window) {
-    if (ListView_GetNextItem(window, -1, LVNI_SELECTED) != list.selected) {
-        ListView_SetItemState(window, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-        ListView_SetItemState(window, list.selected, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    constexpr UINT kState = LVIS_SELECTED | LVIS_FOCUSED;
+    if (list.selected < 0) {
+        if (ListView_GetSelectedCount(window) != 0) ListView_SetItemState(window, -1, 0, kState);
+        return;
     }
-    if (list.selected >= 0) ListView_EnsureVisible(window, list.selected, FALSE);
+    // The one that was selected is so no more: there is but one.
+    if ((ListView_GetItemState(window, list.selected, LVIS_SELECTED) & LVIS_SELECTED) == 0)
+        ListView_SetItemState(window, list.selected, kState, kState);
+    ListView_EnsureVisible(window, list.selected, FALSE);
 }
 
 // The choice, row or page selected.
@@ -75,22 +83,12 @@ void showChoices(const Control& control, HWND window) {
     showItem(control, window);
 }
 
+// The window asks for what it shows of them.
 void showRows(const Control& control, HWND window) {
     if (control.kind() != ControlKind::kListView) return;
-    send(window, WM_SETREDRAW, FALSE);
-    ListView_DeleteAllItems(window);
-    for (std::size_t row = 0; row < control.rows.size(); ++row) {
-        LVITEMW item = {};
-        item.iItem = static_cast<int>(row);
-        send(window, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-        for (const std::wstring& cell : control.rows[row].cells) {
-            item.pszText = const_cast<wchar_t*>(cell.c_str());
-            send(window, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
-            ++item.iSubItem;
-        }
-    }
+    if (ListView_GetItemCount(window) != control.itemCount())
+        ListView_SetItemCountEx(window, control.itemCount(), LVSICF_NOSCROLL);
     showItem(control, window);
-    send(window, WM_SETREDRAW, TRUE);
     InvalidateRect(window, nullptr, TRUE);
 }
 
@@ -148,7 +146,11 @@ HWND editOf(const Control& control, HWND window) {
 }
 
 void prepareWindow(const Control& control, HWND window) {
-    if (control.kind() == ControlKind::kListView) ListView_SetExtendedListViewStyle(window, LVS_EX_FULLROWSELECT);
+    if (control.kind() == ControlKind::kListView) {
+        if ((control.design->style & LVS_OWNERDATA) == 0)
+            throw std::logic_error("list view " + std::to_string(control.id()) + " is not LVS_OWNERDATA");
+        ListView_SetExtendedListViewStyle(window, LVS_EX_FULLROWSELECT);
+    }
     if (control.kind() == ControlKind::kRichEdit) prepareRichEdit(window);
 }
 
@@ -219,6 +221,23 @@ int shownItem(const Control& control, HWND window) {
         default:
             return -1;
     }
+}
+
+void giveCell(const Control& list, NMLVDISPINFOW& wanted) {
+    const auto row = static_cast<std::size_t>(wanted.item.iItem), cell = static_cast<std::size_t>(wanted.item.iSubItem);
+    if ((wanted.item.mask & LVIF_TEXT) == 0 || row >= list.rows.size() || cell >= list.rows[row].cells.size()) return;
+    wanted.item.pszText = const_cast<wchar_t*>(list.rows[row].cells[cell].c_str());
+}
+
+int findRow(const Control& list, const NMLVFINDITEMW& wanted) {
+    if ((wanted.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) == 0 || !wanted.lvfi.psz || list.columns.empty()) return -1;
+    const int count = list.itemCount();
+    for (int step = 0; step < count; ++step) {
+        const int row = (std::max(wanted.iStart, 0) + step) % count;
+        const std::vector<std::wstring>& cells = list.rows[static_cast<std::size_t>(row)].cells;
+        if (!cells.empty() && base::startsWithNoCase(cells.front(), wanted.lvfi.psz)) return row;
+    }
+    return -1;
 }
 
 bool isDroppedDown(const Control& control, HWND window) { return isCombo(control) && send(window, CB_GETDROPPEDSTATE); }

@@ -27,6 +27,10 @@ HWND editOf(const Control& control, HWND window);
 void noteText(Control& control, HWND window);
 void noteSelection(Control& control, HWND window);
 void noteColumns(Control& list, HWND window);
+/// The text that a list view asks for.
+void giveCell(const Control& list, NMLVDISPINFOW& wanted);
+/// The row that letters typed lead to; -1: none.
+int findRow(const Control& list, const NMLVFINDITEMW& wanted);
 /// The choice or page that the window shows selected; -1: none.
 int shownItem(const Control& control, HWND window);
 bool isDroppedDown(const Control& control, HWND window);

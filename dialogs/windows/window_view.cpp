@@ -477,10 +477,15 @@ INT_PTR WindowView::onNotify(HWND dialog, const NMHDR& header, LPARAM data) {
             if (header.code == LVN_ITEMCHANGING) return messageResult(dialog, selectedNow && !moveFocus(*control));
             if (selectedNow)
                 userChose(*control, change.iItem);
-            else if (control->selected == change.iItem)
+            else if (change.iItem < 0 || control->selected == change.iItem)  // below 0: all of them
                 control->selected = -1;
             return TRUE;
         }
+        case LVN_GETDISPINFOW:
+            giveCell(*control, *reinterpret_cast<NMLVDISPINFOW*>(data));
+            return TRUE;
+        case LVN_ODFINDITEMW:
+            return messageResult(dialog, findRow(*control, *reinterpret_cast<const NMLVFINDITEMW*>(data)));
         case NM_DBLCLK:
             if (control->kind() == ControlKind::kListView) userDoubleClicked(*control, control->selected);
             return TRUE;
