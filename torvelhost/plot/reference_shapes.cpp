@@ -23,12 +23,12 @@ OdGeVector3d normalOf(const std::vector<PlotGroup>& groups) {
 DisplayList::Reference referenceOf(const OdDbBlockReference& reference) {
     DisplayList::Reference item;
     item.block = reference.blockTableRecord();
-    item.transform = reference.blockTransform();
-    item.columns = reference.columns();
-    item.rows = reference.rows();
     const drawingdb::ReferenceCells cells(reference);
-    item.columnStep = cells.offset(0, 1);
-    item.rowStep = cells.offset(1, 0);
+    item.transform = cells.transform(0, 0);
+    item.columns = cells.columns();
+    item.rows = cells.rows();
+    if (item.columns > 1) item.columnStep = cells.offset(0, 1);
+    if (item.rows > 1) item.rowStep = cells.offset(1, 0);
     return item;
 }
 

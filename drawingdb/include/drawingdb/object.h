@@ -152,6 +152,7 @@ class DRAWINGDB_API OdDbObject : public OdRxObject {
     bool writable_ = true;
     bool dirty_ = false;
     bool runsChanged_ = false;
+    bool hasFileXData_ = false;    // those bytes hold extended data
     bool withoutMarkers_ = false;  // the record was read as one of a file without subclass markers
     bool reactorsChanged_ = false;
 };

@@ -10,14 +10,15 @@ namespace drawingdb {
 class ReferenceCells {
   public:
     explicit ReferenceCells(const OdDbBlockReference& reference)
-        : reference_(reference),
-          axes_(OdGeMatrix3d::planeToWorld(reference.normal()) *
-                OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis)),
-          first_(reference.blockTransform()) {}
+        : reference_(reference), first_(reference.blockTransform()) {
+        if (rows() > 1 || columns() > 1)
+            axes_ = OdGeMatrix3d::planeToWorld(reference.normal()) *
+                    OdGeMatrix3d::rotation(reference.rotation(), OdGeVector3d::kZAxis);
+    }
 
     int rows() const { return reference_.rows(); }
     int columns() const { return reference_.columns(); }
-    /// From the first cell to another, in the coordinates that the reference lies in.
+    /// From the first cell to another that there is, in the coordinates that the reference lies in.
     OdGeVector3d offset(int row, int column) const {
         return axes_ * OdGeVector3d(column * reference_.columnSpacing(), row * reference_.rowSpacing(), 0);
     }
@@ -28,8 +29,8 @@ class ReferenceCells {
 
   private:
     const OdDbBlockReference& reference_;
-    OdGeMatrix3d axes_;
     OdGeMatrix3d first_;
+    OdGeMatrix3d axes_;  // of a multiple reference
 };
 
 }  // namespace drawingdb

@@ -377,6 +377,7 @@ void Core::requireWritable() const {
 
 void Core::decode(OdDbObject& object, std::string_view bytes) {
     ObjectAccess::source(object) = bytes;
+    ObjectAccess::hasFileXData(object) = false;
     const auto fault = [&](const Group& group, const char* expected) {
         if (toldFaults_.size() >= 100 || !toldFaults_.insert(group.begin).second) return;
         warnAt(group.begin, "group " + std::to_string(group.code) + " of " + object.dxfName() + " #" +
@@ -473,6 +474,7 @@ bool Core::store(OdDbObject& object) {
         if (!fresh) log(stub, Step::content, ObjectAccess::closedContent(object));
         ObjectAccess::closedContent(object) = Arena::contentOf(body);
         ObjectAccess::source(object) = body->view();
+        if (ObjectAccess::newXData(object)) ObjectAccess::hasFileXData(object) = true;
         if (stub.owner && stubs[stub.owner].type == rtTable) forgetNames();
         moved = stub.type == rtInsert && !fresh;
     }

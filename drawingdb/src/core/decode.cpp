@@ -43,6 +43,7 @@ class Reading {
                     takeControl(walk_.group());
                     break;
                 case RecordPart::extendedData:
+                    ObjectAccess::hasFileXData(object_) = true;
                     endChunks();
                     return findings_;
                 default:

@@ -195,7 +195,7 @@ std::vector<OdDbGroup> OdDbObject::xData(const OdString& application) const {
                                 [&](const OdDbGroup& g) { return g.code == 1001 && g.text == name; });
     };
     const auto wanted = [&] { return application.empty() || current == application; };
-    if (database_) {
+    if (hasFileXData_) {
         const FileFormat& format = database_->core().format;
         GroupCursor cursor(source_, format);
         Group group;

@@ -33,6 +33,7 @@ struct ObjectAccess {
     static std::string_view& source(OdDbObject& o) { return o.source_; }
     static std::uintptr_t& closedContent(OdDbObject& o) { return o.closedContent_; }
     static bool& writable(OdDbObject& o) { return o.writable_; }
+    static bool& hasFileXData(OdDbObject& o) { return o.hasFileXData_; }
     static bool& withoutMarkers(OdDbObject& o) { return o.withoutMarkers_; }
     static bool withoutMarkers(const OdDbObject& o) { return o.withoutMarkers_; }
     static bool& dirty(OdDbObject& o) { return o.dirty_; }

@@ -31,13 +31,6 @@ bool holdsLock(const std::vector<OdDbGroup>& data) {
     return data.size() > 2 && data[1].code == 1070 && data[2].code == 1070;
 }
 
-// Whether the name may stand in the record, as more than the beginning of a subclass marker.
-bool namesApplication(std::string_view record, std::string_view name) {
-    for (std::size_t at = record.find(name); at != std::string_view::npos; at = record.find(name, at + name.size()))
-        if (at + name.size() == record.size() || record[at + name.size()] != 'i') return true;
-    return false;
-}
-
 OdDbGroup textGroup(int code, std::string_view text) {
     OdDbGroup group;
     group.code = code;
@@ -146,7 +139,7 @@ void OdDbAttributeText::registerApplications() {
 
 // AnnotativeData, and in braces its version and whether it holds.
 bool OdDbAttributeText::isAnnotative() const {
-    if (!newXData_ && !namesApplication(source_, kAnnotativeApplication)) return false;
+    if (!newXData_ && !hasFileXData_) return false;
     const std::vector<OdDbGroup> data = xData(base::widen(kAnnotativeApplication));
     return data.size() > 4 && data[4].integer != 0;
 }
@@ -163,7 +156,7 @@ void OdDbAttributeText::setAnnotative(bool on) {
 
 void OdDbAttributeText::afterDecode() {
     OdDbText::afterDecode();
-    if (lockPosition_ == 0 && locksByXData() && namesApplication(source_, kLockApplication)) {
+    if (lockPosition_ == 0 && hasFileXData_ && locksByXData()) {
         const std::vector<OdDbGroup> data = xData(base::widen(kLockApplication));
         if (holdsLock(data) && data[2].integer != 0) lockPosition_ = 1;
     }

@@ -21,16 +21,6 @@ namespace {
 constexpr std::size_t kMostPieces = 1'000'000;
 constexpr wchar_t kTooMany[] = L"contents are more than a million pieces";
 
-// How the places of a multiple reference lie apart from the first.
-std::vector<OdGeMatrix3d> placesOf(const OdDbBlockReference& reference) {
-    const drawingdb::ReferenceCells cells(reference);
-    std::vector<OdGeMatrix3d> places;
-    for (int row = 0; row < cells.rows(); ++row)
-        for (int column = 0; column < cells.columns(); ++column)
-            places.push_back(OdGeMatrix3d::translation(cells.offset(row, column)));
-    return places;
-}
-
 // An attribute may be invisible by its mode, or hidden as any entity may be.
 bool isShown(const OdDbAttributeText& attribute) { return !attribute.isInvisible() && !attribute.isInvisibleEntity(); }
 
@@ -89,16 +79,18 @@ bool ReferenceBurster::burstContents(const OdDbBlockReference& reference, const 
         return false;
     }
     within_.push_back(block);
-    const OdGeMatrix3d blockTransform = reference.blockTransform();
-    for (const OdGeMatrix3d& step : placesOf(reference)) {
-        const OdGeMatrix3d place = outer * step;
-        if (pieces_ + definition.entities.size() > kMostPieces) {
-            obstacle_ = kTooMany;
-            return false;
+    const drawingdb::ReferenceCells places(reference);
+    for (int row = 0; row < places.rows(); ++row) {
+        for (int column = 0; column < places.columns(); ++column) {
+            if (pieces_ + definition.entities.size() > kMostPieces) {
+                obstacle_ = kTooMany;
+                return false;
+            }
+            const OdGeMatrix3d contents = outer * places.transform(row, column);
+            if (!copyEntities(definition, contents)) return false;
+            addConstants(definition, contents);
+            addAttributes(reference, outer * OdGeMatrix3d::translation(places.offset(row, column)));
         }
-        if (!copyEntities(definition, place * blockTransform)) return false;
-        addConstants(definition, place * blockTransform);
-        addAttributes(reference, place);
     }
     within_.pop_back();
     return true;
