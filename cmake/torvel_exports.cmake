@@ -38,3 +38,13 @@ function(torvel_exports target list_file)
   endif()
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${file}")
 endfunction()
+
+# torvel_bind_functions(TARGET)
+#
+# A shared library without a list calls its own functions, and names them in its tables of virtual functions, without
+# asking for them by name each time it is loaded.
+function(torvel_bind_functions target)
+  if(NOT WIN32)
+    target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
+  endif()
+endfunction()
