@@ -1,6 +1,7 @@
 #include "base/console.h"
 #include "base/text.h"
 #include "dialogs/maker.h"
+#include "dialogs/run.h"
 
 namespace dialogs {
 namespace {
@@ -65,7 +66,24 @@ bool useWindows(LineSource* script, Waiting waiting, std::wstring* reason) {
     return true;
 }
 
-bool isDialogOpen() { return Process::instance().current != nullptr; }
+namespace {
+
+// The inner one goes first and comes last.
+void setShown(Run* run, bool on) {
+    if (!run) return;
+    if (on) setShown(run->outer(), on);
+    if (run->view()) run->view()->setShown(on);
+    if (!on) setShown(run->outer(), on);
+}
+
+}  // namespace
+
+HiddenWindows::HiddenWindows() {
+    if (!Process::instance().lines) setShown(Process::instance().current, false);
+}
+HiddenWindows::~HiddenWindows() {
+    if (!Process::instance().lines) setShown(Process::instance().current, true);
+}
 
 void useMainWindow(void* window) { Process::instance().mainWindow = window; }
 

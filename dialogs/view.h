@@ -73,6 +73,7 @@ class DIALOGS_API View {
     virtual void work() = 0;
     /// The handle of the window; null: there is none.
     virtual void* window() { return nullptr; }
+    virtual void setShown(bool) {}
     virtual void titleChanged() = 0;
     virtual void changed(Control& control, Aspect aspect) = 0;
     /// A page was initialised and is to be shown from now on.

@@ -239,6 +239,13 @@ QWidget* QtView::widgetOf(const Control& control) const {
 
 // ---- showing
 
+void QtView::setShown(bool on) {
+    root_->setVisible(on);
+    if (on) root_->activateWindow();
+    // Nobody looks after the screen while the user is asked elsewhere.
+    QAbstractEventDispatcher::instance()->processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
 void QtView::titleChanged() { root_->setWindowTitle(toQt(run_.root().title())); }
 
 void QtView::changed(Control& control, Aspect aspect) {

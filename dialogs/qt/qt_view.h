@@ -32,6 +32,7 @@ class QtView final : public QObject, public View {
 
     void work() override;
     void* window() override { return root_.get(); }
+    void setShown(bool on) override;
     void titleChanged() override;
     void changed(Control& control, Aspect aspect) override;
     void pageShown(Control& tab) override;

@@ -273,6 +273,11 @@ void WindowView::rethrow() {
     if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
 }
 
+void WindowView::setShown(bool on) {
+    ShowWindow(root_, on ? SW_SHOW : SW_HIDE);
+    if (on) SetActiveWindow(root_);
+}
+
 void WindowView::work() {
     LineSource* const lines = Process::instance().lines;
     // A host may have disabled its window itself.

@@ -29,6 +29,7 @@ class WindowView final : public View {
 
     void work() override;
     void* window() override { return root_; }
+    void setShown(bool on) override;
     void titleChanged() override;
     void changed(Control& control, Aspect aspect) override;
     void pageShown(Control& tab) override;

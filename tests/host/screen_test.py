@@ -3,7 +3,8 @@
 
     screen_test.py --program TORVELHOST --plan examples/parts_list
 
-The person makes the parts list of the examples by hand; a script makes it too, and both are the same file.
+The person makes the parts list of the examples by hand; a script makes it too, and both are the same file. Then the
+field of a new attribute's default is picked: dialogs in each other give way to the command line and come back.
 """
 
 import argparse
@@ -65,6 +66,9 @@ class Screen:
             return window != other_than and " ".join(self.do("getwindowname", *window)) == title and window
         return self.wait(focused, f'no window "{title}" came up')
 
+    def are_visible(self, windows):
+        return set(windows) & set(self.do("search", "--onlyvisible", "--name", ""))
+
     def keys(self, *keys):
         for key in keys:
             self.do("key", key)
@@ -97,13 +101,17 @@ class Program:
             pass  # it has ended
 
     def answer(self, prompt, line):
+        self.ask(prompt)
+        self.shown = b""
+        os.write(self.terminal, line.encode() + b"\n")
+
+    def ask(self, prompt):
+        """Until the program asks so."""
         deadline = time.time() + PATIENCE
         while not self.shown.rstrip().endswith(prompt.encode()):
             if time.time() > deadline:
                 raise AssertionError(f"no prompt {prompt!r}:\n{self.shown.decode()}")
             time.sleep(0.02)
-        self.shown = b""
-        os.write(self.terminal, line.encode() + b"\n")
 
 
 def main():
@@ -134,6 +142,19 @@ def main():
             screen.wait_for_window(title)
             screen.keys("Tab", "Tab", "Tab", *"doors", "period", *"txt")
             screen.keys("Tab", "Tab", "shift+End", *"by", "underscore", *"hand", "period", *"csv", "Return")
+            program.answer("Command:", "ATTDEF")
+            outer, size = screen.wait_for_window("Attribute Definition"), (330, 232)
+            screen.click(307, 57, size)  # Insert Field
+            field = screen.wait_for_window("Field")
+            screen.keys("o", "alt+o")    # a property of an object; Select Object
+            program.ask("Select object:")
+            screen.wait(lambda: not screen.are_visible(outer + field), "the dialogs hide what is to be picked")
+            program.answer("Select object:", "#49")
+            screen.wait_for_window("Field")
+            screen.keys(*"Layer", "Return")
+            screen.wait_for_window("Attribute Definition")
+            screen.keys("alt+t", "T", "Return")
+            program.answer("Specify start point:", "0,0")
             program.answer("Command:", "QUIT")
             status = os.waitstatus_to_exitcode(os.waitpid(program.process, 0)[1])
         if status != 0 or (folder / "by_hand.csv").read_bytes() != expected:

@@ -9,6 +9,7 @@
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "dialogs/process.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/lines/units.h"
 
@@ -81,6 +82,7 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
                Asked asked) {
     const Keywords keywords(keywordList);
     const std::wstring shown = promptText(prompt, keywords);
+    const dialogs::HiddenWindows hidden;
     for (;;) {
         std::optional<std::wstring> line;
         {

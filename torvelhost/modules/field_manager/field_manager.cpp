@@ -1,6 +1,5 @@
 // The field manager: makes and changes fields on behalf of a command that has loaded this module for the call.
 #include "dialogs/boxes.h"
-#include "dialogs/process.h"
 #include "torvelhost/modules/field_manager/field_dialog.h"
 #include "torvelhost/modules/field_manager/field_questions.h"
 #include "torvelhost/modules/host_services.h"
@@ -41,13 +40,12 @@ OdDbFieldPtr askOnCommandLine(const OdDbFieldPtr& before, HostDocument& document
     return fieldmanager::askField({*document.input(), *document.database(), selectObject, notice});
 }
 
-// A person who works a dialog as a window is asked in one; a script and the command line go on with their lines.
+// A person whose dialogs are windows is asked in one; a script and the command line go on with their lines.
 bool ask(OdDbFieldPtr& field, const OdDbFieldPtr& before) {
     HostDocument* const document = hostmodule::activeDocument();
     if (!document) return false;
-    const bool inWindows = dialogs::isDialogOpen() && !dialogs::asksLines();
     const OdDbFieldPtr made =
-        inWindows ? askInDialog(before, *document->database()) : askOnCommandLine(before, *document);
+        dialogs::asksLines() ? askOnCommandLine(before, *document) : askInDialog(before, *document->database());
     if (made) field = made;
     return static_cast<bool>(made);
 }
