@@ -153,7 +153,8 @@ def main():
             screen.wait_for_window("Field")
             screen.keys(*"Layer", "Return")
             screen.wait_for_window("Attribute Definition")
-            screen.keys("alt+t", "T", "Return")
+            screen.click(250, 23, size)  # Tag
+            screen.keys("T", "Return")
             program.answer("Specify start point:", "0,0")
             program.answer("Command:", "QUIT")
             status = os.waitstatus_to_exitcode(os.waitpid(program.process, 0)[1])
