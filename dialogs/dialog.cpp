@@ -15,7 +15,7 @@ RichText::~RichText() = default;
 std::wstring RichText::copy(std::size_t begin, std::size_t end) { return text().substr(begin, end - begin); }
 void RichText::paste(std::size_t begin, std::size_t end, std::wstring_view copied) { replace(begin, end, copied); }
 std::vector<MenuEntry> RichText::menu(const TextSelection&) const { return {}; }
-void RichText::onMenu(int, TextSelection&) {}
+bool RichText::onMenu(int, TextSelection&) { return false; }
 
 // ---- the state of a control
 

@@ -41,8 +41,8 @@ using Waiting = std::function<void(const std::function<void()>& wait)>;
 /// Dialogs are windows. With a script its lines do what a user would do; without one (null) the user does.
 /// False, and nothing changed, where there are no windows; `reason` is then what is missing.
 DIALOGS_API bool useWindows(LineSource* script, Waiting waiting = {}, std::wstring* reason = nullptr);
-/// While it lives, the windows of the dialogs that are open are not seen and nobody can work them: the user is asked for
-/// something elsewhere. Nothing where lines answer.
+/// While it lives, the windows of the dialogs that are open are not seen and nobody can work them: the user is asked
+/// for something elsewhere. Nothing where lines answer.
 class DIALOGS_API HiddenWindows {
   public:
     HiddenWindows();

@@ -52,7 +52,8 @@ class DIALOGS_API RichText {
 
     virtual std::vector<MenuEntry> menu(const TextSelection& selection) const;
     /// A choice from the menu. May change the text, the runs and the selection; the control shows what comes of it.
-    virtual void onMenu(int command, TextSelection& selection);
+    /// Whether the contents may be others now, also where they look the same.
+    virtual bool onMenu(int command, TextSelection& selection);
 };
 
 }  // namespace dialogs

@@ -253,11 +253,11 @@ std::vector<MenuEntry> Run::menuOf(Control& control) {
 
 void Run::menuChosen(Control& control, int command) {
     if (!control.richText) return call(*control.dialog, [&](Dialog& dialog) { dialog.onMenu(control.id(), command); });
-    const std::wstring before = control.text;
-    call(*control.dialog, [&](Dialog&) { control.richText->onMenu(command, control.selection); });
+    bool isEdited = false;
+    call(*control.dialog, [&](Dialog&) { isEdited = control.richText->onMenu(command, control.selection); });
     refreshFromRichText(control);
     view_->changed(control, Aspect::kText);
-    if (control.text != before) edited(control);
+    if (isEdited) edited(control);
 }
 
 }  // namespace dialogs

@@ -46,9 +46,10 @@ class Value final : public RichText {
     std::vector<MenuEntry> menu(const TextSelection&) const override {
         return {{L"&Copy", 1, true}, {L"", 0, true}, {L"Clear", 2, true}, {L"Edit field...", 3, false}};
     }
-    void onMenu(int command, TextSelection& selection) override {
+    bool onMenu(int command, TextSelection& selection) override {
         if (command == 1) setClipboardText(text_.substr(selection.begin(), selection.end() - selection.begin()));
         if (command == 2) replace(0, text_.size(), L"");
+        return command == 2;
     }
 
   private:

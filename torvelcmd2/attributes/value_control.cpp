@@ -59,7 +59,7 @@ std::vector<dialogs::MenuEntry> CFEdCtrl::menu(const dialogs::TextSelection& sel
     return entries;
 }
 
-void CFEdCtrl::onMenu(int command, dialogs::TextSelection& selection) {
+bool CFEdCtrl::onMenu(int command, dialogs::TextSelection& selection) {
     value_.select(selection.anchor, selection.caret);
     OdString clipboard;
     if (command == FieldEdit::kPaste) clipboard = dialogs::clipboardText();
@@ -67,6 +67,7 @@ void CFEdCtrl::onMenu(int command, dialogs::TextSelection& selection) {
     // Nothing was copied when nothing is selected.
     if (command == FieldEdit::kCopy && !clipboard.empty()) dialogs::setClipboardText(clipboard);
     selection = {value_.anchor(), value_.caret()};
+    return command != FieldEdit::kCopy && command != FieldEdit::kSelectAll;
 }
 
 }  // namespace torvel

@@ -32,7 +32,7 @@ class CFEdCtrl final : public dialogs::RichText {
     /// Text that was copied here brings its fields back.
     void paste(std::size_t begin, std::size_t end, std::wstring_view copied) override;
     std::vector<dialogs::MenuEntry> menu(const dialogs::TextSelection& selection) const override;
-    void onMenu(int command, dialogs::TextSelection& selection) override;
+    bool onMenu(int command, dialogs::TextSelection& selection) override;
 
   private:
     FieldEdit value_;

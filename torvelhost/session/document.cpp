@@ -79,7 +79,7 @@ std::optional<OdGePoint3d> Document::toWorld(const TypedPoint& point, std::wstri
 double Document::elevation() const { return database_->headerReal(elevationName(), 0.0); }
 
 void Document::keepForUndo(const std::wstring& command, std::size_t position) {
-    if (database_->undoPosition() != position) done_.push_back({command, position});
+    if (database_->isChangedSince(position)) done_.push_back({command, position});
 }
 
 std::optional<std::wstring> Document::undoCommand() {

@@ -164,6 +164,8 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     void rollBackUndoGroup();
     /// A position in the undo log, for undoTo; grows with every change. Throws when a change could not be stored.
     std::size_t undoPosition();
+    /// Whether anything behind that position changed the drawing; marks, records and groups alone do not.
+    bool isChangedSince(std::size_t undoPosition);
     /// Takes everything back to that position, with the marks, records and groups that lie behind it.
     void undoTo(std::size_t position);
 

@@ -177,6 +177,7 @@ class Core {
     void groupRollBack();
     int groupDepth() const { return static_cast<int>(groups_.size()); }
     std::size_t undoPosition();
+    bool isChangedSince(std::size_t position);
     void undoTo(std::size_t position);
     bool modified() const { return changes_ != 0; }
     std::uint64_t revision() {

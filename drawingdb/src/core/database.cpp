@@ -338,6 +338,7 @@ int OdDbDatabase::undoGroupDepth() const { return core_->groupDepth(); }
 void OdDbDatabase::rollBackUndoGroup() { core_->groupRollBack(); }
 std::uint64_t OdDbDatabase::revision() { return core_->revision(); }
 std::size_t OdDbDatabase::undoPosition() { return core_->undoPosition(); }
+bool OdDbDatabase::isChangedSince(std::size_t undoPosition) { return core_->isChangedSince(undoPosition); }
 void OdDbDatabase::undoTo(std::size_t position) { core_->undoTo(position); }
 
 // ---- fields

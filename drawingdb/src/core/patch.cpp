@@ -196,10 +196,11 @@ class Patch {
         if (place >= 0) return;
         place = index;
         after = found;
-        if (!sameValue(holder(object_, description_.zones[field.zone]), field, group, format_)) {
-            item.action = Do::field;
-            item.field = static_cast<std::int16_t>(found);
-        }
+        char* const base = holder(object_, description_.zones[field.zone]);
+        if (sameValue(base, field, group, format_)) return;
+        // A default of which nothing is written may have no spelling at all, as "no true colour".
+        item.action = !field.required && field.parts == 1 && isDefault(base, field) ? Do::drop : Do::field;
+        item.field = static_cast<std::int16_t>(found);
     }
 
     // Whether the control string that begins here names a dictionary; a damaged one is left alone.

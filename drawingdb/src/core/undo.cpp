@@ -143,6 +143,12 @@ std::size_t Core::undoPosition() {
     return log_.size();
 }
 
+bool Core::isChangedSince(std::size_t position) {
+    for (std::size_t i = undoPosition(); i > position; --i)
+        if (log_[i - 1].kind < Step::record) return true;
+    return false;
+}
+
 void Core::undoTo(std::size_t position) {
     flushAll();
     if (position <= faultPosition_) fault_ = nullptr;
