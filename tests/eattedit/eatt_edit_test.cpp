@@ -112,6 +112,7 @@ TEST_P(Editor, DoesNotGoOnToWhatHasNoAttributes) {
     const OdDbObjectId bareId =
         sign_.database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(bare.get());
     EXPECT_FALSE(dialog.load(bareId, {}));
+    EXPECT_EQ(dialog.reference(), sign_.id);
     EXPECT_EQ(dialog.current(), sign_.attributes[1]);
     ASSERT_TRUE(dialog.load(sign_.id, bareId));
     EXPECT_EQ(dialog.current(), sign_.attributes[0]);
@@ -134,6 +135,13 @@ TEST_P(Editor, TheExportTellsWhatWasCurrentInTheEnd) {
     EXPECT_EQ(doEAttEdit(reference, attribute), 1);
     EXPECT_TRUE(reference.isNull());
     EXPECT_EQ(doEAttEdit(reference, attribute), 1);
+}
+
+TEST_P(Editor, ALinetypeInOtherCaseIsTheSame) {
+    sign_.attributes[0].openAs<OdDbAttribute>(OdDb::forWrite)->setLinetype(L"BYBLOCK");
+    EXPECT_EQ(run(0, {"tab Properties", "show", "Linetype = ByBlock", "press OK"}), dialogs::kOkButton);
+    EXPECT_NE(script_.printed.find("Linetype = \"ByBlock\""), std::string::npos) << script_.printed;
+    EXPECT_EQ(sign_.attribute(0)->linetype(), L"BYBLOCK");
 }
 
 // Whoever goes back from outside must not stop at a mark of the dialog's.
