@@ -148,6 +148,26 @@ TEST_P(AttEditExports, WorkForTheCommandInAnyHost) {
     }
 }
 
+// What ends the dialog may be anybody's error.
+TEST_P(AttEditExports, LeaveNothingBehindAnException) {
+    const LoadedServices services(L"rich");
+    EXPECT_THROW(edit(object(0x80), {"SIZE? = x", "key Tab", "there is no such row"}), ScriptFault);
+    EXPECT_TRUE(bytes() == before_);
+    EXPECT_EQ(host().database->undoGroupDepth(), 0);
+}
+
+TEST_P(AttEditExports, GoOnWhereTheDrawingRefusesAValue) {
+    const LoadedServices services(L"rich");
+    host().database = OdDbDatabase::readBytes(before_.substr(0, before_.size() - 20), L"cut.dxf");
+    ASSERT_TRUE(host().database->isReadOnly());
+    EXPECT_EQ(edit(object(0x80), {"tip Number(3)", "show", "press OK"}), 1);
+    EXPECT_NE(script_.printed.find("The drawing is damaged"), std::string::npos);
+    EXPECT_NE(script_.printed.find("SIZE? = \"plain\"  (disabled)"), std::string::npos);
+    host().keywords = {{hostapi::kValue, L"new\\Plines"}};
+    EXPECT_EQ(ask({"Number = D1", "type SIZE?: x", "press NOTE?", "color? = red", "press OK"}), 1);
+    EXPECT_EQ(texts(), (std::vector<std::wstring>{L"Size 7 by 7!", L"D1", L"E?", L"none", L"red", L"0"}));
+}
+
 // There is no dialog that would take a line.
 TEST_P(AttEditExports, TakeNothingElse) {
     const LoadedServices services(L"rich");
@@ -175,6 +195,13 @@ TEST_P(AttEditExports, AskForDefinitionsInNoDrawing) {
     EXPECT_EQ(boost::get<1>(values[0]), L"one");
     EXPECT_EQ(boost::get<1>(values[1]), L"two");
     EXPECT_EQ(definition->textString(), L"default");
+
+    const auto lines = object(0x48).openAs<OdDbAttributeDefinition>();
+    values.emplace_back(lines, lines->textString());
+    host().keywords = {{hostapi::kValue, L"new\\Plines"}};
+    script_.lines = {"press NOTE?", "press Cancel"};
+    EXPECT_EQ((*show)(L"BLOCK", values, OdGeMatrix3d::kIdentity), 0);
+    EXPECT_TRUE(bytes() == before_) << "taken back from the definition that is in a drawing";
 }
 
 }  // namespace

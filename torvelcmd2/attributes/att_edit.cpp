@@ -12,14 +12,16 @@
 namespace torvel {
 namespace {
 
-// False after Cancel, with the drawing as it was.
+// False after Cancel, with the drawing as it was, as it is after an exception.
 bool editRows(ValueRows& rows) {
     if (rows.count() == 0) return false;
     const ModuleResources resources;
     CAttEditDlgEx dialog(rows);
     int code = dialog.runModal();
     for (; code == CAttEditDlgEx::kEditMultiLine; code = dialog.runModal()) dialog.editMultiLine();
-    return code == dialogs::kOkButton;
+    if (code != dialogs::kOkButton) return false;
+    dialog.keep();
+    return true;
 }
 
 bool isNull(const hostapi::AttributeValues::value_type& value) { return !boost::get<0>(value); }

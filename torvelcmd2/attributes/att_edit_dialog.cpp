@@ -1,6 +1,7 @@
 #include "torvelcmd2/attributes/att_edit_dialog.h"
 
 #include "base/format.h"
+#include "base/text.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
@@ -17,6 +18,15 @@ CAttEditDlgEx::CAttEditDlgEx(ValueRows& rows)
     for (int place = 0; place < kPlaces; ++place) setRichText(IDC_ATTEDIT_VALUE + place, &places_[place].control);
     showPage(0);
     focus(IDC_ATTEDIT_VALUE);
+}
+
+CAttEditDlgEx::~CAttEditDlgEx() {
+    try {
+        while (undo_.undo()) {
+        }
+    } catch (...) {
+        // Out of memory: the host takes its whole command back.
+    }
 }
 
 // ---- what is shown
@@ -67,18 +77,27 @@ void CAttEditDlgEx::write(int place) {
     const auto& [control, shown, value] = places_[place];
     if (!isModified(IDC_ATTEDIT_VALUE + place) || (control.text() == shown && sameText(control.captured(), value)))
         return;
-    const HostLocalUndo::step step(undo_);
-    rows_.save(rowAt(place), control);
-    showValue(place);
+    change(place, [&, this] { rows_.save(rowAt(place), control); });
 }
 
 void CAttEditDlgEx::editMultiLine() {
     focus(IDC_ATTEDIT_VALUE + edited_);
-    const MultiLineEdit edit = rows_.edit(rowAt(edited_));
-    if (!edit.value) return;
+    change(edited_, [this] {
+        const MultiLineEdit edit = rows_.edit(rowAt(edited_));
+        if (edit.value) rows_.save(rowAt(edited_), *edit.value);
+    });
+}
+
+// What the drawing refuses is told, and the other values stay.
+void CAttEditDlgEx::change(int place, const std::function<void()>& make) {
     const HostLocalUndo::step step(undo_);
-    rows_.save(rowAt(edited_), *edit.value);
-    showValue(edited_);
+    try {
+        make();
+    } catch (const OdError& error) {
+        undo_.undo();
+        showBox(hostapi::kErrorBox, base::fromUtf8(error.what()));
+    }
+    showValue(place);
 }
 
 // ---- what the user does
@@ -102,14 +121,6 @@ void CAttEditDlgEx::onCommand(int control, dialogs::Event event) {
     if (control == IDC_ATTEDIT_NEXT) return turnTo(page_ + 1);
     edited_ = control - IDC_ATTEDIT_EDITOR;
     end(kEditMultiLine);
-}
-
-void CAttEditDlgEx::onOk() { end(dialogs::kOkButton); }
-
-void CAttEditDlgEx::onCancel() {
-    while (undo_.undo()) {
-    }
-    end(dialogs::kCancelButton);
 }
 
 }  // namespace torvel

@@ -1,7 +1,7 @@
 // "Edit of attributes": a list of values, eight rows a page.
 #pragma once
 
-#include <array>
+#include <functional>
 
 #include "torvelcmd2/attributes/value_control.h"
 #include "torvelcmd2/attributes/value_rows.h"
@@ -10,8 +10,8 @@
 
 namespace torvel {
 
-/// A value is written when its field is left, and only when the user changed it. Cancel takes all of that back. Shown
-/// anew after each visit to the text editor, with the page that it showed.
+/// A value is written when its field is left, and only when the user changed it. Shown anew after each visit to the
+/// text editor, with the page that it showed. The drawing is as it was at the end, unless keep() was called.
 class CAttEditDlgEx final : public ModuleDialog {
   public:
     /// The end code of the "..." buttons: editMultiLine() is to be called.
@@ -19,9 +19,12 @@ class CAttEditDlgEx final : public ModuleDialog {
 
     /// `rows`, at least one, must outlive the dialog.
     explicit CAttEditDlgEx(ValueRows& rows);
+    ~CAttEditDlgEx() override;
 
     /// Lets the user edit the value whose "..." was pressed.
     void editMultiLine();
+    /// What was written stays.
+    void keep() { undo_.dropTo(0); }
 
   private:
     static constexpr int kPlaces = 8;
@@ -36,8 +39,6 @@ class CAttEditDlgEx final : public ModuleDialog {
 
     void onCommand(int control, dialogs::Event event) override;
     bool onLeave(int control, int next) override;
-    void onOk() override;
-    void onCancel() override;
 
     std::size_t rowAt(int place) const { return page_ * kPlaces + static_cast<std::size_t>(place); }
     std::size_t pageCount() const { return (rows_.count() + kPlaces - 1) / kPlaces; }
@@ -45,6 +46,7 @@ class CAttEditDlgEx final : public ModuleDialog {
     void showRow(int place);
     void showValue(int place);
     void write(int place);
+    void change(int place, const std::function<void()>& make);
     void turnTo(std::size_t page);
 
     ValueRows& rows_;

@@ -54,4 +54,10 @@ OdString lockedLayerOf(OdDbObjectId attribute) {
 
 OdString lockedLayerText(const OdString& layer) { return base::formatPositional(loadText(IDS_LAYER_IS_LOCKED), layer); }
 
+OdString refusalToEdit(OdDbObjectId attribute) {
+    if (attribute.database()->isReadOnly()) return loadText(IDS_DRAWING_IS_READ_ONLY);
+    const OdString layer = lockedLayerOf(attribute);
+    return layer.empty() ? layer : lockedLayerText(layer);
+}
+
 }  // namespace torvel

@@ -30,12 +30,15 @@ bool blockHasAttributes(OdDbObjectId id, bool editableOnly);
 /// The attributes that are not constant, in their order.
 OdDbObjectIdArray editableAttributes(const OdDbBlockReference& reference);
 
-/// ---- locked layers
+/// ---- what cannot be edited
 /// What keeps an attribute, or the reference with it, from being edited: the name of a locked layer; empty when nothing
 /// does. Commands that edit the attributes of one reference leave such an attribute alone; those that go by the block
 /// (AttSync, the Block Attribute Manager) change it all the same.
 OdString lockedLayerOf(OdDbObjectId attribute);
 /// What the user is told of it, a sentence.
 OdString lockedLayerText(const OdString& layer);
+/// Why an attribute cannot be edited, a sentence: its drawing is damaged, or what lockedLayerOf() finds; empty when
+/// nothing keeps it from being edited.
+OdString refusalToEdit(OdDbObjectId attribute);
 
 }  // namespace torvel

@@ -49,9 +49,9 @@ OdSmartPtr<OdDbMText> appendTemporary(const OdDbEntity& source, const OdDbMText&
     return text;
 }
 
-void setWidth(OdDbEntity& target, double width) {
+bool setWidth(OdDbEntity& target, double width) {
     const OdSmartPtr<OdDbMText> text = multiLineTextOf(target);
-    if (!text || text->width() == width) return;
+    if (!text || text->width() == width) return false;
     target.upgradeOpen();
     text->setWidth(width);
     if (auto* const attribute = drawingdb::as<OdDbAttribute>(target))
@@ -60,6 +60,7 @@ void setWidth(OdDbEntity& target, double width) {
         definition->setMTextAttributeDefinition(*text);
     else
         static_cast<OdDbMText&>(target).setWidth(width);
+    return true;
 }
 
 }  // namespace
@@ -116,9 +117,11 @@ MultiLineEdit newMultiLine(OdDbObjectId style, const OdString& text, double widt
     return result;
 }
 
-void applyMultiLine(const MultiLineValue& value, OdDbEntity& target) {
-    setWidth(target, value.width);
-    if (!sameText(value.text, captureText(target))) applyText(value.text, target);
+bool applyMultiLine(const MultiLineValue& value, OdDbEntity& target) {
+    const bool hasNewWidth = setWidth(target, value.width);
+    if (sameText(value.text, captureText(target))) return hasNewWidth;
+    applyText(value.text, target);
+    return true;
 }
 
 }  // namespace torvel

@@ -57,7 +57,7 @@ MultiLineEdit editMultiLine(const OdDbEntity& source, WhileEdited how,
 MultiLineEdit newMultiLine(OdDbObjectId style, const OdString& text, double width, bool onScreen);
 
 /// Makes it the value and the width of a multi-line attribute, attribute definition or text. What is so already is not
-/// written. The value's fields are used up.
-void applyMultiLine(const MultiLineValue& value, OdDbEntity& target);
+/// written. False when nothing was. The value's fields are used up.
+bool applyMultiLine(const MultiLineValue& value, OdDbEntity& target);
 
 }  // namespace torvel

@@ -28,17 +28,14 @@ bool AttributeRows::isMultiLine(std::size_t row) const {
     return rows_[row].attribute.openAs<OdDbAttribute>()->isMTextAttribute();
 }
 
-OdString AttributeRows::refusal(std::size_t row) const {
-    const OdString layer = lockedLayerOf(rows_[row].attribute);
-    return layer.empty() ? OdString() : lockedLayerText(layer);
-}
+OdString AttributeRows::refusal(std::size_t row) const { return refusalToEdit(rows_[row].attribute); }
 
 void AttributeRows::show(std::size_t row, CFEdCtrl& control) const {
     const auto attribute = rows_[row].attribute.openAs<OdDbAttribute>();
     if (attribute->isMTextAttribute())
         control.loadForReading(*attribute);
     else
-        control.load(*attribute);
+        control.load(*attribute, refusal(row).empty());
 }
 
 void AttributeRows::save(std::size_t row, const CFEdCtrl& control) {
@@ -59,7 +56,11 @@ DefinitionRows::DefinitionRows(OdString blockName, const hostapi::AttributeValue
                                const OdGeMatrix3d& transform)
     : blockName_(std::move(blockName)), values_(values), written_(values.size()), transform_(transform) {}
 
-OdDbDatabase* DefinitionRows::database() const { return values_.empty() ? nullptr : definition(0).database(); }
+OdDbDatabase* DefinitionRows::database() const {
+    for (std::size_t row = 0; row < count(); ++row)
+        if (OdDbDatabase* const database = definition(row).database()) return database;
+    return nullptr;
+}
 
 OdString DefinitionRows::label(std::size_t row) const {
     return labelOf(definition(row).prompt(), definition(row).tag());
@@ -97,8 +98,7 @@ void DefinitionRows::save(std::size_t row, const MultiLineValue& value) {
         boost::get<1>(values_[row]) = shownText(value.text);
         return;
     }
-    applyMultiLine(value, definition(row));
-    definition(row).updateMTextAttributeDefinition();
+    if (applyMultiLine(value, definition(row))) definition(row).updateMTextAttributeDefinition();
     boost::get<1>(values_[row]) = definition(row).textString();
 }
 

@@ -18,6 +18,7 @@ class ValueRows {
   public:
     virtual ~ValueRows() = default;
 
+    /// The drawing in which values are written; null: none is.
     virtual OdDbDatabase* database() const = 0;
     virtual OdString blockName() const = 0;
     virtual std::size_t count() const = 0;
@@ -34,7 +35,8 @@ class ValueRows {
     virtual void save(std::size_t row, const MultiLineValue& value) = 0;
 };
 
-/// The attributes of a reference that are not constant. Those on locked layers are shown, and refused.
+/// The attributes of a reference that are not constant. Those that cannot be edited, on locked layers say, are
+/// shown, and refused.
 class AttributeRows final : public ValueRows {
   public:
     explicit AttributeRows(const OdDbBlockReference& reference);

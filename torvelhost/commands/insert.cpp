@@ -27,6 +27,17 @@ void takeField(const OdDbAttributeDefinition& definition, OdDbAttribute& attribu
     if (const OdDbFieldPtr standard = definition.getField(L"TEXT")) giveField(standard->copy(), attribute);
 }
 
+// A value of several lines is scaled with the reference as the default is: heights stand in its codes.
+void giveValue(const OdString& value, const OdDbAttributeDefinition& definition, const OdGeMatrix3d& blockTransform,
+               OdDbAttribute& attribute) {
+    const OdSmartPtr<OdDbMText> text = definition.getMTextAttributeDefinition();
+    if (text) {
+        text->setContents(value);
+        text->transformBy(blockTransform);
+    }
+    attribute.setTextString(text ? text->contents() : value);
+}
+
 std::vector<AttributeDefinitionPtr> definitionsOf(OdDbObjectId block) {
     std::vector<AttributeDefinitionPtr> definitions;
     const auto record = block.openAs<OdDbBlockTableRecord>();
@@ -58,7 +69,7 @@ bool fillAttributes(HostRun& run, OdDbBlockReference& reference, const std::vect
         }
         const auto attribute = append(reference, *definition);
         if (result == kValue)
-            attribute->setTextString(value);
+            giveValue(value, *definition, reference.blockTransform(), *attribute);
         else
             takeField(*definition, *attribute);
     }
@@ -98,7 +109,7 @@ bool fillByDialog(HostRun& run, OdDbBlockReference& reference, const std::vector
             takeField(*definitions[i], *attribute);
             continue;
         }
-        attribute->setTextString(changes[i]->value);
+        giveValue(changes[i]->value, *definitions[i], reference.blockTransform(), *attribute);
         if (changes[i]->field) giveField(changes[i]->field, *attribute);
     }
     return true;
