@@ -7,6 +7,7 @@
 #include "drawingdb/mtext_parser.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
+#include "drawingdb/src/geometry/angles.h"
 #include "drawingdb/src/geometry/curve_math.h"
 #include "drawingdb/src/lettering/text_codes.h"
 #include "drawingdb/text.h"
@@ -43,6 +44,11 @@ OdDbGroup integerGroup(int code, std::int64_t value) {
     group.code = code;
     group.integer = value;
     return group;
+}
+
+// Mirrored lines are seen from behind, where their normal points against the text's, and run against its baseline.
+bool isSeenFromBehind(const OdDbMText& lines, const OdDbText& text) {
+    return text.isMirroredInX() && lines.normal().dotProduct(text.normal()) < 0;
 }
 
 std::int16_t withBit(std::int16_t bits, std::int16_t bit, bool on) {
@@ -248,12 +254,12 @@ void OdDbAttributeText::changed(Change what) {
             mtext_->setTextHeight(height_);
             return;
         case Change::normal:
-            mtext_->setNormal(normal_);
+            mtext_->setNormal(isSeenFromBehind(*mtext_, *this) ? -normal_ : normal_);
             [[fallthrough]];
         case Change::rotation: {
-            const double reading = isMirroredInX() ? rotation_ + drawingdb::kPi : rotation_;
-            const OdGeVector2d direction = drawingdb::directionOf(reading);
-            mtext_->setDirection(OdGeMatrix3d::planeToWorld(normal_) * OdGeVector3d(direction.x, direction.y, 0));
+            const OdGeVector2d baseline = drawingdb::directionOf(rotation_);
+            const OdGeVector3d along = OdGeMatrix3d::planeToWorld(normal_) * OdGeVector3d(baseline.x, baseline.y, 0);
+            mtext_->setDirection(isSeenFromBehind(*mtext_, *this) ? -along : along);
             return;
         }
         case Change::style:
@@ -270,9 +276,10 @@ void OdDbAttributeText::changed(Change what) {
 void OdDbAttributeText::followMText() {
     if (!mtext_) return;
     assertWriteEnabled();
-    normal_ = mtext_->normal().normal();
-    rotation_ = mtext_->rotation();
-    generation_ = 0;
+    const double side = isSeenFromBehind(*mtext_, *this) ? -1 : 1;
+    normal_ = mtext_->normal().normal() * side;
+    const OdGeVector3d baseline = OdGeMatrix3d::worldToPlane(normal_) * mtext_->direction() * side;
+    rotation_ = drawingdb::turnedTo(rotation_, baseline.xy());
     height_ = mtext_->textHeight();
     horizontal_ = static_cast<std::int16_t>(mtext_->horizontalMode());
     vertical_ = static_cast<std::int16_t>(mtext_->verticalMode());
@@ -304,6 +311,7 @@ void OdDbAttributeText::setMText(const OdDbMText& text) {
                       "a multi-line attribute needs a drawing of version 2018; this one is older");
     OdSmartPtr<OdDbMText> copy = newMText();
     copy->copyMTextFrom(text);
+    if (!mtext_) generation_ = 0;
     mtext_ = copy;
     mtextFlag_ = multiLineFlag();
     followMText();

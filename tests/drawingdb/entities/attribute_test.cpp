@@ -335,6 +335,39 @@ TEST(AttributeFiles, BothSidesOfAMultiLineValueChangeTogether) {
     EXPECT_EQ(read->textString(), L"new\\Pvalue");
 }
 
+// Turned or with another width, several lines go on as they ran, and the backwards bit that a file gives them stays.
+TEST(AttributeFiles, BackwardsLinesTurnAsFarAsTheirRotation) {
+    const auto database = drawing("AC1032", kPlan);
+    const auto attribute = opened<OdDbAttribute>(database, 0xC, OdDb::forWrite);
+    attribute->setRotation(0.3);
+    attribute->mirrorInX(true);
+    attribute->setRotation(0.2);
+    EXPECT_NEAR(attribute->getMTextAttribute()->rotation(), 0.2, 1e-12);
+    const auto setWidth = [&](double width) {
+        const auto lines = attribute->getMTextAttribute();
+        lines->setWidth(width);
+        attribute->setMTextAttribute(*lines);
+    };
+    setWidth(30);
+    EXPECT_EQ(attribute->rotation(), 0.2);
+    EXPECT_TRUE(attribute->isMirroredInX());
+    attribute->mirrorInX(false);
+
+    // In a mirror they are seen from behind, and run against their baseline.
+    attribute->transformBy(OdGeMatrix3d::scaling({-1, 1, 1}));
+    ASSERT_TRUE(attribute->isMirroredInX());
+    const double rotation = attribute->rotation();
+    const OdGeVector3d normal = attribute->normal(), along = attribute->getMTextAttribute()->direction();
+    setWidth(40);
+    EXPECT_TRUE(attribute->isMirroredInX());
+    EXPECT_EQ(attribute->rotation(), rotation);
+    EXPECT_EQ(attribute->normal(), normal);
+    attribute->setRotation(rotation + 1);
+    const OdGeVector3d turned = attribute->getMTextAttribute()->direction();
+    EXPECT_NEAR(turned.dotProduct(along) / turned.length() / along.length(), std::cos(1), 1e-12);
+    EXPECT_NEAR(attribute->getMTextAttribute()->normal().dotProduct(normal), -1, 1e-12);
+}
+
 // What is derived (the place of justified text, the embedded text) goes back with what it was derived from.
 TEST(AttributeFiles, UndoReachesOpenAttributes) {
     const auto database = drawing("AC1032", kPlan);
