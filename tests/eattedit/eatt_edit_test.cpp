@@ -26,6 +26,14 @@ class Editor : public EachMaker {
         return extents;
     }
 
+    void reread(const std::string& bytes) {
+        const OdDbDatabasePtr other = OdDbDatabase::readBytes(bytes, L"sign.dxf");
+        const auto find = [&](OdDbObjectId& id) { id = other->getObjectId(id.handle()); };
+        find(sign_.id);
+        std::ranges::for_each(sign_.attributes, find);
+        sign_.database = other;
+    }
+
     Sign sign_;
 };
 INSTANTIATE_TEST_SUITE_P(Makers, Editor, EachMaker::all(), EachMaker::name);
@@ -135,6 +143,34 @@ TEST_P(Editor, TheExportTellsWhatWasCurrentInTheEnd) {
     EXPECT_EQ(doEAttEdit(reference, attribute), 1);
     EXPECT_TRUE(reference.isNull());
     EXPECT_EQ(doEAttEdit(reference, attribute), 1);
+}
+
+// The rest of the file is missing: what is there is shown, and no way out of the dialog fails.
+TEST_P(Editor, ADamagedDrawingIsShown) {
+    std::string bytes = sign_.database->writeBytes();
+    bytes.resize(bytes.rfind("ENDSEC"));
+    reread(bytes);
+    ASSERT_TRUE(sign_.database->isReadOnly());
+    for (const char* const way : {"press OK", "press Cancel"}) {
+        run(0, {"tip Value", "tab Text Options", "show", "press Apply", "tab Properties", "show", way});
+        for (const char* const shown :
+             {"opened for reading alone", "Height = \"2.5\"  (disabled)", "Layer = \"0\"  (disabled)"})
+            EXPECT_NE(script_.printed.find(shown), std::string::npos) << script_.printed;
+    }
+}
+
+// Other programs write them; what this one cannot write again is not offered.
+TEST_P(Editor, SeveralLinesInAnOlderDrawingKeepTheirForm) {
+    std::string bytes = sign_.database->writeBytes();
+    bytes.replace(bytes.find("AC1032"), 6, "AC1027");
+    reread(bytes);
+    ASSERT_TRUE(sign_.attribute(2)->isMTextAttribute());
+    EXPECT_EQ(run(2, {"show", "tab Text Options", "show", "tip Boundary width", "Height = 7", "press OK"}),
+              dialogs::kOkButton);
+    for (const char* const shown : {"2018 has.)  (disabled)", "Justification = \"Bottom left\"  (disabled)",
+                                    "Boundary width = \"0.0\"  (disabled)", "version 2018 has"})
+        EXPECT_NE(script_.printed.find(shown), std::string::npos) << script_.printed;
+    EXPECT_EQ(sign_.attribute(2)->getMTextAttribute()->textHeight(), 7);
 }
 
 TEST_P(Editor, ALinetypeInOtherCaseIsTheSame) {

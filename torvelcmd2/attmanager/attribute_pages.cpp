@@ -33,10 +33,16 @@ void EditorPage::onInit() {
     if (parent()->focused() == 0) focus(firstControl_);
 }
 
-void EditorPage::enableUnlessLocked(int control, bool on) {
-    const OdString reason = editor_.lockedReason();
+void EditorPage::enableUnlessLocked(int control, bool on, const OdString& unheld) {
+    const OdString locked = editor_.lockedReason();
+    const OdString& reason = locked.empty() ? unheld : locked;
     enable(control, on && reason.empty());
     setTooltip(control, reason);
+}
+
+OdString EditorPage::unheldReason(const OdDbAttributeText& attribute) const {
+    const bool held = !attribute.isMultiLine() || OdDbAttributeText::canBeMultiLine(editor_.database());
+    return held ? OdString() : loadText(IDS_NO_MULTIPLE_LINES);
 }
 
 void AttributePage::reload() {
@@ -102,11 +108,12 @@ void TextOptionsPage::showAttribute(const OdDbAttributeText& attribute) {
     setChecked(IDC_TEXT_BACKWARDS, attribute.isMirroredInX());
     setChecked(IDC_TEXT_UPSIDE_DOWN, attribute.isMirroredInY());
     for (const int control : kNumbers) numbers_.show(control, numberOf(attribute, control));
-    for (const int control : {IDC_TEXT_STYLE, IDC_TEXT_JUSTIFICATION, IDC_TEXT_HEIGHT, IDC_TEXT_ROTATION})
-        enableUnlessLocked(control);
+    for (const int control : {IDC_TEXT_STYLE, IDC_TEXT_HEIGHT, IDC_TEXT_ROTATION}) enableUnlessLocked(control);
     for (const int control : {IDC_TEXT_BACKWARDS, IDC_TEXT_UPSIDE_DOWN, IDC_TEXT_WIDTH_FACTOR, IDC_TEXT_OBLIQUE})
         enableUnlessLocked(control, single);
-    enableUnlessLocked(IDC_TEXT_BOUNDARY_WIDTH, !single);
+    const OdString unheld = unheldReason(attribute);
+    enableUnlessLocked(IDC_TEXT_JUSTIFICATION, true, unheld);
+    enableUnlessLocked(IDC_TEXT_BOUNDARY_WIDTH, !single, unheld);
 }
 
 void TextOptionsPage::showJustification(const OdDbAttributeText& attribute) {
@@ -138,6 +145,8 @@ void TextOptionsPage::onCommand(int control, dialogs::Event event) {
 }
 
 bool TextOptionsPage::onLeave(int control, int next) {
+    // Nobody checks the number when the user comes back from there and goes on elsewhere.
+    if (next == dialogs::kHelpButton || next == dialogs::kCancelButton) numbers_.showAgain(control);
     const NumberFields::Left left = numbers_.leave(control, next);
     if (left == NumberFields::Left::kChanged) takeNumber(control);
     return left != NumberFields::Left::kRefused;
@@ -247,10 +256,8 @@ void PropertiesPage::showAttribute(const OdDbAttributeText& attribute) {
     for (const int control : {IDC_PROPERTIES_LAYER, IDC_PROPERTIES_LINETYPE, IDC_PROPERTIES_COLOR})
         enableUnlessLocked(control);
     const bool held = drawingdb::holdsPlotStyles(editor().database());
-    for (const int control : {IDC_PROPERTIES_LINEWEIGHT, IDC_PROPERTIES_PLOT_STYLE}) {
-        enableUnlessLocked(control, held);
-        if (!held) setTooltip(control, loadText(IDS_NO_LINEWEIGHTS));
-    }
+    for (const int control : {IDC_PROPERTIES_LINEWEIGHT, IDC_PROPERTIES_PLOT_STYLE})
+        enableUnlessLocked(control, true, held ? OdString() : loadText(IDS_NO_LINEWEIGHTS));
 }
 
 void PropertiesPage::onCommand(int control, dialogs::Event event) {

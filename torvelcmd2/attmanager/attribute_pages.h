@@ -64,8 +64,12 @@ class EditorPage : public dialogs::Dialog {
 
     AttributeEditor& editor() const { return editor_; }
     void onInit() override;
-    /// Disables the control when nothing can be changed, and says why in its tooltip.
-    void enableUnlessLocked(int control, bool on = true);
+    /// Disables the control when nothing can be changed, or when the drawing's version holds no such thing, and says
+    /// why in its tooltip.
+    void enableUnlessLocked(int control, bool on = true, const OdString& unheld = {});
+    /// Why the form of several lines, which an older drawing may carry from elsewhere, cannot be changed; empty: it
+    /// can.
+    OdString unheldReason(const OdDbAttributeText& attribute) const;
 
   private:
     AttributeEditor& editor_;

@@ -76,15 +76,17 @@ OdDbObjectId CEAttEditDlg::current() const {
 
 void CEAttEditDlg::setCurrentRow(int row) {
     row_ = row;
-    const OdString layer = lockedLayerOf(current());
-    lockedReason_ = layer.empty() ? layer : lockedLayerText(layer);
+    lockedReason_ = refusalToEdit(current());
     showTag();
     reload();
 }
 
 void CEAttEditDlg::showTag() { setText(IDC_EATTEDIT_TAG, current().openAs<OdDbAttribute>()->tag()); }
 
+// What was put on a locked layer can be taken from it again until another row is current: whoever goes through the
+// layers with the arrow keys must not be held at that one.
 void CEAttEditDlg::attributeChanged() {
+    unapplied_.insert(reference_);
     redraw(current());
     listPage_.showCell();
     showTag();
@@ -127,6 +129,7 @@ void CEAttEditDlg::setMark() {
     database_->startUndoRecord();
     marks_.push_back(database_->setUndoMark());
     database_->startUndoRecord();
+    unapplied_.clear();
 }
 
 void CEAttEditDlg::undoToMark() {
@@ -134,7 +137,7 @@ void CEAttEditDlg::undoToMark() {
     while (database_->hasUndoMark(marks_.back())) database_->undoBack();
     marks_.pop_back();
     database_->startUndoRecord();
-    redraw(reference_);
+    for (OdDbObjectId reference : unapplied_) redraw(reference);
 }
 
 // ---- the page with the values
@@ -150,12 +153,13 @@ void CEAttEditListPage::onInit() {
 }
 
 void CEAttEditListPage::restoreColumnWidths() {
-    const int width = listWidth(IDC_EATTEDIT_LIST);
+    const int width = listWidth(IDC_EATTEDIT_LIST), third = width / 3;
     std::vector<dialogs::Column> columns;
-    for (const auto& [title, key] : kColumns)
-        columns.push_back({loadText(title), readIntegerSetting(kSection, key, width / 3)});
-    columns[kValueColumn].width =
-        readIntegerSetting(kSection, kColumns[kValueColumn].widthKey, width - 2 * (width / 3) - 1);
+    for (const auto& [title, key] : kColumns) {
+        const int usual = title == IDS_COLUMN_VALUE ? width - 2 * third - 1 : third;
+        const int stored = readIntegerSetting(kSection, key, usual);
+        columns.push_back({loadText(title), stored > 0 ? stored : usual});
+    }
     setColumns(IDC_EATTEDIT_LIST, std::move(columns));
     hasColumns_ = true;
 }
@@ -190,7 +194,7 @@ void CEAttEditListPage::reload() {
     const bool multiLine = attribute->isMTextAttribute();
     if (selected(IDC_EATTEDIT_LIST) != dialog_.currentRow()) select(IDC_EATTEDIT_LIST, dialog_.currentRow());
     enableUnlessLocked(IDC_EATTEDIT_VALUE, !multiLine);
-    enableUnlessLocked(IDC_EATTEDIT_EDITOR, multiLine);
+    enableUnlessLocked(IDC_EATTEDIT_EDITOR, multiLine, unheldReason(*attribute));
     if (isEnabled(IDC_EATTEDIT_VALUE))
         value_.load(*attribute);
     else

@@ -2,6 +2,8 @@
 // again on Cancel.
 #pragma once
 
+#include <set>
+
 #include "drawingdb/block_reference.h"
 #include "torvelcmd2/attmanager/attribute_pages.h"
 #include "torvelcmd2/attributes/value_control.h"
@@ -76,7 +78,8 @@ class CEAttEditDlg final : public AttributeEditor {
 
     OdDbDatabasePtr database_;
     OdDbObjectId reference_;
-    OdDbObjectIdArray attributes_;  // those that can be edited, a row each
+    OdDbObjectIdArray attributes_;      // those that can be edited, a row each
+    std::set<OdDbObjectId> unapplied_;  // references changed since the last mark
     int row_ = 0;
     OdString lockedReason_;             // of the current one
     std::vector<std::uint64_t> marks_;  // as many as were set and not gone back to

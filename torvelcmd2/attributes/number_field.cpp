@@ -1,6 +1,7 @@
 #include "torvelcmd2/attributes/number_field.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "base/number.h"
@@ -11,6 +12,8 @@ namespace torvel {
 namespace {
 
 constexpr int kDrawingsOwn = -1;
+// Two of them multiplied are still a number, as the height and the width factor of a text are.
+constexpr double kLargest = 1e100;
 
 OdString plainNumber(double value) { return base::widen(base::realToText(value)); }
 
@@ -23,6 +26,7 @@ std::optional<double> valueOf(NumberKind kind, const OdString& text) {
 }
 
 bool isIn(NumberRange range, double value) {
+    if (!(std::fabs(value) <= kLargest)) return false;
     switch (range) {
         case NumberRange::kNotNegative:
             return value >= 0;
@@ -59,6 +63,10 @@ void NumberFields::show(int control, double value) {
     field.value = value;
     field.shown = numberText(field.kind, value);
     dialog_.setText(control, field.shown);
+}
+
+void NumberFields::showAgain(int control) {
+    if (const Field* const field = find(control)) dialog_.setText(control, field->shown);
 }
 
 NumberFields::Left NumberFields::take(Field& field) {

@@ -36,6 +36,8 @@ class NumberFields {
     NumberFields(dialogs::Dialog& dialog, std::initializer_list<NumberRow> rows);
 
     void show(int control, double value);
+    /// What was typed and not taken goes. Any control.
+    void showAgain(int control);
     /// As it was shown or taken last.
     double value(int control) const { return find(control)->value; }
 
