@@ -35,7 +35,7 @@ int visitModule(dl_phdr_info* info, std::size_t, void* data) {
 ModuleHandle findLoadedModule(std::wstring_view fileName) {
     const bool wholePath = fileName.find(L'/') != std::wstring_view::npos;
     // The loader's list holds the program without its name.
-    const std::wstring program = moduleFileName(processImage());
+    static const std::wstring program = moduleFileName(processImage());
     if (fileName == (wholePath ? program : fileNameOf(program))) return processImage();
     Search search{toUtf8Exact(fileName), wholePath};
     if (!search.fileName.empty()) dl_iterate_phdr(visitModule, &search);

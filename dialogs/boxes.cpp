@@ -101,10 +101,11 @@ Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& ca
     std::optional<Answer> answer;
     if (process.lines) {
         answer = Answer::kOk;
+        const std::wstring printed = base::replaceAll(text, L"\r\n", L"\n");
         if (kind == BoxKind::kYesNo || kind == BoxKind::kYesNoCancel)
-            answer = askAnswer(kind, text);
+            answer = askAnswer(kind, printed);
         else
-            process.lines->print(markOf(kind) + text + L"\n");
+            process.lines->print(markOf(kind) + printed + L"\n");
     }
     Answer given = Answer::kOk;
     process.waitFor([&] { given = process.maker->messageBox(kind, text, caption, answer); });

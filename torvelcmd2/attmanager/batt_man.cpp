@@ -13,11 +13,11 @@ namespace torvel {
 namespace {
 
 // What an external drawing defines is changed there.
+bool isExternal(OdDbObjectId block) { return block.openAs<OdDbBlockTableRecord>()->isFromExternalReference(); }
+
 std::vector<AttributedBlock> blocksToManage(const OdDbDatabase& database) {
     std::vector<AttributedBlock> blocks = attributedBlocks(database, Definitions::kAny);
-    std::erase_if(blocks, [](const AttributedBlock& block) {
-        return block.id.openAs<OdDbBlockTableRecord>()->isFromExternalReference();
-    });
+    std::erase_if(blocks, [](const AttributedBlock& block) { return isExternal(block.id); });
     return blocks;
 }
 
@@ -26,15 +26,18 @@ OdDbObjectId impliedBlock() {
     OdDbObjectIdArray selected;
     if (auto* const pickFirst = hostService(hostapi::getPickFirst)) pickFirst(selected);
     if (selected.empty() || !blockHasAttributes(selected.front(), false)) return {};
-    return OdDbBlockReference::blockTableRecordOf(selected.front());
+    const OdDbObjectId block = OdDbBlockReference::blockTableRecordOf(selected.front());
+    return isExternal(block) ? OdDbObjectId() : block;
 }
 
 OdDbObjectId pickBlock() {
     OdDbObjectId reference, attribute;
     constexpr bool kEditableOnly = true, kAllowNone = true;
-    return selectAttributedBlock(reference, attribute, !kEditableOnly, !kAllowNone) == hostapi::kValue
-               ? OdDbBlockReference::blockTableRecordOf(reference)
-               : OdDbObjectId();
+    if (selectAttributedBlock(reference, attribute, !kEditableOnly, !kAllowNone) != hostapi::kValue) return {};
+    const OdDbObjectId block = OdDbBlockReference::blockTableRecordOf(reference);
+    if (!isExternal(block)) return block;
+    printLine(loadText(IDS_BATTMAN_EXTERNAL));
+    return {};
 }
 
 // Until the user has done; true for OK.

@@ -36,7 +36,10 @@ CBAttManDlg::CBAttManDlg(const OdDbDatabasePtr& database, std::vector<Attributed
       edited_(database) {
     setPicture(IDC_BATTMAN_SELECT, IDI_PICK_ON_SCREEN);
     setTooltip(IDC_BATTMAN_SELECT, loadText(IDS_BATTMAN_SELECT_TIP));
-    setTooltip(IDC_BATTMAN_SYNC, loadText(IDS_BATTMAN_SYNC_TIP));
+    setTooltip(IDC_BATTMAN_SYNC, loadText(database_->isReadOnly() ? IDS_DRAWING_IS_READ_ONLY : IDS_BATTMAN_SYNC_TIP));
+    if (database_->isReadOnly())
+        for (const int button : {IDC_BATTMAN_MOVE_UP, IDC_BATTMAN_MOVE_DOWN, IDC_BATTMAN_EDIT, IDC_BATTMAN_REMOVE})
+            setTooltip(button, loadText(IDS_DRAWING_IS_READ_ONLY));
     for (const AttributedBlock& block : blocks_) addChoice(IDC_BATTMAN_BLOCK, block.name);
     showSettings();
     showBlock(blocks_.front().id);
@@ -139,7 +142,9 @@ void CBAttManDlg::showRows(int selectedRow) {
 
 void CBAttManDlg::onSelect(int, int) { showCan(); }
 
-void CBAttManDlg::onDoubleClick(int, int) { press(IDC_BATTMAN_EDIT); }
+void CBAttManDlg::onDoubleClick(int, int) {
+    if (can(IDC_BATTMAN_EDIT)) press(IDC_BATTMAN_EDIT);
+}
 
 // As the user left them.
 void CBAttManDlg::rememberWidths() const {
@@ -153,6 +158,7 @@ void CBAttManDlg::rememberWidths() const {
 // ---- what can be done
 
 bool CBAttManDlg::can(int button) const {
+    if (database_->isReadOnly()) return false;
     const int row = selected(IDC_BATTMAN_LIST), rows = rowCount(IDC_BATTMAN_LIST);
     switch (button) {
         case IDC_BATTMAN_MOVE_UP:
@@ -172,8 +178,8 @@ bool CBAttManDlg::can(int button) const {
 }
 
 void CBAttManDlg::showCan() {
-    for (const int button :
-         {IDC_BATTMAN_MOVE_UP, IDC_BATTMAN_MOVE_DOWN, IDC_BATTMAN_EDIT, IDC_BATTMAN_REMOVE, IDC_BATTMAN_APPLY})
+    for (const int button : {IDC_BATTMAN_SYNC, IDC_BATTMAN_MOVE_UP, IDC_BATTMAN_MOVE_DOWN, IDC_BATTMAN_EDIT,
+                             IDC_BATTMAN_REMOVE, IDC_BATTMAN_APPLY})
         enable(button, can(button));
 }
 
@@ -181,7 +187,8 @@ std::vector<dialogs::MenuEntry> CBAttManDlg::menuOf(int control) {
     std::vector<dialogs::MenuEntry> entries;
     if (control != IDC_BATTMAN_LIST) return entries;
     for (const auto& [button, text] : kMenu)
-        entries.push_back({button ? loadText(text) : OdString(), button, button == 0 || can(button)});
+        entries.push_back({button ? loadText(text) : OdString(), button,
+                           button == 0 || button == IDC_BATTMAN_SETTINGS || can(button)});
     return entries;
 }
 

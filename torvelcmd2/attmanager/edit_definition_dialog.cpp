@@ -81,8 +81,9 @@ void CAttDefEditPage::takeMode(int box) {
 }
 
 bool CAttDefEditPage::onLeave(int control, int next) {
-    if (next == dialogs::kCancelButton || next == dialogs::kHelpButton) return true;
-    if (control == IDC_DEFINITION_TAG) return takeTag();
+    if (next == dialogs::kCancelButton) return true;
+    // A tag that is refused keeps nobody from asking for help.
+    if (control == IDC_DEFINITION_TAG) return next == dialogs::kHelpButton || takeTag();
     if (control == IDC_DEFINITION_PROMPT) takePrompt();
     // Its own button goes on with what was typed.
     if (control == IDC_DEFINITION_DEFAULT && next != IDC_DEFINITION_EDITOR) takeDefault();
@@ -92,11 +93,11 @@ bool CAttDefEditPage::onLeave(int control, int next) {
 // As it was typed: small letters stay small.
 bool CAttDefEditPage::takeTag() {
     const OdString tag = text(IDC_DEFINITION_TAG);
-    if (tag == definition()->tag()) return true;
     if (const unsigned refusal = tagRefusal(kManagerTagRule, tag)) {
         showBox(hostapi::kWarningBox, loadText(refusal));
         return false;
     }
+    if (tag == definition()->tag()) return true;
     write([&](OdDbAttributeText& text) { text.setTag(tag); });
     return true;
 }

@@ -45,9 +45,10 @@ void EditedBlock::remove(std::size_t definition) {
 }
 
 void EditedBlock::synchronize() {
+    // Before, while little lies behind the steps in the log.
+    keep();
     syncBlockReferences(block_, definitions_);
     regenerate(database_.get());
-    keep();
 }
 
 void EditedBlock::keep() {

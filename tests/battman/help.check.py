@@ -1,0 +1,2 @@
+def check(case):
+    assert case.after.by_handle("44").section("AcDbAttributeDefinition").text(3) == "How wide?"
