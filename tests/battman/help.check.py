@@ -1,2 +1,5 @@
 def check(case):
-    assert case.after.by_handle("44").section("AcDbAttributeDefinition").text(3) == "How wide?"
+    made = case.after.by_handle("44")
+    definition = made.section("AcDbAttributeDefinition")
+    assert (definition.text(2), definition.text(3)) == ("SIZE", "How wide?")
+    assert made.section("AcDbText").text(1) == "big"

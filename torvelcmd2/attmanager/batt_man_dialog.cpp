@@ -158,6 +158,7 @@ void CBAttManDlg::rememberWidths() const {
 // ---- what can be done
 
 bool CBAttManDlg::can(int button) const {
+    if (button == IDC_BATTMAN_SETTINGS) return true;
     if (database_->isReadOnly()) return false;
     const int row = selected(IDC_BATTMAN_LIST), rows = rowCount(IDC_BATTMAN_LIST);
     switch (button) {
@@ -187,8 +188,7 @@ std::vector<dialogs::MenuEntry> CBAttManDlg::menuOf(int control) {
     std::vector<dialogs::MenuEntry> entries;
     if (control != IDC_BATTMAN_LIST) return entries;
     for (const auto& [button, text] : kMenu)
-        entries.push_back({button ? loadText(text) : OdString(), button,
-                           button == 0 || button == IDC_BATTMAN_SETTINGS || can(button)});
+        entries.push_back({button ? loadText(text) : OdString(), button, button == 0 || can(button)});
     return entries;
 }
 

@@ -8,6 +8,8 @@
 #include "torvelcmd2/attmanager/sync_block.h"
 #include "torvelcmd2/attributes/multiline_editing.h"
 #include "torvelcmd2/attributes/tag_rules.h"
+#include "torvelcmd2/frame/progress.h"
+#include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
 
@@ -81,12 +83,17 @@ void CAttDefEditPage::takeMode(int box) {
 }
 
 bool CAttDefEditPage::onLeave(int control, int next) {
-    if (next == dialogs::kCancelButton) return true;
-    // A tag that is refused keeps nobody from asking for help.
-    if (control == IDC_DEFINITION_TAG) return next == dialogs::kHelpButton || takeTag();
+    // Nothing is taken on the way to Cancel, and no tag on the way to Help, which no refusal may bar. Who does not
+    // press there finds what the definition has.
+    if (next == dialogs::kCancelButton || (control == IDC_DEFINITION_TAG && next == dialogs::kHelpButton)) {
+        showAttribute(*definition());
+        return true;
+    }
+    if (control == IDC_DEFINITION_TAG) return takeTag();
     if (control == IDC_DEFINITION_PROMPT) takePrompt();
-    // Its own button goes on with what was typed.
-    if (control == IDC_DEFINITION_DEFAULT && next != IDC_DEFINITION_EDITOR) takeDefault();
+    // Its own button goes on with what was typed, and takes it when it was not pressed.
+    if (control == IDC_DEFINITION_EDITOR || (control == IDC_DEFINITION_DEFAULT && next != IDC_DEFINITION_EDITOR))
+        takeDefault();
     return true;
 }
 
@@ -190,7 +197,13 @@ void CBMEADlg::attributeChanged() {
 void CBMEADlg::preview() {
     block_.undo().recordStep();
     previewed_ = true;
-    syncBlockReferences(block_.block(), block_.definitions());
+    try {
+        syncBlockReferences(block_.block(), block_.definitions());
+    } catch (const StoppedByUser&) {
+        // It was only a look.
+        setChecked(IDC_DEFINITION_PREVIEW, false);
+        return takeBackPreview();
+    }
     showDrawing();
 }
 
