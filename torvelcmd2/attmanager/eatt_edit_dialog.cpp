@@ -199,6 +199,7 @@ void CEAttEditListPage::reload() {
         value_.load(*attribute);
     else
         value_.loadForReading(*attribute);
+    value_.markFound();
     refreshRichText(IDC_EATTEDIT_VALUE);
     setModified(IDC_EATTEDIT_VALUE, false);
 }
@@ -217,9 +218,9 @@ bool CEAttEditListPage::onLeave(int control, int) {
 // A value that was only touched stays, with its fields.
 void CEAttEditListPage::takeValue() {
     setModified(IDC_EATTEDIT_VALUE, false);
-    const auto attribute = dialog_.current().openAs<OdDbAttribute>();
-    if (sameText(value_.captured(), captureText(*attribute))) return;
-    value_.save(*attribute);
+    if (!value_.isChanged()) return;
+    value_.save(*dialog_.current().openAs<OdDbAttribute>());
+    value_.markFound();
     dialog_.attributeChanged();
 }
 

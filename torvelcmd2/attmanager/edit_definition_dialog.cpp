@@ -9,7 +9,6 @@
 #include "torvelcmd2/attributes/multiline_editing.h"
 #include "torvelcmd2/attributes/tag_rules.h"
 #include "torvelcmd2/frame/progress.h"
-#include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
 
@@ -59,6 +58,7 @@ void CAttDefEditPage::showDefault(const OdDbAttributeText& attribute) {
     enable(IDC_DEFINITION_EDITOR, !single || hasFields);
     setTooltip(IDC_DEFINITION_EDITOR,
                !single ? OdString() : loadText(hasFields ? IDS_ATTDEF_INSERT_FIELD : IDS_NO_FIELDS));
+    default_.markFound();
     refreshRichText(IDC_DEFINITION_DEFAULT);
     setModified(IDC_DEFINITION_DEFAULT, false);
 }
@@ -118,8 +118,9 @@ void CAttDefEditPage::takePrompt() {
 void CAttDefEditPage::takeDefault() {
     if (!isModified(IDC_DEFINITION_DEFAULT)) return;
     setModified(IDC_DEFINITION_DEFAULT, false);
-    if (sameText(default_.captured(), captureText(*definition()))) return;
+    if (!default_.isChanged()) return;
     write([&](OdDbAttributeText& text) { default_.save(text); });
+    default_.markFound();
 }
 
 void CAttDefEditPage::insertField() {

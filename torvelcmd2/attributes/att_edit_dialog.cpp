@@ -10,12 +10,12 @@ CAttEditDlgEx::CAttEditDlgEx(ValueRows& rows)
     : ModuleDialog(IDD_ATTEDIT, L"Dialogs\\AttEditDlgEx", L"IDH_AttEdit"),
       rows_(rows),
       undo_(OdDbDatabasePtr(rows.database())),
-      places_(kPlaces, Place(rows.database())) {
+      places_(kPlaces, CFEdCtrl(rows.database())) {
     // So that the very first change can be taken back too.
     undo_.recordStep();
     setText(IDC_ATTEDIT_BLOCK, rows.blockName());
     setTooltip(IDC_ATTEDIT_BLOCK, rows.blockName());
-    for (int place = 0; place < kPlaces; ++place) setRichText(IDC_ATTEDIT_VALUE + place, &places_[place].control);
+    for (int place = 0; place < kPlaces; ++place) setRichText(IDC_ATTEDIT_VALUE + place, &places_[place]);
     showPage(0);
     focus(IDC_ATTEDIT_VALUE);
 }
@@ -54,29 +54,26 @@ void CAttEditDlgEx::showRow(int place) {
     enable(IDC_ATTEDIT_EDITOR + place, editable && multiLine);
     // Several lines are edited by the text editor alone.
     setReadOnly(IDC_ATTEDIT_VALUE + place, multiLine);
-    places_[place].control.setReadOnly(multiLine);
+    places_[place].setReadOnly(multiLine);
     showValue(place);
 }
 
 void CAttEditDlgEx::showValue(int place) {
-    auto& [control, shown, value] = places_[place];
+    CFEdCtrl& control = places_[place];
     if (rowAt(place) < rows_.count())
         rows_.show(rowAt(place), control);
     else
         control.value().clear();
-    shown = control.text();
-    value = control.captured();
+    control.markFound();
     refreshRichText(IDC_ATTEDIT_VALUE + place);
     setModified(IDC_ATTEDIT_VALUE + place, false);
 }
 
 // ---- what is written
 
-// A field that was only updated has the same code, but another text.
 void CAttEditDlgEx::write(int place) {
-    const auto& [control, shown, value] = places_[place];
-    if (!isModified(IDC_ATTEDIT_VALUE + place) || (control.text() == shown && sameText(control.captured(), value)))
-        return;
+    const CFEdCtrl& control = places_[place];
+    if (!isModified(IDC_ATTEDIT_VALUE + place) || !control.isChanged()) return;
     change(place, [&, this] { rows_.save(rowAt(place), control); });
 }
 

@@ -29,14 +29,6 @@ class CAttEditDlgEx final : public ModuleDialog {
   private:
     static constexpr int kPlaces = 8;
 
-    /// One row of the page.
-    struct Place {
-        explicit Place(OdDbDatabase* database) : control(database) {}
-        CFEdCtrl control;
-        OdString shown;  // as the user found it
-        CapturedText value;
-    };
-
     void onCommand(int control, dialogs::Event event) override;
     bool onLeave(int control, int next) override;
 
@@ -51,7 +43,7 @@ class CAttEditDlgEx final : public ModuleDialog {
 
     ValueRows& rows_;
     HostLocalUndo undo_;
-    std::vector<Place> places_;
+    std::vector<CFEdCtrl> places_;  // the rows of the page
     std::size_t page_ = 0;
     int edited_ = 0;  // the place whose "..." was pressed
 };

@@ -1,5 +1,6 @@
 #include "torvelcmd2/attributes/value_control.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "dialogs/boxes.h"
@@ -11,6 +12,13 @@ CapturedText CFEdCtrl::captured() const {
     auto [code, fields] = value_.code();
     return {!fields.empty(), std::move(code), std::move(fields)};
 }
+
+void CFEdCtrl::markFound() {
+    foundText_ = text();
+    found_ = captured();
+}
+
+bool CFEdCtrl::isChanged() const { return text() != foundText_ || !sameText(captured(), found_); }
 
 OdString CFEdCtrl::save(OdDbEntity& entity) const {
     OdString shown;

@@ -22,6 +22,10 @@ class CFEdCtrl final : public dialogs::RichText {
     void loadForReading(const OdDbEntity& entity) { value_.loadForReading(entity); }
     /// What would be saved.
     CapturedText captured() const;
+    /// The user finds the value as it is now.
+    void markFound();
+    /// Whether it is another since. A field that was only updated has the same code, but another text.
+    bool isChanged() const;
     /// Makes this the entity's value; returns what the entity shows afterwards.
     OdString save(OdDbEntity& entity) const;
 
@@ -36,6 +40,8 @@ class CFEdCtrl final : public dialogs::RichText {
 
   private:
     FieldEdit value_;
+    OdString foundText_;
+    CapturedText found_;
     bool readOnly_ = false;
 };
 

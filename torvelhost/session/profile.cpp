@@ -41,7 +41,7 @@ Profile Profile::ofUser() {
 }
 
 std::wstring Profile::readFile() const {
-    if (!base::isFile(fileName_)) return first_;
+    if (!base::isFile(fileName_)) return {};
     try {
         return base::fromUtf8(base::readTextFile(fileName_));
     } catch (const base::FileError&) {
@@ -49,17 +49,24 @@ std::wstring Profile::readFile() const {
     }
 }
 
-Profile::Sections& Profile::sections() {
-    if (sections_) return *sections_;
-    sections_.emplace();
-    Section* section = &(*sections_)[L""];
-    for (std::wstring& line : base::split(readFile(), L'\n')) {
+Profile::Sections Profile::parsed(std::wstring_view text) {
+    Sections sections;
+    Section* section = &sections[L""];
+    for (std::wstring& line : base::split(text, L'\n')) {
         if (line.ends_with(L'\r')) line.pop_back();
         if (line.size() > 1 && line.front() == L'[' && line.back() == L']')
-            section = &(*sections_)[unescaped(std::wstring_view(line).substr(1, line.size() - 2))];
+            section = &sections[unescaped(std::wstring_view(line).substr(1, line.size() - 2))];
         else if (const std::size_t equals = line.find(L'='); equals != line.npos)
             (*section)[line.substr(0, equals)] = unescaped(std::wstring_view(line).substr(equals + 1));
     }
+    return sections;
+}
+
+// A section that the user has is the user's, whatever it lacks.
+Profile::Sections& Profile::sections() {
+    if (sections_) return *sections_;
+    sections_ = parsed(readFile());
+    sections_->merge(parsed(first_));
     return *sections_;
 }
 

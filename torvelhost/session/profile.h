@@ -20,8 +20,8 @@ namespace host {
 
 class Profile final : public IProfile {
   public:
-    /// Nothing is read before a setting is asked for. `first` are the settings, in the form of a file, where there is
-    /// no file yet.
+    /// Nothing is read before a setting is asked for. `first` are sections, in the form of a file, that hold where
+    /// the file lacks them.
     explicit Profile(std::wstring fileName, std::wstring first = {})
         : fileName_(std::move(fileName)), first_(std::move(first)) {}
     /// The user's own file, with what suits somebody who has none yet.
@@ -41,6 +41,7 @@ class Profile final : public IProfile {
   private:
     using Section = std::map<std::wstring, std::wstring, base::LessNoCase>;
     using Sections = std::map<std::wstring, Section, base::LessNoCase>;
+    static Sections parsed(std::wstring_view text);
     /// The settings, read at the first call. A file that cannot be read counts as an empty one.
     Sections& sections();
     std::wstring readFile() const;

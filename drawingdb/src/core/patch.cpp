@@ -193,7 +193,11 @@ class Patch {
             place = index;
             return;
         }
-        if (place >= 0) return;
+        if (place >= 0) {
+            // Of two the first counts. The second may not come into its place.
+            if (items_[static_cast<std::size_t>(place)].action == Do::drop) item.action = Do::drop;
+            return;
+        }
         place = index;
         after = found;
         char* const base = holder(object_, description_.zones[field.zone]);

@@ -59,6 +59,24 @@ TEST(RoundTrip, AChangePatchesOnlyItsGroup) {
     EXPECT_EQ(database->writeBytes(), expected);
 }
 
+TEST(RoundTrip, ADefaultLeavesNoGroupBehind) {
+    // Of two groups the first counts, and the second may not come into its place.
+    const auto database = OdDbDatabase::readBytes(
+        "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1032\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
+        "0\nTEXT\n5\nA1\n100\nAcDbEntity\n8\n0\n62\n1\n420\n255\n62\n3\n100\nAcDbText\n10\n0\n20\n0\n30\n0\n40\n1\n"
+        "1\nx\n50\n90\n50\n45\n0\nENDSEC\n0\nEOF\n",
+        L"doubled.dxf");
+    {
+        const auto text = objectOf(database, 0xA1).openAs<OdDbText>(OdDb::forWrite);
+        text->setColor(OdCmColor());
+        text->setRotation(0);
+    }
+    const std::string bytes = database->writeBytes();
+    const auto again = OdDbDatabase::readBytes(bytes, L"doubled.dxf");
+    EXPECT_EQ(objectOf(again, 0xA1).openAs<OdDbText>()->rotation(), 0);
+    for (const char* group : {"\n62\n", "\n420\n", "\n50\n"}) EXPECT_EQ(bytes.find(group), bytes.npos) << group;
+}
+
 TEST(RoundTrip, TextsAreReadThroughEscapesAndWrittenWithThem) {
     const auto database = sample();
     const auto attribute = objectOf(database, 0x52).openAs<OdDbAttribute>(OdDb::forWrite);
