@@ -1,4 +1,6 @@
 // The dialog under real mouse and keys.
+#include <optional>
+
 #include "base/files.h"
 #include "base/text.h"
 #include "drawingdb/block.h"
@@ -28,7 +30,7 @@ class AttEditWindow : public testing::Test {
     const OwnDesktop desktop_;
     const dialogs::ResourceScope resources_{base::processImage()};
     AttributeRows rows_{*reference_};
-    CAttEditDlgEx dialog_{rows_};
+    std::optional<CAttEditDlgEx> dialog_{std::in_place, rows_};
     RealInput input_;
 };
 
@@ -38,8 +40,8 @@ TEST_F(AttEditWindow, ValuesAreWrittenWhenTheirFieldsAreLeft) {
     const auto look = [&] { input_.then([&] { seen.push_back(firstValues()); }); };
     bool meetsLabel = false, meetsPage = true;
     input_.then([&] {
-        meetsLabel = hand::meets(dialog_, IDC_ATTEDIT_LABEL + 5);
-        meetsPage = hand::meets(dialog_, IDC_ATTEDIT_PAGE);
+        meetsLabel = hand::meets(*dialog_, IDC_ATTEDIT_LABEL + 5);
+        meetsPage = hand::meets(*dialog_, IDC_ATTEDIT_PAGE);
     });
     input_.pressWith(Held::kControl, 'A');
     input_.type("ONE");
@@ -48,11 +50,11 @@ TEST_F(AttEditWindow, ValuesAreWrittenWhenTheirFieldsAreLeft) {
     input_.press(Key::kTab);  // past the button of a value of one line
     input_.type("TWO");       // over the whole value
     look();
-    input_.click(dialog_, valueAt(3));
+    input_.click(*dialog_, valueAt(3));
     look();
     input_.press(Key::kEnd);
     input_.type("X");
-    input_.click(dialog_, IDC_ATTEDIT_NEXT);
+    input_.click(*dialog_, IDC_ATTEDIT_NEXT);
     look();
     input_.type("EIGHT");  // in the first row of the next page, over its value
     input_.pressWith(Held::kAlt, 'N');
@@ -60,7 +62,7 @@ TEST_F(AttEditWindow, ValuesAreWrittenWhenTheirFieldsAreLeft) {
     input_.pressWith(Held::kAlt, 'N');  // there is no further page
     input_.press(Key::kEnter);
     int code = 0;
-    input_.during([&] { code = dialog_.runModal(); });
+    input_.during([&] { code = dialog_->runModal(); });
     EXPECT_EQ(code, dialogs::kOkButton);
     EXPECT_TRUE(meetsLabel) << "a prompt has a tooltip";
     EXPECT_FALSE(meetsPage);
@@ -77,14 +79,15 @@ TEST_F(AttEditWindow, EscapeTakesAllOfItBack) {
     const std::string before = database_->writeBytes();
     input_.pressWith(Held::kControl, 'A');
     input_.type("ONE");
-    input_.click(dialog_, valueAt(1));
+    input_.click(*dialog_, valueAt(1));
     input_.type("TWO");
-    input_.click(dialog_, IDC_ATTEDIT_NEXT);
+    input_.click(*dialog_, IDC_ATTEDIT_NEXT);
     input_.type("THREE");
     input_.press(Key::kEscape);
     int code = 0;
-    input_.during([&] { code = dialog_.runModal(); });
+    input_.during([&] { code = dialog_->runModal(); });
     EXPECT_EQ(code, dialogs::kCancelButton);
+    dialog_.reset();
     EXPECT_TRUE(database_->writeBytes() == before);
 }
 
