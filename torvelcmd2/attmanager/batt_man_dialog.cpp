@@ -247,7 +247,6 @@ void CBAttManDlg::editDefinition() {
         undo.undo();
         return;
     }
-    edited_.noteEdited();
     showRows(selected(IDC_BATTMAN_LIST));
 }
 

@@ -235,8 +235,7 @@ void CBMEADlg::onOk() {
 
 void CBMEADlg::onCancel() {
     takeBackPreview();
-    while (block_.undo().level() > level_ && block_.undo().undo()) {
-    }
+    block_.undo().undoTo(level_);
     saveSettings();
     end(dialogs::kCancelButton);
 }

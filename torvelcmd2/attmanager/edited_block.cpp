@@ -20,8 +20,6 @@ EditedBlock::EditedBlock(OdDbDatabasePtr database) : database_(std::move(databas
 
 void EditedBlock::open(OdDbObjectId block) {
     block_ = block;
-    level_ = undo_.level();
-    changed_ = false;
     findDefinitions();
 }
 
@@ -34,14 +32,12 @@ void EditedBlock::findDefinitions() {
 void EditedBlock::exchange(std::size_t definition, std::size_t other) {
     const HostLocalUndo::step step(undo_);
     definitions_[definition].openAs<OdDbAttributeDefinition>(OdDb::forWrite)->swapIdWith(definitions_[other]);
-    changed_ = true;
 }
 
 void EditedBlock::remove(std::size_t definition) {
     const HostLocalUndo::step step(undo_);
     definitions_[definition].openAs<OdDbAttributeDefinition>(OdDb::forWrite)->erase();
     definitions_.erase(definitions_.begin() + static_cast<std::ptrdiff_t>(definition));
-    changed_ = true;
 }
 
 void EditedBlock::synchronize() {
@@ -51,15 +47,8 @@ void EditedBlock::synchronize() {
     regenerate(database_.get());
 }
 
-void EditedBlock::keep() {
-    undo_.dropTo(level_);
-    changed_ = false;
-}
-
 void EditedBlock::takeBack() {
-    while (undo_.level() > level_ && undo_.undo()) {
-    }
-    changed_ = false;
+    undo_.undoTo(0);
     findDefinitions();
     regenerate(database_.get());
 }

@@ -21,18 +21,16 @@ class EditedBlock {
     /// All of them, in the block's order.
     const OdDbObjectIdArray& definitions() const { return definitions_; }
     /// Whether there are changes that were neither kept nor taken back.
-    bool isChanged() const { return changed_; }
+    bool isChanged() const { return undo_.level() > 0; }
     HostLocalUndo& undo() { return undo_; }
 
     /// The two change places in the block, with all that belongs to them.
     void exchange(std::size_t definition, std::size_t other);
     void remove(std::size_t definition);
-    /// One of them was edited, in a step of the stack.
-    void noteEdited() { changed_ = true; }
 
     /// Brings all references in line and shows the drawing anew; the changes are kept then.
     void synchronize();
-    void keep();
+    void keep() { undo_.dropTo(0); }
     /// Shows the drawing anew.
     void takeBack();
 
@@ -43,8 +41,6 @@ class EditedBlock {
     HostLocalUndo undo_;
     OdDbObjectId block_;
     OdDbObjectIdArray definitions_;
-    std::int32_t level_ = 0;  // of the stack, when the block was opened
-    bool changed_ = false;
 };
 
 }  // namespace torvel

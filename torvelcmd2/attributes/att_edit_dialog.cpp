@@ -22,8 +22,7 @@ CAttEditDlgEx::CAttEditDlgEx(ValueRows& rows)
 
 CAttEditDlgEx::~CAttEditDlgEx() {
     try {
-        while (undo_.undo()) {
-        }
+        undo_.undoTo(0);
     } catch (...) {
         // Out of memory: the host takes its whole command back.
     }

@@ -47,6 +47,11 @@ bool HostLocalUndo::undo() {
     return true;
 }
 
+void HostLocalUndo::undoTo(std::int32_t level) {
+    while (this->level() > level && undo()) {
+    }
+}
+
 // The marks go from the drawing's history too, or whoever goes back from outside would stop at them.
 void HostLocalUndo::dropTo(std::int32_t level) {
     for (const std::int32_t kept = std::max(level, 0); this->level() > kept; marks_.pop_back())

@@ -32,6 +32,8 @@ class HostLocalUndo {
     void recordStep();
     /// Takes the drawing back to the last restore point, which is used up. False when there is none.
     bool undo();
+    /// The same for all restore points above a level.
+    void undoTo(std::int32_t level);
 
     /// The number of restore points that can be undone.
     std::int32_t level() const { return static_cast<std::int32_t>(marks_.size()); }

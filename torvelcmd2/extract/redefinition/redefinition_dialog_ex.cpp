@@ -93,8 +93,7 @@ extern "C" int ShowAttDDEIT(const OdDbObjectId& id) {
         dialog.showDefault();
     }
     if (code == dialogs::kOkButton) return 1;
-    while (undo.undo()) {
-    }
+    undo.undoTo(0);
     return 0;
 }
 static_assert(hostapi::fits(hostapi::ShowAttDDEIT, &ShowAttDDEIT));
