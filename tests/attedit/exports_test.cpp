@@ -2,7 +2,7 @@
 // their host.
 #include <algorithm>
 
-#include "base/files.h"
+#include "base/text.h"
 #include "dialogs/dialog.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
@@ -12,16 +12,6 @@
 #include "tests/module/loaded_services.h"
 
 using fake::host;
-
-extern "C" {
-void* GetMainDllInstance() { return base::processImage(); }
-const wchar_t* GetMainDllNameW() {
-    static const std::wstring name = base::fileNameOf(base::moduleFileName(base::processImage()));
-    return name.c_str();
-}
-void new_ICmdFactory(ICmdFactory** factory) { fake::newCommandFactory(factory); }
-fake::HostFunction get_host_funcptr(int id) { return fake::hostFunction(id); }
-}
 
 namespace {
 

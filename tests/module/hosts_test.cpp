@@ -24,16 +24,6 @@
 using fake::host;
 using namespace torvel;
 
-extern "C" {
-void* GetMainDllInstance() { return base::processImage(); }
-const wchar_t* GetMainDllNameW() {
-    static const std::wstring name = base::fileNameOf(base::moduleFileName(base::processImage()));
-    return name.c_str();
-}
-void new_ICmdFactory(ICmdFactory** factory) { fake::newCommandFactory(factory); }
-fake::HostFunction get_host_funcptr(int id) { return fake::hostFunction(id); }
-}
-
 namespace {
 
 class Hosts : public testing::Test {

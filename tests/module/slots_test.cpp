@@ -2,23 +2,12 @@
 #include <gtest/gtest.h>
 
 #include "base/modules.h"
-#include "base/paths.h"
 #include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/curves.h"
 #include "fake_host.h"
 #include "hostapi/input.h"
 #include "hostapi/slides.h"
-
-extern "C" {
-void* GetMainDllInstance() { return base::processImage(); }
-const wchar_t* GetMainDllNameW() {
-    static const std::wstring name = base::fileNameOf(base::moduleFileName(base::processImage()));
-    return name.c_str();
-}
-void new_ICmdFactory(ICmdFactory** factory) { fake::newCommandFactory(factory); }
-fake::HostFunction get_host_funcptr(int id) { return fake::hostFunction(id); }
-}
 
 namespace {
 
