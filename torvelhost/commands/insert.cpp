@@ -17,25 +17,34 @@ namespace {
 using AttributeDefinitionPtr = OdSmartPtr<OdDbAttributeDefinition>;
 using ShowAttEditDialog = int(const OdString& block, hostapi::AttributeValues& values, const OdGeMatrix3d& transform);
 
-void giveField(const OdDbFieldPtr& field, OdDbAttribute& attribute) {
+// A default of several lines is scaled with the reference: heights stand in its codes.
+OdString scaledValue(const OdString& value, const OdDbAttributeDefinition& definition,
+                     const OdGeMatrix3d& blockTransform) {
+    const OdSmartPtr<OdDbMText> text = definition.getMTextAttributeDefinition();
+    if (!text) return value;
+    text->setContents(value);
+    text->transformBy(blockTransform);
+    return text->contents();
+}
+
+// The text around the fields is scaled as one without fields is; index markers hold the places of the fields in it.
+void giveField(const OdDbFieldPtr& field, const OdDbAttributeDefinition& definition, const OdGeMatrix3d& blockTransform,
+               OdDbAttribute& attribute) {
+    if (definition.isMTextAttributeDefinition() && field->evaluatorId() == L"_text") {
+        std::vector<OdDbFieldPtr> children(field->childCount());
+        for (std::size_t i = 0; i < children.size(); ++i) children[i] = field->getChild(i)->copy();
+        field->setFieldCode(scaledValue(field->getFieldCode(OdDbField::kFieldCode), definition, blockTransform),
+                            OdDbField::kTextField | OdDbField::kPreserveChildren, children);
+    }
     attribute.setField(L"TEXT", field);
     field->evaluate(OdDbField::kAutomatic, attribute.database());
 }
 
 // A default that is a field goes on being one.
-void takeField(const OdDbAttributeDefinition& definition, OdDbAttribute& attribute) {
-    if (const OdDbFieldPtr standard = definition.getField(L"TEXT")) giveField(standard->copy(), attribute);
-}
-
-// A value of several lines is scaled with the reference as the default is: heights stand in its codes.
-void giveValue(const OdString& value, const OdDbAttributeDefinition& definition, const OdGeMatrix3d& blockTransform,
+void takeField(const OdDbAttributeDefinition& definition, const OdGeMatrix3d& blockTransform,
                OdDbAttribute& attribute) {
-    const OdSmartPtr<OdDbMText> text = definition.getMTextAttributeDefinition();
-    if (text) {
-        text->setContents(value);
-        text->transformBy(blockTransform);
-    }
-    attribute.setTextString(text ? text->contents() : value);
+    if (const OdDbFieldPtr standard = definition.getField(L"TEXT"))
+        giveField(standard->copy(), definition, blockTransform, attribute);
 }
 
 std::vector<AttributeDefinitionPtr> definitionsOf(OdDbObjectId block) {
@@ -69,9 +78,9 @@ bool fillAttributes(HostRun& run, OdDbBlockReference& reference, const std::vect
         }
         const auto attribute = append(reference, *definition);
         if (result == kValue)
-            giveValue(value, *definition, reference.blockTransform(), *attribute);
+            attribute->setTextString(scaledValue(value, *definition, reference.blockTransform()));
         else
-            takeField(*definition, *attribute);
+            takeField(*definition, reference.blockTransform(), *attribute);
     }
     return true;
 }
@@ -85,14 +94,14 @@ bool fillByDialog(HostRun& run, OdDbBlockReference& reference, const std::vector
         OdDbFieldPtr field;
     };
     std::vector<std::optional<Changed>> changes(definitions.size());
+    const OdGeMatrix3d transform = reference.blockTransform();
     hostapi::AttributeValues values;
     for (const AttributeDefinitionPtr& definition : definitions)
         values.emplace_back(definition, definition->textString());
     const hostapi::AttributeValues before = values;
 
     run.database->blockUndoRecording(true);
-    const bool accepted =
-        showDialog(reference.blockName(), values, reference.blockTransform()) == 1 && values.size() == before.size();
+    const bool accepted = showDialog(reference.blockName(), values, transform) == 1 && values.size() == before.size();
     for (std::size_t i = 0; accepted && i < values.size(); ++i) {
         const OdString& value = boost::get<1>(values[i]);
         if (value == boost::get<1>(before[i])) continue;
@@ -106,11 +115,11 @@ bool fillByDialog(HostRun& run, OdDbBlockReference& reference, const std::vector
     for (std::size_t i = 0; i < definitions.size(); ++i) {
         const auto attribute = append(reference, *definitions[i]);
         if (!changes[i]) {
-            takeField(*definitions[i], *attribute);
+            takeField(*definitions[i], transform, *attribute);
             continue;
         }
-        giveValue(changes[i]->value, *definitions[i], reference.blockTransform(), *attribute);
-        if (changes[i]->field) giveField(changes[i]->field, *attribute);
+        attribute->setTextString(scaledValue(changes[i]->value, *definitions[i], transform));
+        if (changes[i]->field) giveField(changes[i]->field, *definitions[i], transform, *attribute);
     }
     return true;
 }
