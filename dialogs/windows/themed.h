@@ -3,10 +3,12 @@
 
 #include <windows.h>
 
+#include "dialogs/api.h"
+
 namespace dialogs {
 
 /// While one lives, windows that are made have common controls 6: the library's manifest asks for them.
-class Themed {
+class DIALOGS_API Themed {
   public:
     Themed();
     ~Themed();

@@ -1,0 +1,661 @@
+// A window of the system: menu, toolbar, canvas, tabs, history, prompt, command line and status, from the top down.
+//
+// The command line's field has the focus whenever no other control was given it, so what is typed lands there, wherever
+// the mouse is. Keys, accelerators and the wheel are taken where messages are fetched; messages of loops that are not
+// this frame's (menus, dialogs) come through the windows' procedures alone.
+#include <windows.h>
+#include <commctrl.h>
+#include <shellapi.h>
+#include <windowsx.h>
+
+#include <algorithm>
+
+#include "base/modules.h"
+#include "base/text.h"
+#include "dialogs/windows/themed.h"
+#include "torvelhost/window/canvas_window_windows.h"
+#include "torvelhost/window/make_frame.h"
+
+namespace host {
+namespace {
+
+constexpr wchar_t kClassName[] = L"TorvelWindow";
+constexpr UINT kFirstCommand = 1000;  // menu entries have ids from here on, in their order
+constexpr int kHistoryLines = 5;
+constexpr std::size_t kLongestHistory = 200000;  // characters; the older half goes then
+
+HINSTANCE instance() { return static_cast<HINSTANCE>(base::moduleOf(reinterpret_cast<const void*>(&instance))); }
+
+std::wstring windowText(HWND window) {
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+std::wstring withoutMnemonic(std::wstring text) {
+    std::erase(text, L'&');
+    return text;
+}
+
+// "Ctrl+Shift+Z", "F5"; nothing where the key has no name here.
+std::optional<ACCEL> acceleratorOf(std::wstring_view shortcut, WORD command) {
+    ACCEL accelerator = {FVIRTKEY, 0, command};
+    for (;;) {
+        const std::size_t plus = shortcut.find(L'+');
+        if (plus == shortcut.npos || plus + 1 == shortcut.size()) break;
+        const std::wstring_view word = shortcut.substr(0, plus);
+        if (word == L"Ctrl") accelerator.fVirt |= FCONTROL;
+        if (word == L"Shift") accelerator.fVirt |= FSHIFT;
+        if (word == L"Alt") accelerator.fVirt |= FALT;
+        shortcut.remove_prefix(plus + 1);
+    }
+    if (shortcut.size() == 1 &&
+        ((shortcut[0] >= L'0' && shortcut[0] <= L'9') || (shortcut[0] >= L'A' && shortcut[0] <= L'Z')))
+        accelerator.key = shortcut[0];
+    else if (shortcut.size() >= 2 && shortcut[0] == L'F')
+        accelerator.key = static_cast<WORD>(VK_F1 + std::stoi(std::wstring(shortcut.substr(1))) - 1);
+    else
+        return std::nullopt;
+    return accelerator;
+}
+
+std::optional<Key> keyOf(WPARAM code) {
+    switch (code) {
+        case VK_RETURN:
+            return Key::kEnter;
+        case VK_ESCAPE:
+            return Key::kEscape;
+        case VK_SPACE:
+            return Key::kSpace;
+        case VK_TAB:
+            return Key::kTab;
+        case VK_UP:
+            return Key::kUp;
+        case VK_DOWN:
+            return Key::kDown;
+        case VK_DELETE:
+            return Key::kDelete;
+        case VK_F1:
+            return Key::kHelp;
+        default:
+            return std::nullopt;
+    }
+}
+
+// The text for a SysLink: each word of the prompt is one behind the bracket.
+std::wstring linkText(const std::wstring& prompt, const std::vector<std::wstring>& words) {
+    std::wstring text;
+    std::size_t at = 0;
+    const auto copyTo = [&](std::size_t end) {
+        for (; at < end; ++at) text += prompt[at] == L'<' ? std::wstring(L"&lt;") : std::wstring(1, prompt[at]);
+    };
+    std::size_t from = prompt.rfind(L'[');
+    for (std::size_t i = 0; i < words.size() && from != prompt.npos; ++i) {
+        from = prompt.find(words[i], from);
+        if (from == prompt.npos) break;
+        copyTo(from);
+        text += L"<a id=\"" + std::to_wstring(i) + L"\">" + words[i] + L"</a>";
+        at = from += words[i].size();
+    }
+    copyTo(prompt.size());
+    return text;
+}
+
+class Win32Frame final : public ViewFrame {
+  public:
+    Win32Frame();
+    ~Win32Frame() override;
+    Win32Frame(const Win32Frame&) = delete;
+    Win32Frame& operator=(const Win32Frame&) = delete;
+
+    void open(ViewEvents& events) override;
+    void waitForEvents(std::optional<std::int64_t> until) override;
+    std::int64_t now() override { return static_cast<std::int64_t>(GetTickCount64()); }
+    bool breathe() override;
+    void showPicture(const PixelBuffer& picture, const PixelRectangle& changed) override {
+        canvas_.show(picture, changed);
+    }
+    void setCursor(Cursor cursor) override;
+    void setTip(const std::wstring& text, CanvasPoint at) override;
+    void setTitle(const std::wstring& title) override { SetWindowTextW(window_, title.c_str()); }
+    void setStatus(const std::wstring& text) override;
+    void setProgress(double part) override;
+    void setMenus(const std::vector<Menu>& menus) override;
+    void setTabs(const std::vector<std::wstring>& names, std::size_t current) override;
+    void setPrompt(const std::wstring& prompt, const std::vector<std::wstring>& words) override;
+    void setCommandText(const std::wstring& text) override;
+    void addHistory(const std::wstring& text) override;
+    void* nativeWindow() override { return window_; }
+    void activate() override;
+
+  private:
+    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM packed);
+    LRESULT handle(UINT message, WPARAM wide, LPARAM packed);
+    LRESULT notified(const NMHDR& note);
+    HWND makeControl(const wchar_t* kind, const wchar_t* name, DWORD style, DWORD extended = 0);
+    void makeControls();
+    void layOut();
+    int scaled(int pixels) const { return MulDiv(pixels, dpi_, 96); }
+    /// A message that was fetched: what keys and the wheel mean here. False: it goes its usual way.
+    bool take(const MSG& message);
+    bool takeKey(const MSG& message);
+    void mouse(UINT message, WPARAM wide, LPARAM packed);
+    void tellSize();
+
+    /// Calls the events, where they may be called.
+    template <class Call>
+    void tell(Call call) {
+        if (!waiting_) return;
+        handedOver_ = true;
+        call(*events_);
+    }
+
+    ViewEvents* events_ = nullptr;
+    HWND window_ = nullptr;
+    CanvasWindow canvas_;
+    HWND toolbar_ = nullptr, tabs_ = nullptr, history_ = nullptr, prompt_ = nullptr, line_ = nullptr, status_ = nullptr,
+         progress_ = nullptr, tip_ = nullptr;
+    HFONT font_ = nullptr;
+    HACCEL accelerators_ = nullptr;
+    std::vector<MenuEntry> entries_;  // by their ids
+    std::vector<std::wstring> toolbarTexts_;
+    std::size_t toolbarButtons_ = 0;
+    int dpi_ = 96;
+    int toldWidth_ = -1, toldHeight_ = -1;
+    bool waiting_ = false;     // inside waitForEvents
+    bool handedOver_ = false;  // something, in this call of it
+    bool settingText_ = false;
+    bool mouseInside_ = false;
+    bool tipShown_ = false;
+};
+
+// ---- making it
+
+Win32Frame::Win32Frame() {
+    SetProcessDPIAware();
+    const dialogs::Themed themed;
+    INITCOMMONCONTROLSEX kinds = {sizeof kinds, ICC_WIN95_CLASSES | ICC_LINK_CLASS | ICC_STANDARD_CLASSES};
+    InitCommonControlsEx(&kinds);
+    if (HDC const screen = GetDC(nullptr)) {
+        dpi_ = GetDeviceCaps(screen, LOGPIXELSX);
+        ReleaseDC(nullptr, screen);
+    }
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof metrics;
+    if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0))
+        font_ = CreateFontIndirectW(&metrics.lfMessageFont);
+
+    WNDCLASSEXW kind = {};
+    kind.cbSize = sizeof kind;
+    kind.lpfnWndProc = procedure;
+    kind.hInstance = instance();
+    kind.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+    kind.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+    kind.lpszClassName = kClassName;
+    RegisterClassExW(&kind);  // fails where it is registered already
+    CreateWindowExW(WS_EX_ACCEPTFILES, kClassName, L"torvelhost", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
+                    CW_USEDEFAULT, scaled(1280), scaled(900), nullptr, nullptr, instance(), this);
+    if (window_) makeControls();
+}
+
+Win32Frame::~Win32Frame() {
+    waiting_ = false;
+    if (window_) DestroyWindow(window_);
+    if (accelerators_) DestroyAcceleratorTable(accelerators_);
+    if (font_) DeleteObject(font_);
+}
+
+HWND Win32Frame::makeControl(const wchar_t* kind, const wchar_t* name, DWORD style, DWORD extended) {
+    HWND const control = CreateWindowExW(extended, kind, name, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, window_,
+                                         nullptr, instance(), nullptr);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
+    return control;
+}
+
+// In the order of the Tab key. The names are what screen readers say.
+void Win32Frame::makeControls() {
+    canvas_.create(window_, [this](UINT message, WPARAM wide, LPARAM packed) { mouse(message, wide, packed); });
+    toolbar_ = makeControl(
+        TOOLBARCLASSNAMEW, L"Tools",
+        WS_TABSTOP | TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_NORESIZE | CCS_NOPARENTALIGN | CCS_NODIVIDER);
+    SendMessageW(toolbar_, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+    SendMessageW(toolbar_, TB_SETBITMAPSIZE, 0, 0);
+    tabs_ = makeControl(WC_TABCONTROLW, L"Layouts", WS_TABSTOP | TCS_FOCUSNEVER);
+    SetWindowLongW(tabs_, GWL_STYLE, GetWindowLongW(tabs_, GWL_STYLE) & ~TCS_FOCUSNEVER);
+    history_ = makeControl(L"EDIT", L"", WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL,
+                           WS_EX_CLIENTEDGE);
+    SendMessageW(history_, EM_SETLIMITTEXT, 0, 0);
+    prompt_ = makeControl(WC_LINK, L"", WS_TABSTOP);
+    line_ = makeControl(L"EDIT", L"", WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE);
+    status_ = makeControl(STATUSCLASSNAMEW, L"", SBARS_SIZEGRIP);
+    progress_ =
+        CreateWindowExW(0, PROGRESS_CLASSW, L"Progress", WS_CHILD, 0, 0, 0, 0, status_, nullptr, instance(), nullptr);
+    tip_ = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TRANSPARENT, TOOLTIPS_CLASSW, nullptr,
+                           WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, window_, nullptr, instance(), nullptr);
+    TOOLINFOW tool = {};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_TRACK | TTF_ABSOLUTE | TTF_TRANSPARENT;
+    tool.hwnd = window_;
+    wchar_t none[] = L"";
+    tool.lpszText = none;
+    SendMessageW(tip_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void Win32Frame::open(ViewEvents& events) {
+    events_ = &events;
+    layOut();
+    ShowWindow(window_, SW_SHOWDEFAULT);
+    SetForegroundWindow(window_);
+    SetFocus(line_);
+    UpdateWindow(window_);
+}
+
+// From both ends towards the canvas, which has what is left.
+void Win32Frame::layOut() {
+    if (!status_) return;
+    RECT area;
+    GetClientRect(window_, &area);
+    const int width = area.right, gap = scaled(2);
+    SendMessageW(status_, WM_SIZE, 0, 0);
+    RECT statusArea;
+    GetWindowRect(status_, &statusArea);
+    const int parts[] = {width - scaled(200), width};
+    SendMessageW(status_, SB_SETPARTS, 2, reinterpret_cast<LPARAM>(parts));
+    RECT progressArea;
+    SendMessageW(status_, SB_GETRECT, 1, reinterpret_cast<LPARAM>(&progressArea));
+    MoveWindow(progress_, progressArea.left + gap, progressArea.top + gap,
+               progressArea.right - progressArea.left - scaled(24), progressArea.bottom - progressArea.top - 2 * gap,
+               TRUE);
+
+    HDC const screen = GetDC(window_);
+    HGDIOBJ const former = SelectObject(screen, font_);
+    TEXTMETRICW text;
+    GetTextMetricsW(screen, &text);
+    SelectObject(screen, former);
+    ReleaseDC(window_, screen);
+    const int row = text.tmHeight + scaled(8);
+
+    int top = 0, bottom = area.bottom - (statusArea.bottom - statusArea.top);
+    if (toolbarButtons_ > 0) {
+        SIZE size = {};
+        SendMessageW(toolbar_, TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&size));
+        const int height = std::max<int>(size.cy, row) + gap;
+        MoveWindow(toolbar_, gap, 0, width - gap, height, TRUE);
+        top = height + gap;
+    }
+    const auto placeBelow = [&](HWND control, int height) {
+        bottom -= height;
+        MoveWindow(control, gap, bottom, width - 2 * gap, height, TRUE);
+        bottom -= gap;
+    };
+    placeBelow(line_, row);
+    placeBelow(prompt_, text.tmHeight + scaled(3));
+    placeBelow(history_, text.tmHeight * kHistoryLines + scaled(6));
+    placeBelow(tabs_, row);
+    MoveWindow(canvas_.window(), 0, top, width, std::max(bottom - top, 1), TRUE);
+    tellSize();
+}
+
+// The canvas may change its size while the view cannot be told.
+void Win32Frame::tellSize() {
+    if (!waiting_ || IsIconic(window_)) return;
+    RECT area;
+    GetClientRect(canvas_.window(), &area);
+    if (area.right == toldWidth_ && area.bottom == toldHeight_) return;
+    toldWidth_ = area.right;
+    toldHeight_ = area.bottom;
+    tell([&](ViewEvents& events) { events.resized(std::max(toldWidth_, 1), std::max(toldHeight_, 1), dpi_ / 96.0); });
+}
+
+// ---- events
+
+void Win32Frame::waitForEvents(std::optional<std::int64_t> until) {
+    waiting_ = true;
+    handedOver_ = false;
+    tellSize();
+    while (!handedOver_) {
+        MSG message;
+        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (message.message == WM_QUIT)
+                tell([](ViewEvents& events) { events.closeAsked(); });
+            else if (!take(message)) {
+                TranslateMessage(&message);
+                DispatchMessageW(&message);
+            }
+            continue;
+        }
+        const std::int64_t left = until ? *until - now() : 0;
+        if (until && left <= 0) break;
+        MsgWaitForMultipleObjectsEx(0, nullptr,
+                                    until ? static_cast<DWORD>(std::min<std::int64_t>(left, 60000)) : INFINITE,
+                                    QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    }
+    waiting_ = false;
+}
+
+bool Win32Frame::breathe() {
+    bool escaped = false;
+    MSG message;
+    while (PeekMessageW(&message, nullptr, WM_KEYDOWN, WM_KEYDOWN, PM_REMOVE)) escaped |= message.wParam == VK_ESCAPE;
+    while (PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE)) DispatchMessageW(&message);
+    return escaped;
+}
+
+bool Win32Frame::take(const MSG& message) {
+    if (message.hwnd != window_ && !IsChild(window_, message.hwnd)) return false;
+    if (message.message == WM_MOUSEWHEEL) {
+        POINT at = {GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)};
+        if (WindowFromPoint(at) != canvas_.window()) return false;
+        ScreenToClient(canvas_.window(), &at);
+        const double notches = GET_WHEEL_DELTA_WPARAM(message.wParam) / static_cast<double>(WHEEL_DELTA);
+        tell([&](ViewEvents& events) {
+            events.wheelTurned(notches, {static_cast<double>(at.x), static_cast<double>(at.y)});
+        });
+        return true;
+    }
+    if (message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN) return takeKey(message);
+    return false;
+}
+
+bool Win32Frame::takeKey(const MSG& message) {
+    MSG copy = message;
+    if (accelerators_ && TranslateAcceleratorW(window_, accelerators_, &copy)) return true;
+    const bool alt = message.message == WM_SYSKEYDOWN, control = GetKeyState(VK_CONTROL) < 0;
+    HWND const focus = GetFocus();
+    const bool inLine = focus == line_ || focus == window_;
+    if (const auto key = keyOf(message.wParam); key && !alt && !control) {
+        // In the other controls Enter, blanks and arrows are theirs.
+        const bool everywhere = key == Key::kEscape || key == Key::kHelp;
+        bool taken = false;
+        if (inLine || everywhere) tell([&](ViewEvents& events) { taken = events.keyPressed(*key); });
+        if (taken) {
+            if (key == Key::kEscape) SetFocus(line_);
+            return true;
+        }
+        if (key == Key::kTab) {
+            HWND const next = GetNextDlgTabItem(window_, focus, GetKeyState(VK_SHIFT) < 0);
+            SetFocus(next ? next : line_);
+            return true;
+        }
+        if (key == Key::kEnter && inLine) return true;  // the field would beep
+    }
+    return false;
+}
+
+void Win32Frame::mouse(UINT message, WPARAM wide, LPARAM packed) {
+    const CanvasPoint at = {static_cast<double>(GET_X_LPARAM(packed)), static_cast<double>(GET_Y_LPARAM(packed))};
+    const bool shift = (wide & MK_SHIFT) != 0;
+    const auto press = [&](MouseButton button, bool isDouble) {
+        SetFocus(line_);
+        SetCapture(canvas_.window());
+        tell([&](ViewEvents& events) {
+            isDouble ? events.mouseDoubleClicked(button, at, shift) : events.mousePressed(button, at, shift);
+        });
+    };
+    const auto release = [&](MouseButton button) {
+        if ((wide & (MK_LBUTTON | MK_MBUTTON | MK_RBUTTON)) == 0) ReleaseCapture();
+        tell([&](ViewEvents& events) { events.mouseReleased(button, at, shift); });
+    };
+    switch (message) {
+        case WM_MOUSEMOVE:
+            if (!mouseInside_) {
+                TRACKMOUSEEVENT track = {sizeof track, TME_LEAVE, canvas_.window(), 0};
+                mouseInside_ = TrackMouseEvent(&track);
+            }
+            return tell([&](ViewEvents& events) { events.mouseMoved(at, shift); });
+        case WM_MOUSELEAVE:
+            mouseInside_ = false;
+            return tell([](ViewEvents& events) { events.mouseLeft(); });
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            return press(MouseButton::kLeft, message == WM_LBUTTONDBLCLK);
+        case WM_MBUTTONDOWN:
+        case WM_MBUTTONDBLCLK:
+            return press(MouseButton::kMiddle, message == WM_MBUTTONDBLCLK);
+        case WM_RBUTTONDOWN:
+        case WM_RBUTTONDBLCLK:
+            return press(MouseButton::kRight, message == WM_RBUTTONDBLCLK);
+        case WM_LBUTTONUP:
+            return release(MouseButton::kLeft);
+        case WM_MBUTTONUP:
+            return release(MouseButton::kMiddle);
+        case WM_RBUTTONUP:
+            return release(MouseButton::kRight);
+        default:
+            return;
+    }
+}
+
+LRESULT Win32Frame::notified(const NMHDR& note) {
+    if (note.hwndFrom == tabs_ && note.code == TCN_SELCHANGE) {
+        const auto index = static_cast<std::size_t>(TabCtrl_GetCurSel(tabs_));
+        tell([&](ViewEvents& events) { events.tabChosen(index); });
+    } else if (note.hwndFrom == prompt_ && (note.code == NM_CLICK || note.code == NM_RETURN)) {
+        const auto& link = reinterpret_cast<const NMLINK&>(note);
+        SetFocus(line_);
+        tell([&](ViewEvents& events) { events.wordChosen(std::stoul(link.item.szID)); });
+    } else if (note.code == TTN_GETDISPINFOW) {
+        auto& info = const_cast<NMTTDISPINFOW&>(reinterpret_cast<const NMTTDISPINFOW&>(note));
+        if (note.idFrom >= kFirstCommand && note.idFrom < kFirstCommand + entries_.size())
+            info.lpszText = entries_[note.idFrom - kFirstCommand].hint.data();
+    }
+    return 0;
+}
+
+LRESULT Win32Frame::handle(UINT message, WPARAM wide, LPARAM packed) {
+    switch (message) {
+        case WM_SIZE:
+            layOut();
+            return 0;
+        case WM_GETMINMAXINFO:
+            reinterpret_cast<MINMAXINFO*>(packed)->ptMinTrackSize = {scaled(400), scaled(400)};
+            return 0;
+        case WM_SETFOCUS:
+            SetFocus(line_);
+            return 0;
+        case WM_COMMAND:
+            if (reinterpret_cast<HWND>(packed) == line_) {
+                if (HIWORD(wide) == EN_CHANGE && !settingText_)
+                    tell([&](ViewEvents& events) { events.commandTextChanged(windowText(line_)); });
+            } else if (const std::size_t index = LOWORD(wide) - kFirstCommand; index < entries_.size()) {
+                if (reinterpret_cast<HWND>(packed) == toolbar_) SetFocus(line_);
+                const std::wstring path = entries_[index].path;
+                tell([&](ViewEvents& events) { events.menuChosen(path); });
+            }
+            return 0;
+        case WM_MENUSELECT:
+            if (const std::size_t index = LOWORD(wide) - kFirstCommand;
+                index < entries_.size() && (HIWORD(wide) & MF_POPUP) == 0)
+                setStatus(entries_[index].hint);
+            return 0;
+        case WM_NOTIFY:
+            return notified(*reinterpret_cast<const NMHDR*>(packed));
+        case WM_DROPFILES: {
+            auto* const drop = reinterpret_cast<HDROP>(wide);
+            std::wstring path(static_cast<std::size_t>(DragQueryFileW(drop, 0, nullptr, 0)) + 1, L'\0');
+            DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()));
+            path.pop_back();
+            DragFinish(drop);
+            tell([&](ViewEvents& events) { events.fileDropped(path); });
+            return 0;
+        }
+        case WM_CTLCOLORSTATIC:  // the history is read-only, and white all the same
+            if (reinterpret_cast<HWND>(packed) == history_)
+                return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW));
+            break;
+        case WM_CLOSE:
+            tell([](ViewEvents& events) { events.closeAsked(); });
+            return 0;
+        case WM_NCDESTROY:
+            window_ = nullptr;
+            return 0;
+        default:
+            break;
+    }
+    return DefWindowProcW(window_, message, wide, packed);
+}
+
+LRESULT CALLBACK Win32Frame::procedure(HWND window, UINT message, WPARAM wide, LPARAM packed) {
+    if (message == WM_NCCREATE) {
+        auto* const frame = static_cast<Win32Frame*>(reinterpret_cast<const CREATESTRUCTW*>(packed)->lpCreateParams);
+        frame->window_ = window;
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(frame));
+    }
+    auto* const frame = reinterpret_cast<Win32Frame*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    return frame && frame->window_ ? frame->handle(message, wide, packed)
+                                   : DefWindowProcW(window, message, wide, packed);
+}
+
+// ---- what it shows
+
+void Win32Frame::setCursor(Cursor cursor) {
+    const auto system = [](const wchar_t* name) { return LoadCursorW(nullptr, name); };
+    switch (cursor) {
+        case Cursor::kNone:
+            return canvas_.setCursor(nullptr);
+        case Cursor::kArrow:
+            return canvas_.setCursor(system(IDC_ARROW));
+        case Cursor::kHand:
+            return canvas_.setCursor(system(IDC_SIZEALL));
+        case Cursor::kWait:
+            return canvas_.setCursor(system(IDC_WAIT));
+    }
+}
+
+void Win32Frame::setTip(const std::wstring& text, CanvasPoint at) {
+    TOOLINFOW tool = {};
+    tool.cbSize = sizeof tool;
+    tool.hwnd = window_;
+    std::wstring shown = text;
+    tool.lpszText = shown.data();
+    if (!text.empty()) {
+        POINT corner = {static_cast<LONG>(at.x) + scaled(18), static_cast<LONG>(at.y) + scaled(18)};
+        ClientToScreen(canvas_.window(), &corner);
+        SendMessageW(tip_, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+        SendMessageW(tip_, TTM_TRACKPOSITION, 0, MAKELPARAM(corner.x, corner.y));
+    }
+    if (tipShown_ == !text.empty()) return;
+    tipShown_ = !text.empty();
+    SendMessageW(tip_, TTM_TRACKACTIVATE, tipShown_, reinterpret_cast<LPARAM>(&tool));
+}
+
+void Win32Frame::setStatus(const std::wstring& text) {
+    SendMessageW(status_, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void Win32Frame::setProgress(double part) {
+    ShowWindow(progress_, part < 0 ? SW_HIDE : SW_SHOWNA);
+    SendMessageW(progress_, PBM_SETPOS, static_cast<WPARAM>(std::clamp(part, 0.0, 1.0) * 100), 0);
+    if (part >= 0) UpdateWindow(progress_);
+}
+
+void Win32Frame::setMenus(const std::vector<Menu>& menus) {
+    const dialogs::Themed themed;
+    entries_.clear();
+    toolbarTexts_.clear();
+    HMENU const bar = CreateMenu();
+    std::vector<ACCEL> accelerators;
+    struct Button {
+        int id;
+        bool enabled;
+    };
+    std::vector<Button> buttons;
+    for (const Menu& menu : menus) {
+        HMENU const popup = CreatePopupMenu();
+        for (const MenuEntry& entry : menu.entries) {
+            if (entry.text.empty()) {
+                AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
+                continue;
+            }
+            const auto id = static_cast<UINT>(kFirstCommand + entries_.size());
+            const std::wstring text = entry.shortcut.empty() ? entry.text : entry.text + L"\t" + entry.shortcut;
+            AppendMenuW(popup, entry.enabled ? MF_STRING : MF_STRING | MF_GRAYED, id, text.c_str());
+            if (const auto accelerator = acceleratorOf(entry.shortcut, static_cast<WORD>(id));
+                accelerator && entry.enabled)
+                accelerators.push_back(*accelerator);
+            entries_.push_back(entry);
+            if (!entry.inToolbar) continue;
+            toolbarTexts_.push_back(withoutMnemonic(entry.text));
+            buttons.push_back({static_cast<int>(id), entry.enabled});
+        }
+        AppendMenuW(bar, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(popup), menu.title.c_str());
+    }
+    HMENU const former = GetMenu(window_);
+    SetMenu(window_, bar);
+    if (former) DestroyMenu(former);
+    if (accelerators_) DestroyAcceleratorTable(accelerators_);
+    accelerators_ = accelerators.empty()
+                        ? nullptr
+                        : CreateAcceleratorTableW(accelerators.data(), static_cast<int>(accelerators.size()));
+
+    for (; toolbarButtons_ > 0; --toolbarButtons_) SendMessageW(toolbar_, TB_DELETEBUTTON, 0, 0);
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        TBBUTTON button = {};
+        button.iBitmap = I_IMAGENONE;
+        button.idCommand = buttons[i].id;
+        button.fsState = buttons[i].enabled ? TBSTATE_ENABLED : 0;
+        button.fsStyle = BTNS_AUTOSIZE | BTNS_SHOWTEXT;
+        button.iString = reinterpret_cast<INT_PTR>(toolbarTexts_[i].c_str());
+        SendMessageW(toolbar_, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
+        ++toolbarButtons_;
+    }
+    SendMessageW(toolbar_, TB_AUTOSIZE, 0, 0);
+    layOut();
+}
+
+void Win32Frame::setTabs(const std::vector<std::wstring>& names, std::size_t current) {
+    TabCtrl_DeleteAllItems(tabs_);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        TCITEMW item = {};
+        item.mask = TCIF_TEXT;
+        std::wstring name = names[i];
+        item.pszText = name.data();
+        SendMessageW(tabs_, TCM_INSERTITEMW, i, reinterpret_cast<LPARAM>(&item));
+    }
+    TabCtrl_SetCurSel(tabs_, static_cast<int>(current));
+}
+
+void Win32Frame::setPrompt(const std::wstring& prompt, const std::vector<std::wstring>& words) {
+    SetWindowTextW(prompt_, linkText(prompt, words).c_str());
+}
+
+void Win32Frame::setCommandText(const std::wstring& text) {
+    settingText_ = true;
+    SetWindowTextW(line_, text.c_str());
+    SendMessageW(line_, EM_SETSEL, text.size(), static_cast<LPARAM>(text.size()));
+    settingText_ = false;
+}
+
+void Win32Frame::addHistory(const std::wstring& text) {
+    std::wstring lines;
+    for (const wchar_t c : text) {
+        if (c == L'\n') lines += L'\r';
+        lines += c;
+    }
+    const auto length = static_cast<std::size_t>(GetWindowTextLengthW(history_));
+    if (length + lines.size() > kLongestHistory) {
+        SendMessageW(history_, EM_SETSEL, 0, static_cast<LPARAM>(length / 2));
+        SendMessageW(history_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
+    }
+    const auto end = static_cast<WPARAM>(GetWindowTextLengthW(history_));
+    SendMessageW(history_, EM_SETSEL, end, static_cast<LPARAM>(end));
+    SendMessageW(history_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(lines.c_str()));
+    SendMessageW(history_, EM_SCROLLCARET, 0, 0);
+}
+
+void Win32Frame::activate() {
+    SetForegroundWindow(window_);
+    SetFocus(line_);
+}
+
+}  // namespace
+
+std::unique_ptr<ViewFrame> makeViewFrame(std::wstring& reason) {
+    auto frame = std::make_unique<Win32Frame>();
+    if (frame->nativeWindow()) return frame;
+    reason = L"the system gives no window";
+    return nullptr;
+}
+
+}  // namespace host
