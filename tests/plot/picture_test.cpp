@@ -15,6 +15,8 @@
 #include <memory>
 
 #include "gtest/gtest.h"
+#include "torvelhost/plot/painter.h"
+#include "torvelhost/plot/thin_lines.h"
 
 namespace host {
 namespace {
@@ -159,6 +161,95 @@ TEST(Picture, CutsAreasAtAClipThatIsNotConvex) {
             }
         }
     }
+}
+
+// The picture's pixels, 255 where nothing of a black line is.
+PixelBuffer painted(const Picture& picture) {
+    PixelBuffer buffer;
+    buffer.clear(picture.width(), picture.height(), picture.background());
+    Painter(buffer).paint(picture);
+    for (const std::uint32_t pixel : buffer.pixels) EXPECT_EQ(pixel >> 24, 0xFFu);
+    return buffer;
+}
+
+double inkOf(const PixelBuffer& buffer) {
+    double ink = 0;
+    for (const std::uint32_t pixel : buffer.pixels) ink += 255 - (pixel & 0xFF);
+    return ink / 255;
+}
+
+TEST(ThinLines, CoverWhatTheAreaOfALineCovers) {
+    for (const double width : {0.3, 0.7, 1.0, 1.5}) {
+        for (int angle = 0; angle < 360; angle += 7) {
+            const OdGeVector2d along(std::cos(angle * drawingdb::kPi / 180), std::sin(angle * drawingdb::kPi / 180));
+            const OdGePoint2d from = OdGePoint2d(50.3, 50.8) + along * 5, to = from + along * 40;
+            const OdGeVector2d side = along.perpVector() * (width / 2);
+            Picture asLine(100, 100, kWhite), asArea(100, 100, kWhite);
+            line(asLine, {from, to}, {0, width});
+            const std::vector<Picture::Contour> corners = {{from + side, to + side, to - side, from - side}};
+            asArea.addArea(corners, 0);
+            const PixelBuffer thin = painted(asLine), area = painted(asArea);
+            for (std::size_t i = 0; i < thin.pixels.size(); ++i) {
+                const OdGePoint2d middle(static_cast<double>(i % 100) + 0.5, static_cast<double>(i / 100) + 0.5);
+                const bool atEnd = middle.distanceTo(from) < 2 || middle.distanceTo(to) < 2;
+                const int here = static_cast<int>(thin.pixels[i] & 0xFF),
+                          there = static_cast<int>(area.pixels[i] & 0xFF);
+                ASSERT_NEAR(here, there, atEnd ? 90 : 16) << width << " wide, " << angle << " degrees, pixel " << i;
+            }
+            EXPECT_NEAR(inkOf(thin), 40 * width, 0.4) << width << " wide, " << angle << " degrees";
+        }
+    }
+}
+
+TEST(ThinLines, HaveCornersWithoutGapsAndBlobs) {
+    // A circle of short sides is as dark all around as its length says, and a straight line does not show its points.
+    for (const double side : {0.3, 0.9, 2.5, 11.0}) {
+        Picture circle(100, 100, kWhite), whole(100, 100, kWhite), parts(100, 100, kWhite);
+        std::vector<OdGePoint2d> corners;
+        const int count = static_cast<int>(drawingdb::kTwoPi * 40 / side);
+        for (int i = 0; i <= count; ++i) {
+            const double angle = drawingdb::kTwoPi * i / count;
+            corners.emplace_back(50.2 + 40 * std::cos(angle), 50.1 + 40 * std::sin(angle));
+        }
+        circle.addPolyline(corners, {0, 1});
+        EXPECT_NEAR(inkOf(painted(circle)), drawingdb::kTwoPi * 40, 3) << side;
+        std::vector<OdGePoint2d> onLine;
+        for (double t = 0; t <= 80; t += side) onLine.emplace_back(10 + t, 20 + t / 3);
+        parts.addPolyline(onLine, {0, 1});
+        line(whole, {onLine.front(), onLine.back()}, {0, 1});
+        const PixelBuffer a = painted(parts), b = painted(whole);
+        for (std::size_t i = 0; i < a.pixels.size(); ++i)
+            ASSERT_NEAR(static_cast<int>(a.pixels[i] & 0xFF), static_cast<int>(b.pixels[i] & 0xFF), 16) << side;
+    }
+}
+
+TEST(ThinLines, StayInTheirClipAndBuffer) {
+    // The row is longer than the picture is wide; what stands behind it is somebody else's.
+    constexpr int kWidth = 20, kHeight = 10, kStride = 24;
+    std::vector<std::uint32_t> pixels(kStride * kHeight, 0xFFFFFFFF);
+    ThinLines lines(pixels.data(), kWidth, kHeight, kStride);
+    std::vector<Picture::Point> star;
+    for (int i = 0; i < 40; ++i) {
+        const auto angle = static_cast<float>(i);
+        star.push_back({10 + 1000 * std::cos(angle), 5 + 1000 * std::sin(angle)});
+        star.push_back({10, 5});
+    }
+    const auto paintedBeside = [&](int left, int top, int right, int bottom) {
+        int inside = 0, outside = 0;
+        for (int y = 0; y < kHeight; ++y)
+            for (int x = 0; x < kStride; ++x)
+                if (pixels[static_cast<std::size_t>(y * kStride + x)] != 0xFFFFFFFF)
+                    ++(x >= left && x < right && y >= top && y < bottom ? inside : outside);
+        return std::pair(inside, outside);
+    };
+    lines.setClip(4, 3, 9, 8);
+    lines.draw(star, 1.5, 0);
+    for (std::size_t i = 1; i < star.size(); ++i) lines.draw(std::span(star).subspan(i - 1, 2), 1.5, 0);
+    EXPECT_EQ(paintedBeside(4, 3, 9, 8), std::pair(25, 0));
+    lines.setClip(-5, -5, 500, 500);
+    lines.draw(star, 1.5, 0);
+    for (std::size_t i = 1; i < star.size(); ++i) lines.draw(std::span(star).subspan(i - 1, 2), 1.5, 0);
+    EXPECT_EQ(paintedBeside(0, 0, kWidth, kHeight), std::pair(kWidth * kHeight, 0));
 }
 
 }  // namespace

@@ -1,0 +1,122 @@
+// Thin lines have a painter of their own; wide ones and areas are painted by the Anti-Grain Geometry rasterizer.
+#include "torvelhost/plot/painter.h"
+
+#include <agg2/agg_pixfmt_rgb.h>
+#include <agg2/agg_rasterizer_scanline_aa_nogamma.h>
+#include <agg2/agg_renderer_scanline.h>
+#include <agg2/agg_scanline_p.h>
+#include <cmath>
+
+#include "torvelhost/plot/thin_lines.h"
+
+namespace host {
+
+void PixelBuffer::clear(int newWidth, int newHeight, std::uint32_t color) {
+    width = newWidth;
+    height = newHeight;
+    pixels.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFF000000 | color);
+}
+
+class Painter::Brush {
+  public:
+    explicit Brush(PixelBuffer& buffer)
+        : buffer_(reinterpret_cast<unsigned char*>(buffer.pixels.data()), static_cast<unsigned>(buffer.width),
+                  static_cast<unsigned>(buffer.height), buffer.width * 4),
+          format_(buffer_),
+          base_(format_),
+          lines_(buffer.pixels.data(), buffer.width, buffer.height, buffer.width) {
+        rasterizer_.clip_box(0, 0, buffer.width, buffer.height);
+    }
+
+    void paint(const Picture& picture) {
+        for (const Picture::Shape& shape : picture.shapes()) {
+            for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
+                const auto contour = picture.contour(shape.firstContour + i);
+                if (shape.width == 0)
+                    polygon(contour);
+                else if (shape.width <= ThinLines::kWidest)
+                    lines_.draw(contour, shape.width, shape.color);
+                else
+                    stroke(contour, shape);
+            }
+            if (shape.width > 0) continue;
+            rasterizer_.filling_rule(shape.rule == FillRule::kNonZero ? agg::fill_non_zero : agg::fill_even_odd);
+            fill(shape.color, shape.opacity);
+        }
+    }
+
+  private:
+    static agg::rgba8 colorOf(std::uint32_t rgb) { return agg::rgba8((rgb >> 16) & 255, (rgb >> 8) & 255, rgb & 255); }
+
+    void fill(std::uint32_t color, double opacity = 1) {
+        agg::rgba8 paint = colorOf(color);
+        agg::render_scanlines_aa_solid(rasterizer_, scanline_, base_, paint.opacity(opacity));
+        rasterizer_.reset();
+        corners_ = 0;
+    }
+
+    void polygon(std::span<const Picture::Point> contour) {
+        rasterizer_.move_to_d(contour[0].x, contour[0].y);
+        for (const Picture::Point& point : contour.subspan(1)) rasterizer_.line_to_d(point.x, point.y);
+        rasterizer_.close_polygon();
+    }
+
+    // A rectangle a segment, and discs where the gap between two would show. All turn the same way round, so that
+    // they add up.
+    void stroke(std::span<const Picture::Point> line, const Picture::Shape& shape) {
+        rasterizer_.filling_rule(agg::fill_non_zero);
+        const double half = shape.width / 2;
+        OdGeVector2d before;
+        for (std::size_t i = 1; i < line.size(); ++i) {
+            const OdGePoint2d from(line[i - 1].x, line[i - 1].y), to(line[i].x, line[i].y);
+            const OdGeVector2d along = (to - from).normal(), side = along.perpVector() * half;
+            const bool sharp = along.dotProduct(before) < 0 || std::fabs(along.crossProduct(before)) * half > 0.3;
+            if (i == 1 || sharp) disc(from, half);
+            rectangle(from, to, side);
+            before = along;
+            // The rasterizer holds a limited number of cells.
+            if ((corners_ += 4) > 20000) fill(shape.color);
+        }
+        disc({line.back().x, line.back().y}, half);
+        fill(shape.color);
+    }
+
+    void rectangle(const OdGePoint2d& from, const OdGePoint2d& to, const OdGeVector2d& side) {
+        rasterizer_.move_to_d(from.x + side.x, from.y + side.y);
+        rasterizer_.line_to_d(from.x - side.x, from.y - side.y);
+        rasterizer_.line_to_d(to.x - side.x, to.y - side.y);
+        rasterizer_.line_to_d(to.x + side.x, to.y + side.y);
+        rasterizer_.close_polygon();
+    }
+
+    void disc(const OdGePoint2d& center, double radius) {
+        const int corners = radius < 2 ? 8 : radius < 10 ? 16 : 48;
+        for (int i = 0; i < corners; ++i) {
+            const double angle = drawingdb::kTwoPi * i / corners;
+            const double x = center.x + radius * std::cos(angle), y = center.y + radius * std::sin(angle);
+            if (i == 0)
+                rasterizer_.move_to_d(x, y);
+            else
+                rasterizer_.line_to_d(x, y);
+        }
+        rasterizer_.close_polygon();
+        corners_ += corners;
+    }
+
+    // A pixel's lowest byte, blue, is its first in memory.
+    agg::rendering_buffer buffer_;
+    agg::pixfmt_bgrx32 format_;
+    agg::renderer_base<agg::pixfmt_bgrx32> base_;
+    agg::rasterizer_scanline_aa_nogamma<> rasterizer_;
+    agg::scanline_p8 scanline_;
+    int corners_ = 0;
+    ThinLines lines_;
+};
+
+Painter::Painter(PixelBuffer& buffer) : brush_(std::make_unique<Brush>(buffer)) {}
+
+Painter::~Painter() = default;
+
+void Painter::paint(const Picture& picture) { brush_->paint(picture); }
+
+}  // namespace host
