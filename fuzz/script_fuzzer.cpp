@@ -20,7 +20,7 @@ using fuzz::require;
 class Lines final : public host::ReplySource {
   public:
     explicit Lines(const std::vector<std::wstring>& lines) : lines_(lines) {}
-    std::optional<std::wstring> next(const std::wstring&) override {
+    std::optional<std::wstring> next(const host::Question&) override {
         return taken_ < lines_.size() ? std::optional(lines_[taken_++]) : std::nullopt;
     }
     std::optional<std::wstring> peek() override {
@@ -46,10 +46,10 @@ void checkReply(const std::wstring& line) {
     };
     checkPoint(host::parsePoint(reply.text));
     if (const auto pick = host::parsePick(reply.text)) {
-        require(!pick->path.empty() || pick->point, "a pick names an object or a point");
+        require(!pick->path.empty() || pick->point || pick->isNone, "a pick names an object or a point");
         checkPoint(pick->point);
     }
-    (void)host::parseHandles(reply.text);
+    (void)host::parseObjects(reply.text);
     if (const auto window = host::parseWindow(reply.text))
         for (const auto& corner : window->corners) checkPoint(corner);
     for (int units = host::kScientific; units <= host::kFractional; ++units)

@@ -86,14 +86,13 @@ OdDbObjectId define(OdDbObjectId block, const OdDbObjectIdArray& entities, const
 
 CMD_RUNSTATUS block(HostRun& run) {
     OdString name;
-    const int named = run.input.ask(
-        L"Enter block name", nullptr, L"a block name",
-        [&](const Reply& reply, std::wstring& reason) {
-            name = reply.text;
-            reason = nameRefusal(*run.database, name);
-            return reason.empty();
-        },
-        Input::Asked::kText);
+    const int named = run.input.ask(L"Enter block name", nullptr, L"a block name",
+                                    [&](const Reply& reply, std::wstring& reason) {
+                                        name = reply.text;
+                                        reason = nameRefusal(*run.database, name);
+                                        return reason.empty();
+                                    },
+                                    {Expected::kText});
     if (named != kValue) return kCommandCancelled;
     OdDbObjectId block = run.database->findBlock(name);
     if (block) {

@@ -39,7 +39,7 @@ std::vector<std::wstring> commandNames() {
 ExitStatus CommandLoop::run() {
     for (;;) {
         ReplySource& replies = session_.input.replies();
-        const std::optional<std::wstring> line = replies.choose(L"Command: ", commandNames);
+        const std::optional<std::wstring> line = replies.next({L"Command: ", {Expected::kCommand}, commandNames});
         if (!line || (replies.wantsToLeave() && mayLeave()) || !runLine(parseReply(*line))) return status_;
     }
 }
@@ -52,14 +52,9 @@ bool CommandLoop::mayLeave() {
 }
 
 bool CommandLoop::runLine(const Reply& reply) {
+    if (reply.kind == Reply::kCancel) session_.selection.setPickFirst(OdDbObjectIdArray());
     if (reply.kind != Reply::kText) return true;
     const std::wstring& text = reply.text;
-    if (text.starts_with(L'#')) {
-        const auto handles = parseHandles(text);
-        std::wstring reason = L"\"" + text + L"\" is no line of handles";
-        if (!handles || !session_.selection.setPickFirst(*handles, reason)) refuse(reason);
-        return true;
-    }
     if (base::equalsNoCase(text, L"QUIT")) return false;
     const std::size_t blank = text.find(L' ');
     if (blank != text.npos && base::equalsNoCase(std::wstring_view(text).substr(0, blank), kDoubleClickName)) {
@@ -73,7 +68,11 @@ bool CommandLoop::runLine(const Reply& reply) {
     } else if (const RegisteredCommand* registered = CommandFactory::instance().find(text)) {
         runRegistered(*registered);
     } else {
-        refuse(L"unknown command \"" + text + L"\"");
+        std::wstring reason;
+        if (!session_.selection.setPickFirst(reply, reason))
+            refuse(!reason.empty()          ? reason
+                   : text.starts_with(L'#') ? L"\"" + text + L"\" is no line of handles"
+                                            : L"unknown command \"" + text + L"\"");
     }
     return true;
 }
@@ -93,6 +92,7 @@ void CommandLoop::doubleClick(std::wstring_view where) {
 void CommandLoop::refuse(const std::wstring& what) {
     ReplySource& replies = session_.input.replies();
     if (replies.isScript()) throw ScriptError(base::toUtf8(replies.place() + L": " + what));
+    replies.refused();
     terminal_.error(what);
 }
 

@@ -9,6 +9,7 @@ namespace {
 const HostCommand kHostCommands[] = {
     // UNDO has taken back, it does not stand there to be taken back itself.
     {L"UNDO", commands::undo, HostCommand::kChangesView | HostCommand::kNotForUndo},
+    {L"REDO", commands::redo, HostCommand::kChangesView | HostCommand::kNotForUndo},
     {L"ZOOM", commands::zoom, HostCommand::kChangesView},
     {L"REGEN", commands::regen, HostCommand::kChangesView},
     {L"LAYER", commands::layer},

@@ -23,6 +23,7 @@ CMD_RUNSTATUS save(HostRun& run);           // save.cpp
 CMD_RUNSTATUS setVariable(HostRun& run);    // set_variable.cpp
 CMD_RUNSTATUS ucs(HostRun& run);            // ucs.cpp
 CMD_RUNSTATUS undo(HostRun& run);           // undo.cpp
+CMD_RUNSTATUS redo(HostRun& run);           // undo.cpp
 CMD_RUNSTATUS zoom(HostRun& run);           // views.cpp
 CMD_RUNSTATUS regen(HostRun& run);          // views.cpp
 

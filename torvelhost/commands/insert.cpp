@@ -130,14 +130,13 @@ CMD_RUNSTATUS insert(HostRun& run) {
     OdDbDatabase* const database = run.database;
     OdString name;
     OdDbObjectId block;
-    const int named = run.input.ask(
-        L"Enter block name", nullptr, L"a block name",
-        [&](const Reply& reply, std::wstring& reason) {
-            block = database->findBlock(reply.text);
-            if (!block) reason = L"the drawing has no block \"" + reply.text + L"\"";
-            return !block.isNull();
-        },
-        Input::Asked::kText);
+    const int named = run.input.ask(L"Enter block name", nullptr, L"a block name",
+                                    [&](const Reply& reply, std::wstring& reason) {
+                                        block = database->findBlock(reply.text);
+                                        if (!block) reason = L"the drawing has no block \"" + reply.text + L"\"";
+                                        return !block.isNull();
+                                    },
+                                    {Expected::kText});
     if (named != kValue) return kCommandCancelled;
 
     OdGePoint3d point;

@@ -57,7 +57,7 @@ void changeLayers(HostRun& run, int option) {
         return reason.empty();
     };
     if (run.input.ask(onlyOne ? L"Enter layer name" : L"Enter layer name (* for all)", nullptr, L"a layer name",
-                      isUsable, Input::Asked::kText) != kValue)
+                      isUsable, {Expected::kText}) != kValue)
         return;
     if (isNew) addLayer(*database, name);
     if (option == kMakeLayer || option == kSetLayer) {

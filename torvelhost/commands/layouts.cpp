@@ -22,7 +22,7 @@ CMD_RUNSTATUS layout(HostRun& run) {
         }
         if (result != kFirstKeyword + 1) return statusOf(result);
         return statusOf(run.input.ask((L"Enter layout to make current" + current).c_str(), nullptr, L"a layout",
-                                      makeCurrent, Input::Asked::kText));
+                                      makeCurrent, {Expected::kText}));
     }
 }
 
@@ -34,10 +34,10 @@ CMD_RUNSTATUS enterViewport(HostRun& run) {
                                  : L"MSPACE: the layout has no floating viewport");
     }
     const auto find = [&](const Reply& reply) {
-        const auto handles = parseHandles(reply.text);
+        const auto objects = parseObjects(reply.text);
         const auto number = base::parseInteger(std::wstring_view(reply.text));
         for (OdDbObjectId id : viewports) {
-            if (handles && handles->size() == 1 && id.handle() == handles->front()) return id;
+            if (objects && *objects == std::vector<TypedObject>{{id.handle()}}) return id;
             if (number && id.openAs<OdDbViewport>()->number() == *number) return id;
         }
         return OdDbObjectId();

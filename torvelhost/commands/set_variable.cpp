@@ -6,17 +6,16 @@ namespace host::commands {
 
 CMD_RUNSTATUS setVariable(HostRun& run) {
     OdString name;
-    const int named = run.input.ask(
-        L"Enter variable name or [%s]", L"?", L"a variable name",
-        [&](const Reply& reply, std::wstring& reason) {
-            if (!run.variables.get(reply.text)) {
-                reason = L"there is no variable \"" + reply.text + L"\"";
-                return false;
-            }
-            name = base::toUpper(reply.text);
-            return true;
-        },
-        Input::Asked::kText);
+    const int named = run.input.ask(L"Enter variable name or [%s]", L"?", L"a variable name",
+                                    [&](const Reply& reply, std::wstring& reason) {
+                                        if (!run.variables.get(reply.text)) {
+                                            reason = L"there is no variable \"" + reply.text + L"\"";
+                                            return false;
+                                        }
+                                        name = base::toUpper(reply.text);
+                                        return true;
+                                    },
+                                    {Expected::kText});
     if (named == kCancel || named == kEmpty) return statusOf(named);
     if (named == kFirstKeyword) {
         for (const std::wstring& each : run.variables.names())
@@ -32,7 +31,7 @@ CMD_RUNSTATUS setVariable(HostRun& run) {
     const int result = run.input.ask(
         prompt.c_str(), nullptr, L"a value",
         [&](const Reply& reply, std::wstring& reason) { return run.variables.set(name, reply.text, reason); },
-        Input::Asked::kText);
+        {Expected::kText});
     return statusOf(result);
 }
 

@@ -8,7 +8,7 @@ namespace host {
 
 std::optional<std::wstring> DialogLines::choose(const std::wstring& prompt, const Choices& choices) {
     const Progress::Pause pause;
-    return replies_.choose(prompt, choices);
+    return replies_.next({prompt, {Expected::kDialog}, choices});
 }
 
 std::optional<std::wstring> DialogLines::answer(const std::wstring& question) {
@@ -18,6 +18,7 @@ std::optional<std::wstring> DialogLines::answer(const std::wstring& question) {
 
 void DialogLines::refuse(const std::wstring& why) {
     if (replies_.isScript()) throw ScriptError(base::toUtf8(replies_.place() + L": " + why));
+    replies_.refused();
     terminal_.show(why + L".\n");
 }
 

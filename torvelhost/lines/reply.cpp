@@ -21,13 +21,16 @@ std::vector<std::wstring_view> wordsOf(std::wstring_view text) {
     return pieces;
 }
 
-std::optional<std::vector<OdDbHandle>> parseHandlePath(std::wstring_view text) {
-    std::vector<OdDbHandle> path;
+std::optional<std::vector<TypedObject>> parsePath(std::wstring_view text) {
+    std::vector<TypedObject> path;
     for (const std::wstring& piece : base::split(text, L'/')) {
-        if (piece.size() < 2 || piece[0] != L'#') return std::nullopt;
-        const auto handle = base::parseHex(std::wstring_view(piece).substr(1));
-        if (!handle || *handle == 0) return std::nullopt;
-        path.emplace_back(*handle);
+        const std::wstring_view name = piece;
+        const bool byNumber = name.starts_with(L"#?");
+        if (name.size() < 2 || name[0] != L'#') return std::nullopt;
+        const auto number = byNumber ? base::parseInteger(name.substr(2)) : std::nullopt;
+        const auto handle = byNumber ? std::nullopt : base::parseHex(name.substr(1));
+        if (number.value_or(0) < 1 && handle.value_or(0) == 0) return std::nullopt;
+        path.push_back({handle.value_or(0), static_cast<std::uint64_t>(number.value_or(0))});
     }
     return path;
 }
@@ -137,9 +140,11 @@ std::optional<TypedPoint> parsePoint(std::wstring_view text) {
 std::optional<TypedPick> parsePick(std::wstring_view text) {
     TypedPick pick;
     text = base::trimmed(text);
+    pick.isNone = base::equalsNoCase(text, L"none");
+    if (pick.isNone) return pick;
     if (!text.empty() && text.front() == L'#') {
         const std::size_t end = std::min(text.find_first_of(L" \t"), text.size());
-        const auto path = parseHandlePath(text.substr(0, end));
+        const auto path = parsePath(text.substr(0, end));
         if (!path) return std::nullopt;
         pick.path = *path;
         text = base::trimmed(text.substr(end));
@@ -150,15 +155,17 @@ std::optional<TypedPick> parsePick(std::wstring_view text) {
     return pick;
 }
 
-std::optional<std::vector<OdDbHandle>> parseHandles(std::wstring_view text) {
-    std::vector<OdDbHandle> handles;
+std::wstring TypedObject::text() const { return number > 0 ? L"#?" + std::to_wstring(number) : L"#" + handle.text(); }
+
+std::optional<std::vector<TypedObject>> parseObjects(std::wstring_view text) {
+    std::vector<TypedObject> objects;
     for (std::wstring_view word : wordsOf(text)) {
-        const auto path = parseHandlePath(word);
+        const auto path = parsePath(word);
         if (!path || path->size() != 1) return std::nullopt;
-        handles.push_back(path->front());
+        objects.push_back(path->front());
     }
-    if (handles.empty()) return std::nullopt;
-    return handles;
+    if (objects.empty()) return std::nullopt;
+    return objects;
 }
 
 std::optional<TypedWindow> parseWindow(std::wstring_view text) {

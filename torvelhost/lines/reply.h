@@ -4,6 +4,8 @@
 //   ^C                cancel
 //   3,4  3,4,5        a point; @ in front makes it relative to the last one; 2<45 is polar, in degrees
 //   #1F               an object by its handle; #1F/#2A an object inside it; #1F 3,4 picked at that point
+//   #?12              the twelfth object of its space, or of what it lies in: for one without a handle of its own
+//   none              a pick that meets nothing
 //   W 0,0 9,9         a window of a selection set; C a crossing one
 //   "text"            the text between the quotes, whatever it is
 #pragma once
@@ -64,13 +66,24 @@ std::optional<TypedPoint> parsePoint(std::wstring_view text);
 /// The unit direction at an angle in degrees, exact at the multiples of 90.
 OdGeVector3d directionAt(double degrees);
 
+/// By its handle, or by its number among those that lie where it does, from 1 on.
+struct TypedObject {
+    OdDbHandle handle;
+    std::uint64_t number = 0;  // 0: by its handle
+
+    /// "#1F", "#?12"
+    std::wstring text() const;
+    bool operator==(const TypedObject&) const = default;
+};
+
 struct TypedPick {
-    std::vector<OdDbHandle> path;  // outermost first; empty when only a point was given
+    std::vector<TypedObject> path;  // outermost first; empty when only a point was given
     std::optional<TypedPoint> point;
+    bool isNone = false;
 };
 std::optional<TypedPick> parsePick(std::wstring_view text);
 /// "#1F #20 #33"
-std::optional<std::vector<OdDbHandle>> parseHandles(std::wstring_view text);
+std::optional<std::vector<TypedObject>> parseObjects(std::wstring_view text);
 
 struct TypedWindow {
     bool crossing = false;

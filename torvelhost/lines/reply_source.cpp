@@ -61,20 +61,21 @@ std::optional<std::wstring> ScriptReplies::peek() {
     return peeked_;
 }
 
-std::optional<std::wstring> ScriptReplies::next(const std::wstring& prompt) {
+std::optional<std::wstring> ScriptReplies::next(const Question& question) {
     std::optional<std::wstring> line = peek();
-    if (line) terminal_.prompt(prompt + *line + L"\n");
+    if (line) terminal_.prompt(question.prompt + *line + L"\n");
     peeked_.reset();
     return line;
 }
 
-std::optional<std::wstring> TypedReplies::choose(const std::wstring& prompt, const Choices& choices) {
+std::optional<std::wstring> TypedReplies::next(const Question& question) {
     wantsToLeave_ = false;
     if (base::takeInterrupt()) {
-        terminal_.prompt(prompt + L"^C\n");
+        terminal_.prompt(question.prompt + L"^C\n");
         return L"^C";
     }
-    const TypedLine line = readPromptLine(terminal_.isQuiet() ? std::wstring() : visible(prompt), choices);
+    const TypedLine line =
+        readPromptLine(terminal_.isQuiet() ? std::wstring() : visible(question.prompt), question.choices);
     if (line.end == TypedLine::kInputEnded) return std::nullopt;
     if (line.end == TypedLine::kEntered) return line.text;
     wantsToLeave_ = line.text.empty();

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "torvelhost/lines/completion.h"
+#include "torvelhost/lines/question.h"
 #include "torvelhost/lines/terminal.h"
 
 namespace host {
@@ -24,9 +24,9 @@ class ReplySource {
     ReplySource& operator=(const ReplySource&) = delete;
 
     /// Shows the prompt and takes a line. Nothing at the end.
-    virtual std::optional<std::wstring> next(const std::wstring& prompt) = 0;
-    /// The same for a line that may be one of the choices, for a person who wants it completed.
-    virtual std::optional<std::wstring> choose(const std::wstring& prompt, const Choices&) { return next(prompt); }
+    virtual std::optional<std::wstring> next(const Question& question) = 0;
+    /// The line taken last answered nothing; the same is asked again.
+    virtual void refused() {}
     /// The line that next() will take; nothing at the end, and from a person, who cannot be looked at in advance.
     virtual std::optional<std::wstring> peek() { return std::nullopt; }
     /// Where the line taken last stands: "plan.scr:3".
@@ -48,7 +48,7 @@ class ScriptReplies : public ReplySource {
     void addFile(const std::wstring& path);
     void addText(const std::wstring& text);
 
-    std::optional<std::wstring> next(const std::wstring& prompt) override;
+    std::optional<std::wstring> next(const Question& question) override;
     std::optional<std::wstring> peek() override;
     std::wstring place() const override { return place_; }
     bool isScript() const override { return true; }
@@ -75,8 +75,7 @@ class TypedReplies : public ReplySource {
   public:
     explicit TypedReplies(Terminal& terminal) : terminal_(terminal) {}
 
-    std::optional<std::wstring> next(const std::wstring& prompt) override { return choose(prompt, {}); }
-    std::optional<std::wstring> choose(const std::wstring& prompt, const Choices& choices) override;
+    std::optional<std::wstring> next(const Question& question) override;
     bool isScript() const override { return false; }
     bool wantsToLeave() const override { return wantsToLeave_; }
 

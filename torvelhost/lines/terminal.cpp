@@ -29,23 +29,35 @@ std::wstring visible(std::wstring_view text) {
 Terminal::Terminal(bool quiet) : quiet_(quiet), outputIsTerminal_(base::isTerminal(base::Stream::kOutput)) {}
 
 void Terminal::print(std::wstring_view text) {
+    tell(text, L"\n");
     const std::string line = base::toUtf8(outputIsTerminal_ ? visible(text) : std::wstring(text)) + "\n";
     if (!base::writeTo(base::Stream::kOutput, line)) outputFailed_ = true;
 }
 
-void Terminal::show(std::wstring_view text) { writeError(text); }
+void Terminal::show(std::wstring_view text) {
+    tell(text);
+    writeError(text);
+}
 
 void Terminal::prompt(std::wstring_view text) {
+    tell(text);
     if (!quiet_) writeError(text);
 }
 
-void Terminal::error(std::wstring_view text) { writeError(L"torvelhost: " + std::wstring(text) + L"\n"); }
+void Terminal::error(std::wstring_view text) {
+    tell(text, L"\n");
+    writeError(L"torvelhost: " + std::wstring(text) + L"\n");
+}
 
 void Terminal::warning(std::wstring_view text) {
-    if (!quiet_) error(L"warning: " + std::wstring(text));
+    if (!quiet_)
+        error(L"warning: " + std::wstring(text));
+    else
+        tell(L"warning: " + std::wstring(text), L"\n");
 }
 
 void Terminal::notice(std::wstring_view text) {
+    tell(text, L"\n");
     if (!quiet_) writeError(std::wstring(text) + L"\n");
 }
 

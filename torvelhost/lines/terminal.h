@@ -1,8 +1,10 @@
 // What the program writes, and where: standard output carries what commands print, standard error all the rest.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace host {
 
@@ -26,11 +28,20 @@ class Terminal {
     /// A line on standard error for the user's eyes: a count, a hint. Not when quiet.
     void notice(std::wstring_view text);
 
+    /// Is told all that is written, as it is written but without the program's name, and what a quiet terminal keeps.
+    using Watcher = std::function<void(std::wstring_view text)>;
+    void watch(Watcher watcher) { watcher_ = std::move(watcher); }
+
     bool isQuiet() const { return quiet_; }
     /// Standard output could not be written (a closed pipe, a full disk).
     bool outputFailed() const { return outputFailed_; }
 
   private:
+    void tell(std::wstring_view text, const wchar_t* end = L"") const {
+        if (watcher_) watcher_(visible(text) + end);
+    }
+
+    Watcher watcher_;
     bool quiet_;
     bool outputIsTerminal_;
     bool outputFailed_ = false;

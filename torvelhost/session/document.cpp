@@ -86,8 +86,20 @@ std::optional<std::wstring> Document::undoCommand() {
     if (done_.empty()) return std::nullopt;
     const Done last = std::move(done_.back());
     done_.pop_back();
-    database_->undoTo(last.position);
+    database_->undoForRedo(last.position);
+    undone_.push_back(last.command);
     return last.command;
+}
+
+std::optional<std::wstring> Document::redoCommand() {
+    const std::size_t position = undoPosition();
+    if (undone_.empty() || !database_->redo()) {
+        undone_.clear();
+        return std::nullopt;
+    }
+    done_.push_back({std::move(undone_.back()), position});
+    undone_.pop_back();
+    return done_.back().command;
 }
 
 void Document::save(const std::wstring& path) {

@@ -57,6 +57,9 @@ class Document final : public HostDocument {
     void keepForUndo(const std::wstring& command, std::size_t position);
     /// Takes back the last command that changed something and returns its name.
     std::optional<std::wstring> undoCommand();
+    /// Brings back the command taken back last and returns its name. Nothing when there is none, or when the drawing
+    /// was changed since.
+    std::optional<std::wstring> redoCommand();
 
   private:
     struct Done {
@@ -68,6 +71,7 @@ class Document final : public HostDocument {
     HostEdInput* input_ = nullptr;
     OdGePoint3d lastPoint_;
     std::vector<Done> done_;
+    std::vector<std::wstring> undone_;  // the last is the next to be brought back
 };
 
 }  // namespace host

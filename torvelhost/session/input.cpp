@@ -37,6 +37,8 @@ class Input::TrackerSession {
     TrackerSession(const TrackerSession&) = delete;
     TrackerSession& operator=(const TrackerSession&) = delete;
 
+    void follow(const OdGePoint3d& cursor) { send(HostInputEvent::kPointMoved, cursor); }
+
     // The cursor moves from one point to the other in steps, then its button is pressed there.
     void click(const OdGePoint3d& from, const OdGePoint3d& to) {
         if (!tracker_) return;
@@ -71,6 +73,12 @@ int Input::Drawables::remove(OdDbEntity* entity) {
 
 // ---- the dialogue
 
+namespace {
+
+Expected pointFrom(const OdGePoint3d* base) { return {Expected::kPoint, base ? std::optional(*base) : std::nullopt}; }
+
+}  // namespace
+
 Input::Input(Document& document, ReplySource& replies, Terminal& terminal)
     : document_(document), replies_(replies), terminal_(terminal) {}
 
@@ -78,8 +86,17 @@ void Input::failScript(const std::wstring& prompt, const std::wstring& what) {
     throw ScriptError(base::toUtf8(replies_.place() + L": " + what + L", at the prompt \"" + prompt + L"\""));
 }
 
-int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t* expected, const Accept& accept,
-               Asked asked) {
+// "> 3,4". False when it is no such line.
+bool Input::moveCursor(std::wstring_view text, const Expected& expected, std::wstring& reason) {
+    if (expected.kind != Expected::kPoint || !text.starts_with(L'>')) return false;
+    const auto typed = parsePoint(text.substr(1));
+    const auto cursor = typed ? document_.toWorld(*typed, reason) : std::nullopt;
+    if (cursor && expected.follow) expected.follow(*cursor);
+    return cursor.has_value();
+}
+
+int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t* wanted, const Accept& accept,
+               const Expected& expected) {
     const Keywords keywords(keywordList);
     const std::wstring shown = promptText(prompt, keywords);
     const dialogs::HiddenWindows hidden;
@@ -87,7 +104,7 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
         std::optional<std::wstring> line;
         {
             const Progress::Pause pause;
-            line = replies_.choose(shown + L" ", [&keywords] { return keywords.words(); });
+            line = replies_.next({shown + L" ", expected, [&keywords] { return keywords.words(); }});
         }
         if (!line) {
             if (replies_.isScript()) failScript(shown, L"the script ends");
@@ -100,23 +117,25 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
         const Keywords::Match match = reply.quoted ? Keywords::Match() : keywords.find(reply.text);
         const int keyword = hostapi::kFirstKeyword + match.index;
         if (match.kind == Keywords::Match::kExact) return keyword;
-        if (match.kind == Keywords::Match::kAbbreviated && asked == Asked::kText) return keyword;
+        if (match.kind == Keywords::Match::kAbbreviated && expected.kind == Expected::kText) return keyword;
         std::wstring reason;
+        if (!reply.quoted && moveCursor(reply.text, expected, reason)) continue;
         if (accept(reply, reason)) return hostapi::kValue;
         if (match.kind == Keywords::Match::kAbbreviated) return keyword;
 
         if (match.kind == Keywords::Match::kAmbiguous)
             reason = L"\"" + reply.text + L"\" may mean more than one of " + keywords.joined();
         if (reason.empty()) {
-            reason = L"\"" + reply.text + L"\" is not " + expected;
+            reason = L"\"" + reply.text + L"\" is not " + wanted;
             if (!keywords.empty()) reason += L" and not one of " + keywords.joined();
         }
         if (replies_.isScript()) failScript(shown, reason);
+        replies_.refused();
         terminal_.show(reason + L".\n");
     }
 }
 
-int Input::askIfNext(const wchar_t* prompt, const wchar_t* expected, const Accept& accept,
+int Input::askIfNext(const wchar_t* prompt, const wchar_t* wanted, const Accept& accept,
                      const std::function<bool(const Reply&)>& suits) {
     if (replies_.isScript()) {
         const std::optional<std::wstring> line = replies_.peek();
@@ -124,21 +143,23 @@ int Input::askIfNext(const wchar_t* prompt, const wchar_t* expected, const Accep
         const Reply reply = parseReply(*line);
         if (reply.kind == Reply::kText && !suits(reply)) return hostapi::kEmpty;
     }
-    return ask(prompt, nullptr, expected, accept);
+    return ask(prompt, nullptr, wanted, accept);
 }
 
-// The base point is where a screen would begin its rubber band; there is none here.
-int Input::getPoint(const OdGePoint3d*, OdGePoint3d& point, const wchar_t* prompt, const wchar_t* keywords, int,
+int Input::getPoint(const OdGePoint3d* base, OdGePoint3d& point, const wchar_t* prompt, const wchar_t* keywords, int,
                     std::uintptr_t, HostEdInputTracker* tracker) {
     TrackerSession session(tracker, *this);
+    Expected expected = pointFrom(base);
+    if (tracker) expected.follow = [&session](const OdGePoint3d& cursor) { session.follow(cursor); };
     OdGePoint3d picked;
-    const int result = ask(prompt, keywords, L"a point", [&](const Reply& reply, std::wstring& reason) {
+    const auto accept = [&](const Reply& reply, std::wstring& reason) {
         const auto typed = parsePoint(reply.text);
         if (!typed || reply.quoted) return false;
         const auto world = document_.toWorld(*typed, reason);
         if (world) picked = *world;
         return world.has_value();
-    });
+    };
+    const int result = ask(prompt, keywords, L"a point", accept, expected);
     if (result != hostapi::kValue) return result;
     session.click(document_.lastPoint(), picked);
     document_.setLastPoint(picked);
@@ -158,23 +179,25 @@ int Input::secondPoint(const OdGePoint3d& first, OdGePoint3d& second) {
 int Input::getAngle(double& radians, const wchar_t* prompt, const wchar_t* keywords, int, std::uintptr_t base) {
     std::optional<double> angle;
     std::optional<OdGePoint3d> point;
-    const int result = ask(prompt, keywords, L"an angle or a point", [&](const Reply& reply, std::wstring& reason) {
+    const auto* const from = reinterpret_cast<const OdGePoint3d*>(base);
+    const auto accept = [&](const Reply& reply, std::wstring& reason) {
         if (reply.quoted) return false;
         // A lone "S" is more likely a keyword than south.
         if (reply.text.find_first_of(L"0123456789") != reply.text.npos) angle = textToAngle(reply.text, kDegrees);
         if (angle) return true;
         if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed, reason);
         return point.has_value();
-    });
+    };
+    const int result = ask(prompt, keywords, L"an angle or a point", accept, pointFrom(from));
     if (result != hostapi::kValue) return result;
     if (point) {
         document_.setLastPoint(*point);
-        const OdGePoint3d from = base != 0 ? *reinterpret_cast<const OdGePoint3d*>(base) : *point;
-        if (base == 0) {
-            const int pointResult = secondPoint(from, *point);
+        const OdGePoint3d begin = from ? *from : *point;
+        if (!from) {
+            const int pointResult = secondPoint(begin, *point);
             if (pointResult != hostapi::kValue) return pointResult;
         }
-        const OdGeVector3d along = document_.ucs().inverse() * (*point - from);
+        const OdGeVector3d along = document_.ucs().inverse() * (*point - begin);
         angle = along.xy().angle();
     }
     radians = *angle;
@@ -185,7 +208,7 @@ int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t*
                        int flags, std::uintptr_t) {
     std::optional<double> length;
     std::optional<OdGePoint3d> point;
-    const int result = ask(prompt, keywords, L"a distance or a point", [&](const Reply& reply, std::wstring& reason) {
+    const auto accept = [&](const Reply& reply, std::wstring& reason) {
         if (reply.quoted) return false;
         length = textToLength(reply.text);
         if (length) {
@@ -195,7 +218,8 @@ int Input::getDistance(const OdGePoint3d* base, double& distance, const wchar_t*
         }
         if (const auto typed = parsePoint(reply.text)) point = document_.toWorld(*typed, reason);
         return point.has_value();
-    });
+    };
+    const int result = ask(prompt, keywords, L"a distance or a point", accept, pointFrom(base));
     if (result != hostapi::kValue) return result;
     if (point) {
         document_.setLastPoint(*point);
@@ -236,7 +260,7 @@ int Input::askText(const wchar_t* prompt, const wchar_t* keywords, OdString& tex
             text = reply.text;
             return true;
         },
-        Asked::kText);
+        {Expected::kText});
 }
 
 bool Input::getString(OdString& text) { return askText(L"Enter text", nullptr, text) == hostapi::kValue; }

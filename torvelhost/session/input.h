@@ -37,14 +37,14 @@ class Input final : public HostEdInput {
     /// Looks at a reply that is neither Enter nor cancel nor a keyword. True takes it; false refuses it, with `reason`
     /// saying why unless it is simply not what was asked for.
     using Accept = std::function<bool(const Reply& reply, std::wstring& reason)>;
-    enum class Asked { kValue, kText };  // a text may be anything, so keywords come before it
     /// Asks until a reply suits, and returns an input result. A script's reply that does not suit throws ScriptError.
-    /// `expected` completes the sentence "... is not": "a point".
-    int ask(const wchar_t* prompt, const wchar_t* keywords, const wchar_t* expected, const Accept& accept,
-            Asked asked = Asked::kValue);
+    /// `wanted` completes the sentence "... is not": "a point". An expected text may be anything, so keywords come
+    /// before it. Where a point is expected, "> 3,4" moves the cursor and is no reply.
+    int ask(const wchar_t* prompt, const wchar_t* keywords, const wchar_t* wanted, const Accept& accept,
+            const Expected& expected = {});
     /// A prompt whose answer a script may leave out: a next line that `suits` does not take stays for what comes after,
     /// and the result is kEmpty.
-    int askIfNext(const wchar_t* prompt, const wchar_t* expected, const Accept& accept,
+    int askIfNext(const wchar_t* prompt, const wchar_t* wanted, const Accept& accept,
                   const std::function<bool(const Reply&)>& suits);
 
     /// Prompts for what the host's own commands need.
@@ -80,6 +80,7 @@ class Input final : public HostEdInput {
         if (previewWatcher_) previewWatcher_(drawables_.shown());
     }
     int secondPoint(const OdGePoint3d& first, OdGePoint3d& second);
+    bool moveCursor(std::wstring_view text, const Expected& expected, std::wstring& reason);
 
     Document& document_;
     ReplySource& replies_;

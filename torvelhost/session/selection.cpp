@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
@@ -15,7 +16,35 @@
 namespace host {
 namespace {
 
-std::wstring shown(OdDbHandle handle) { return L"#" + handle.text(); }
+// Whether what the reply selects is taken away; the reply is the rest of it then. "-3,4" is a point.
+bool takesAway(std::wstring_view& text) {
+    if (text.size() < 2 || text[0] != L'-' || base::isDigit(text[1]) || text[1] == L'.' || text[1] == L',')
+        return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+// The place of an object among those that lie in a container, from 1 on; 0 when it is none of them.
+std::uint64_t numberIn(const OdDbObjectIdRange& range, OdDbObjectId wanted, std::uint64_t before = 0) {
+    std::uint64_t number = before;
+    for (OdDbObjectId id : range) {
+        ++number;
+        if (id == wanted) return number;
+    }
+    return 0;
+}
+
+// The object with that number; `number` becomes what is left of it when there are fewer.
+OdDbObjectId objectIn(const OdDbObjectIdRange& range, std::uint64_t& number) {
+    for (OdDbObjectId id : range)
+        if (--number == 0) return id;
+    return {};
+}
+
+void removeFrom(OdDbObjectIdArray& set, const std::vector<OdDbObjectId>& entities) {
+    const std::unordered_set<OdDbObjectId> gone(entities.begin(), entities.end());
+    std::erase_if(set, [&gone](OdDbObjectId id) { return gone.contains(id); });
+}
 
 // The place that a click on an entity would have, where none is said.
 OdGePoint3d placeOf(OdDbObjectId id) {
@@ -25,6 +54,20 @@ OdGePoint3d placeOf(OdDbObjectId id) {
     if (const auto entity = id.openIf<OdDbEntity>(); entity && entity->geomExtents(box)) return box.center();
     return {};
 }
+
+// What a window may know of the prompt that is open.
+template <class T>
+class WhileAsking {
+  public:
+    WhileAsking(T& place, T value) : place_(place), before_(std::exchange(place, value)) {}
+    ~WhileAsking() { place_ = before_; }
+    WhileAsking(const WhileAsking&) = delete;
+    WhileAsking& operator=(const WhileAsking&) = delete;
+
+  private:
+    T& place_;
+    T before_;
+};
 
 bool isViewport(OdDbObjectId id) { return id.isKindOf(OdDbViewport::desc()); }
 
@@ -52,7 +95,9 @@ Rectangle Selection::pickRectangle(const OdGePoint3d& center) {
 }
 
 // The topmost entity, which is the one drawn last.
-OdDbObjectId Selection::entityAt(const Rectangle& box) {
+OdDbObjectId Selection::entityAt(const OdGePoint3d& point) { return entityIn(pickRectangle(point)); }
+
+OdDbObjectId Selection::entityIn(const Rectangle& box) {
     const Entities found = entitiesIn(box, true);
     return found.empty() ? OdDbObjectId() : found.back();
 }
@@ -101,16 +146,77 @@ Selection::Entities Selection::lastEntity() {
     return all.empty() ? Entities() : Entities{all.back()};
 }
 
-std::optional<hostapi::Pick> Selection::pickByHandle(OdDbHandle handle, std::wstring& reason) const {
-    const OdDbObjectId id = document_.database()->getObjectId(handle);
-    if (!id.isValid()) {
-        reason = L"there is no object " + shown(handle);
-        return std::nullopt;
+OdDbObjectId Selection::find(const TypedObject& name, std::wstring& reason) const {
+    OdDbObjectId id;
+    if (std::uint64_t number = name.number; number > 0)
+        id = objectIn(document_.activeSpaceId().openAs<OdDbBlockTableRecord>()->entities(), number);
+    else
+        id = document_.database()->getObjectId(name.handle);
+    if (id.isValid() && id.isKindOf(OdDbEntity::desc())) return id;
+    reason = id.isValid() ? name.text() + L" is no entity" : L"there is no object " + name.text();
+    return {};
+}
+
+// An attribute of the reference, or an object of its block; their numbers go on behind each other.
+OdDbObjectId Selection::findIn(OdDbObjectId referenceId, const TypedObject& name, std::wstring& reason) const {
+    const auto reference = referenceId.openIf<OdDbBlockReference>();
+    if (!reference) {
+        reason = nameOf(referenceId) + L" is no block reference";
+        return {};
     }
-    if (!id.isKindOf(OdDbEntity::desc())) {
-        reason = shown(handle) + L" is no entity";
-        return std::nullopt;
+    OdDbObjectId id;
+    if (std::uint64_t number = name.number; number > 0) {
+        id = objectIn(reference->attributes(), number);
+        if (const auto block = reference->blockTableRecord().openIf<OdDbBlockTableRecord>(); !id && block)
+            id = objectIn(block->entities(), number);
+    } else {
+        id = document_.database()->getObjectId(name.handle);
+        if (id.isValid() && id.containerId() != reference->blockTableRecord() && id.containerId() != referenceId)
+            id = OdDbObjectId();
     }
+    if (id.isValid()) return id;
+    reason = L"there is no object " + name.text() + L" in " + nameOf(referenceId);
+    return {};
+}
+
+std::wstring Selection::nameOf(OdDbObjectId entity) const {
+    const OdDbHandle handle = entity.handle();
+    if (!handle.isNull() && document_.database()->getObjectId(handle) == entity) return TypedObject{handle}.text();
+    const auto space = document_.activeSpaceId().openAs<OdDbBlockTableRecord>();
+    return TypedObject{{}, numberIn(space->entities(), entity)}.text();
+}
+
+std::wstring Selection::nameOf(const hostapi::Pick& pick) const {
+    if (!pick.entity) return L"none";
+    if (!pick.nested || pick.nested == pick.entity || pick.containers.empty()) return nameOf(pick.entity);
+    const auto ownHandle = [&](OdDbObjectId id) {
+        return !id.handle().isNull() && document_.database()->getObjectId(id.handle()) == id;
+    };
+    // An attribute's handle picks it in its reference.
+    if (pick.nested.containerId() == pick.entity && ownHandle(pick.nested)) return nameOf(pick.nested);
+    std::wstring path = nameOf(pick.entity);
+    for (std::size_t i = 1; i <= pick.containers.size(); ++i) {
+        const OdDbObjectId inner = i < pick.containers.size() ? pick.containers[i] : pick.nested;
+        if (ownHandle(inner)) {
+            path += L"/" + nameOf(inner);
+            continue;
+        }
+        const auto reference = pick.containers[i - 1].openAs<OdDbBlockReference>();
+        std::uint64_t number = numberIn(reference->attributes(), inner);
+        if (number == 0) {
+            std::uint64_t attributes = 0;
+            for ([[maybe_unused]] OdDbObjectId id : reference->attributes()) ++attributes;
+            number =
+                numberIn(reference->blockTableRecord().openAs<OdDbBlockTableRecord>()->entities(), inner, attributes);
+        }
+        path += L"/" + TypedObject{{}, number}.text();
+    }
+    return path;
+}
+
+std::optional<hostapi::Pick> Selection::pickByName(const TypedObject& name, std::wstring& reason) const {
+    const OdDbObjectId id = find(name, reason);
+    if (!id) return std::nullopt;
     hostapi::Pick pick;
     pick.entity = id;
     pick.nested = id;
@@ -124,46 +230,49 @@ std::optional<hostapi::Pick> Selection::pickByHandle(OdDbHandle handle, std::wst
     return pick;
 }
 
+// What lies inside the reference there is picked with it.
+void Selection::goInto(hostapi::Pick& pick, const Rectangle& box) {
+    if (!pick.entity.isKindOf(OdDbBlockReference::desc())) return;
+    drawingdb::LayerStates layers;
+    const std::vector<NestedHit> hits = nestedHits(pick.entity, box, layers);
+    if (hits.empty()) return;
+    pick.nested = hits.front().entity;
+    pick.containers = hits.front().containers;
+}
+
+hostapi::Pick Selection::pickAt(const OdGePoint3d& point) {
+    hostapi::Pick pick;
+    pick.point = point;
+    pick.hasPoint = true;
+    const Rectangle box = pickRectangle(point);
+    pick.entity = pick.nested = entityIn(box);
+    goInto(pick, box);
+    if (reactor_ && pick.entity) choose(pick, *reactor_);
+    return pick;
+}
+
 std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstring& reason) {
     hostapi::Pick pick;
     if (!typed.path.empty()) {
-        std::optional<hostapi::Pick> named = pickByHandle(typed.path.front(), reason);
+        std::optional<hostapi::Pick> named = pickByName(typed.path.front(), reason);
         if (!named) return std::nullopt;
         pick = std::move(*named);
     }
     // The rest of the path goes down, each step into a reference's block or attributes.
     for (std::size_t i = 1; i < typed.path.size(); ++i) {
-        const OdDbObjectId inner = document_.database()->getObjectId(typed.path[i]);
-        const auto reference = pick.nested.openIf<OdDbBlockReference>();
-        if (!reference) {
-            reason = shown(typed.path[i - 1]) + L" is no block reference";
-            return std::nullopt;
-        }
-        if (!inner.isValid() ||
-            (inner.containerId() != reference->blockTableRecord() && inner.containerId() != pick.nested)) {
-            reason = L"there is no object " + shown(typed.path[i]) + L" in " + shown(typed.path[i - 1]);
-            return std::nullopt;
-        }
+        const OdDbObjectId inner = findIn(pick.nested, typed.path[i], reason);
+        if (!inner) return std::nullopt;
         pick.containers.push_back(pick.nested);
         pick.nested = inner;
     }
-    if (typed.point) {
-        const auto world = document_.toWorld(*typed.point, reason);
-        if (!world) return std::nullopt;
-        pick.point = *world;
-        pick.hasPoint = true;
-        const Rectangle box = pickRectangle(pick.point);
-        if (typed.path.empty()) pick.entity = entityAt(box);
-        const bool deeper = pick.entity.isKindOf(OdDbBlockReference::desc()) && pick.containers.empty();
-        if (typed.path.empty()) pick.nested = pick.entity;
-        if (deeper) {
-            drawingdb::LayerStates layers;
-            if (const std::vector<NestedHit> hits = nestedHits(pick.entity, box, layers); !hits.empty()) {
-                pick.nested = hits.front().entity;
-                pick.containers = hits.front().containers;
-            }
-        }
-    }
+    if (!typed.point) return pick;
+    const auto world = document_.toWorld(*typed.point, reason);
+    if (!world) return std::nullopt;
+    pick.point = *world;
+    pick.hasPoint = true;
+    const Rectangle box = pickRectangle(pick.point);
+    if (typed.path.empty()) pick.entity = pick.nested = entityIn(box);
+    if (pick.containers.empty()) goInto(pick, box);
     return pick;
 }
 
@@ -172,16 +281,21 @@ std::optional<hostapi::Pick> Selection::pickByText(std::wstring_view text, std::
     return typed ? toPick(*typed, reason) : std::nullopt;
 }
 
-int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick) {
-    const int result = input_.ask(prompt, keywords, L"a pick", [&](const Reply& reply, std::wstring& reason) {
+int Selection::askPick(const wchar_t* prompt, const wchar_t* keywords, Expected::Kind kind, hostapi::Pick& pick) {
+    const auto accept = [&](const Reply& reply, std::wstring& reason) {
         std::optional<hostapi::Pick> found;
         if (!reply.quoted) found = pickByText(reply.text, reason);
         if (!found) return false;
         pick = std::move(*found);
         return true;
-    });
+    };
+    const int result = input_.ask(prompt, keywords, L"a pick", accept, {kind});
     if (result == hostapi::kValue && !pick.entity) input_.terminal().notice(L"Nothing was found there.");
     return result;
+}
+
+int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostapi::Pick& pick) {
+    return askPick(prompt, keywords, Expected::kEntity, pick);
 }
 
 std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
@@ -196,50 +310,59 @@ std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
     return found;
 }
 
+// The first of what lies there that the reactor takes.
+void Selection::choose(hostapi::Pick& pick, HostGsSelectionReactor& reactor) {
+    const std::vector<NestedHit> under = candidates(pick);
+    pick.nested = OdDbObjectId();
+    pick.containers.clear();
+    for (const NestedHit& hit : under) {
+        if (!reactor.selected(hit.entity, hit.containers.data(), hit.containers.size())) continue;
+        pick.nested = hit.entity;
+        pick.containers = hit.containers;
+        break;
+    }
+}
+
 int Selection::pickNested(const wchar_t* prompt, const hostapi::Pick* at, HostGsSelectionReactor* reactor,
                           hostapi::Pick& pick) {
     hostapi::Pick found;
     if (at) {
         found = *at;
         // A bare point: whatever lies there.
-        if (!found.entity && found.hasPoint) found.entity = found.nested = entityAt(pickRectangle(found.point));
-    } else if (const int result = pickEntity(prompt, nullptr, found); result != hostapi::kValue) {
-        return result;
+        if (!found.entity && found.hasPoint) found.entity = found.nested = entityAt(found.point);
+    } else {
+        const WhileAsking<HostGsSelectionReactor*> asking(reactor_, reactor);
+        const int result = askPick(prompt, nullptr, Expected::kNested, found);
+        if (result != hostapi::kValue) return result;
     }
-    if (reactor) {
-        const std::vector<NestedHit> under = candidates(found);
-        found.nested = OdDbObjectId();
-        found.containers.clear();
-        for (const NestedHit& hit : under) {
-            if (!reactor->selected(hit.entity, hit.containers.data(), hit.containers.size())) continue;
-            found.nested = hit.entity;
-            found.containers = hit.containers;
-            break;
-        }
-    }
+    if (reactor) choose(found, *reactor);
     pick = std::move(found);
     return hostapi::kValue;
 }
 
-bool Selection::addToSet(const Reply& reply, Entities& entities, std::wstring& reason) {
-    if (reply.quoted) return false;
-    if (base::equalsNoCase(reply.text, L"all")) {
+std::vector<OdDbObjectId> Selection::entitiesInWindow(const OdGePoint3d& a, const OdGePoint3d& b, bool crossing) {
+    return entitiesIn(Rectangle::between(a, b), crossing);
+}
+
+bool Selection::select(std::wstring_view text, Entities& entities, std::wstring& reason) {
+    entities.clear();
+    if (base::equalsNoCase(text, L"all")) {
         entities = allEntities();
         return true;
     }
-    if (base::equalsNoCase(reply.text, L"last")) {
+    if (base::equalsNoCase(text, L"last")) {
         entities = lastEntity();
         return true;
     }
-    if (const auto handles = parseHandles(reply.text)) {
-        for (OdDbHandle handle : *handles) {
-            const auto pick = pickByHandle(handle, reason);
+    if (const auto names = parseObjects(text)) {
+        for (const TypedObject& name : *names) {
+            const auto pick = pickByName(name, reason);
             if (!pick) return false;
             entities.push_back(pick->entity);
         }
         return true;
     }
-    if (const auto window = parseWindow(reply.text)) {
+    if (const auto window = parseWindow(text)) {
         OdGePoint3d corners[2];
         for (int i = 0; i < 2; ++i) {
             if (window->corners[i]) {
@@ -247,15 +370,16 @@ bool Selection::addToSet(const Reply& reply, Entities& entities, std::wstring& r
                 if (!world) return false;
                 corners[i] = *world;
                 document_.setLastPoint(corners[i]);
-            } else if (input_.askPoint(i == 0 ? L"Specify first corner" : L"Specify opposite corner", nullptr,
-                                       corners[i]) != hostapi::kValue) {
+            } else if (input_.getPoint(i == 0 ? nullptr : &corners[0], corners[i],
+                                       i == 0 ? L"Specify first corner" : L"Specify opposite corner", nullptr, 0, 0,
+                                       nullptr) != hostapi::kValue) {
                 return true;  // given up; nothing is added
             }
         }
-        entities = entitiesIn(Rectangle::between(corners[0], corners[1]), window->crossing);
+        entities = entitiesInWindow(corners[0], corners[1], window->crossing);
         return true;
     }
-    if (const auto typed = parsePick(reply.text)) {
+    if (const auto typed = parsePick(text)) {
         const auto pick = toPick(*typed, reason);
         if (!pick) return false;
         if (pick->entity) entities.push_back(pick->entity);
@@ -271,23 +395,34 @@ int Selection::pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities) {
         return hostapi::kValue;
     }
     OdDbObjectIdArray set;
+    const WhileAsking<const OdDbObjectIdArray*> asking(making_, &set);
     std::unordered_set<OdDbObjectId> known;
     for (;;) {
-        Entities added;
-        const int result = input_.ask(prompt && *prompt ? prompt : L"Select objects", nullptr, L"a selection",
-                                      [&](const Reply& reply, std::wstring& reason) {
-                                          added.clear();
-                                          return addToSet(reply, added, reason);
-                                      });
+        Entities found;
+        bool removes = false;
+        const auto accept = [&](const Reply& reply, std::wstring& reason) {
+            std::wstring_view text = reply.text;
+            removes = takesAway(text);
+            return !reply.quoted && select(text, found, reason);
+        };
+        const int result = input_.ask(prompt && *prompt ? prompt : L"Select objects", nullptr, L"a selection", accept,
+                                      {Expected::kSet});
         if (result == hostapi::kCancel) return result;
         if (result == hostapi::kEmpty) break;
         const std::size_t before = set.size();
-        known.reserve(before + added.size());
-        for (OdDbObjectId id : added)
-            if (known.insert(id).second) set.push_back(id);
-        input_.terminal().notice(std::to_wstring(added.size()) + L" found, " + std::to_wstring(set.size()) +
-                                 L" in all" +
-                                 (set.size() - before < added.size() ? L" (some were there before)" : L""));
+        if (removes) {
+            for (OdDbObjectId id : found) known.erase(id);
+            removeFrom(set, found);
+        } else {
+            known.reserve(before + found.size());
+            for (OdDbObjectId id : found)
+                if (known.insert(id).second) set.push_back(id);
+        }
+        std::wstring told = std::to_wstring(found.size()) + L" found, ";
+        if (removes) told += std::to_wstring(before - set.size()) + L" removed, ";
+        told += std::to_wstring(set.size()) + L" in all";
+        if (!removes && set.size() - before < found.size()) told += L" (some were there before)";
+        input_.terminal().notice(told);
     }
     entities = std::move(set);
     return hostapi::kValue;
@@ -298,16 +433,30 @@ void Selection::setPickFirst(OdDbObjectIdArray entities) {
     pickFirstChanged_ = true;
 }
 
-bool Selection::setPickFirst(const std::vector<OdDbHandle>& handles, std::wstring& reason) {
-    OdDbObjectIdArray entities;
-    for (OdDbHandle handle : handles) {
-        const auto pick = pickByHandle(handle, reason);
-        if (!pick) return false;
-        // An attribute stands in the set itself, not its reference.
-        if (std::find(entities.begin(), entities.end(), pick->nested) == entities.end())
-            entities.push_back(pick->nested);
+bool Selection::setPickFirst(const Reply& reply, std::wstring& reason) {
+    std::wstring_view text = reply.text;
+    const bool removes = takesAway(text);
+    Entities found;
+    if (const auto names = parseObjects(text)) {
+        for (const TypedObject& name : *names) {
+            const auto pick = pickByName(name, reason);
+            if (!pick) return false;
+            // An attribute stands in the set itself, not its reference.
+            found.push_back(pick->nested);
+        }
+    } else if (reply.quoted || parsePick(text) || !select(text, found, reason)) {
+        return false;  // a click there would say what it has met
     }
-    setPickFirst(std::move(entities));
+    OdDbObjectIdArray set;
+    if (removes) {
+        set = pickFirst_;
+        removeFrom(set, found);
+    } else {
+        std::unordered_set<OdDbObjectId> known;
+        for (OdDbObjectId id : found)
+            if (known.insert(id).second) set.push_back(id);
+    }
+    setPickFirst(std::move(set));
     return true;
 }
 

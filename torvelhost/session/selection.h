@@ -25,17 +25,31 @@ class Selection {
     int pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities);
 
     /// What a handle picks: an entity, also the one that holds an attribute. Nothing, and a reason, when it names none.
-    std::optional<hostapi::Pick> pickByHandle(OdDbHandle handle, std::wstring& reason) const;
+    std::optional<hostapi::Pick> pickByName(const TypedObject& name, std::wstring& reason) const;
 
-    /// What a reply at a pick prompt picks: a handle, a handle and a point, a point (null where nothing lies). Nothing,
-    /// and a reason where there is one, when the text is no pick.
+    /// What a reply at a pick prompt picks: a handle, a handle and a point, a point (null where nothing lies), none.
+    /// Nothing, and a reason where there is one, when the text is no pick.
     std::optional<hostapi::Pick> pickByText(std::wstring_view text, std::wstring& reason);
+
+    /// ---- what a window shows and says
+
+    /// What a click at a point meets, as the prompt that is open goes into references.
+    hostapi::Pick pickAt(const OdGePoint3d& point);
+    OdDbObjectId entityAt(const OdGePoint3d& point);
+    /// What a reply calls an entity: "#1F", or "#?12" for one whose handle does not lead to it.
+    std::wstring nameOf(OdDbObjectId entity) const;
+    /// A reply that picks that object again, whatever the view then is; without its point.
+    std::wstring nameOf(const hostapi::Pick& pick) const;
+    /// The set that is being made at a prompt; null at others.
+    const OdDbObjectIdArray* setInTheMaking() const { return making_; }
+    std::vector<OdDbObjectId> entitiesInWindow(const OdGePoint3d& a, const OdGePoint3d& b, bool crossing);
 
     /// ---- the pick-first set
     const OdDbObjectIdArray& pickFirst() const { return pickFirst_; }
     void setPickFirst(OdDbObjectIdArray entities);
-    /// From a line of handles; false, and a reason, when one names nothing.
-    bool setPickFirst(const std::vector<OdDbHandle>& handles, std::wstring& reason);
+    /// From a line at the command prompt: a selection becomes the set, one behind "-" is taken away from it. False, and
+    /// a reason, when it is none.
+    bool setPickFirst(const Reply& reply, std::wstring& reason);
     /// A command uses up the set that was there when it began, unless it made one of its own. One that uses the
     /// pick-first set gets it from pickSet, the first time, without being asked.
     void beginCommand(bool usesPickFirst) {
@@ -50,6 +64,9 @@ class Selection {
 
     void highlight(OdDbObjectId entity, bool on);
     bool isHighlighted(OdDbObjectId entity) const { return highlighted_.contains(entity); }
+    const std::set<OdDbObjectId>& highlighted() const { return highlighted_; }
+    /// What is not shown while a command works on it.
+    const std::set<OdDbObjectId>& hidden() const { return hidden_; }
     /// Is told each change that a screen would show.
     using HighlightWatcher = std::function<void(OdDbObjectId entity, bool on)>;
     void watchHighlight(HighlightWatcher watcher) { highlightWatcher_ = std::move(watcher); }
@@ -67,11 +84,16 @@ class Selection {
   private:
     using Entities = std::vector<OdDbObjectId>;
 
+    OdDbObjectId find(const TypedObject& name, std::wstring& reason) const;
+    OdDbObjectId findIn(OdDbObjectId reference, const TypedObject& name, std::wstring& reason) const;
     std::optional<hostapi::Pick> toPick(const TypedPick& typed, std::wstring& reason);
-    OdDbObjectId entityAt(const Rectangle& box);
+    int askPick(const wchar_t* prompt, const wchar_t* keywords, Expected::Kind kind, hostapi::Pick& pick);
+    OdDbObjectId entityIn(const Rectangle& box);
+    void goInto(hostapi::Pick& pick, const Rectangle& box);
     std::vector<NestedHit> candidates(const hostapi::Pick& pick);
-    /// False when the reply is no selection.
-    bool addToSet(const Reply& reply, Entities& entities, std::wstring& reason);
+    void choose(hostapi::Pick& pick, HostGsSelectionReactor& reactor);
+    /// False when the text is no selection.
+    bool select(std::wstring_view text, Entities& entities, std::wstring& reason);
     const EntityGrid& grid();
     Entities entitiesIn(const Rectangle& rectangle, bool crossing);
     Entities allEntities();
@@ -81,6 +103,8 @@ class Selection {
     Input& input_;
     Document& document_;
     DocumentView& view_;
+    HostGsSelectionReactor* reactor_ = nullptr;  // of the prompt that is open
+    const OdDbObjectIdArray* making_ = nullptr;  // likewise
     OdDbObjectIdArray pickFirst_;
     bool pickFirstChanged_ = false;
     bool offersPickFirst_ = false;

@@ -168,6 +168,11 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     bool isChangedSince(std::size_t undoPosition);
     /// Takes everything back to that position, with the marks, records and groups that lie behind it.
     void undoTo(std::size_t position);
+    /// The same, and redo() can bring it back. No group may be open.
+    void undoForRedo(std::size_t position);
+    /// Brings back what the last undoForRedo took that was not brought back yet. False, and nothing is done, when there
+    /// is none, or when anything was changed or taken back in another way since.
+    bool redo();
 
     /// ---- values that fields ask for ----
     /// Gives the text of a system variable; false when it does not know it. Set by the host.

@@ -178,7 +178,9 @@ class Core {
     int groupDepth() const { return static_cast<int>(groups_.size()); }
     std::size_t undoPosition();
     bool isChangedSince(std::size_t position);
-    void undoTo(std::size_t position);
+    void undoTo(std::size_t position) { undoTo(position, nullptr); }
+    void undoForRedo(std::size_t position);
+    bool redo();
     bool modified() const { return changes_ != 0; }
     std::uint64_t revision() {
         flushAll();
@@ -202,7 +204,12 @@ class Core {
     };
     bool isComplete();
     void log(Stub& stub, Step::Kind kind, std::uint64_t old);
-    void undoStep(const Step& step);
+    /// Steps that were undone, in that order, each with the word that was there before.
+    using Undone = std::deque<std::pair<Step, std::uint64_t>>;
+    void undoTo(std::size_t position, Undone* undone);
+    std::uint64_t undoStep(const Step& step);
+    std::uint64_t exchange(const Step& step, std::uint64_t word);
+    void setLinked(const Step& step, bool linked);
     Stub& linkedStub(std::uint16_t type, Stub& container);
     void linkChild(Stub& container, Stub& child);
     void stopListening(Stub& stub);
@@ -265,7 +272,8 @@ class Core {
     void linkBlocks();
 
     std::vector<OdDbObject*> dirty_;
-    std::deque<Step> log_;  // grows by the million: nothing is copied for that
+    std::deque<Step> log_;      // grows by the million: nothing is copied for that
+    std::vector<Undone> redo_;  // the last is the next to be redone; a change makes them void
     std::uint64_t lastMark_ = 0;
     bool endsWithoutEof_ = false;
     std::string firstVersion_;  // of a drawing older than AC1001

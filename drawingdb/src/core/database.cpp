@@ -340,6 +340,8 @@ std::uint64_t OdDbDatabase::revision() { return core_->revision(); }
 std::size_t OdDbDatabase::undoPosition() { return core_->undoPosition(); }
 bool OdDbDatabase::isChangedSince(std::size_t undoPosition) { return core_->isChangedSince(undoPosition); }
 void OdDbDatabase::undoTo(std::size_t position) { core_->undoTo(position); }
+void OdDbDatabase::undoForRedo(std::size_t position) { core_->undoForRedo(position); }
+bool OdDbDatabase::redo() { return core_->redo(); }
 
 // ---- fields
 

@@ -6,7 +6,10 @@
 //   append   the chain's last child before      cutting the child off, marking it unborn
 //   mark     its number                         nothing: it is a place
 //   record, groupStart, groupStop               nothing: they are places
+//
+// Steps that may be redone are kept with the word that undoing them replaced; redone, they stand in the log as before.
 #include <algorithm>
+#include <utility>
 
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
@@ -18,20 +21,19 @@ void Core::log(Stub& stub, Step::Kind kind, std::uint64_t old) {
     log_.push_back({indexOf(&stub), kind, old});
     ++changes_;
     ++state_;
+    redo_.clear();
 }
 
-void Core::undoStep(const Step& step) {
-    if (step.kind >= Step::record) return;
-    --changes_;
-    ++state_;
+std::uint64_t Core::exchange(const Step& step, std::uint64_t word) {
     Stub& stub = stubs[step.stub];
+    std::uint64_t before = 0;
     switch (step.kind) {
         case Step::content: {
             if (OdDbObject* object = stub.object()) {
-                ObjectAccess::closedContent(*object) = static_cast<Content>(step.old);
+                before = std::exchange(ObjectAccess::closedContent(*object), static_cast<Content>(word));
                 refresh(*object);
             } else {
-                stub.content = static_cast<Content>(step.old);
+                before = std::exchange(stub.content, static_cast<Content>(word));
                 GroupCursor cursor(bytesOf(stub), format);
                 Group first;
                 if (stub.type != rtNone && cursor.next(first) && first.code == 0) stub.type = types.find(first.value);
@@ -45,21 +47,35 @@ void Core::undoStep(const Step& step) {
             break;
         }
         case Step::flags:
-            stub.flags = static_cast<std::uint32_t>(step.old);
+            before = std::exchange(stub.flags, static_cast<std::uint32_t>(word));
             break;
-        case Step::append: {
-            Stub& container = stubs[stub.owner];
-            Stub* anchor = anchorOf(container, false);
-            const auto previous = static_cast<std::uint32_t>(step.old);
-            anchor->close = previous;
-            (previous ? stubs[previous].next : anchor->next) = 0;
-            stub.flags |= Stub::unborn;
-            if (container.type == rtTable || stub.type == rtBlock) forgetNames();
-            break;
-        }
         default:
             break;
     }
+    return before;
+}
+
+// The end of the chain goes, or comes back.
+void Core::setLinked(const Step& step, bool linked) {
+    Stub& stub = stubs[step.stub];
+    Stub& container = stubs[stub.owner];
+    Stub* anchor = anchorOf(container, false);
+    const auto previous = static_cast<std::uint32_t>(step.old);
+    anchor->close = linked ? step.stub : previous;
+    (previous ? stubs[previous].next : anchor->next) = linked ? step.stub : 0;
+    stub.flags = linked ? stub.flags & ~std::uint32_t{Stub::unborn} : stub.flags | Stub::unborn;
+    if (container.type == rtTable || stub.type == rtBlock) forgetNames();
+    if (linked && stub.type == rtInsert) referencesKnown_ = false;
+}
+
+std::uint64_t Core::undoStep(const Step& step) {
+    if (step.kind >= Step::record) return 0;
+    --changes_;
+    ++state_;
+    redo_.clear();
+    if (step.kind != Step::append) return exchange(step, step.old);
+    setLinked(step, false);
+    return 0;
 }
 
 void Core::startRecord() {
@@ -149,12 +165,40 @@ bool Core::isChangedSince(std::size_t position) {
     return false;
 }
 
-void Core::undoTo(std::size_t position) {
+void Core::undoForRedo(std::size_t position) {
+    flushAll();
+    std::vector<Undone> redo = std::move(redo_);
+    redo.emplace_back();
+    undoTo(position, &redo.back());
+    redo_ = std::move(redo);
+}
+
+bool Core::redo() {
+    flushAll();
+    if (redo_.empty()) return false;
+    const Undone undone = std::move(redo_.back());
+    redo_.pop_back();
+    for (auto kept = undone.rbegin(); kept != undone.rend(); ++kept) {
+        const auto& [step, word] = *kept;
+        log_.push_back(step);
+        if (step.kind >= Step::record) continue;
+        ++changes_;
+        ++state_;
+        if (step.kind == Step::append)
+            setLinked(step, true);
+        else
+            exchange(step, word);
+    }
+    return true;
+}
+
+void Core::undoTo(std::size_t position, Undone* undone) {
     flushAll();
     if (position <= faultPosition_) fault_ = nullptr;
     while (log_.size() > position) {
         const Step step = log_.back();
         log_.pop_back();
+        if (undone) undone->emplace_back(step, 0);
         if (step.kind == Step::groupStop) {
             // A closed group behind the position: its start lies there too, or it opens again.
             continue;
@@ -163,7 +207,8 @@ void Core::undoTo(std::size_t position) {
             if (!groups_.empty() && groups_.back() == log_.size()) groups_.pop_back();
             continue;
         }
-        undoStep(step);
+        const std::uint64_t word = undoStep(step);
+        if (undone) undone->back().second = word;
     }
 }
 

@@ -179,13 +179,44 @@ TEST(Undo, RandomEditsGiveTheBytesBack) {
         }
         const std::string last = database->writeBytes();
         EXPECT_EQ(OdDbDatabase::readBytes(last, L"")->writeBytes(), last);
-        while (!moments.empty()) {
-            database->undoTo(moments.back().first);
-            ASSERT_EQ(database->writeBytes(), moments.back().second);
-            moments.pop_back();
+        // Back, forth and back again: the second time the log is the one that redoing has made.
+        for (const bool redone : {true, false}) {
+            for (std::size_t i = moments.size(); i-- > 0;) {
+                database->undoForRedo(moments[i].first);
+                ASSERT_EQ(database->writeBytes(), moments[i].second);
+            }
+            ASSERT_EQ(database->writeBytes(), sampleBytes());
+            for (std::size_t i = 1; redone && i < moments.size(); ++i) {
+                ASSERT_TRUE(database->redo());
+                ASSERT_EQ(database->undoPosition(), moments[i].first);
+                ASSERT_EQ(database->writeBytes(), moments[i].second);
+            }
+            if (!redone) continue;
+            ASSERT_TRUE(database->redo());
+            ASSERT_EQ(database->writeBytes(), last);
+            ASSERT_FALSE(database->redo());
         }
-        EXPECT_EQ(database->writeBytes(), sampleBytes());
     }
+}
+
+TEST(Undo, AChangeMakesRedoVoid) {
+    const auto database = sample();
+    const std::size_t start = database->undoPosition();
+    setRadius(database, 1);
+    const std::size_t middle = database->undoPosition();
+    setRadius(database, 2);
+    database->undoForRedo(middle);
+    database->startUndoRecord();  // which is no change
+    EXPECT_TRUE(database->redo());
+    EXPECT_EQ(radius(database), 2);
+    database->undoForRedo(middle);
+    database->undoTo(start);
+    EXPECT_FALSE(database->redo());
+    setRadius(database, 3);
+    database->undoForRedo(start);
+    setRadius(database, 4);
+    EXPECT_FALSE(database->redo());
+    EXPECT_EQ(radius(database), 4);
 }
 
 TEST(Undo, AnAttributeAddedWhereSeqendIsMissingLeavesNothing) {
