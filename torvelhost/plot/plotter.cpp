@@ -18,6 +18,9 @@ using Kind = DisplayList::Kind;
 // Blocks that hold blocks many times over would never come to an end.
 constexpr std::size_t kMostCells = 20000000;
 
+constexpr std::uint32_t kHoverColor = 0x40A0FF, kSelectedColor = 0x1050D0;
+constexpr double kDashes[] = {5, -3};  // pixels
+
 OdGePoint2d flat(const OdGeMatrix3d& m, const OdGePoint3d& p) {
     return {m.entry[0][0] * p.x + m.entry[0][1] * p.y + m.entry[0][2] * p.z + m.entry[0][3],
             m.entry[1][0] * p.x + m.entry[1][1] * p.y + m.entry[1][2] * p.z + m.entry[1][3]};
@@ -95,12 +98,36 @@ void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double
     const auto record = space.openIf<OdDbBlockTableRecord>();
     if (!record) return;
     for (const OdDbObjectId id : record->entitiesInDrawOrder()) {
+        if (left_ && left_->count(id) != 0) continue;
         if (id.isKindOf(OdDbViewport::desc())) {
             if (!inViewport_) drawViewport(*id.openAs<OdDbViewport>(), toPixels);
             continue;
         }
         list.clear();
         add(shapes, id);
+        drawList(list, toPixels, nullptr);
+    }
+}
+
+void Plotter::drawEntities(std::span<const OdDbEntity* const> entities, const OdGeMatrix3d& toPixels,
+                           double pixelsPerUnit, OdDbObjectId viewport) {
+    pixelsPerUnit_ = pixelsPerUnit;
+    if (const auto seenThrough = viewport.openIf<OdDbViewport>()) {
+        through(*seenThrough, toPixels, [&](const OdGeMatrix3d& modelToPixels, double scale) {
+            drawEntities(entities, modelToPixels, scale, {});
+        });
+        return;
+    }
+    const double scale = scaleOf(toPixels);
+    if (!(scale > 0)) return;
+    spaceScale_ = scale;
+    DisplayList list;
+    Shapes shapes(styles_, list, 1 / scale);
+    setUp(shapes);
+    if (const auto window = windowOf(picture_, toPixels)) shapes.setWindow(*window);
+    for (const OdDbEntity* const entity : entities) {
+        list.clear();
+        shapes.add(*entity);
         drawList(list, toPixels, nullptr);
     }
 }
@@ -137,7 +164,7 @@ void Plotter::drawItems(const DisplayList& list, std::span<const DisplayList::It
             current = item.style;
             style = inside ? inReference(list.styles()[current], *inside) : list.styles()[current];
             hidden = styles_.isHidden(style) || !styles_.isPlotted(style);
-            look = styles_.lookOf(style);
+            look = emphasized(styles_.lookOf(style));
         }
         if (item.kind == Kind::kReference) {
             const DisplayList::Reference& reference = list.reference(item);
@@ -175,7 +202,7 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
         case Kind::kStrokes:
             for (std::size_t i = 0; i < item.count; ++i) {
                 project(i);
-                picture_.addPolyline(points_, {look.color, look.width});
+                drawStroke(points_, look);
             }
             return;
         case Kind::kArea:
@@ -207,11 +234,26 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
 }
 
 void Plotter::drawLine(std::span<const OdGePoint2d> points, const Look& look) {
-    const Pen pen{look.color, look.width};
-    if (look.dashes)
-        addDashed(picture_, points, pen, *look.dashes, linetypeScale_ * look.linetypeScale * pixelsPerUnit_);
+    if (look.dashes && emphasis_ == Emphasis::kPlain)
+        addDashed(picture_, points, {look.color, look.width}, *look.dashes,
+                  linetypeScale_ * look.linetypeScale * pixelsPerUnit_);
     else
-        picture_.addPolyline(points, pen);
+        drawStroke(points, look);
+}
+
+// What is chosen is dashed, whatever is there already; what is too short for dashes is a line.
+void Plotter::drawStroke(std::span<const OdGePoint2d> points, const Look& look) {
+    const bool dashed = emphasis_ == Emphasis::kSelected;
+    picture_.addPolyline(points, {dashed ? picture_.background() : look.color, look.width});
+    if (dashed) addDashed(picture_, points, {look.color, look.width}, kDashes, 1);
+}
+
+// What stands out is blue, and a little wider.
+Look Plotter::emphasized(Look look) const {
+    if (emphasis_ == Emphasis::kPlain) return look;
+    look.color = emphasis_ == Emphasis::kHover ? kHoverColor : kSelectedColor;
+    look.width += emphasis_ == Emphasis::kHover ? 1.5 : 0.4;
+    return look;
 }
 
 // As far as the picture goes.
@@ -370,46 +412,66 @@ std::vector<OdGePoint2d> Plotter::viewportClip(const OdDbViewport& viewport, OdD
             flat(paperToPixels, center + OdGeVector3d(x, y, 0)), flat(paperToPixels, center + OdGeVector3d(-x, y, 0))};
 }
 
-void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels) {
-    // The first one is the paper itself.
-    if (viewport.number() <= 1 || !viewport.isOn() || !(viewport.width() > 0) || !(viewport.height() > 0)) return;
-    const Style style = styles_.styleOf(viewport);
-    if (viewport.isInvisibleEntity() || styles_.isFrozen(style)) return;
+namespace {
+
+// The layers that are frozen in a viewport, and what else than a rectangle it is bounded by.
+struct ViewportParts {
     std::vector<OdDbObjectId> frozen;
     OdDbObjectId boundary;
-    for (const PlotGroup& group : groupsOf(viewport)) {
-        if (group.code == 331 || group.code == 341) frozen.push_back(group.id);
-        if (group.code == 340 && group.id.isKindOf(OdDbEntity::desc())) boundary = group.id;
-    }
-    const std::vector<OdGePoint2d> clip = viewportClip(viewport, boundary, paperToPixels);
+};
 
+ViewportParts partsOf(const OdDbViewport& viewport) {
+    ViewportParts parts;
+    for (const PlotGroup& group : groupsOf(viewport)) {
+        if (group.code == 331 || group.code == 341) parts.frozen.push_back(group.id);
+        if (group.code == 340 && group.id.isKindOf(OdDbEntity::desc())) parts.boundary = group.id;
+    }
+    return parts;
+}
+
+}  // namespace
+
+void Plotter::through(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels,
+                      const std::function<void(const OdGeMatrix3d& toPixels, double pixelsPerUnit)>& draw) {
+    const ViewportParts parts = partsOf(viewport);
     // From the model to what is seen along the view direction, twisted, then onto the paper.
     const double scale = viewport.customScale();
     const OdGePoint3d center = viewport.centerPoint();
     const OdGeMatrix3d ontoPaper =
         OdGeMatrix3d::translation(center.asVector()) * OdGeMatrix3d::scaling(scale) *
         OdGeMatrix3d::translation(OdGeVector3d(-viewport.viewCenter().x, -viewport.viewCenter().y, 0));
-    OdGeMatrix3d toPixels = paperToPixels * ontoPaper * viewport.worldToView();
+    const OdGeMatrix3d toPixels = paperToPixels * ontoPaper * viewport.worldToView();
 
     const double paperScale = pixelsPerUnit_, paperSpaceScale = spaceScale_;
     inViewport_ = true;
-    picture_.setClip(clip);
-    styles_.freezeHere(frozen);
+    picture_.setClip(viewportClip(viewport, parts.boundary, paperToPixels));
+    styles_.freezeHere(parts.frozen);
     blockLists_.clear();
     // Dashes are as long on the paper in all viewports, unless the drawing says otherwise.
     const bool likePaper = database_.headerInteger("$PSLTSCALE", 1) != 0;
-    drawSpace(database_.modelSpaceId(), toPixels, likePaper ? paperScale : paperScale * scale);
+    draw(toPixels, likePaper ? paperScale : paperScale * scale);
     pixelsPerUnit_ = paperScale;
     spaceScale_ = paperSpaceScale;
     styles_.freezeHere({});
     blockLists_.clear();
     picture_.clearClip();
     inViewport_ = false;
+}
+
+void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels) {
+    // The first one is the paper itself.
+    if (viewport.number() <= 1 || !viewport.isOn() || !(viewport.width() > 0) || !(viewport.height() > 0)) return;
+    const Style style = styles_.styleOf(viewport);
+    if (viewport.isInvisibleEntity() || styles_.isFrozen(style)) return;
+    through(viewport, paperToPixels, [this](const OdGeMatrix3d& toPixels, double pixelsPerUnit) {
+        drawSpace(database_.modelSpaceId(), toPixels, pixelsPerUnit);
+    });
 
     // A boundary of its own shows by itself.
+    const OdDbObjectId boundary = partsOf(viewport).boundary;
     if (boundary || styles_.isHidden(style) || !styles_.isPlotted(style)) return;
-    std::vector<OdGePoint2d> frame = clip;
-    frame.push_back(clip.front());
+    std::vector<OdGePoint2d> frame = viewportClip(viewport, boundary, paperToPixels);
+    frame.push_back(frame.front());
     const Look look = styles_.lookOf(style);
     picture_.addPolyline(frame, {look.color, look.width});
 }

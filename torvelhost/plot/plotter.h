@@ -1,7 +1,9 @@
 // Draws the entities of a drawing into a picture.
 #pragma once
 
+#include <functional>
 #include <map>
+#include <span>
 #include <unordered_set>
 
 #include "torvelhost/plot/extents.h"
@@ -17,6 +19,14 @@ class Plotter {
 
     /// A space as `toPixels` shows it. `pixelsPerUnit` is the scale that linetypes are drawn in.
     void drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit);
+    /// Entities, also ones in no drawing, in the same way; through a floating viewport of the space, if any.
+    void drawEntities(std::span<const OdDbEntity* const> entities, const OdGeMatrix3d& toPixels, double pixelsPerUnit,
+                      OdDbObjectId viewport);
+    /// Entities of spaces that are left out. They are referenced.
+    void hide(const std::unordered_set<OdDbObjectId>& entities) { left_ = &entities; }
+    /// How everything stands out that is drawn from now on.
+    enum class Emphasis { kPlain, kHover, kSelected };
+    void setEmphasis(Emphasis emphasis) { emphasis_ = emphasis; }
     /// Entities of each kind that could not be drawn; one in a block counts once.
     const std::map<std::string, int>& notDrawn() const { return notDrawn_; }
 
@@ -48,10 +58,15 @@ class Plotter {
                        const Style* inside);
     void drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style);
     void drawLine(std::span<const OdGePoint2d> points, const Look& look);
+    Look emphasized(Look look) const;
+    void drawStroke(std::span<const OdGePoint2d> points, const Look& look);
     void drawEndless(const OdGePoint2d& from, const OdGePoint2d& to, bool isRay, const Look& look);
     double markerSize() const;
     void drawMarker(const OdGePoint2d& center, const Look& look);
     void drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels);
+    /// What is drawn in there is seen through the viewport.
+    void through(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels,
+                 const std::function<void(const OdGeMatrix3d& toPixels, double pixelsPerUnit)>& draw);
     std::vector<OdGePoint2d> viewportClip(const OdDbViewport& viewport, OdDbObjectId boundary,
                                           const OdGeMatrix3d& paperToPixels);
     bool isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size) const;
@@ -74,6 +89,8 @@ class Plotter {
     std::size_t cells_ = 0;
     bool inViewport_ = false;
     std::vector<OdGePoint2d> points_;
+    const std::unordered_set<OdDbObjectId>* left_ = nullptr;
+    Emphasis emphasis_ = Emphasis::kPlain;
 };
 
 }  // namespace host
