@@ -1,22 +1,12 @@
 // From shapes to pixels.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <vector>
 
 #include "torvelhost/plot/picture.h"
+#include "torvelhost/plot/pixel_buffer.h"
 
 namespace host {
-
-/// Pixels 0xFFRRGGBB, row by row from the top down.
-struct PixelBuffer {
-    int width = 0, height = 0;
-    std::vector<std::uint32_t> pixels;
-
-    /// Of that size, in one colour 0xRRGGBB.
-    void clear(int newWidth, int newHeight, std::uint32_t color);
-};
 
 /// Paints smooth shapes. What a polyline or an area covers does not depend on what was painted before it, so that
 /// a picture painted in parts has the same pixels as one painted at once.

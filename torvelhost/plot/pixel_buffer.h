@@ -10,6 +10,9 @@ namespace host {
 struct PixelBuffer {
     int width = 0, height = 0;
     std::vector<std::uint32_t> pixels;
+
+    /// Of that size, in one colour 0xRRGGBB.
+    void clear(int newWidth, int newHeight, std::uint32_t color);
 };
 
 /// A part of it; what is at `right` and `bottom` does not belong to it.
