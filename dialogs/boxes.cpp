@@ -2,7 +2,10 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "dialogs/form_script.h"
 #include "dialogs/maker.h"
+#include "dialogs/recording.h"
+#include "dialogs/run.h"
 
 namespace dialogs {
 namespace {
@@ -71,6 +74,10 @@ std::optional<std::wstring> existingFile(const std::wstring& name, const FileReq
     return std::nullopt;
 }
 
+const wchar_t* lineOf(Answer answer) {
+    return answer == Answer::kYes ? L"yes" : answer == Answer::kNo ? L"no" : L"cancel";
+}
+
 // Whether the file may be replaced. A script is taken at its word when it goes on with something else.
 bool mayReplace(const std::wstring& fileName) {
     LineSource& lines = *Process::instance().lines;
@@ -78,7 +85,9 @@ bool mayReplace(const std::wstring& fileName) {
         const auto next = lines.peek();
         if (!next || base::trimmed(*next).empty() || !parseAnswer(base::trimmed(*next), false)) return true;
     }
-    return askAnswer(BoxKind::kYesNo, fileName + L" already exists. Do you want to replace it?") == Answer::kYes;
+    const Answer answer = askAnswer(BoxKind::kYesNo, fileName + L" already exists. Do you want to replace it?");
+    recording().answers(lineOf(answer));
+    return answer == Answer::kYes;
 }
 
 std::wstring withoutQuotes(std::wstring_view line) {
@@ -86,37 +95,62 @@ std::wstring withoutQuotes(std::wstring_view line) {
     return std::wstring(line);
 }
 
+// Open while it lives; what the user did before is told first.
+class OpenBox {
+  public:
+    explicit OpenBox(std::wstring title) {
+        Process& process = Process::instance();
+        recording().flush();
+        process.openBoxes.push_back({std::move(title), process.current});
+    }
+    ~OpenBox() { Process::instance().openBoxes.pop_back(); }
+    OpenBox(const OpenBox&) = delete;
+    OpenBox& operator=(const OpenBox&) = delete;
+};
+
 template <class Ask>
-std::optional<std::wstring> askPerson(Ask ask) {
+std::optional<std::wstring> askPerson(const std::wstring& title, Ask ask) {
+    const OpenBox open(title);
     std::optional<std::wstring> answer;
     Process::instance().waitFor([&] { answer = ask(*Process::instance().maker); });
+    recording().answers(valueText(answer.value_or(std::wstring())));
     return answer;
+}
+
+std::wstring titleOf(const std::wstring& caption, const std::wstring& text) {
+    const Run* const current = Process::instance().current;
+    return !caption.empty() ? caption : current ? Process::instance().current->root().title() : text;
 }
 
 }  // namespace
 
 Answer messageBox(BoxKind kind, const std::wstring& text, const std::wstring& caption) {
     Process& process = Process::instance();
+    const OpenBox open(titleOf(caption, text));
+    const bool isQuestion = kind == BoxKind::kYesNo || kind == BoxKind::kYesNoCancel;
     ++process.boxesShown;
     std::optional<Answer> answer;
     if (process.lines) {
         answer = Answer::kOk;
         const std::wstring printed = base::replaceAll(text, L"\r\n", L"\n");
-        if (kind == BoxKind::kYesNo || kind == BoxKind::kYesNoCancel)
+        if (isQuestion)
             answer = askAnswer(kind, printed);
         else
             process.lines->print(markOf(kind) + printed + L"\n");
     }
     Answer given = Answer::kOk;
     process.waitFor([&] { given = process.maker->messageBox(kind, text, caption, answer); });
+    if (isQuestion) recording().answers(lineOf(given));
     return given;
 }
 
 bool asksLines() { return Process::instance().lines != nullptr; }
 
 std::optional<std::wstring> askLine(const std::wstring& prompt) {
+    const OpenBox open(prompt);
     LineSource& lines = *Process::instance().lines;
     const auto line = lines.next(prompt + L": ");
+    recording().answers(line ? std::wstring(base::trimmed(*line)) : std::wstring());
     if (!line) {
         if (lines.isScript()) lines.refuse(L"the script ends at the question \"" + prompt + L"\"");
         return std::nullopt;
@@ -129,8 +163,13 @@ std::optional<std::wstring> askLine(const std::wstring& prompt) {
 void refuseLine(const std::wstring& why) { Process::instance().lines->refuse(why); }
 
 std::optional<std::wstring> askFile(const FileRequest& request) {
-    if (!asksLines()) return askPerson([&](Maker& maker) { return maker.askFile(request); });
     std::wstring prompt = !request.title.empty() ? request.title : request.save ? L"Save as" : L"Open";
+    if (!asksLines()) {
+        auto path = askPerson(prompt, [&](Maker& maker) { return maker.askFile(request); });
+        if (path && request.save && request.askOverwrite && base::isFile(*path))
+            recording().answers(lineOf(Answer::kYes));
+        return path;
+    }
     // A pattern says which files to list, and is no file's name.
     if (request.fileName.find_first_of(L"*?") == request.fileName.npos && !request.fileName.empty())
         prompt += L" (now " + request.fileName + L"; empty cancels)";
@@ -149,9 +188,10 @@ std::optional<std::wstring> askFile(const FileRequest& request) {
 }
 
 std::optional<std::wstring> askFolder(const std::wstring& title) {
-    if (!asksLines()) return askPerson([&](Maker& maker) { return maker.askFolder(title); });
+    const std::wstring prompt = title.empty() ? L"Folder" : title;
+    if (!asksLines()) return askPerson(prompt, [&](Maker& maker) { return maker.askFolder(title); });
     for (;;) {
-        const auto answer = askLine(title.empty() ? L"Folder" : title);
+        const auto answer = askLine(prompt);
         if (!answer) return std::nullopt;
         std::wstring path = base::absolutePath(*answer);
         if (base::isFolder(path)) return path;

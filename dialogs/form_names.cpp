@@ -91,6 +91,7 @@ class NameTable {
     }
 
     Control* find(std::wstring_view name) const;
+    std::wstring distinctName(const Control& control) const;
 
   private:
     struct Entry {
@@ -120,6 +121,26 @@ Control* NameTable::find(std::wstring_view name) const {
     std::wstring_view withoutNumber = base::trimmed(name);
     const auto number = takeNumber(withoutNumber);
     return number ? find(withoutNumber, *number) : nullptr;
+}
+
+// A group's name in front tells more than a number behind.
+std::wstring NameTable::distinctName(const Control& control) const {
+    const auto finds = [&](const std::wstring& name) {
+        return name.find_first_of(L"\r\n") == name.npos && find(name) == &control;
+    };
+    const Names names = namesOf(control);
+    for (const std::wstring& name : names)
+        if (!name.empty() && finds(name)) return name;
+    for (const std::wstring& name : names) {
+        if (name.empty()) continue;
+        for (const auto& group : control.dialog->controls()) {
+            if (group->kind() != ControlKind::kGroup) continue;
+            if (std::wstring inGroup = plainName(group->text) + L"/" + name; finds(inGroup)) return inGroup;
+        }
+        for (std::size_t n = 2; n <= entries_.size(); ++n)
+            if (std::wstring numbered = name + L"(" + std::to_wstring(n) + L")"; finds(numbered)) return numbered;
+    }
+    return {};
 }
 
 }  // namespace
@@ -159,6 +180,10 @@ std::wstring nameOf(const Control& control) {
 
 Control* findByName(Run& run, std::wstring_view name, const ControlTest& test) {
     return NameTable(run, test).find(name);
+}
+
+std::wstring distinctName(Run& run, const Control& control, const ControlTest& test) {
+    return NameTable(run, test).distinctName(control);
 }
 
 NamedPart splitAtName(Run& run, std::wstring_view line, wchar_t separator, const ControlTest& test) {

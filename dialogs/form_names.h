@@ -25,7 +25,9 @@ std::wstring nameOf(const Control& control);
 /// The number in "Name(2)", and the name without it.
 std::optional<std::size_t> takeNumber(std::wstring_view& name);
 /// The control of that name among those that are shown and pass the test. Null: none.
-Control* findByName(Run& run, std::wstring_view name, const ControlTest& test);
+DIALOGS_API Control* findByName(Run& run, std::wstring_view name, const ControlTest& test);
+/// The name by which findByName finds that control. Empty: there is none.
+DIALOGS_API std::wstring distinctName(Run& run, const Control& control, const ControlTest& test);
 
 /// A control's name in front of a separator, and what stands behind it. The longest name counts. A null control: none.
 struct NamedPart {

@@ -30,10 +30,11 @@ struct Value {
     std::wstring text;
     bool quoted = false;
 };
+bool isQuoted(std::wstring_view text) { return text.size() >= 2 && text.front() == L'"' && text.back() == L'"'; }
+
 Value parseValue(std::wstring_view text) {
     text = base::trimmed(text);
-    if (text.size() >= 2 && text.front() == L'"' && text.back() == L'"')
-        return {std::wstring(text.substr(1, text.size() - 2)), true};
+    if (isQuoted(text)) return {std::wstring(text.substr(1, text.size() - 2)), true};
     return {std::wstring(text), false};
 }
 
@@ -44,7 +45,7 @@ bool isList(const Control& control) {
 
 // An exact text wins over one in other case.
 template <class TextOf>
-int findItem(int count, std::wstring_view wanted, TextOf textOf) {
+int findText(int count, std::wstring_view wanted, TextOf textOf) {
     for (int i = 0; i < count; ++i)
         if (textOf(i) == wanted) return i;
     for (int i = 0; i < count; ++i)
@@ -53,7 +54,7 @@ int findItem(int count, std::wstring_view wanted, TextOf textOf) {
 }
 
 int findChoice(const Control& control, std::wstring_view wanted) {
-    return findItem(
+    return findText(
         static_cast<int>(control.choices.size()), wanted,
         [&](int i) -> const std::wstring& { return control.choices[i].text; });
 }
@@ -66,7 +67,6 @@ const std::wstring& itemName(const Control& list, int item) {
     return row.cells.empty() ? kNone : row.cells.front();
 }
 
-// By its name, "NAME(2)", or its number.
 int findListItem(ItemNames& names, const Value& which) {
     const int named = names.find(which.text, 1);
     if (named >= 0 || which.quoted) return named;
@@ -167,6 +167,36 @@ int ItemNames::find(std::wstring_view name, std::size_t n) {
     return base::toUpper(name) == base::toLower(name) ? -1 : nth(inAnyCase_, name, n);
 }
 
+std::size_t ItemNames::numberOf(int item) {
+    std::size_t n = 1;
+    for (int at = nth(exact_, itemName(*list_, item), 1); at >= 0 && at != item; at = exact_.next[at]) ++n;
+    return n;
+}
+
+int findItem(ItemNames& names, std::wstring_view which) { return findListItem(names, parseValue(which)); }
+
+std::wstring distinctItem(ItemNames& names, int item) {
+    const std::wstring& name = itemName(names.list(), item);
+    const std::wstring number = std::to_wstring(item + 1);
+    if (name.find_first_of(L"\r\n") != name.npos) return number;
+    for (const std::wstring& which :
+         {valueText(name), inQuotes(name), name + L"(" + std::to_wstring(names.numberOf(item)) + L")"})
+        if (!which.empty() && findItem(names, which) == item) return which;
+    return number;
+}
+
+std::wstring valueText(std::wstring_view text) {
+    const bool isComment = text.starts_with(L';');
+    return isComment || base::trimmed(text).size() != text.size() || isQuoted(text) ? inQuotes(text)
+                                                                                    : std::wstring(text);
+}
+
+const wchar_t* nameOf(Key key) {
+    const auto* const known =
+        std::find_if(std::begin(kKeys), std::end(kKeys), [key](const auto& candidate) { return candidate.key == key; });
+    return known->name;
+}
+
 struct FormScript::Verb {
     const wchar_t* name;   ///< empty: none, the line only stands in the help
     const wchar_t* usage;  ///< as an example
@@ -184,6 +214,7 @@ const FormScript::Verb FormScript::kVerbs[] = {
     {L"double", L"double row WIDTH", L"double-clicks it", &FormScript::doubleRow},
     {L"tab", L"tab Text Options", L"shows that page", &FormScript::tab},
     {L"press", L"press OK", L"moves the focus to the button and presses it", &FormScript::press},
+    {L"focus", L"focus Tag", L"moves the focus there, as a click does that changes nothing", &FormScript::focus},
     {L"key", L"key Enter", L"presses that key where the focus is", &FormScript::key},
     {L"menu", L"menu Value: Copy", L"chooses from its context menu; without an entry, prints it", &FormScript::menu},
     {L"width", L"width Tag 120", L"drags a column of the list to that width", &FormScript::width},
@@ -342,6 +373,11 @@ void FormScript::press(std::wstring_view name) {
     if (goTo(button)) run_.view()->press(button);
 }
 
+void FormScript::focus(std::wstring_view name) {
+    goTo(require(
+        run_, name, [](const Control& control) { return control.takesFocus(); }, L"control"));
+}
+
 void FormScript::key(std::wstring_view keys) {
     if (base::startsWithNoCase(keys, L"Alt+") && keys.size() == 5) {
         if (!run_.view()->hasMnemonicOf(keys.back()))
@@ -408,7 +444,7 @@ void FormScript::width(std::wstring_view argument) {
     const auto width = takeLastNumber(argument);
     if (!width) throw Refusal(L"this is not \"width COLUMN PIXELS\"");
     Control& list = listMeant(true);
-    const int column = findItem(static_cast<int>(list.columns.size()), plainName(argument),
+    const int column = findText(static_cast<int>(list.columns.size()), plainName(argument),
                                 [&](int i) { return plainName(list.columns[i].title); });
     if (column < 0) throw Refusal(L"there is no column " + inQuotes(argument));
     run_.view()->dragColumn(list, column, *width);

@@ -17,6 +17,8 @@ class ItemNames {
     const Control& list() const { return *list_; }
     /// The nth item of that name; an exact name wins over one in other case. -1: there is none.
     int find(std::wstring_view name, std::size_t n);
+    /// Which of the items of that very name it is, from 1 on.
+    std::size_t numberOf(int item);
 
   private:
     /// A hash table of items by one idea of what names are alike; built for a list's thousands of rows at one line.
@@ -33,6 +35,15 @@ class ItemNames {
     const Control* list_;
     Places exact_, inAnyCase_;  // filled when they are first wanted
 };
+
+/// What a line calls an item by: its name, "NAME(2)", or its number. -1: there is none.
+int findItem(ItemNames& names, std::wstring_view which);
+/// What findItem finds that item by.
+std::wstring distinctItem(ItemNames& names, int item);
+/// A text as it stands behind "=" and ":", in quotes where they keep something.
+std::wstring valueText(std::wstring_view text);
+/// "Enter", for lines with `key`.
+const wchar_t* nameOf(Key key);
 
 class FormScript {
   public:
@@ -62,6 +73,7 @@ class FormScript {
     void doubleRow(std::wstring_view argument);
     void tab(std::wstring_view title);
     void press(std::wstring_view name);
+    void focus(std::wstring_view name);
     void key(std::wstring_view keys);
     void menu(std::wstring_view argument);
     void width(std::wstring_view argument);

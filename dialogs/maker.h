@@ -10,6 +10,8 @@
 
 namespace dialogs {
 
+class Recording;
+
 class Maker {
   public:
     virtual ~Maker() = default;
@@ -27,6 +29,7 @@ class Maker {
 /// The process's own, see process.cpp.
 struct DIALOGS_API Process {
     Process();
+    ~Process();
     void setStandard();
     void waitFor(const std::function<void()>& wait) const;
 
@@ -37,6 +40,14 @@ struct DIALOGS_API Process {
     int boxesShown = 0;
     base::ModuleHandle resources = nullptr;
     Run* current = nullptr;  ///< the innermost dialog
+    std::unique_ptr<Recording> recording;
+
+    /// A box or a file dialog that is open, and the dialog that it was opened over.
+    struct OpenBox {
+        std::wstring title;
+        const Run* over;
+    };
+    std::vector<OpenBox> openBoxes;
 
     static Process& instance();
 };

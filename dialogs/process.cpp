@@ -1,6 +1,7 @@
 #include "base/console.h"
 #include "base/text.h"
 #include "dialogs/maker.h"
+#include "dialogs/recording.h"
 #include "dialogs/run.h"
 
 namespace dialogs {
@@ -28,7 +29,8 @@ TerminalLines& terminalLines() {
 
 LineSource::~LineSource() = default;
 
-Process::Process() { setStandard(); }
+Process::Process() : recording(std::make_unique<Recording>()) { setStandard(); }
+Process::~Process() = default;
 
 void Process::setStandard() {
     std::wstring reason;
@@ -78,12 +80,31 @@ void setShown(Run* run, bool on) {
 
 }  // namespace
 
+// What is asked elsewhere is told elsewhere, behind what led to it.
 HiddenWindows::HiddenWindows() {
+    recording().flush();
     if (!Process::instance().lines) setShown(Process::instance().current, false);
 }
 HiddenWindows::~HiddenWindows() {
     if (!Process::instance().lines) setShown(Process::instance().current, true);
 }
+
+std::wstring openTitle() {
+    const Process& process = Process::instance();
+    const bool isBox = !process.openBoxes.empty() && process.openBoxes.back().over == process.current;
+    if (isBox) return process.openBoxes.back().title;
+    return process.current ? process.current->root().title() : std::wstring();
+}
+
+void useRecorder(std::function<void(std::wstring_view line)> recorder) { recording().use(std::move(recorder)); }
+
+void OneAnswer::begin() { recording().setQuiet(true); }
+OneAnswer::~OneAnswer() {
+    recording().setQuiet(false);
+    recording().answers(line_);
+}
+void OneAnswer::tell(std::wstring_view text) { line_ = text.empty() ? L"\"\"" : valueText(text); }
+bool OneAnswer::isAwaited() { return recording().isQuiet(); }
 
 void useMainWindow(void* window) { Process::instance().mainWindow = window; }
 

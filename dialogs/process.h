@@ -55,6 +55,30 @@ DIALOGS_API bool windowsAreStandard();
 /// Dialogs and boxes that open outside of any other dialog belong to that window, the handle of the host's main window,
 /// and are modal to it. Null: to none.
 DIALOGS_API void useMainWindow(void* window);
+/// The caption of the innermost dialog or box that is open; a box without one goes by the dialog it belongs to, or else
+/// by its text. Empty: none is open.
+DIALOGS_API std::wstring openTitle();
+
+/// Is told what the user does in dialogs and boxes, as lines that do the same in a script. Null: nobody is.
+DIALOGS_API void useRecorder(std::function<void(std::wstring_view line)> recorder);
+/// A dialog in the place of which a script is asked for one line. While it lives, what is done in dialogs is not told,
+/// and replies to prompts are none of a script's either; at its end the answer is.
+class DIALOGS_API OneAnswer {
+  public:
+    explicit OneAnswer(std::wstring_view cancel = {}) : line_(cancel) { begin(); }
+    ~OneAnswer();
+    OneAnswer(const OneAnswer&) = delete;
+    OneAnswer& operator=(const OneAnswer&) = delete;
+
+    /// A text that was accepted. Without it the answer is the line that cancels.
+    void tell(std::wstring_view text);
+    static bool isAwaited();
+
+  private:
+    static void begin();
+    std::wstring line_;
+};
+
 /// Back to what holds without a say.
 DIALOGS_API void useStandard();
 

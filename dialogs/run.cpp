@@ -6,6 +6,7 @@
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "dialogs/recording.h"
 #include "dialogs/styles.h"
 #include "dialogs/text_editing.h"
 
@@ -17,6 +18,7 @@ Run::Run(Dialog& root) : root_(root), outer_(Process::instance().current) {
 }
 
 Run::~Run() {
+    recording().flush();
     Process::instance().current = outer_;
     attach(root_, nullptr);
 }
@@ -62,6 +64,7 @@ std::wstring placementOf(View& view) {
 }  // namespace
 
 int Run::execute() {
+    recording().flush();
     view_ = Process::instance().maker->makeView(*this);
     initialize(root_);
     restorePlacement(*view_, root_.savedPlacement());
@@ -252,10 +255,12 @@ std::vector<MenuEntry> Run::menuOf(Control& control) {
 }
 
 void Run::menuChosen(Control& control, int command) {
+    recording().choosesEntry(*this, control, command);
     if (!control.richText) return call(*control.dialog, [&](Dialog& dialog) { dialog.onMenu(control.id(), command); });
     bool isEdited = false;
     call(*control.dialog, [&](Dialog&) { isEdited = control.richText->onMenu(command, control.selection); });
     refreshFromRichText(control);
+    recording().choseEntry(control);
     view_->changed(control, Aspect::kText);
     if (isEdited) edited(control);
 }

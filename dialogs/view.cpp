@@ -6,6 +6,8 @@
 
 #include "base/text.h"
 #include "dialogs/boxes.h"
+#include "dialogs/form_script.h"
+#include "dialogs/recording.h"
 #include "dialogs/run.h"
 #include "dialogs/styles.h"
 #include "dialogs/text_editing.h"
@@ -57,6 +59,11 @@ bool isCaption(const Control* control) {
     return control->kind() == ControlKind::kLabel || control->kind() == ControlKind::kGroup;
 }
 
+std::wstring_view firstLine(std::wstring_view text) { return text.substr(0, text.find_first_of(L"\r\n")); }
+
+// What is done in it is told by the place where it is done.
+bool hasRuns(const Control& field) { return field.richText && !field.richText->runs().empty(); }
+
 bool hasMnemonic(const Control& control, wchar_t letter) {
     if (!isCaption(&control) && !isPushed(control)) return false;
     if (control.kind() == ControlKind::kLabel && (control.design->style & kNoPrefixStyle) != 0) return false;
@@ -74,6 +81,24 @@ bool hasMnemonic(const Control& control, wchar_t letter) {
 // ---- the focus
 
 bool View::moveFocus(Control& control) {
+    if (run_.focus() == &control) return true;
+    recording().moves(run_, control);
+    return goTo(control);
+}
+
+bool View::moveFocusBy(const wchar_t* key, Control& control) {
+    if (run_.focus() == &control) return true;
+    recording().moves(run_, control, key);
+    return goTo(control);
+}
+
+bool View::goTo(Control& control) {
+    const bool went = askAndGo(control);
+    if (!went) recording().stays();
+    return went;
+}
+
+bool View::askAndGo(Control& control) {
     Control* const focus = run_.focus();
     if (focus == &control) return true;
     const Run::Leave leave = focus ? run_.mayLeave(*focus, &control) : Run::Leave::kFree;
@@ -101,7 +126,8 @@ bool View::mayLeaveFor(Control* next) {
 // ---- what the user did
 
 void View::userPressed(Control& button) {
-    if (moveFocus(button)) {
+    recording().presses(run_, button);
+    if (goTo(button)) {
         if (button.kind() == ControlKind::kCheck) button.checked = !button.checked;
         if (button.kind() == ControlKind::kRadio) markRadio(button);
         showChecks(button);
@@ -118,19 +144,27 @@ void View::showChecks(Control& button) {
 }
 
 void View::userEdited(Control& field) {
+    recording().edits(run_, field);
+    edited(field);
+}
+
+void View::edited(Control& field) {
     if (field.kind() == ControlKind::kEditCombo) field.selected = -1;
     run_.edited(field);
 }
 
 void View::userTyped(Control& field, const std::wstring& text) {
+    const bool tellsPlace = hasRuns(field) && !field.readOnly && !(text.empty() && field.selection.isEmpty());
+    if (tellsPlace) recording().types(run_, field, firstLine(text));
     if (field.readOnly || !replaceSelection(field, field.upperCase ? base::toUpper(text) : text)) return;
     changed(field, Aspect::kText);
-    userEdited(field);
+    tellsPlace ? edited(field) : userEdited(field);
 }
 
 void View::userChose(Control& list, int item) {
     const bool changes = list.selected != item;
-    if (!moveFocus(list)) {
+    recording().chooses(run_, list, item);
+    if (!goTo(list)) {
         if (!run_.hasEnded()) changed(list, Aspect::kSelection);
         return;
     }
@@ -149,10 +183,17 @@ void View::userChose(Control& list, int item) {
 }
 
 void View::userDoubleClicked(Control& list, int row) {
-    if (row >= 0 && moveFocus(list)) run_.doubleClicked(list, row);
+    if (row < 0) return;
+    recording().doubleClicks(run_, list, row);
+    if (goTo(list)) run_.doubleClicked(list, row);
 }
 
 void View::userClosed() {
+    recording().closes();
+    tryToClose();
+}
+
+void View::tryToClose() {
     Control* const button = run_.findButton(kCancelButton);
     if (button && !button->enabled) return;
     if (mayLeaveFor(button)) run_.cancelled();
@@ -195,10 +236,12 @@ void View::userPressedKey(Key key, bool shift) {
         case Key::kEnter:
             return enter();
         case Key::kEscape:
-            return userClosed();
+            recording().presses(key);
+            return tryToClose();
         case Key::kTab:
             return tab(shift);
         case Key::kHelp:
+            recording().presses(key);
             return run_.helpWanted();
         default:
             break;
@@ -207,20 +250,21 @@ void View::userPressedKey(Key key, bool shift) {
     if (focus->isTyped()) return fieldKey(*focus, key, shift);
     if (!isPushed(*focus)) return itemKey(*focus, key);
     if (key == Key::kSpace) userPressed(*focus);
-    if (isBack(key) || isForward(key)) groupKey(*focus, isBack(key));
+    if (isBack(key) || isForward(key)) groupKey(*focus, key);
 }
 
 // Enter presses a button where the focus is not; the field is asked as if it were left for it.
 void View::enter() {
     Control* const focus = run_.focus();
     if (focus && takesReturn(*focus)) return userTyped(*focus, L"\r\n");
+    recording().presses(Key::kEnter);
     Control* const button = run_.buttonOfEnter();
     if (button && button->canHaveFocus() && mayLeaveFor(button)) run_.pressed(*button);
 }
 
 void View::tab(bool backwards) {
     Control* const next = run_.nextInTabOrder(backwards);
-    if (!next || !moveFocus(*next)) return;
+    if (!next || !moveFocusBy(backwards ? L"Shift+Tab" : L"Tab", *next)) return;
     if (next->isTyped()) select(*next, {0, next->text.size()});
 }
 
@@ -267,15 +311,12 @@ void View::fieldKey(Control& field, Key key, bool shift) {
         case Key::kSelectAll:
             return select(field, {0, field.text.size()});
         case Key::kCopy:
-            return copySelection(field);
+            return copy(field, key);
         case Key::kCut:
-            copySelection(field);
-            return field.selection.isEmpty() ? void() : userTyped(field, L"");
+            copy(field, key);
+            return cutSelection(field);
         case Key::kPaste:
-            if (field.upperCase) return userTyped(field, clipboardText());
-            if (field.readOnly || !pasteClipboard(field)) return;
-            changed(field, Aspect::kText);
-            return userEdited(field);
+            return paste(field);
         case Key::kUp:
         case Key::kDown:
             if (field.isMultiLine()) return;
@@ -290,9 +331,39 @@ void View::fieldKey(Control& field, Key key, bool shift) {
     if (field.readOnly && (key == Key::kBackspace || key == Key::kDelete)) return;
     const auto textKey = textKeyOf(key);
     if (!textKey) return;
-    const bool edited = editByKey(field, *textKey, shift);
-    changed(field, edited ? Aspect::kText : Aspect::kSelection);
-    if (edited) userEdited(field);
+    const bool isTold = hasRuns(field) && (key == Key::kBackspace || key == Key::kDelete);
+    if (isTold) recording().pressesIn(run_, field, key);
+    const bool changes = editByKey(field, *textKey, shift);
+    changed(field, changes ? Aspect::kText : Aspect::kSelection);
+    if (changes) isTold ? edited(field) : userEdited(field);
+}
+
+// What is copied of a rich edit may be pasted with its runs.
+void View::copy(Control& field, Key key) {
+    const bool isTold = field.richText && !field.selection.isEmpty();
+    if (isTold) recording().pressesIn(run_, field, key);
+    copySelection(field);
+    if (isTold) recording().copied();
+}
+
+void View::cutSelection(Control& field) {
+    if (field.readOnly || !replaceSelection(field, L"")) return;
+    changed(field, Aspect::kText);
+    field.richText ? edited(field) : userEdited(field);
+}
+
+void View::paste(Control& field) {
+    if (field.upperCase) return userTyped(field, clipboardText());
+    if (field.readOnly) return;
+    const bool isKnown = field.richText && recording().knowsClipboard();
+    const bool isTold = isKnown || hasRuns(field);
+    if (isKnown)
+        recording().pressesIn(run_, field, Key::kPaste);
+    else if (isTold)
+        recording().types(run_, field, firstLine(clipboardText()));
+    if (!pasteClipboard(field)) return;
+    changed(field, Aspect::kText);
+    isTold ? edited(field) : userEdited(field);
 }
 
 void View::itemKey(Control& list, Key key) {
@@ -310,13 +381,13 @@ void View::itemKey(Control& list, Key key) {
 }
 
 // To the next button of the group that is enabled. A radio button is marked by that.
-void View::groupKey(Control& button, bool back) {
+void View::groupKey(Control& button, Key key) {
     const bool radio = button.kind() == ControlKind::kRadio;
     std::vector<Control*> group = radio ? radioGroup(button) : groupOf(button, isPushed);
-    if (back) std::reverse(group.begin(), group.end());
+    if (isBack(key)) std::reverse(group.begin(), group.end());
     std::rotate(group.begin(), std::find(group.begin(), group.end(), &button) + 1, group.end());
     const auto next = std::find_if(group.begin(), group.end(), [](Control* c) { return c->canHaveFocus(); });
-    if (next == group.end() || *next == &button || !moveFocus(**next)) return;
+    if (next == group.end() || *next == &button || !moveFocusBy(nameOf(key), **next)) return;
     if ((*next)->kind() == ControlKind::kRadio) userPressed(**next);
 }
 

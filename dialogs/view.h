@@ -135,11 +135,19 @@ class DIALOGS_API View {
     Run& run_;
 
   private:
+    bool goTo(Control& control);
+    bool askAndGo(Control& control);
+    bool moveFocusBy(const wchar_t* key, Control& control);
+    void edited(Control& field);
+    void tryToClose();
     void enter();
     void tab(bool backwards);
     void fieldKey(Control& field, Key key, bool shift);
+    void copy(Control& field, Key key);
+    void cutSelection(Control& field);
+    void paste(Control& field);
     void itemKey(Control& list, Key key);
-    void groupKey(Control& button, bool back);
+    void groupKey(Control& button, Key key);
     void showChecks(Control& button);
 };
 

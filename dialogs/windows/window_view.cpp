@@ -401,7 +401,7 @@ INT_PTR WindowView::onDialogMessage(HWND window, UINT message, WPARAM word, LPAR
             userClosed();
             return TRUE;
         case WM_HELP:  // F1
-            run_.helpWanted();
+            userPressedKey(Key::kHelp, false);
             return TRUE;
         case WM_COMMAND: {
             Control* const control = controlOf(reinterpret_cast<HWND>(data));

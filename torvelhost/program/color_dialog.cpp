@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "dialogs/boxes.h"
+#include "dialogs/process.h"
 #include "torvelhost/resources/resource.h"
 
 namespace host {
@@ -54,8 +55,10 @@ bool chooseColor(OdCmColor& color) {
     }
     const dialogs::ResourceScope resources(base::moduleOf(reinterpret_cast<const void*>(&chooseColor)));
     ColorDialog dialog(color);
+    dialogs::OneAnswer answer;
     if (dialog.runModal() != dialogs::kOkButton) return false;
     color = dialog.color();
+    answer.tell(color.colorNameForDisplay());
     return true;
 }
 

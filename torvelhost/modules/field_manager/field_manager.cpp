@@ -1,5 +1,6 @@
 // The field manager: makes and changes fields on behalf of a command that has loaded this module for the call.
 #include "dialogs/boxes.h"
+#include "dialogs/process.h"
 #include "torvelhost/modules/field_manager/field_dialog.h"
 #include "torvelhost/modules/field_manager/field_questions.h"
 #include "torvelhost/modules/host_services.h"
@@ -19,7 +20,7 @@ void notice(const OdString& text) {
 
 base::ModuleHandle thisModule() { return base::moduleOf(reinterpret_cast<const void*>(&thisModule)); }
 
-OdDbFieldPtr askInDialog(const OdDbFieldPtr& before, OdDbDatabase& database) {
+OdDbFieldPtr runDialog(const OdDbFieldPtr& before, OdDbDatabase& database) {
     const dialogs::ResourceScope resources(thisModule());
     const OdString codeBefore = before ? before->getFieldCode(OdDbField::kRawCode) : OdString();
     fieldmanager::FieldDialog dialog(codeBefore, database);
@@ -33,6 +34,13 @@ OdDbFieldPtr askInDialog(const OdDbFieldPtr& before, OdDbDatabase& database) {
         }
         if (const OdDbObjectId object = selectObject(L"Select object"); !object.isNull()) dialog.setObject(object);
     }
+}
+
+OdDbFieldPtr askInDialog(const OdDbFieldPtr& before, OdDbDatabase& database) {
+    dialogs::OneAnswer answer;
+    OdDbFieldPtr made = runDialog(before, database);
+    if (made) answer.tell(made->getFieldCode(OdDbField::kRawCode));
+    return made;
 }
 
 OdDbFieldPtr askOnCommandLine(const OdDbFieldPtr& before, HostDocument& document) {

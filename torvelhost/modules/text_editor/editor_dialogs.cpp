@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "dialogs/boxes.h"
+#include "dialogs/process.h"
 #include "torvelhost/modules/host_services.h"
 #include "torvelhost/modules/text_editor/resource.h"
 
@@ -111,10 +112,22 @@ OdString EditorDialog::editedContents() const {
     return lines_ == Lines::kOneInFull ? base::replaceAll(edited, kLineEnd, L" ") : edited;
 }
 
+namespace {
+
+// A script gives the whole contents in one line.
+bool runEditor(EditorDialog& dialog) {
+    dialogs::OneAnswer answer(L"^C");
+    if (dialog.runModal() != dialogs::kOkButton) return false;
+    answer.tell(dialog.sheet().contents.text);
+    return true;
+}
+
+}  // namespace
+
 bool editLines(Sheet& sheet) {
     const dialogs::ResourceScope resources(thisModule());
     EditorDialog dialog(EditorDialog::Lines::kParagraphs, sheet);
-    if (dialog.runModal() != dialogs::kOkButton) return false;
+    if (!runEditor(dialog)) return false;
     sheet = dialog.sheet();
     return true;
 }
@@ -122,7 +135,7 @@ bool editLines(Sheet& sheet) {
 bool editLine(FieldText& contents, bool inFull) {
     const dialogs::ResourceScope resources(thisModule());
     EditorDialog dialog(inFull ? EditorDialog::Lines::kOneInFull : EditorDialog::Lines::kOne, {contents, 0});
-    if (dialog.runModal() != dialogs::kOkButton) return false;
+    if (!runEditor(dialog)) return false;
     contents = dialog.sheet().contents;
     return true;
 }
