@@ -46,6 +46,8 @@ std::wstring currentFolder();
 std::wstring temporaryFolder();
 /// Where a program keeps the user's settings; need not exist yet.
 std::wstring userSettingsFolder();
+/// Where it keeps what it was doing, on this machine alone; need not exist yet.
+std::wstring userStateFolder();
 std::optional<std::wstring> environmentVariable(std::wstring_view name);
 
 }  // namespace base

@@ -14,6 +14,8 @@ std::wstring fromPath(const std::filesystem::path& path) { return path.native();
 
 std::wstring userSettingsFolder() { return environmentVariable(L"APPDATA").value_or(temporaryFolder()); }
 
+std::wstring userStateFolder() { return environmentVariable(L"LOCALAPPDATA").value_or(temporaryFolder()); }
+
 std::optional<std::wstring> environmentVariable(std::wstring_view name) {
     const std::wstring key(name);
     std::wstring value;
