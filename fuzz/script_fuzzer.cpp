@@ -26,6 +26,7 @@ class Lines final : public host::ReplySource {
     std::optional<std::wstring> peek() override {
         return taken_ < lines_.size() ? std::optional(lines_[taken_]) : std::nullopt;
     }
+    void refused(const std::wstring&) override { throw host::ScriptError("a line does not suit"); }
     bool isScript() const override { return true; }
 
   private:

@@ -46,7 +46,7 @@ ExitStatus CommandLoop::run() {
 
 // Ctrl+C at the command prompt.
 bool CommandLoop::mayLeave() {
-    if (!session_.document.database()->isModified()) return true;
+    if (!session_.document.isModified()) return true;
     return session_.input.getKeyword(L"The changes are not saved. Leave without them? [%s] <No>", L"Yes No", 0, 0, 0) ==
            hostapi::kFirstKeyword;
 }
@@ -90,9 +90,7 @@ void CommandLoop::doubleClick(std::wstring_view where) {
 }
 
 void CommandLoop::refuse(const std::wstring& what) {
-    ReplySource& replies = session_.input.replies();
-    if (replies.isScript()) throw ScriptError(base::toUtf8(replies.place() + L": " + what));
-    replies.refused();
+    session_.input.replies().refused(what);
     terminal_.error(what);
 }
 

@@ -17,8 +17,7 @@ std::optional<std::wstring> DialogLines::answer(const std::wstring& question) {
 }
 
 void DialogLines::refuse(const std::wstring& why) {
-    if (replies_.isScript()) throw ScriptError(base::toUtf8(replies_.place() + L": " + why));
-    replies_.refused();
+    replies_.refused(why);
     terminal_.show(why + L".\n");
 }
 

@@ -68,6 +68,8 @@ std::optional<std::wstring> ScriptReplies::next(const Question& question) {
     return line;
 }
 
+void ScriptReplies::refused(const std::wstring& why) { throw ScriptError(base::toUtf8(place_ + L": " + why)); }
+
 std::optional<std::wstring> TypedReplies::next(const Question& question) {
     wantsToLeave_ = false;
     if (base::takeInterrupt()) {

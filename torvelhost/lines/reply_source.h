@@ -25,8 +25,9 @@ class ReplySource {
 
     /// Shows the prompt and takes a line. Nothing at the end.
     virtual std::optional<std::wstring> next(const Question& question) = 0;
-    /// The line taken last answered nothing; the same is asked again.
-    virtual void refused() {}
+    /// The line taken last does not suit, and why. Throws ScriptError in a script; returns when a person is to be told,
+    /// and asked again.
+    virtual void refused(const std::wstring& why) = 0;
     /// The line that next() will take; nothing at the end, and from a person, who cannot be looked at in advance.
     virtual std::optional<std::wstring> peek() { return std::nullopt; }
     /// Where the line taken last stands: "plan.scr:3".
@@ -50,6 +51,7 @@ class ScriptReplies : public ReplySource {
 
     std::optional<std::wstring> next(const Question& question) override;
     std::optional<std::wstring> peek() override;
+    void refused(const std::wstring& why) override;
     std::wstring place() const override { return place_; }
     bool isScript() const override { return true; }
 
@@ -76,6 +78,7 @@ class TypedReplies : public ReplySource {
     explicit TypedReplies(Terminal& terminal) : terminal_(terminal) {}
 
     std::optional<std::wstring> next(const Question& question) override;
+    void refused(const std::wstring&) override {}
     bool isScript() const override { return false; }
     bool wantsToLeave() const override { return wantsToLeave_; }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "drawingdb/ge.h"
+#include "torvelhost/plot/pixel_buffer.h"
 
 namespace host {
 
@@ -92,6 +93,7 @@ class Picture {
 /// The file's contents.
 std::string svgText(const Picture& picture);
 std::string pngBytes(const Picture& picture);
+std::string pngBytes(PixelBuffer buffer);
 
 /// Whether the name ends as that of a picture file does: .svg or .png.
 bool isPictureFileName(std::wstring_view path);

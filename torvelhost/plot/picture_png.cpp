@@ -66,6 +66,10 @@ std::string pngBytes(const Picture& picture) {
     PixelBuffer buffer;
     buffer.clear(picture.width(), picture.height(), picture.background());
     Painter(buffer).paint(picture);
+    return pngBytes(std::move(buffer));
+}
+
+std::string pngBytes(PixelBuffer buffer) {
     // Without their unused parts, in their own place.
     auto* const colors = reinterpret_cast<unsigned char*>(buffer.pixels.data());
     for (std::size_t i = 0; i < buffer.pixels.size(); ++i) {
@@ -80,7 +84,7 @@ std::string pngBytes(const Picture& picture) {
     stbi_write_png_compression_level = 5;
     std::string bytes;
     WriterMemory memory;
-    if (!stbi_write_png_to_func(append, &bytes, picture.width(), picture.height(), 3, colors, picture.width() * 3))
+    if (!stbi_write_png_to_func(append, &bytes, buffer.width, buffer.height, 3, colors, buffer.width * 3))
         throw std::bad_alloc();
     return bytes;
 }

@@ -106,6 +106,11 @@ void Document::save(const std::wstring& path) {
     if (database_->isReadOnly())
         throw base::FileError(path, L"not saved: the drawing is damaged and was opened for reading alone");
     database_->writeFile(path);
+    savedRevision_ = database_->revision();
+}
+
+bool Document::isModified() {
+    return savedRevision_ ? database_->revision() != *savedRevision_ : database_->isModified();
 }
 
 }  // namespace host

@@ -50,6 +50,8 @@ class Document final : public HostDocument {
 
     /// Throws base::FileError when the file cannot be written, or when the drawing was opened for reading alone.
     void save(const std::wstring& path);
+    /// Whether there is more to save than what was saved last, or opened.
+    bool isModified();
 
     /// ---- undo, a whole command at a time
     std::size_t undoPosition() { return database_->undoPosition(); }
@@ -70,6 +72,7 @@ class Document final : public HostDocument {
     OdDbDatabasePtr database_;
     HostEdInput* input_ = nullptr;
     OdGePoint3d lastPoint_;
+    std::optional<std::uint64_t> savedRevision_;
     std::vector<Done> done_;
     std::vector<std::wstring> undone_;  // the last is the next to be brought back
 };

@@ -41,7 +41,21 @@ void DocumentView::set(const View& view) {
     keep(views_[currentSpaceId()], view);
 }
 
+void DocumentView::setSize(int width, int height) {
+    for (auto& [space, views] : views_)
+        for (View& view : views) view.height *= static_cast<double>(height) / height_;
+    width_ = width;
+    height_ = height;
+}
+
+void DocumentView::move(const View& view) {
+    if (moved_ != currentSpaceId()) set(view);
+    views_[currentSpaceId()].back() = view;
+    moved_ = currentSpaceId();
+}
+
 void DocumentView::keep(std::vector<View>& views, const View& view) {
+    moved_ = OdDbObjectId();
     constexpr std::size_t kKept = 10;
     if (views.size() == kKept) views.erase(views.begin());
     views.push_back(view);
@@ -60,6 +74,7 @@ void DocumentView::setZoomed(const View& view) {
 }
 
 bool DocumentView::setPrevious() {
+    moved_ = OdDbObjectId();
     if (const OdDbObjectId viewport = document_.floatingViewportId()) {
         std::vector<View>& before = views_[viewport];
         if (before.empty()) return false;
@@ -76,7 +91,10 @@ bool DocumentView::setPrevious() {
 std::optional<OdGeExtents3d> DocumentView::extents() const { return extentsOfSpace(document_.activeSpaceId()); }
 
 View DocumentView::toPlot() {
-    if (views_[currentSpaceId()].size() > 1) return current();
+    return views_[currentSpaceId()].size() > 1 ? current() : whole();
+}
+
+View DocumentView::whole() {
     const auto box = extentsOfSpace(currentSpaceId());
     return box ? showing(*box) : current();
 }

@@ -24,10 +24,16 @@ class DocumentView {
 
     int width() const { return width_; }
     int height() const { return height_; }
+    /// What is seen keeps its scale and its middle.
+    void setSize(int width, int height);
 
     /// Of the current space: of the active one, but inside a floating viewport of the paper space around it.
     View current();
     void set(const View& view);
+    /// The same by hand, in small steps: all of them together are one view that is gone back behind.
+    void move(const View& view);
+    /// All there is now.
+    View whole();
     /// What a plot shows: the view that was set, or all there is now.
     View toPlot();
 
@@ -50,7 +56,7 @@ class DocumentView {
   private:
     View showing(const OdGeExtents3d& box) const { return showing(box, aspect()); }
     static View showing(const OdGeExtents3d& box, double aspect);
-    static void keep(std::vector<View>& views, const View& view);
+    void keep(std::vector<View>& views, const View& view);
     double aspect() const { return static_cast<double>(width_) / height_; }
     OdDbObjectId currentSpaceId() const { return document_.database()->currentSpaceId(); }
 
@@ -58,6 +64,7 @@ class DocumentView {
     int width_, height_;
     /// Of a space the last one is shown; of a floating viewport they are those before the one it shows.
     std::map<OdDbObjectId, std::vector<View>> views_;
+    OdDbObjectId moved_;  // the space whose view was moved by hand last
 };
 
 }  // namespace host

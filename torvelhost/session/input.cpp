@@ -82,10 +82,6 @@ Expected pointFrom(const OdGePoint3d* base) { return {Expected::kPoint, base ? s
 Input::Input(Document& document, ReplySource& replies, Terminal& terminal)
     : document_(document), replies_(replies), terminal_(terminal) {}
 
-void Input::failScript(const std::wstring& prompt, const std::wstring& what) {
-    throw ScriptError(base::toUtf8(replies_.place() + L": " + what + L", at the prompt \"" + prompt + L"\""));
-}
-
 // "> 3,4". False when it is no such line.
 bool Input::moveCursor(std::wstring_view text, const Expected& expected, std::wstring& reason) {
     if (expected.kind != Expected::kPoint || !text.starts_with(L'>')) return false;
@@ -99,6 +95,7 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
                const Expected& expected) {
     const Keywords keywords(keywordList);
     const std::wstring shown = promptText(prompt, keywords);
+    const std::wstring place = L", at the prompt \"" + shown + L"\"";
     const dialogs::HiddenWindows hidden;
     for (;;) {
         std::optional<std::wstring> line;
@@ -107,7 +104,7 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
             line = replies_.next({shown + L" ", expected, [&keywords] { return keywords.words(); }});
         }
         if (!line) {
-            if (replies_.isScript()) failScript(shown, L"the script ends");
+            if (replies_.isScript()) replies_.refused(L"the script ends" + place);
             return hostapi::kCancel;
         }
         const Reply reply = parseReply(*line);
@@ -129,8 +126,7 @@ int Input::ask(const wchar_t* prompt, const wchar_t* keywordList, const wchar_t*
             reason = L"\"" + reply.text + L"\" is not " + wanted;
             if (!keywords.empty()) reason += L" and not one of " + keywords.joined();
         }
-        if (replies_.isScript()) failScript(shown, reason);
-        replies_.refused();
+        replies_.refused(reason + place);
         terminal_.show(reason + L".\n");
     }
 }

@@ -75,7 +75,6 @@ class Input final : public HostEdInput {
     };
     class TrackerSession;
 
-    [[noreturn]] void failScript(const std::wstring& prompt, const std::wstring& what);
     void showPreview() {
         if (previewWatcher_) previewWatcher_(drawables_.shown());
     }
