@@ -6,7 +6,7 @@
 
 namespace host {
 
-class DialogLines final : public dialogs::LineSource {
+class DialogLines : public dialogs::LineSource {
   public:
     DialogLines(ReplySource& replies, Terminal& terminal) : replies_(replies), terminal_(terminal) {}
 

@@ -10,6 +10,7 @@ namespace host {
 namespace {
 
 Progress* g_current = nullptr;
+Progress::Watcher g_watcher;
 
 }  // namespace
 
@@ -38,8 +39,11 @@ Progress::~Progress() {
 bool Progress::tell(std::uint64_t done, std::uint64_t total) {
     if (g_current && total > 0)
         g_current->percent_ = static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total));
-    return !base::takeInterrupt();
+    const bool goesOn = !g_watcher || total == 0 || g_watcher(static_cast<double>(done) / static_cast<double>(total));
+    return !base::takeInterrupt() && goesOn;
 }
+
+void Progress::watch(Watcher watcher) { g_watcher = std::move(watcher); }
 
 void Progress::watch() {
     using std::chrono::seconds;

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -24,6 +25,9 @@ class Progress {
     /// `done` of `total` steps of the work are done. False when the user wants it to stop: Ctrl-C was pressed at the
     /// command prompt's terminal. A script that is run has no one to go on with, and Ctrl-C ends the program.
     static bool tell(std::uint64_t done, std::uint64_t total);
+    /// Is told by tell() what part is done, from 0 to 1, and says whether the user lets it go on. Empty: nobody.
+    using Watcher = std::function<bool(double part)>;
+    static void watch(Watcher watcher);
 
     /// While a pause lives the program waits for the user; the clock starts anew behind it.
     class Pause {

@@ -1,5 +1,6 @@
 #include "torvelhost/program/program.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -16,6 +17,7 @@
 #include "torvelhost/lines/dialog_lines.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/plot/plot.h"
+#include "torvelhost/program/view_window.h"
 #include "torvelhost/session/application.h"
 
 namespace host {
@@ -63,10 +65,10 @@ auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const
     }
 }
 
-OdDbDatabasePtr openDrawing(const Options& options, Terminal& terminal) {
-    if (!options.drawing) return OdDbDatabase::createNew();
-    OdDbDatabasePtr database = onFile(terminal, L"Reading", L"read the drawing", *options.drawing,
-                                      [&] { return OdDbDatabase::readFile(*options.drawing); });
+OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
+    if (!drawing) return OdDbDatabase::createNew();
+    OdDbDatabasePtr database = onFile(terminal, L"Reading", L"read the drawing", *drawing,
+                                      [&] { return OdDbDatabase::readFile(*drawing); });
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
     return database;
 }
@@ -79,12 +81,11 @@ void setVariables(const Options& options, Variables& variables) {
 }
 
 void saveDrawing(const Options& options, Application::Session& session, Terminal& terminal) {
-    OdDbDatabase* database = session.document.database();
     if (options.output) {
         onFile(
             terminal, L"Saving", L"save the drawing there", *options.output,
             [&] { session.document.save(*options.output); });
-    } else if (options.isInteractive() && database->isModified()) {
+    } else if (options.isInteractive() && session.document.isModified()) {
         terminal.notice(L"The changes were not saved (the command SAVE does).");
     }
 }
@@ -128,6 +129,10 @@ void checkOptions(const Options& options) {
     if (options.plot && !isPictureFileName(*options.plot))
         throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
                          "\" is no picture; give a name that ends in .svg or .png");
+    if (options.record && !options.hasWindow())
+        throw UsageError("--record: only what is done in a window is recorded; give --view or --events too");
+    if (options.events && options.windows)
+        throw UsageError("--windows: no dialog is a window where --events works the drawing's");
 }
 
 // Where dialogs cannot be windows, that is said before anything is done.
@@ -137,22 +142,9 @@ void requireWindows() {
     dialogs::useStandard();
 }
 
-ExitStatus run(const Options& options, Terminal& terminal) {
-    checkOptions(options);
-    if (options.windows) requireWindows();
-    if (options.drawing)
-        std::snprintf(g_drawingName, sizeof g_drawingName, "%s", base::toUtf8(visible(*options.drawing)).c_str());
-    const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);
-    Application application(options, terminal);
-    loadCommandModule(terminal, replies->isScript());
-    application.open(openDrawing(options, terminal), *replies);
-    Application::Session& session = *application.session();
-    setVariables(options, session.variables);
-    DialogLines dialogLines(*replies, terminal);
-    const DialogUse dialogUse(options.windows, dialogLines);
-
-    ExitStatus status = CommandLoop(application).run();
-    saveDrawing(options, session, terminal);
+// The end of a run: what the options ask for then.
+ExitStatus finish(const Options& options, Application& application, Terminal& terminal, ExitStatus status) {
+    saveDrawing(options, *application.session(), terminal);
     plotShown(options, application, terminal);
     try {
         application.profile().save();
@@ -164,6 +156,49 @@ ExitStatus run(const Options& options, Terminal& terminal) {
         status = kFileFailed;
     }
     return status;
+}
+
+ExitStatus runAtTerminal(const Options& options, Terminal& terminal) {
+    const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);
+    Application application(options, terminal);
+    loadCommandModule(terminal, replies->isScript());
+    application.open(openDrawing(options.drawing, terminal), *replies);
+    setVariables(options, application.session()->variables);
+    DialogLines dialogLines(*replies, terminal);
+    const DialogUse dialogUse(options.windows, dialogLines);
+    const ExitStatus status = CommandLoop(application).run();
+    return finish(options, application, terminal, status);
+}
+
+// One drawing after the other in the same window.
+ExitStatus runInWindow(const Options& options, Terminal& terminal) {
+    ViewWindow window(options, terminal);
+    Application application(options, terminal);
+    loadCommandModule(terminal, true);
+    std::optional<CanvasView::Opened> opened{
+        {openDrawing(options.drawing, terminal), options.drawing.value_or(std::wstring())}};
+    window.view().useOpen([&terminal](const std::wstring& name) {
+        return openDrawing(name.empty() ? std::nullopt : std::optional(name), terminal);
+    });
+    ExitStatus status = kAllFinished;
+    for (; opened; opened = window.view().takeOpened()) {
+        window.view().showNothing();
+        application.open(std::move(opened->database), window.view());
+        setVariables(options, application.session()->variables);
+        window.view().show(application, opened->name);
+        window.open();
+        status = std::max(status, CommandLoop(application).run());
+    }
+    window.view().showNothing();
+    return finish(options, application, terminal, status);
+}
+
+ExitStatus run(const Options& options, Terminal& terminal) {
+    checkOptions(options);
+    if (options.windows) requireWindows();
+    if (options.drawing)
+        std::snprintf(g_drawingName, sizeof g_drawingName, "%s", base::toUtf8(visible(*options.drawing)).c_str());
+    return options.hasWindow() ? runInWindow(options, terminal) : runAtTerminal(options, terminal);
 }
 
 }  // namespace

@@ -276,7 +276,7 @@ void hostRollBackUndoGroup(HostDocument* document) {
 }
 
 void hostRedrawEntity(OdDbObjectId entity) {
-    if (Application::Session* current = session()) current->selection.redraw(entity);
+    if (session()) Application::current()->redraw(entity);
 }
 
 void hostRegenerate(OdDbDatabase* database) {

@@ -113,10 +113,19 @@ void Application::regenerate(OdDbDatabase& database) {
             for (OdDbObjectId attribute : id.openAs<OdDbBlockReference>()->attributes()) evaluate(attribute);
         }
     }
+    if (screen_) screen_();
 }
 
-// Nothing is on a screen here; a slide that was shown makes room for the drawing.
-void Application::refresh() { slideView_.showDrawing(); }
+// A slide that was shown makes room for the drawing.
+void Application::refresh() {
+    slideView_.showDrawing();
+    if (screen_) screen_();
+}
+
+void Application::redraw(OdDbObjectId entity) {
+    session_->selection.redraw(entity);
+    if (screen_) screen_();
+}
 
 void Application::Help::showTopic(const wchar_t* topic, void*) {
     terminal_.notice(L"[help] " + std::wstring(topic ? topic : L""));

@@ -55,6 +55,10 @@ class Application final : public HostApplication {
     void regenerate(OdDbDatabase& database);
     /// Host function 12: the picture is drawn again as it stands.
     void refresh();
+    /// An entity is to be shown as it is now.
+    void redraw(OdDbObjectId entity);
+    /// Is told when a screen is to show the drawing as it is. Empty: there is none.
+    void watchScreen(std::function<void()> watcher) { screen_ = std::move(watcher); }
     /// Host function 17: the view that slides are drawn into.
     SlideView* slideView() { return session_ ? &slideView_ : nullptr; }
 
@@ -86,6 +90,7 @@ class Application final : public HostApplication {
     Folders folders_;
     SlideView slideView_;
     std::unique_ptr<Session> session_;
+    std::function<void()> screen_;
 };
 
 }  // namespace host

@@ -17,7 +17,7 @@ struct OptionName {
     std::string_view word;
     bool hasValue;
 };
-constexpr std::array<OptionName, 11> kOptions = {{
+constexpr std::array<OptionName, 14> kOptions = {{
     {'s', "script", true},
     {'c', "command", true},
     {'o', "output", true},
@@ -26,6 +26,9 @@ constexpr std::array<OptionName, 11> kOptions = {{
     {0, "set", true},
     {0, "profile", true},
     {0, "windows", false},
+    {0, "view", false},
+    {0, "events", true},
+    {0, "record", true},
     {'q', "quiet", false},
     {0, "help", false},
     {0, "version", false},
@@ -58,6 +61,12 @@ void apply(Options& options, std::string_view name, const std::wstring& value) {
         options.profile = value;
     } else if (name == "windows") {
         options.windows = true;
+    } else if (name == "view") {
+        options.view = true;
+    } else if (name == "events") {
+        options.events = value;
+    } else if (name == "record") {
+        options.record = value;
     } else if (name == "quiet") {
         options.quiet = true;
     } else if (name == "help") {
@@ -88,9 +97,12 @@ const char kUsage[] =
     "      --set NAME=VALUE    set a system variable first; may be repeated\n"
     "      --profile FILE      the settings store (default: the user's own)\n"
     "      --windows           show dialogs as windows (on Windows the default without a script)\n"
+    "      --view              open a window with the drawing; -s and -c run in it first, -o and -p hold at its end\n"
+    "      --events FILE       work that window by a script of events, without a screen\n"
+    "      --record FILE       write what is done in the window as a script\n"
     "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
     "  --help  --version\n"
-    "Without -s, -c, -o and -p it is a command prompt.\n"
+    "Without -s, -c, -o, -p, --view and --events it is a command prompt.\n"
     "Exit status: 0 every command finished; 1 a command was cancelled or failed; 2 wrong usage, or a script\n"
     "that does not fit; 3 a file could not be read or written.\n";
 

@@ -25,12 +25,16 @@ struct Options {
     std::vector<std::pair<std::wstring, std::wstring>> variables;
     std::optional<std::wstring> profile;
     bool windows = false;
+    bool view = false;                   // a window with the drawing
+    std::optional<std::wstring> events;  // a script that works that window, without a screen
+    std::optional<std::wstring> record;  // what is done in it, as a script
     bool quiet = false;
     bool help = false;
     bool version = false;
 
+    bool hasWindow() const { return view || events; }
     /// A command prompt is shown: nothing else was asked for.
-    bool isInteractive() const { return scripts.empty() && !output && !plot; }
+    bool isInteractive() const { return scripts.empty() && !output && !plot && !hasWindow(); }
 };
 
 class UsageError : public std::runtime_error {

@@ -1,0 +1,59 @@
+#include "torvelhost/program/view_window.h"
+
+#include "base/text.h"
+#include "torvelhost/lines/progress.h"
+#include "torvelhost/window/make_frame.h"
+
+namespace host {
+
+ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(terminal) {
+    if (options.events) {
+        auto headless = std::make_unique<HeadlessFrame>(readEvents(*options.events));
+        headless_ = headless.get();
+        frame_ = std::move(headless);
+    } else {
+        std::wstring reason;
+        frame_ = makeViewFrame(reason);
+        if (!frame_) throw UsageError("--view: " + base::toUtf8(reason));
+    }
+    view_ = std::make_unique<CanvasView>(*frame_, terminal);
+    if (options.record) view_->recording().open(*options.record);
+    for (const Options::Script& script : options.scripts)
+        if (script.isFile)
+            scripts_.addFile(script.text);
+        else
+            scripts_.addText(script.text);
+    view_->useScripts(scripts_, [this] {
+        if (!headless_) useWindows();
+    });
+    if (headless_) {
+        headless_->work(*view_);
+        view_->useEventPlace([this] { return headless_->place(); });
+        dialogLines_ = std::make_unique<EventDialogLines>(*view_, terminal);
+    } else {
+        dialogLines_ = std::make_unique<DialogLines>(*view_, terminal);
+    }
+    dialogs::useForms(*dialogLines_);
+}
+
+ViewWindow::~ViewWindow() {
+    dialogs::useMainWindow(nullptr);
+    dialogs::useStandard();
+}
+
+void ViewWindow::open() {
+    if (std::exchange(isOpen_, true)) return;
+    frame_->open(*view_);
+    dialogs::useMainWindow(frame_->nativeWindow());
+}
+
+// When scripts are through, the user works the dialogs.
+void ViewWindow::useWindows() {
+    dialogs::useWindows(nullptr, [this](const std::function<void()>& wait) {
+        const Progress::Pause pause;
+        view_->dialogWaits();
+        wait();
+    });
+}
+
+}  // namespace host

@@ -1,0 +1,43 @@
+// The window of a run: its frame, on a screen or worked by a script of events, with the view and what dialogs are in it.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "torvelhost/lines/dialog_lines.h"
+#include "torvelhost/session/options.h"
+#include "torvelhost/window/canvas_view.h"
+#include "torvelhost/window/headless_frame.h"
+
+namespace host {
+
+class ViewWindow {
+  public:
+    /// Throws UsageError where there is no screen, base::FileError and ScriptError for a script that cannot be used.
+    ViewWindow(const Options& options, Terminal& terminal);
+    ~ViewWindow();
+    ViewWindow(const ViewWindow&) = delete;
+    ViewWindow& operator=(const ViewWindow&) = delete;
+
+    CanvasView& view() { return *view_; }
+    /// The first time it shows the window.
+    void open();
+
+  private:
+    /// Dialogs take the lines of events as those of a script.
+    class EventDialogLines final : public DialogLines {
+      public:
+        using DialogLines::DialogLines;
+        bool isScript() const override { return true; }
+    };
+    void useWindows();
+
+    std::unique_ptr<ViewFrame> frame_;
+    HeadlessFrame* headless_ = nullptr;
+    std::unique_ptr<CanvasView> view_;
+    ScriptReplies scripts_;
+    std::unique_ptr<DialogLines> dialogLines_;
+    bool isOpen_ = false;
+};
+
+}  // namespace host

@@ -1,0 +1,57 @@
+#include "torvelhost/window/command_line.h"
+
+#include "base/text.h"
+
+namespace host {
+
+void CommandLine::ask(const Question& question) {
+    question_ = &question;
+    words_.clear();
+    // At the command prompt there are too many.
+    const bool hasWords = question.expected.kind != Expected::kCommand && question.expected.kind != Expected::kDialog;
+    if (hasWords && question.choices) words_ = question.choices();
+    frame_.setPrompt(question.prompt, words_);
+}
+
+void CommandLine::rest() {
+    question_ = nullptr;
+    words_.clear();
+}
+
+void CommandLine::changed(const std::wstring& text) {
+    text_ = text;
+    recalled_ = entered_.size();
+}
+
+void CommandLine::set(const std::wstring& text) {
+    text_ = text;
+    frame_.setCommandText(text);
+}
+
+std::wstring CommandLine::enter() {
+    std::wstring line = text_;
+    if (!line.empty() && (entered_.empty() || entered_.back() != line)) entered_.push_back(line);
+    recalled_ = entered_.size();
+    set(L"");
+    return line;
+}
+
+void CommandLine::recall(bool older) {
+    if (older ? recalled_ == 0 : recalled_ == entered_.size()) return;
+    if (recalled_ == entered_.size()) draft_ = text_;
+    recalled_ += older ? std::size_t(-1) : 1;
+    set(recalled_ == entered_.size() ? draft_ : entered_[recalled_]);
+}
+
+void CommandLine::complete() {
+    if (!question_ || text_.empty()) return;
+    const Completion completion =
+        host::complete(text_, question_->choices ? question_->choices() : std::vector<std::wstring>());
+    set(completion.text);
+    if (completion.among.empty()) return;
+    std::wstring ways;
+    for (const std::wstring& way : completion.among) ways += (ways.empty() ? L"" : L"  ") + way;
+    frame_.addHistory(ways + L"\n");
+}
+
+}  // namespace host

@@ -1,0 +1,233 @@
+// The picture in the canvas, in layers: exact, marked, moved, shown; each is made of the one before when that has changed.
+#include "torvelhost/window/view_picture.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "drawingdb/block.h"
+#include "torvelhost/plot/style.h"
+
+namespace host {
+namespace {
+
+constexpr std::int64_t kQuick = 12;  // milliseconds that nobody notices
+constexpr std::int64_t kPause = 40;  // without anything done, after which the user looks
+constexpr std::chrono::milliseconds kSlice{8};
+
+}  // namespace
+
+bool ViewPicture::Seen::operator==(const Seen& other) const {
+    return space == other.space && viewport == other.viewport && view.center == other.view.center &&
+           view.height == other.view.height;
+}
+
+void ViewPicture::show(Application* application) {
+    application_ = application;
+    scene_.reset();
+    buildingOf_.reset();
+    exactOf_.reset();
+    hidden_.clear();
+    marks_ = {};
+    slide_ = nullptr;
+    stale_ = true;
+    isShown_ = false;
+    if (!application) return;
+    Application::Session& session = *application->session();
+    scene_.emplace(*session.document.database());
+    if (width_ > 0) session.view.setSize(width_, height_);
+    session.view.move(session.view.whole());
+}
+
+void ViewPicture::resize(int width, int height) {
+    width_ = std::max(width, 1);
+    height_ = std::max(height, 1);
+    if (application_) application_->session()->view.setSize(width_, height_);
+    buildingOf_.reset();
+    exactOf_.reset();
+    isShown_ = false;
+}
+
+void ViewPicture::update() {
+    if (!scene_) return;
+    if (scene_->update()) stale_ = true;
+    const std::set<OdDbObjectId>& hidden = application_->session()->selection.hidden();
+    if (hidden != hidden_) {
+        for (OdDbObjectId id : hidden_) scene_->hide(id, false);
+        for (OdDbObjectId id : hidden) scene_->hide(id, true);
+        hidden_ = hidden;
+        stale_ = true;
+    }
+    if (const Picture* const slide = application_->slideView()->slide(); slide != slide_) {
+        slide_ = slide;
+        stale_ = true;
+    }
+}
+
+void ViewPicture::setMarks(Marks marks) {
+    if (marks == marks_) return;
+    if (marks.selected != marks_.selected) isMarked_ = false;
+    marks_ = std::move(marks);
+    isShown_ = false;
+}
+
+void ViewPicture::setOverlay(const Overlay& overlay) {
+    overlay_ = overlay;
+    isShown_ = false;
+}
+
+void ViewPicture::disturb() { disturbed_ = frame_.now(); }
+
+ViewPicture::Seen ViewPicture::seenNow() {
+    Application::Session& session = *application_->session();
+    return {session.document.database()->currentSpaceId(), session.document.floatingViewportId(),
+            session.view.current()};
+}
+
+bool ViewPicture::isExact() { return exactOf_ && !stale_ && !buildingOf_ && *exactOf_ == seenNow(); }
+
+void ViewPicture::begin(const Seen& seen) {
+    Application::Session& session = *application_->session();
+    ViewMap map(session.document, session.view);
+    building_.width = width_;
+    building_.height = height_;
+    building_.pixels.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+    scene_->begin(seen.space, map.toPixels(), map.pixelsPerUnit(), building_);
+    buildingOf_ = seen;
+    stale_ = false;
+    spent_ = 0;
+}
+
+// True when the picture is finished.
+bool ViewPicture::build(std::optional<std::int64_t> until) {
+    const std::int64_t start = frame_.now();
+    bool finished = false;
+    do {
+        finished = scene_->continueFor(kSlice);
+    } while (!finished && (!until || frame_.now() < *until));
+    spent_ += frame_.now() - start;
+    if (!finished) return false;
+    if (slide_) {
+        building_.clear(width_, height_, slide_->background());
+        Painter(building_).paint(*slide_);
+    }
+    std::swap(exact_, building_);
+    exactOf_ = buildingOf_;
+    buildingOf_.reset();
+    cost_ = spent_;
+    isMarked_ = isShown_ = false;
+    return true;
+}
+
+void ViewPicture::work() {
+    due_.reset();
+    if (!scene_ || width_ == 0) return;
+    const Seen seen = seenNow();
+    const std::int64_t now = frame_.now();
+    const bool wanted = stale_ || (buildingOf_ ? !(*buildingOf_ == seen) : !exactOf_ || !(*exactOf_ == seen));
+    if (wanted) {
+        // Begun at once where that is quick or nothing better can be shown, else when the user pauses.
+        const std::int64_t pause = disturbed_ + kPause;
+        if (cost_ < kQuick || !exactOf_ || now >= pause)
+            begin(seen);
+        else
+            due_ = pause;
+    }
+    if (buildingOf_ && *buildingOf_ == seen) {
+        if (!build(now + kQuick)) {
+            due_ = frame_.now();
+            frame_.setProgress(scene_->progress());
+        } else if (cost_ >= kQuick) {
+            frame_.setProgress(-1);
+        }
+    }
+    if (!isShown_ || !shownOf_ || !(*shownOf_ == seen)) present();
+}
+
+void ViewPicture::finish() {
+    if (!scene_ || width_ == 0) return;
+    if (!isExact()) {
+        begin(seenNow());
+        build(std::nullopt);
+        frame_.setProgress(-1);
+    }
+    due_.reset();
+    if (!isShown_ || !shownOf_ || !(*shownOf_ == seenNow())) present();
+}
+
+std::vector<OdSmartPtr<OdDbEntity>> ViewPicture::opened(const std::vector<OdDbObjectId>& ids) const {
+    std::vector<OdSmartPtr<OdDbEntity>> entities;
+    entities.reserve(ids.size());
+    for (OdDbObjectId id : ids)
+        if (id.isValid())
+            if (auto entity = id.openIf<OdDbEntity>()) entities.push_back(std::move(entity));
+    return entities;
+}
+
+// The exact picture with what is selected.
+void ViewPicture::mark() {
+    if (isMarked_) return;
+    marked_ = exact_;
+    // What is drawn over lies where the picture begun last has it.
+    if (buildingOf_) return;
+    isMarked_ = true;
+    if (marks_.selected.empty() || slide_) return;
+    const auto entities = opened(marks_.selected);
+    std::vector<const OdDbEntity*> selected;
+    selected.reserve(entities.size());
+    for (const auto& entity : entities) selected.push_back(entity.get());
+    scene_->drawOver(selected, Scene::Emphasis::kSelected, marked_, exactOf_->viewport);
+}
+
+// The last picture as it would lie in another view: each pixel shows what lay in its middle.
+void ViewPicture::moveTo(const Seen& seen) {
+    moved_.clear(width_, height_, Styles::kBackground);
+    if (!exactOf_ || exactOf_->space != seen.space || marked_.width != width_ || marked_.height != height_) return;
+    const View from = exactOf_->view, to = seen.view;
+    const double scale = to.height / from.height;  // pixels of the old picture for one of the new
+    const double pixels = height_ / from.height;
+    const double left = width_ / 2.0 - width_ / 2.0 * scale + (to.center.x - from.center.x) * pixels;
+    const double top = height_ / 2.0 - height_ / 2.0 * scale - (to.center.y - from.center.y) * pixels;
+    const auto source = [scale](double begin, int i) {
+        return static_cast<int>(std::floor(std::clamp(begin + (i + 0.5) * scale, -1.0, 1e6)));
+    };
+    std::vector<int> columns(static_cast<std::size_t>(width_));
+    for (int x = 0; x < width_; ++x) columns[static_cast<std::size_t>(x)] = source(left, x);
+    const auto inside = [&](int x) { return x >= 0 && x < width_; };
+    const auto first = std::find_if(columns.begin(), columns.end(), inside) - columns.begin();
+    const auto last = std::find_if_not(columns.begin() + first, columns.end(), inside) - columns.begin();
+    for (int y = 0; y < height_; ++y) {
+        const int row = source(top, y);
+        if (row < 0 || row >= height_) continue;
+        const std::uint32_t* const old =
+            marked_.pixels.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(width_);
+        std::uint32_t* const pixel =
+            moved_.pixels.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
+        for (auto x = first; x < last; ++x) pixel[x] = old[columns[static_cast<std::size_t>(x)]];
+    }
+}
+
+void ViewPicture::present() {
+    const bool exact = isExact();
+    if (exactOf_) mark();
+    if (exact) {
+        shown_ = marked_;
+        if (!slide_) {
+            const auto hover = opened({marks_.hover});
+            if (!hover.empty()) {
+                const OdDbEntity* const entity = hover.front().get();
+                scene_->drawOver({&entity, 1}, Scene::Emphasis::kHover, shown_, exactOf_->viewport);
+            }
+            const std::vector<const OdDbEntity*> preview(marks_.preview.begin(), marks_.preview.end());
+            if (!preview.empty()) scene_->drawOver(preview, Scene::Emphasis::kPlain, shown_, exactOf_->viewport);
+        }
+    } else {
+        moveTo(seenNow());
+        std::swap(shown_, moved_);
+    }
+    overlay_.draw(shown_);
+    frame_.showPicture(shown_, {0, 0, width_, height_});
+    shownOf_ = seenNow();
+    isShown_ = true;
+}
+
+}  // namespace host
