@@ -67,8 +67,8 @@ auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const
 
 OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
     if (!drawing) return OdDbDatabase::createNew();
-    OdDbDatabasePtr database = onFile(terminal, L"Reading", L"read the drawing", *drawing,
-                                      [&] { return OdDbDatabase::readFile(*drawing); });
+    OdDbDatabasePtr database =
+        onFile(terminal, L"Reading", L"read the drawing", *drawing, [&] { return OdDbDatabase::readFile(*drawing); });
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
     return database;
 }
@@ -181,12 +181,12 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
         return openDrawing(name.empty() ? std::nullopt : std::optional(name), terminal);
     });
     ExitStatus status = kAllFinished;
+    window.open();
     for (; opened; opened = window.view().takeOpened()) {
         window.view().showNothing();
         application.open(std::move(opened->database), window.view());
         setVariables(options, application.session()->variables);
         window.view().show(application, opened->name);
-        window.open();
         status = std::max(status, CommandLoop(application).run());
     }
     window.view().showNothing();

@@ -42,18 +42,19 @@ ViewWindow::~ViewWindow() {
 }
 
 void ViewWindow::open() {
-    if (std::exchange(isOpen_, true)) return;
     frame_->open(*view_);
     dialogs::useMainWindow(frame_->nativeWindow());
 }
 
 // When scripts are through, the user works the dialogs.
 void ViewWindow::useWindows() {
-    dialogs::useWindows(nullptr, [this](const std::function<void()>& wait) {
-        const Progress::Pause pause;
-        view_->dialogWaits();
-        wait();
-    });
+    dialogs::useWindows(
+        nullptr,
+        [this](const std::function<void()>& wait) {
+            const Progress::Pause pause;
+            view_->dialogWaits();
+            wait();
+        });
 }
 
 }  // namespace host

@@ -1,4 +1,5 @@
-// The window of a run: its frame, on a screen or worked by a script of events, with the view and what dialogs are in it.
+// The window of a run: its frame, on a screen or worked by a script of events, with the view and what dialogs are in
+// it.
 #pragma once
 
 #include <memory>
@@ -20,7 +21,6 @@ class ViewWindow {
     ViewWindow& operator=(const ViewWindow&) = delete;
 
     CanvasView& view() { return *view_; }
-    /// The first time it shows the window.
     void open();
 
   private:
@@ -37,7 +37,6 @@ class ViewWindow {
     std::unique_ptr<CanvasView> view_;
     ScriptReplies scripts_;
     std::unique_ptr<DialogLines> dialogLines_;
-    bool isOpen_ = false;
 };
 
 }  // namespace host

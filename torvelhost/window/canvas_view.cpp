@@ -82,7 +82,8 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     gestures_.expect(question.expected.kind);
     commandLine_.ask(question);
     followed_.reset();
-    frame_.setCursor(question.expected.kind == Expected::kDialog ? ViewFrame::Cursor::kArrow : ViewFrame::Cursor::kNone);
+    frame_.setCursor(question.expected.kind == Expected::kDialog ? ViewFrame::Cursor::kArrow
+                                                                 : ViewFrame::Cursor::kNone);
     const std::optional<std::wstring> line = waitForReply();
     if (line) {
         terminal_.prompt(question.prompt + *line + L"\n");

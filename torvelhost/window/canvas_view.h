@@ -1,9 +1,9 @@
 // The view: what a window shows, and what is done in it. It is the source of replies for the command loop and for every
 // prompt: next() hands over what the user does until a reply is there.
 //
-// It knows no toolkit, and it runs no command: clicks, menus, tabs and keys become lines of the script language, which are
-// recorded. The drawing is read in next() alone, and when a module asks for it with nothing open for write; in between
-// the picture stays.
+// It knows no toolkit, and it runs no command: clicks, menus, tabs and keys become lines of the script language, which
+// are recorded. The drawing is read in next() alone, and when a module asks for it with nothing open for write; in
+// between the picture stays.
 #pragma once
 
 #include <deque>
@@ -31,7 +31,8 @@ class CanvasView final : public ViewEvents, public ReplySource {
     /// Replies come from these scripts first. `ended` is called when they are through.
     void useScripts(ScriptReplies& scripts, std::function<void()> ended);
     Recording& recording() { return recording_; }
-    /// Events are a script's: a line for a dialog that does not suit throws ScriptError, with the place that this tells.
+    /// Events are a script's: a line for a dialog that does not suit throws ScriptError, with the place that this
+    /// tells.
     void useEventPlace(std::function<std::wstring()> place) { eventPlace_ = std::move(place); }
 
     /// Shows the drawing that the application has open, called `name`; empty: a new one.
@@ -136,19 +137,19 @@ class CanvasView final : public ViewEvents, public ReplySource {
     std::deque<Queued> queue_;
     std::wstring lastCommand_;
     std::optional<CanvasPoint> cursor_;
-    std::optional<CanvasPoint> pan_;       // where the middle button was pressed, or moved to since
-    std::optional<std::wstring> followed_;  // where a preview has followed the cursor to
+    std::optional<CanvasPoint> pan_;                   // where the middle button was pressed, or moved to since
+    std::optional<std::wstring> followed_;             // where a preview has followed the cursor to
     bool fromScript_ = false, lastWasDialog_ = false;  // the line given last
     std::function<std::wstring()> eventPlace_;
     double scale_ = 1;
     std::int64_t toldProgress_ = 0, redrawn_ = -1000;
     bool isOutdated_ = false;  // a module asked for the drawing to be shown as it is, and that was not done yet
 
-    std::wstring name_;                     // of the drawing; empty: it has none yet
+    std::wstring name_;  // of the drawing; empty: it has none yet
     std::vector<std::wstring> tabs_;
     std::size_t tab_ = 0;
     std::vector<std::wstring> recent_;
-    std::deque<MenuMeaning> requested_;     // until the command prompt
+    std::deque<MenuMeaning> requested_;  // until the command prompt
     std::optional<Opened> opened_;
     bool closing_ = false, finished_ = false, asking_ = false;
     int cancels_ = 0;

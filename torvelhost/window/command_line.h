@@ -1,5 +1,5 @@
-// The command line of a window: the prompt with its words, the line that is typed, those typed before, and how a line may
-// go on.
+// The command line of a window: the prompt with its words, the line that is typed, those typed before, and how a line
+// may go on.
 #pragma once
 
 #include <string>

@@ -60,14 +60,13 @@ class Words {
 };
 
 void takeModifiers(Words& words, WindowEvent& event) {
-    for (;;) {
+    for (;;)
         if (words.takeIf(L"shift"))
             event.shift = true;
         else if (words.takeIf(L"middle"))
             event.button = MouseButton::kMiddle;
         else
             break;
-    }
 }
 
 void takeText(Words& words, WindowEvent& event) {
@@ -84,14 +83,17 @@ struct Verb {
     WindowEvent::Kind kind;
 };
 constexpr std::array kVerbs = {
-    Verb{L"size", WindowEvent::kSize},     Verb{L"dpi", WindowEvent::kDpi},       Verb{L"move", WindowEvent::kMove},
-    Verb{L"click", WindowEvent::kClick},   Verb{L"right", WindowEvent::kRight},   Verb{L"double", WindowEvent::kDouble},
-    Verb{L"down", WindowEvent::kDown},     Verb{L"up", WindowEvent::kUp},         Verb{L"drag", WindowEvent::kDrag},
-    Verb{L"wheel", WindowEvent::kWheel},   Verb{L"type", WindowEvent::kType},     Verb{L"keys", WindowEvent::kKeys},
-    Verb{L"key", WindowEvent::kKey},       Verb{L"menu", WindowEvent::kMenu},     Verb{L"tab", WindowEvent::kTab},
-    Verb{L"word", WindowEvent::kWord},     Verb{L"drop", WindowEvent::kDrop},     Verb{L"close", WindowEvent::kClose},
-    Verb{L"dialog", WindowEvent::kDialog}, Verb{L"expect", WindowEvent::kExpect}, Verb{L"wait", WindowEvent::kWait},
-    Verb{L"picture", WindowEvent::kPicture},
+    Verb{L"size", WindowEvent::kSize},     Verb{L"dpi", WindowEvent::kDpi},
+    Verb{L"move", WindowEvent::kMove},     Verb{L"click", WindowEvent::kClick},
+    Verb{L"right", WindowEvent::kRight},   Verb{L"double", WindowEvent::kDouble},
+    Verb{L"down", WindowEvent::kDown},     Verb{L"up", WindowEvent::kUp},
+    Verb{L"drag", WindowEvent::kDrag},     Verb{L"wheel", WindowEvent::kWheel},
+    Verb{L"type", WindowEvent::kType},     Verb{L"keys", WindowEvent::kKeys},
+    Verb{L"key", WindowEvent::kKey},       Verb{L"menu", WindowEvent::kMenu},
+    Verb{L"tab", WindowEvent::kTab},       Verb{L"word", WindowEvent::kWord},
+    Verb{L"drop", WindowEvent::kDrop},     Verb{L"close", WindowEvent::kClose},
+    Verb{L"dialog", WindowEvent::kDialog}, Verb{L"expect", WindowEvent::kExpect},
+    Verb{L"wait", WindowEvent::kWait},     Verb{L"picture", WindowEvent::kPicture},
 };
 
 constexpr int kLargestCanvas = 20000;
@@ -152,8 +154,8 @@ void takeRest(Words& words, WindowEvent& event) {
             return takeExpectation(words, event);
         case WindowEvent::kPicture:
             takeText(words, event);
-            if (event.text.size() > 6 && base::equalsNoCase(std::wstring_view(event.text).substr(event.text.size() - 6),
-                                                            L" exact")) {
+            if (event.text.size() > 6 &&
+                base::equalsNoCase(std::wstring_view(event.text).substr(event.text.size() - 6), L" exact")) {
                 event.exact = true;
                 event.text = base::trimmed(std::wstring_view(event.text).substr(0, event.text.size() - 6));
             }

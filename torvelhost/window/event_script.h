@@ -20,8 +20,28 @@ struct EventPlace {
 
 struct WindowEvent {
     enum Kind {
-        kSize, kDpi, kMove, kClick, kRight, kDouble, kDown, kUp, kDrag, kWheel, kType, kKeys, kKey, kMenu, kTab, kWord,
-        kDrop, kClose, kDialog, kExpect, kWait, kPicture
+        kSize,
+        kDpi,
+        kMove,
+        kClick,
+        kRight,
+        kDouble,
+        kDown,
+        kUp,
+        kDrag,
+        kWheel,
+        kType,
+        kKeys,
+        kKey,
+        kMenu,
+        kTab,
+        kWord,
+        kDrop,
+        kClose,
+        kDialog,
+        kExpect,
+        kWait,
+        kPicture
     };
     Kind kind = kClose;
     std::vector<EventPlace> places;

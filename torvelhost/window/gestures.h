@@ -2,7 +2,8 @@
 //
 //   point                  a press is the point
 //   entity, nested         a press is a pick, or "none"
-//   set, command prompt    a click on an entity picks it; one beside all begins a window that the next click ends; so do
+//   set, command prompt    a click on an entity picks it; one beside all begins a window that the next click ends; so
+//   do
 //                          press, move and release. To the right: what lies wholly inside; to the left: what it meets.
 //                          Shift takes away. At the command prompt they make the set that the next command finds
 #pragma once

@@ -19,8 +19,8 @@ struct NamedKey {
     Key key;
 };
 constexpr std::array kKeys = {
-    NamedKey{L"Enter", Key::kEnter}, NamedKey{L"Escape", Key::kEscape}, NamedKey{L"Space", Key::kSpace},
-    NamedKey{L"Tab", Key::kTab},     NamedKey{L"Up", Key::kUp},         NamedKey{L"Down", Key::kDown},
+    NamedKey{L"Enter", Key::kEnter},   NamedKey{L"Escape", Key::kEscape}, NamedKey{L"Space", Key::kSpace},
+    NamedKey{L"Tab", Key::kTab},       NamedKey{L"Up", Key::kUp},         NamedKey{L"Down", Key::kDown},
     NamedKey{L"Delete", Key::kDelete}, NamedKey{L"F1", Key::kHelp},
 };
 
@@ -85,7 +85,8 @@ void HeadlessFrame::perform(const WindowEvent& event) {
                 return base::equalsNoCase(name, event.text);
             });
             if (found == names.end())
-                refuse(quoted(event.text) + (event.kind == WindowEvent::kTab ? L" is no tab" : L" is no word of the prompt"));
+                refuse(quoted(event.text) +
+                       (event.kind == WindowEvent::kTab ? L" is no tab" : L" is no word of the prompt"));
             const auto index = static_cast<std::size_t>(found - names.begin());
             return event.kind == WindowEvent::kTab ? events_->tabChosen(index) : events_->wordChosen(index);
         }
@@ -186,8 +187,7 @@ void HeadlessFrame::require(const wchar_t* what, const std::wstring& is, const s
 void HeadlessFrame::expect(const WindowEvent& event) {
     if (event.word == L"selected") {
         const auto count = static_cast<double>(view_->selectedCount());
-        if (count != event.number)
-            refuse(std::to_wstring(view_->selectedCount()) + L" are selected");
+        if (count != event.number) refuse(std::to_wstring(view_->selectedCount()) + L" are selected");
         return;
     }
     if (event.word == L"prompt") return require(L"the prompt", prompt_, event.text);

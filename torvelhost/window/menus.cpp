@@ -67,8 +67,7 @@ const std::vector<Titled>& table() {
           {L"&Burst", L"", L"Replaces references by what they show, values included", kCommand, L"Burst", true},
           kLine,
           {L"E&xtract...", L"", L"Writes attribute values into a file", kCommand, L"AttExt", true}}},
-        {L"&Help",
-         {{L"&Try a Text", L"", L"Asks for a text and prints it", kCommand, L"ElxTest", false}}},
+        {L"&Help", {{L"&Try a Text", L"", L"Asks for a text and prints it", kCommand, L"ElxTest", false}}},
     };
     return menus;
 }

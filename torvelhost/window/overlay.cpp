@@ -49,8 +49,8 @@ class Plain {
 
   private:
     std::uint32_t& at(int x, int y) {
-        return into_.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(into_.width) +
-                            static_cast<std::size_t>(x)];
+        return into_
+            .pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(into_.width) + static_cast<std::size_t>(x)];
     }
     PixelBuffer& into_;
 };

@@ -39,7 +39,8 @@ OdGeMatrix3d ViewMap::toPixels() {
 OdGePoint2d ViewMap::currentSpacePointAt(CanvasPoint at) {
     const View seen = view_.current();
     const double scale = view_.height() / seen.height;
-    return {seen.center.x + (at.x - view_.width() / 2.0) / scale, seen.center.y - (at.y - view_.height() / 2.0) / scale};
+    return {seen.center.x + (at.x - view_.width() / 2.0) / scale,
+            seen.center.y - (at.y - view_.height() / 2.0) / scale};
 }
 
 OdGePoint3d ViewMap::userPointAt(CanvasPoint at) {

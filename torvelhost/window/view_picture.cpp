@@ -1,4 +1,5 @@
-// The picture in the canvas, in layers: exact, marked, moved, shown; each is made of the one before when that has changed.
+// The picture in the canvas, in layers: exact, marked, moved, shown; each is made of the one before when that has
+// changed.
 #include "torvelhost/window/view_picture.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// The picture in the canvas: the drawing as the view shows it, exact, or moved while the view is; what is selected, under
-// the cursor or following it; and what is drawn over all.
+// The picture in the canvas: the drawing as the view shows it, exact, or moved while the view is; what is selected,
+// under the cursor or following it; and what is drawn over all.
 #pragma once
 
 #include <cstdint>
@@ -67,19 +67,19 @@ class ViewPicture {
     std::optional<Scene> scene_;
     int width_ = 0, height_ = 0;
 
-    PixelBuffer building_;          // the exact picture that is being made
+    PixelBuffer building_;            // the exact picture that is being made
     std::optional<Seen> buildingOf_;  // of what; nothing: none is
-    PixelBuffer exact_;             // the last one
-    std::optional<Seen> exactOf_;   // of what
-    PixelBuffer marked_;            // that with what is selected
-    PixelBuffer moved_;             // that, where the view has moved since
-    PixelBuffer shown_;             // all together
+    PixelBuffer exact_;               // the last one
+    std::optional<Seen> exactOf_;     // of what
+    PixelBuffer marked_;              // that with what is selected
+    PixelBuffer moved_;               // that, where the view has moved since
+    PixelBuffer shown_;               // all together
     std::optional<Seen> shownOf_;
-    bool stale_ = true;             // the drawing has changed since the exact picture
+    bool stale_ = true;  // the drawing has changed since the exact picture
     bool isMarked_ = false, isShown_ = false;
-    std::int64_t cost_ = 0;         // milliseconds of the last exact picture
-    std::int64_t spent_ = 0;        // of the one that is being made
-    std::int64_t disturbed_ = 0;    // when the user moved the view last
+    std::int64_t cost_ = 0;       // milliseconds of the last exact picture
+    std::int64_t spent_ = 0;      // of the one that is being made
+    std::int64_t disturbed_ = 0;  // when the user moved the view last
     std::optional<std::int64_t> due_;
     std::set<OdDbObjectId> hidden_;
     const Picture* slide_ = nullptr;
