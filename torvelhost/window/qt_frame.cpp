@@ -293,7 +293,11 @@ void QtFrame::open(ViewEvents& events) {
     events_ = &events;
     QMainWindow::show();
     activate();
-    QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents);  // so that it has its size
+    // The view shows a drawing in the size that there is.
+    QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents);
+    waiting_ = true;
+    tellSize();
+    waiting_ = false;
 }
 
 void QtFrame::activate() {
