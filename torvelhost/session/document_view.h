@@ -13,6 +13,8 @@ namespace host {
 struct View {
     OdGePoint2d center;
     double height = 1.0;
+
+    bool operator==(const View&) const = default;
 };
 
 class DocumentView {

@@ -17,11 +17,6 @@ constexpr std::chrono::milliseconds kSlice{8};
 
 }  // namespace
 
-bool ViewPicture::Seen::operator==(const Seen& other) const {
-    return space == other.space && viewport == other.viewport && view.center == other.view.center &&
-           view.height == other.view.height;
-}
-
 void ViewPicture::show(Application* application) {
     application_ = application;
     scene_.reset();
@@ -37,12 +32,22 @@ void ViewPicture::show(Application* application) {
     scene_.emplace(*session.document.database());
     if (width_ > 0) session.view.setSize(width_, height_);
     session.view.move(session.view.whole());
+    untouched_ = session.view.current();
 }
 
 void ViewPicture::resize(int width, int height) {
     width_ = std::max(width, 1);
     height_ = std::max(height, 1);
-    if (application_) application_->session()->view.setSize(width_, height_);
+    if (application_) {
+        DocumentView& view = application_->session()->view;
+        const View before = view.current();
+        view.setSize(width_, height_);
+        // Windows take their size in steps while they open.
+        if (before == untouched_) {
+            view.move(view.whole());
+            untouched_ = view.current();
+        }
+    }
     buildingOf_.reset();
     exactOf_.reset();
     isShown_ = false;

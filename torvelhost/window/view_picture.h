@@ -51,7 +51,7 @@ class ViewPicture {
     struct Seen {
         OdDbObjectId space, viewport;
         View view;
-        bool operator==(const Seen& other) const;
+        bool operator==(const Seen&) const = default;
     };
     Seen seenNow();
     void begin(const Seen& seen);
@@ -66,6 +66,7 @@ class ViewPicture {
     Application* application_ = nullptr;
     std::optional<Scene> scene_;
     int width_ = 0, height_ = 0;
+    View untouched_;  // the whole drawing, as it was shown first or after the last change of the canvas's size
 
     PixelBuffer building_;            // the exact picture that is being made
     std::optional<Seen> buildingOf_;  // of what; nothing: none is
