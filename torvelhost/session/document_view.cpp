@@ -90,9 +90,7 @@ bool DocumentView::setPrevious() {
 
 std::optional<OdGeExtents3d> DocumentView::extents() const { return extentsOfSpace(document_.activeSpaceId()); }
 
-View DocumentView::toPlot() {
-    return views_[currentSpaceId()].size() > 1 ? current() : whole();
-}
+View DocumentView::toPlot() { return views_[currentSpaceId()].size() > 1 ? current() : whole(); }
 
 View DocumentView::whole() {
     const auto box = extentsOfSpace(currentSpaceId());
