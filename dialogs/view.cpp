@@ -163,7 +163,9 @@ void View::userTyped(Control& field, const std::wstring& text) {
 
 void View::userChose(Control& list, int item) {
     const bool changes = list.selected != item;
-    recording().chooses(run_, list, item);
+    // A click on the row that is selected does nothing, and not every system tells of it.
+    const bool isIdle = !changes && list.kind() == ControlKind::kListView && run_.focus() == &list;
+    if (!isIdle) recording().chooses(run_, list, item);
     if (!goTo(list)) {
         if (!run_.hasEnded()) changed(list, Aspect::kSelection);
         return;

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/window/make_frame.h"
+#include "torvelhost/window/played_frame.h"
 
 namespace host {
 
@@ -11,10 +12,14 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
         auto headless = std::make_unique<HeadlessFrame>(readEvents(*options.events));
         headless_ = headless.get();
         frame_ = std::move(headless);
-    } else {
+    }
+    if (options.view) {
         std::wstring reason;
-        frame_ = makeViewFrame(reason);
-        if (!frame_) throw UsageError("--view: " + base::toUtf8(reason));
+        std::unique_ptr<ViewFrame> window = makeViewFrame(reason);
+        if (!window) throw UsageError("--view: " + base::toUtf8(reason));
+        if (headless_) script_ = std::exchange(frame_, nullptr);
+        frame_ = headless_ ? PlayedFrame::make(std::move(window), *headless_) : std::move(window);
+        if (!frame_) throw UsageError("--view: events cannot work this window; give --events alone");
     }
     view_ = std::make_unique<CanvasView>(*frame_, terminal);
     if (options.record) view_->recording().open(*options.record);
@@ -33,7 +38,7 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
     } else {
         dialogLines_ = std::make_unique<DialogLines>(*view_, terminal);
     }
-    dialogs::useForms(*dialogLines_);
+    if (!script_ || !dialogs::useWindows(dialogLines_.get())) dialogs::useForms(*dialogLines_);
 }
 
 ViewWindow::~ViewWindow() {

@@ -32,6 +32,7 @@ class ViewWindow {
     };
     void useWindows();
 
+    std::unique_ptr<ViewFrame> script_;  // the headless frame, where another one does what it says
     std::unique_ptr<ViewFrame> frame_;
     HeadlessFrame* headless_ = nullptr;
     std::unique_ptr<CanvasView> view_;

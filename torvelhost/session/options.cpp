@@ -98,7 +98,7 @@ const char kUsage[] =
     "      --profile FILE      the settings store (default: the user's own)\n"
     "      --windows           show dialogs as windows (on Windows the default without a script)\n"
     "      --view              open a window with the drawing; -s and -c run in it first, -o and -p hold at its end\n"
-    "      --events FILE       work that window by a script of events, without a screen\n"
+    "      --events FILE       work that window by a script of events, without a screen unless there is --view\n"
     "      --record FILE       write what is done in the window as a script\n"
     "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
     "  --help  --version\n"

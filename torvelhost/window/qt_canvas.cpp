@@ -103,7 +103,7 @@ void QtCanvas::resizeEvent(QResizeEvent*) { onResized(); }
 
 CanvasPoint QtCanvas::pixelAt(const QPointF& place) const {
     const double scale = devicePixelRatioF();
-    return {std::floor(place.x() * scale), std::floor(place.y() * scale)};
+    return {place.x() * scale, place.y() * scale};
 }
 
 void QtCanvas::mouseMoveEvent(QMouseEvent* event) {

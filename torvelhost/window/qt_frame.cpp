@@ -5,6 +5,7 @@
 // stands in a row until the view waits again. Exceptions must not pass through Qt; they are kept, and thrown again
 // where the view waits.
 #include <chrono>
+#include <cmath>
 #include <deque>
 #include <exception>
 #include <functional>
@@ -28,11 +29,14 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <QWheelEvent>
+#include <QWindow>
 #include <utility>
 
 #include "dialogs/qt/qt_text.h"
 #include "dialogs/qt/screen.h"
 #include "torvelhost/window/qt_canvas.h"
+#include "torvelhost/window/window_hand.h"
 
 namespace host {
 namespace {
@@ -112,7 +116,7 @@ bool haveSameTexts(const std::vector<Menu>& a, const std::vector<Menu>& b) {
     });
 }
 
-class QtFrame final : public QMainWindow, public ViewFrame {
+class QtFrame final : public QMainWindow, public ViewFrame, public WindowHand {
   public:
     QtFrame();
     ~QtFrame() override { qApp->removeEventFilter(this); }
@@ -141,6 +145,24 @@ class QtFrame final : public QMainWindow, public ViewFrame {
     void* nativeWindow() override { return static_cast<QWidget*>(this); }
     void activate() override;
 
+    /// ---- as a hand works it
+    void resizeCanvas(int width, int height) override;
+    void mouse(Mouse what, MouseButton button, CanvasPoint at, bool shift) override;
+    void leaveCanvas() override;
+    void turnWheel(double notches, CanvasPoint at) override;
+    void pressKey(Key key) override;
+    void pressBackspace() override { send(QKeyEvent(QEvent::KeyPress, Qt::Key_Backspace, Qt::NoModifier)); }
+    void type(wchar_t character) override;
+    void enterText(const std::wstring& text) override;
+    std::wstring commandText() const override { return fromQt(line_.text()); }
+    void chooseEntry(const std::wstring& path) override;
+    void clickTab(std::size_t index) override;
+    void clickWord(std::size_t index) override;
+    void dropFile(const std::wstring& path) override;
+    void clickClose() override {
+        work([this] { close(); });
+    }
+
   private:
     using Action = QtCanvas::Action;
 
@@ -151,6 +173,11 @@ class QtFrame final : public QMainWindow, public ViewFrame {
     /// ---- handing over
     void handOver(const Action& action);
     void doNow(const Action& action);
+    /// Does what a hand would, and hands it over.
+    void work(const std::function<void()>& deed);
+    void send(QEvent&& event);
+    template <class MakeEvent>
+    void sendAt(CanvasPoint at, MakeEvent makeEvent);
     bool mustWait() const { return !waiting_ || doing_ || handedOver_ || !row_.empty(); }
 
     /// ---- events, before the widgets get them. True: the event is done with
@@ -185,6 +212,7 @@ class QtFrame final : public QMainWindow, public ViewFrame {
     QSize toldSize_;
     double toldScale_ = 0;
     std::exception_ptr failure_;
+    Qt::MouseButtons held_;  // by a hand that a script moves
 };
 
 // ---- making it
@@ -541,6 +569,125 @@ void QtFrame::addHistory(const std::wstring& text) {
     end.insertText(added);
     QScrollBar* const bar = history_.verticalScrollBar();
     bar->setValue(bar->maximum());
+}
+
+// ---- as a hand works it
+
+void QtFrame::work(const std::function<void()>& deed) {
+    const bool wasWaiting = std::exchange(waiting_, true);
+    const bool wasDoing = std::exchange(doing_, false);
+    handedOver_ = false;
+    deed();
+    waiting_ = wasWaiting;
+    doing_ = wasDoing;
+    if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
+}
+
+// Through the window, as events of the system come.
+void QtFrame::send(QEvent&& event) {
+    work([&] { QCoreApplication::sendEvent(windowHandle(), &event); });
+}
+
+void QtFrame::resizeCanvas(int width, int height) {
+    const QSize wanted = (QSizeF(width, height) / devicePixelRatioF()).toSize();
+    if (canvas_.size() == wanted) return;
+    work([&] {
+        resize(size() + wanted - canvas_.size());
+        QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents);
+        tellSize();
+    });
+}
+
+void QtFrame::mouse(Mouse what, MouseButton button, CanvasPoint at, bool shift) {
+    constexpr Qt::MouseButton kButtons[] = {Qt::LeftButton, Qt::MiddleButton, Qt::RightButton};
+    constexpr QEvent::Type kTypes[] = {QEvent::MouseMove, QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                       QEvent::MouseButtonDblClick};
+    const Qt::MouseButton pressed = kButtons[static_cast<int>(button)];
+    if (what == Mouse::kPress || what == Mouse::kDoubleClick) held_ |= pressed;
+    if (what == Mouse::kRelease) held_ &= ~pressed;
+    sendAt(at, [&](const QPointF& place) {
+        return QMouseEvent(kTypes[static_cast<int>(what)], place, mapToGlobal(place),
+                           what == Mouse::kMove ? Qt::NoButton : pressed, held_,
+                           shift ? Qt::ShiftModifier : Qt::NoModifier);
+    });
+}
+
+// Windows round what lies between two pixels, where no hand comes but a script does.
+template <class MakeEvent>
+void QtFrame::sendAt(CanvasPoint at, MakeEvent makeEvent) {
+    const QPointF place = QPointF(at.x, at.y) / devicePixelRatioF();
+    const QPointF inWindow = canvas_.mapTo(this, place);
+    if (inWindow == inWindow.toPoint()) return send(makeEvent(inWindow));
+    auto event = makeEvent(place);
+    work([&] { QCoreApplication::sendEvent(&canvas_, &event); });
+}
+
+void QtFrame::leaveCanvas() {
+    work([this] {
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(&canvas_, &leave);
+    });
+}
+
+void QtFrame::turnWheel(double notches, CanvasPoint at) {
+    constexpr int kNotch = 120;
+    sendAt(at, [&](const QPointF& place) {
+        return QWheelEvent(place, mapToGlobal(place), {}, {0, static_cast<int>(std::lround(notches * kNotch))},
+                           Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    });
+}
+
+void QtFrame::pressKey(Key key) {
+    const auto* const known =
+        std::ranges::find_if(kKeys, [key](const auto& candidate) { return candidate.key == key; });
+    send(
+        QKeyEvent(QEvent::KeyPress, known->code, Qt::NoModifier, key == Key::kSpace ? QStringLiteral(" ") : QString()));
+}
+
+void QtFrame::type(wchar_t character) {
+    send(QKeyEvent(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, toQt({&character, 1})));
+}
+
+void QtFrame::enterText(const std::wstring& text) {
+    work([&] {
+        line_.setFocus(Qt::OtherFocusReason);
+        line_.selectAll();
+        QInputMethodEvent composed;
+        composed.setCommitString(toQt(text));
+        QCoreApplication::sendEvent(&line_, &composed);
+    });
+}
+
+void QtFrame::chooseEntry(const std::wstring& path) {
+    std::size_t next = 0;
+    for (const Menu& menu : menus_)
+        for (const MenuEntry& entry : menu.entries) {
+            if (entry.text.empty()) continue;
+            QAction* const action = actions_[next++];
+            if (entry.path == path) return work([action] { action->trigger(); });
+        }
+}
+
+void QtFrame::clickTab(std::size_t index) {
+    const QPointF place = tabs_.mapTo(this, QPointF(tabs_.tabRect(static_cast<int>(index)).center()));
+    send(QMouseEvent(QEvent::MouseButtonPress, place, mapToGlobal(place), Qt::LeftButton, Qt::LeftButton, {}));
+    send(QMouseEvent(QEvent::MouseButtonRelease, place, mapToGlobal(place), Qt::LeftButton, {}, {}));
+}
+
+void QtFrame::clickWord(std::size_t index) {
+    work([&] { emit prompt_.linkActivated(QString::number(index)); });
+}
+
+void QtFrame::dropFile(const std::wstring& path) {
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(toQt(path))});
+    const QPoint place = canvas_.mapTo(this, canvas_.rect().center());
+    work([&] {
+        QDragEnterEvent enter(place, Qt::CopyAction, &files, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(this, &enter);
+        QDropEvent drop(QPointF(place), Qt::CopyAction, &files, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(this, &drop);
+    });
 }
 
 }  // namespace
