@@ -33,7 +33,7 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
     });
     if (headless_) {
         headless_->work(*view_);
-        view_->useEventPlace([this] { return headless_->place(); });
+        view_->useEventLines({[this] { return headless_->place(); }, [this] { return headless_->peekDialogLine(); }});
         dialogLines_ = std::make_unique<EventDialogLines>(*view_, terminal);
     } else {
         dialogLines_ = std::make_unique<DialogLines>(*view_, terminal);

@@ -71,6 +71,16 @@ class WhileAsking {
 
 bool isViewport(OdDbObjectId id) { return id.isKindOf(OdDbViewport::desc()); }
 
+// Through a viewport other things are seen: it is met at its border.
+bool isInsideViewport(OdDbObjectId id, const Rectangle& box) {
+    const auto viewport = id.openIf<OdDbViewport>();
+    if (!viewport) return false;
+    const OdGePoint2d middle = viewport->centerPoint().xy();
+    const OdGeVector2d half(viewport->width() / 2, viewport->height() / 2);
+    return box.low.x > middle.x - half.x && box.high.x < middle.x + half.x && box.low.y > middle.y - half.y &&
+           box.high.y < middle.y + half.y;
+}
+
 bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle,
                             drawingdb::LayerStates& layers) {
     for (OdDbObjectId id : reference.attributes()) {
@@ -99,7 +109,9 @@ OdDbObjectId Selection::entityAt(const OdGePoint3d& point) { return entityIn(pic
 
 OdDbObjectId Selection::entityIn(const Rectangle& box) {
     const Entities found = entitiesIn(box, true);
-    return found.empty() ? OdDbObjectId() : found.back();
+    const auto top =
+        std::find_if_not(found.rbegin(), found.rend(), [&box](OdDbObjectId id) { return isInsideViewport(id, box); });
+    return top == found.rend() ? OdDbObjectId() : *top;
 }
 
 // Made anew after every change of the drawing, for whoever picks in it.

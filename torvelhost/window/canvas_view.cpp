@@ -94,7 +94,13 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     commandLine_.rest();
     frame_.setTip(L"", {});
     frame_.setCursor(ViewFrame::Cursor::kWait);
+    if (before) commandLine_.ask(*before);
     return line;
+}
+
+std::optional<std::wstring> CanvasView::peek() {
+    if (scripts_) return scripts_->peek();
+    return eventLines_ ? eventLines_->peek() : std::nullopt;
 }
 
 std::optional<std::wstring> CanvasView::waitForReply() {
@@ -146,7 +152,7 @@ void CanvasView::record(const std::wstring& line) {
 
 void CanvasView::refused(const std::wstring& why) {
     if (fromScript_ && scripts_) scripts_->refused(why);
-    if (eventPlace_ && lastWasDialog_) throw ScriptError(base::toUtf8(eventPlace_() + L": " + why));
+    if (eventLines_ && lastWasDialog_) throw ScriptError(base::toUtf8(eventLines_->place() + L": " + why));
     recording_.takeBack();
 }
 
@@ -228,7 +234,7 @@ void CanvasView::mouseReleased(MouseButton button, CanvasPoint at, bool shift) {
 void CanvasView::mouseDoubleClicked(MouseButton button, CanvasPoint at, bool) {
     cursor_ = at;
     if (button == MouseButton::kMiddle && session_) {
-        session_->view.move(session_->view.whole());
+        picture_.showWhole();
         picture_.disturb();
     }
     if (!question_ || isAsked(Expected::kDialog)) return;

@@ -31,9 +31,13 @@ class CanvasView final : public ViewEvents, public ReplySource {
     /// Replies come from these scripts first. `ended` is called when they are through.
     void useScripts(ScriptReplies& scripts, std::function<void()> ended);
     Recording& recording() { return recording_; }
-    /// Events are a script's: a line for a dialog that does not suit throws ScriptError, with the place that this
-    /// tells.
-    void useEventPlace(std::function<std::wstring()> place) { eventPlace_ = std::move(place); }
+    /// Where events are a script's: the place of the one that is under way, which ScriptError names for a line that
+    /// does not suit a dialog; and the next line for a dialog, where that is the next event.
+    struct EventLines {
+        std::function<std::wstring()> place;
+        std::function<std::optional<std::wstring>()> peek;
+    };
+    void useEventLines(EventLines lines) { eventLines_ = std::move(lines); }
 
     /// Shows the drawing that the application has open, called `name`; empty: a new one.
     void show(Application& application, const std::wstring& name);
@@ -55,7 +59,7 @@ class CanvasView final : public ViewEvents, public ReplySource {
 
     // ---- the source of replies
     std::optional<std::wstring> next(const Question& question) override;
-    std::optional<std::wstring> peek() override { return scripts_ ? scripts_->peek() : std::nullopt; }
+    std::optional<std::wstring> peek() override;
     void refused(const std::wstring& why) override;
     std::wstring place() const override { return scripts_ ? scripts_->place() : L""; }
     bool isScript() const override { return scripts_ && scripts_->peek(); }
@@ -140,7 +144,7 @@ class CanvasView final : public ViewEvents, public ReplySource {
     std::optional<CanvasPoint> pan_;                   // where the middle button was pressed, or moved to since
     std::optional<std::wstring> followed_;             // where a preview has followed the cursor to
     bool fromScript_ = false, lastWasDialog_ = false;  // the line given last
-    std::function<std::wstring()> eventPlace_;
+    std::optional<EventLines> eventLines_;
     double scale_ = 1;
     std::int64_t toldProgress_ = 0, redrawn_ = -1000;
     bool isOutdated_ = false;  // a module asked for the drawing to be shown as it is, and that was not done yet

@@ -32,7 +32,22 @@ void HeadlessFrame::refuse(const std::wstring& why) const { throw ScriptError(ba
 
 void HeadlessFrame::open(ViewEvents& events) {
     events_ = &events;
+    // The size that the script begins with is that of the window.
+    for (; done_ < script_.size(); ++done_) {
+        const WindowEvent& event = script_[done_];
+        if (event.kind == WindowEvent::kSize)
+            setSize(event);
+        else if (event.kind == WindowEvent::kDpi)
+            scale_ = event.number / 96;
+        else
+            break;
+    }
     events.resized(width_, height_, scale_);
+}
+
+void HeadlessFrame::setSize(const WindowEvent& event) {
+    width_ = static_cast<int>(event.number);
+    height_ = static_cast<int>(event.second);
 }
 
 void HeadlessFrame::waitForEvents(std::optional<std::int64_t>) {
@@ -40,6 +55,11 @@ void HeadlessFrame::waitForEvents(std::optional<std::int64_t>) {
     const WindowEvent& event = script_[done_++];
     place_ = event.place;
     perform(event);
+}
+
+std::optional<std::wstring> HeadlessFrame::peekDialogLine() const {
+    const bool isNext = done_ < script_.size() && script_[done_].kind == WindowEvent::kDialog;
+    return isNext ? std::optional(script_[done_].text) : std::nullopt;
 }
 
 void HeadlessFrame::showPicture(const PixelBuffer& picture, const PixelRectangle&) { picture_ = picture; }
@@ -62,8 +82,7 @@ void HeadlessFrame::perform(const WindowEvent& event) {
     if (!looks && view_->isInDialog()) refuse(quoted(dialogs::openTitle()) + L" is open: a line with dialog is wanted");
     switch (event.kind) {
         case WindowEvent::kSize:
-            width_ = static_cast<int>(event.number);
-            height_ = static_cast<int>(event.second);
+            setSize(event);
             return events_->resized(width_, height_, scale_);
         case WindowEvent::kDpi:
             scale_ = event.number / 96;

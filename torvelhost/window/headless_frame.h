@@ -18,6 +18,8 @@ class HeadlessFrame final : public ViewFrame {
     void work(CanvasView& view) { view_ = &view; }
     /// Of the event that is under way.
     const std::wstring& place() const { return place_; }
+    /// The line of the next event, when it is one for a dialog.
+    std::optional<std::wstring> peekDialogLine() const;
 
     void open(ViewEvents& events) override;
     /// One event. Throws ScriptError for one that does not fit.
@@ -42,6 +44,7 @@ class HeadlessFrame final : public ViewFrame {
   private:
     [[noreturn]] void refuse(const std::wstring& why) const;
     void perform(const WindowEvent& event);
+    void setSize(const WindowEvent& event);
     void mouse(const WindowEvent& event);
     void type(const std::wstring& text);
     void key(const std::wstring& name);

@@ -22,6 +22,7 @@ void ViewPicture::show(Application* application) {
     scene_.reset();
     buildingOf_.reset();
     exactOf_.reset();
+    whole_.reset();
     hidden_.clear();
     marks_ = {};
     slide_ = nullptr;
@@ -31,22 +32,23 @@ void ViewPicture::show(Application* application) {
     Application::Session& session = *application->session();
     scene_.emplace(*session.document.database());
     if (width_ > 0) session.view.setSize(width_, height_);
-    session.view.move(session.view.whole());
-    untouched_ = session.view.current();
+    showWhole();
+}
+
+void ViewPicture::showWhole() {
+    DocumentView& view = application_->session()->view;
+    view.move(view.whole());
+    whole_ = seenNow();
 }
 
 void ViewPicture::resize(int width, int height) {
     width_ = std::max(width, 1);
     height_ = std::max(height, 1);
     if (application_) {
-        DocumentView& view = application_->session()->view;
-        const View before = view.current();
-        view.setSize(width_, height_);
-        // Windows take their size in steps while they open.
-        if (before == untouched_) {
-            view.move(view.whole());
-            untouched_ = view.current();
-        }
+        // What showed all there is goes on to do so: windows take their size in steps while they open.
+        const bool isWhole = whole_ && *whole_ == seenNow();
+        application_->session()->view.setSize(width_, height_);
+        if (isWhole) showWhole();
     }
     buildingOf_.reset();
     exactOf_.reset();

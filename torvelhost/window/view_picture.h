@@ -21,6 +21,9 @@ class ViewPicture {
     void show(Application* application);
     void resize(int width, int height);
 
+    /// All there is in the current space, also when the canvas gets another size.
+    void showWhole();
+
     /// Looks at the drawing again: to be called with nothing open for write.
     void update();
     /// What stands out in it. The entities of the preview may lie in no drawing.
@@ -66,7 +69,6 @@ class ViewPicture {
     Application* application_ = nullptr;
     std::optional<Scene> scene_;
     int width_ = 0, height_ = 0;
-    View untouched_;  // the whole drawing, as it was shown first or after the last change of the canvas's size
 
     PixelBuffer building_;            // the exact picture that is being made
     std::optional<Seen> buildingOf_;  // of what; nothing: none is
@@ -76,7 +78,8 @@ class ViewPicture {
     PixelBuffer moved_;               // that, where the view has moved since
     PixelBuffer shown_;               // all together
     std::optional<Seen> shownOf_;
-    bool stale_ = true;  // the drawing has changed since the exact picture
+    std::optional<Seen> whole_;  // the view that shows all there is
+    bool stale_ = true;          // the drawing has changed since the exact picture
     bool isMarked_ = false, isShown_ = false;
     std::int64_t cost_ = 0;       // milliseconds of the last exact picture
     std::int64_t spent_ = 0;      // of the one that is being made
