@@ -3,6 +3,7 @@
 #include "torvelcmd2/attmanager/select_attributed_block.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/attributes/multiline_editing.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"
 #include "torvelcmd2/resources/resource.h"
 
@@ -13,8 +14,7 @@ enum class Implied { kElsewhere = 1, kAttribute = 2, kNothing = 3 };
 
 // Whether the selection made before is one attribute of a reference in the space where the user draws.
 Implied impliedAttribute(OdDbObjectId& attribute, OdDbObjectId& blockRef, OdDbDatabase& database) {
-    OdDbObjectIdArray selected;
-    if (auto* const pickFirst = hostService(hostapi::getPickFirst)) pickFirst(selected);
+    const OdDbObjectIdArray selected = pickFirst();
     if (selected.size() != 1 || !selected.front().isKindOf(OdDbAttribute::desc())) return Implied::kNothing;
     const OdDbObjectId owner = selected.front().containerId();
     if (!owner.isKindOf(OdDbBlockReference::desc())) return Implied::kElsewhere;

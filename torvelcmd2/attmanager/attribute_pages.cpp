@@ -51,16 +51,15 @@ void AttributePage::reload() {
 
 void AttributePage::write(const Change& change) {
     editor().beforeWrite();
-    change(*openForWrite(editor().current()));
+    change(*editor().current().openAs<OdDbAttributeText>(OdDb::forWrite));
     editor().attributeChanged();
 }
 
 void AttributePage::writeMultiLine(const std::function<void(OdDbMText&, OdDbAttributeText&)>& change) {
     write([&](OdDbAttributeText& attribute) {
-        const OdSmartPtr<OdDbMText> lines = multiLineText(attribute);
+        const OdSmartPtr<OdDbMText> lines = attribute.mtextCopy();
         change(*lines, attribute);
-        setMultiLineText(attribute, *lines);
-        updateMultiLineText(attribute);
+        attribute.setMText(*lines);
     });
 }
 
@@ -230,9 +229,8 @@ PropertiesPage::PropertiesPage(AttributeEditor& editor)
     OdDbDatabase& database = editor.database();
     fillLayers(*this, IDC_PROPERTIES_LAYER, database);
     fillLinetypes(*this, IDC_PROPERTIES_LINETYPE, database);
-    // Without the blank that colours and lineweights have.
-    addChoice(IDC_PROPERTIES_PLOT_STYLE, L"ByLayer", kPlotStyleByLayer);
-    addChoice(IDC_PROPERTIES_PLOT_STYLE, L"ByBlock", kPlotStyleByBlock);
+    addChoice(IDC_PROPERTIES_PLOT_STYLE, kPlotsByLayer, kPlotStyleByLayer);
+    addChoice(IDC_PROPERTIES_PLOT_STYLE, kPlotsByBlock, kPlotStyleByBlock);
     int data = kFirstPlotStyleName;
     for (const OdString& name : hostPlotStyleNames(database)) addChoice(IDC_PROPERTIES_PLOT_STYLE, name, data++);
 }
@@ -242,17 +240,7 @@ void PropertiesPage::showAttribute(const OdDbAttributeText& attribute) {
     selectName(*this, IDC_PROPERTIES_LINETYPE, attribute.linetype());
     color_.setColor(attribute.color());
     lineWeight_.setLineWeight(attribute.lineweight());
-    switch (drawingdb::plotStyleOf(attribute).kind) {
-        case drawingdb::PlotStyleKind::kByLayer:
-            select(IDC_PROPERTIES_PLOT_STYLE, kPlotStyleByLayer);
-            break;
-        case drawingdb::PlotStyleKind::kByBlock:
-            select(IDC_PROPERTIES_PLOT_STYLE, kPlotStyleByBlock);
-            break;
-        default:
-            selectName(*this, IDC_PROPERTIES_PLOT_STYLE, drawingdb::plotStyleName(attribute));
-            break;
-    }
+    selectName(*this, IDC_PROPERTIES_PLOT_STYLE, plotStyleText(attribute));
     for (const int control : {IDC_PROPERTIES_LAYER, IDC_PROPERTIES_LINETYPE, IDC_PROPERTIES_COLOR})
         enableUnlessLocked(control);
     const bool held = drawingdb::holdsPlotStyles(editor().database());

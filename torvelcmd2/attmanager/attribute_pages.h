@@ -1,11 +1,7 @@
 // The pages that edit an attribute of a reference, or an attribute definition of a block, while it is seen: what the
 // user changes is in the drawing at once.
-//
-//     class CEAttRefEditTextOptPage final : public OfReference<TextOptionsPage> { ... };
-//
-// The pages work on what attributes and definitions have in common. OfReference and OfDefinition answer the few
-// questions in which the two differ. An editor is the dialog around them: it says which attribute is current, and hears
-// of every write.
+// The pages work on what attributes and definitions have in common. An editor is the dialog around them: it says which
+// attribute is current, and hears of every write.
 #pragma once
 
 #include <functional>
@@ -90,19 +86,12 @@ class AttributePage : public EditorPage {
     /// As write, to the multi-line text of the attribute, which must have one.
     void writeMultiLine(const std::function<void(OdDbMText&, OdDbAttributeText&)>& change);
     virtual void showAttribute(const OdDbAttributeText& attribute) = 0;
-
-    // ---- in which attributes and definitions differ
-    virtual OdSmartPtr<OdDbAttributeText> openForWrite(OdDbObjectId id) const = 0;
-    /// A copy; null for a single line.
-    virtual OdSmartPtr<OdDbMText> multiLineText(const OdDbAttributeText& attribute) const = 0;
-    virtual void setMultiLineText(OdDbAttributeText& attribute, const OdDbMText& text) const = 0;
-    virtual void updateMultiLineText(OdDbAttributeText& attribute) const = 0;
 };
 
 /// Text style, justification, mirrored bits, and the five numbers. Each number is checked and written when its field is
 /// left.
-class TextOptionsPage : public AttributePage {
-  protected:
+class TextOptionsPage final : public AttributePage {
+  public:
     explicit TextOptionsPage(AttributeEditor& editor);
 
   private:
@@ -120,8 +109,8 @@ class TextOptionsPage : public AttributePage {
 };
 
 /// Layer, linetype, colour, lineweight and plot style. Each choice is written at once.
-class PropertiesPage : public AttributePage {
-  protected:
+class PropertiesPage final : public AttributePage {
+  public:
     explicit PropertiesPage(AttributeEditor& editor);
 
   private:
@@ -141,65 +130,10 @@ class PropertiesPage : public AttributePage {
     CEditPropContainer typed_;
 };
 
-/// A page of attributes of references.
-template <class Page>
-class OfReference : public Page {
-  protected:
-    using Page::Page;
-
-  private:
-    static OdDbAttribute& attributeOf(OdDbAttributeText& text) { return static_cast<OdDbAttribute&>(text); }
-    OdSmartPtr<OdDbAttributeText> openForWrite(OdDbObjectId id) const override {
-        return id.openAs<OdDbAttribute>(OdDb::forWrite);
-    }
-    OdSmartPtr<OdDbMText> multiLineText(const OdDbAttributeText& text) const override {
-        return static_cast<const OdDbAttribute&>(text).getMTextAttribute();
-    }
-    void setMultiLineText(OdDbAttributeText& text, const OdDbMText& lines) const override {
-        attributeOf(text).setMTextAttribute(lines);
-    }
-    void updateMultiLineText(OdDbAttributeText& text) const override { attributeOf(text).updateMTextAttribute(); }
-};
-
-/// A page of attribute definitions of blocks.
-template <class Page>
-class OfDefinition : public Page {
-  protected:
-    using Page::Page;
-
-  private:
-    static OdDbAttributeDefinition& definitionOf(OdDbAttributeText& text) {
-        return static_cast<OdDbAttributeDefinition&>(text);
-    }
-    OdSmartPtr<OdDbAttributeText> openForWrite(OdDbObjectId id) const override {
-        return id.openAs<OdDbAttributeDefinition>(OdDb::forWrite);
-    }
-    OdSmartPtr<OdDbMText> multiLineText(const OdDbAttributeText& text) const override {
-        return static_cast<const OdDbAttributeDefinition&>(text).getMTextAttributeDefinition();
-    }
-    void setMultiLineText(OdDbAttributeText& text, const OdDbMText& lines) const override {
-        definitionOf(text).setMTextAttributeDefinition(lines);
-    }
-    void updateMultiLineText(OdDbAttributeText& text) const override {
-        definitionOf(text).updateMTextAttributeDefinition();
-    }
-};
-
-class CEAttRefEditTextOptPage final : public OfReference<TextOptionsPage> {
-  public:
-    explicit CEAttRefEditTextOptPage(AttributeEditor& editor) : OfReference(editor) {}
-};
-class CEAttRefEditPropertiesPage final : public OfReference<PropertiesPage> {
-  public:
-    explicit CEAttRefEditPropertiesPage(AttributeEditor& editor) : OfReference(editor) {}
-};
-class CAttDefEditTextOptPage final : public OfDefinition<TextOptionsPage> {
-  public:
-    explicit CAttDefEditTextOptPage(AttributeEditor& editor) : OfDefinition(editor) {}
-};
-class CAttDefEditPropertiesPage final : public OfDefinition<PropertiesPage> {
-  public:
-    explicit CAttDefEditPropertiesPage(AttributeEditor& editor) : OfDefinition(editor) {}
-};
+/// Under the names that they have in the two editors.
+using CEAttRefEditTextOptPage = TextOptionsPage;
+using CEAttRefEditPropertiesPage = PropertiesPage;
+using CAttDefEditTextOptPage = TextOptionsPage;
+using CAttDefEditPropertiesPage = PropertiesPage;
 
 }  // namespace torvel

@@ -7,6 +7,7 @@
 #include "torvelcmd2/attmanager/batt_man_dialog.h"
 #include "torvelcmd2/attmanager/select_attributed_block.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
@@ -23,8 +24,7 @@ std::vector<AttributedBlock> blocksToManage(const OdDbDatabase& database) {
 
 // Of the reference that was selected first before the command; null when it is none with attributes.
 OdDbObjectId impliedBlock() {
-    OdDbObjectIdArray selected;
-    if (auto* const pickFirst = hostService(hostapi::getPickFirst)) pickFirst(selected);
+    const OdDbObjectIdArray selected = pickFirst();
     if (selected.empty() || !blockHasAttributes(selected.front(), false)) return {};
     const OdDbObjectId block = OdDbBlockReference::blockTableRecordOf(selected.front());
     return isExternal(block) ? OdDbObjectId() : block;

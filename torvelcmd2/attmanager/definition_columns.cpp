@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include "base/text.h"
-#include "drawingdb/plot_style.h"
 #include "drawingdb/symbol_table.h"
 #include "torvelcmd2/attmanager/property_controls.h"
 #include "torvelcmd2/attributes/justification.h"
@@ -53,17 +52,6 @@ OdString linetypeName(const OdDbAttributeDefinition& definition) {
     return linetype ? linetype->name() : name;
 }
 
-OdString plotStyleText(const OdDbAttributeDefinition& definition) {
-    switch (drawingdb::plotStyleOf(definition).kind) {
-        case drawingdb::PlotStyleKind::kByLayer:
-            return L"ByLayer";
-        case drawingdb::PlotStyleKind::kByBlock:
-            return L"ByBlock";
-        default:
-            return drawingdb::plotStyleName(definition);
-    }
-}
-
 constexpr DefinitionColumn kColumns[] = {
     {IDS_COLUMN_TAG, IDS_UNREAD_TAG, [](const OdDbAttributeDefinition& d) { return d.tag(); }},
     {IDS_COLUMN_PROMPT, IDS_UNREAD_PROMPT, [](const OdDbAttributeDefinition& d) { return d.prompt(); }},
@@ -86,7 +74,7 @@ constexpr DefinitionColumn kColumns[] = {
      [](const OdDbAttributeDefinition& d) { return COdColorProperty().toText(d.color()); }},
     {IDS_COLUMN_LINEWEIGHT, IDS_UNREAD_LINEWEIGHT,
      [](const OdDbAttributeDefinition& d) { return CTLineWeightProperty().toText(d.lineweight()); }},
-    {IDS_COLUMN_PLOTSTYLE, IDS_UNREAD_PLOTSTYLE, plotStyleText},
+    {IDS_COLUMN_PLOTSTYLE, IDS_UNREAD_PLOTSTYLE, [](const OdDbAttributeDefinition& d) { return plotStyleText(d); }},
 };
 
 }  // namespace

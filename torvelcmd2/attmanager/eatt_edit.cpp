@@ -4,14 +4,14 @@
 #include "torvelcmd2/attmanager/eatt_edit_dialog.h"
 #include "torvelcmd2/attmanager/select_attributed_block.h"
 #include "torvelcmd2/attributes/attributed_blocks.h"
+#include "torvelcmd2/frame/ask.h"
 
 namespace torvel {
 namespace {
 
 // The first object selected before, when its attributes can be edited.
 OdDbObjectId impliedReference() {
-    OdDbObjectIdArray selected;
-    if (auto* const pickFirst = hostService(hostapi::getPickFirst)) pickFirst(selected);
+    const OdDbObjectIdArray selected = pickFirst();
     return !selected.empty() && blockHasAttributes(selected.front(), true) ? selected.front() : OdDbObjectId();
 }
 

@@ -7,6 +7,7 @@
 #include "torvelcmd2/attributes/attributed_blocks.h"
 #include "torvelcmd2/attributes/multiline_editing.h"
 #include "torvelcmd2/attributes/prompts.h"
+#include "torvelcmd2/frame/ask.h"
 
 namespace torvel {
 namespace {
@@ -23,10 +24,6 @@ constexpr struct {
     {IDS_COLUMN_VALUE, L"List.Value.Width"},
 };
 
-void redraw(OdDbObjectId entity) {
-    if (auto* const redrawEntity = hostService(hostapi::redrawEntity)) redrawEntity(entity);
-}
-
 // As it is stored, but several lines as one and without their codes.
 OdString shownValue(const OdDbAttribute& attribute) {
     if (!attribute.isMTextAttribute()) return attribute.textString();
@@ -42,6 +39,7 @@ OdString shownValue(const OdDbAttribute& attribute) {
 CEAttEditDlg::CEAttEditDlg(OdDbDatabase& database)
     : AttributeEditor(IDD_EATTEDIT, IDC_EATTEDIT_TAB, kSection, L"IDH_EAttEdit"),
       database_(&database),
+      marks_(database_),
       listPage_(*this),
       textOptions_(*this),
       properties_(*this) {
@@ -49,10 +47,6 @@ CEAttEditDlg::CEAttEditDlg(OdDbDatabase& database)
     setPicture(IDC_EATTEDIT_PICK, IDI_PICK_ON_SCREEN);
     setTooltip(IDC_EATTEDIT_PICK, loadText(IDS_EATTEDIT_SELECT_BLOCK));
     setMark();
-}
-
-CEAttEditDlg::~CEAttEditDlg() {
-    for (const std::uint64_t mark : marks_) database_->dropUndoMark(mark);
 }
 
 bool CEAttEditDlg::load(OdDbObjectId referenceId, OdDbObjectId attribute) {
@@ -124,19 +118,13 @@ void CEAttEditDlg::savePlacement(const std::wstring& placement) {
     AttributeEditor::savePlacement(placement);
 }
 
-// A record before the mark and one behind it, so that neither has changes of both sides.
 void CEAttEditDlg::setMark() {
-    database_->startUndoRecord();
-    marks_.push_back(database_->setUndoMark());
-    database_->startUndoRecord();
+    marks_.recordStep();
     unapplied_.clear();
 }
 
 void CEAttEditDlg::undoToMark() {
-    if (marks_.empty()) return;
-    while (database_->hasUndoMark(marks_.back())) database_->undoBack();
-    marks_.pop_back();
-    database_->startUndoRecord();
+    if (!marks_.undo()) return;
     for (OdDbObjectId reference : unapplied_) redraw(reference);
 }
 

@@ -7,6 +7,7 @@
 #include "drawingdb/block_reference.h"
 #include "torvelcmd2/attmanager/attribute_pages.h"
 #include "torvelcmd2/attributes/value_control.h"
+#include "torvelcmd2/attributes/values/local_undo.h"
 #include "torvelcmd2/resources/resource.h"
 
 namespace torvel {
@@ -48,8 +49,6 @@ class CEAttEditDlg final : public AttributeEditor {
 
     /// Sets the first mark.
     explicit CEAttEditDlg(OdDbDatabase& database);
-    /// Forgets the marks.
-    ~CEAttEditDlg() override;
 
     /// Goes on to a reference, with `attribute` current, or the first when that is none of its own. False, and nothing
     /// changed, when it has no attributes that can be edited, or is none.
@@ -81,8 +80,8 @@ class CEAttEditDlg final : public AttributeEditor {
     OdDbObjectIdArray attributes_;      // those that can be edited, a row each
     std::set<OdDbObjectId> unapplied_;  // references changed since the last mark
     int row_ = 0;
-    OdString lockedReason_;             // of the current one
-    std::vector<std::uint64_t> marks_;  // as many as were set and not gone back to
+    OdString lockedReason_;  // of the current one
+    RestorePoints marks_;
     CEAttEditListPage listPage_;
     CEAttRefEditTextOptPage textOptions_;
     CEAttRefEditPropertiesPage properties_;

@@ -8,6 +8,7 @@
 #include "torvelcmd2/attmanager/sync_block.h"
 #include "torvelcmd2/attributes/multiline_editing.h"
 #include "torvelcmd2/attributes/tag_rules.h"
+#include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/progress.h"
 
 namespace torvel {
@@ -30,7 +31,7 @@ constexpr struct {
 }  // namespace
 
 CAttDefEditPage::CAttDefEditPage(AttributeEditor& editor)
-    : OfDefinition(IDD_DEFINITION_PAGE, editor, IDC_DEFINITION_INVISIBLE), default_(&editor.database()) {
+    : AttributePage(IDD_DEFINITION_PAGE, editor, IDC_DEFINITION_INVISIBLE), default_(&editor.database()) {
     setRichText(IDC_DEFINITION_DEFAULT, &default_);
     if (OdDbAttributeText::canBeMultiLine(editor.database())) return;
     enable(IDC_DEFINITION_MULTIPLE_LINES, false);
@@ -73,9 +74,7 @@ void CAttDefEditPage::onCommand(int control, dialogs::Event event) {
 void CAttDefEditPage::takeMode(int box) {
     const bool on = isChecked(box);
     if (box == IDC_DEFINITION_MULTIPLE_LINES) {
-        write([on](OdDbAttributeText& text) {
-            static_cast<OdDbAttributeDefinition&>(text).convertIntoMTextAttributeDefinition(on);
-        });
+        write([on](OdDbAttributeText& text) { text.setMultiLine(on); });
         return showDefault(*definition());
     }
     for (const auto& mode : kModes)
@@ -144,13 +143,6 @@ constexpr wchar_t kPreviewSection[] = L"Dialogs\\BAttMan.EA";
 constexpr wchar_t kPageKey[] = L"CurPage";
 constexpr wchar_t kPreviewKey[] = L"AutoPreviewChanges";
 
-void showDrawing() {
-    if (const auto function = GetHostFunction(hostapi::kRefreshFunction)) {
-        constexpr int kAsItStands = 0;
-        reinterpret_cast<hostapi::RefreshFunction*>(function)(kAsItStands);
-    }
-}
-
 }  // namespace
 
 CBMEADlg::CBMEADlg(EditedBlock& block, OdDbObjectId definition)
@@ -205,14 +197,14 @@ void CBMEADlg::preview() {
         setChecked(IDC_DEFINITION_PREVIEW, false);
         return takeBackPreview();
     }
-    showDrawing();
+    showDrawing(Drawing::kAsItStands);
 }
 
 void CBMEADlg::takeBackPreview() {
     if (!previewed_) return;
     block_.undo().undo();
     previewed_ = false;
-    showDrawing();
+    showDrawing(Drawing::kAsItStands);
 }
 
 void CBMEADlg::onCommand(int control, dialogs::Event) {

@@ -9,7 +9,7 @@
 namespace torvel {
 
 /// Modes, tag, prompt and default. A box is written when it is pressed, a text when its field is left.
-class CAttDefEditPage final : public OfDefinition<AttributePage> {
+class CAttDefEditPage final : public AttributePage {
   public:
     explicit CAttDefEditPage(AttributeEditor& editor);
 

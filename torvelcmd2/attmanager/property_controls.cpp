@@ -1,4 +1,4 @@
-// Colours and lineweights as texts and back, and the drop-downs that show them.
+// Colours, lineweights and plot styles as texts and back, and the drop-downs that show them.
 #include "torvelcmd2/attmanager/property_controls.h"
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "drawingdb/plot_style.h"
 #include "torvelcmd2/frame/ask.h"
 #include "torvelcmd2/frame/module_dialog.h"
 
@@ -159,6 +160,19 @@ std::int32_t storableLineWeight(std::int32_t weight) {
     if (weight == kLineWeightByLayer || weight == kLineWeightByBlock || weight == kLineWeightDefault) return weight;
     return *std::ranges::min_element(kStandardWeights, {},
                                      [weight](std::int64_t standard) { return std::abs(standard - weight); });
+}
+
+// ---- plot styles
+
+OdString plotStyleText(const OdDbEntity& entity) {
+    switch (drawingdb::plotStyleOf(entity).kind) {
+        case drawingdb::PlotStyleKind::kByLayer:
+            return kPlotsByLayer;
+        case drawingdb::PlotStyleKind::kByBlock:
+            return kPlotsByBlock;
+        default:
+            return drawingdb::plotStyleName(entity);
+    }
 }
 
 // ---- controls

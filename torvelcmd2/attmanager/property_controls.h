@@ -10,7 +10,7 @@
 
 #include "dialogs/dialog.h"
 #include "drawingdb/color.h"
-#include "drawingdb/object_id.h"
+#include "drawingdb/entity.h"
 
 namespace torvel {
 
@@ -80,6 +80,12 @@ class CTLineWeightProperty final : public CTEditableProperty<std::int32_t> {
 
 /// What a file may hold: the weight itself, or the nearest of the 24 standard ones.
 std::int32_t storableLineWeight(std::int32_t weight);
+
+/// The plot styles that are no style of their own; without the blank that colours and lineweights have.
+inline constexpr wchar_t kPlotsByLayer[] = L"ByLayer";
+inline constexpr wchar_t kPlotsByBlock[] = L"ByBlock";
+/// One of these, or the name of the style.
+OdString plotStyleText(const OdDbEntity& entity);
 
 /// A property in an editable drop-down of a dialog.
 class CCSComboBoxCtrl {

@@ -191,7 +191,7 @@ void setDefault(OdDbAttributeDefinition& definition, const DefinitionValues& val
         if (values.multiLine) applyText(values.multiLine->text, definition);
         return definition.updateMTextAttributeDefinition();
     }
-    if (values.field) applyText({true, fieldIndexMarker(0), {values.field}}, definition);
+    if (values.field) applyText({true, drawingdb::fieldIndexMarker(0), {values.field}}, definition);
     // What the control shows in the end counts, also when that field was deleted from it.
     applyText(values.singleLine, definition);
 }

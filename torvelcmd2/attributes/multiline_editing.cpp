@@ -5,18 +5,13 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
 #include "drawingdb/mtext.h"
-#include "torvelcmd2/frame/command.h"
+#include "torvelcmd2/frame/ask.h"
 
 namespace torvel {
 namespace {
 
 // The variable that says how the editor presents itself.
 constexpr wchar_t kEditorContext[] = L"ATTIPE";
-
-void redraw(OdDbObjectId object) {
-    auto* const redrawEntity = hostService(hostapi::redrawEntity);
-    if (redrawEntity && object) redrawEntity(object);
-}
 
 // A copy, in no drawing; null for what has no multi-line text.
 OdSmartPtr<OdDbMText> multiLineTextOf(const OdDbEntity& source) {
@@ -54,10 +49,8 @@ bool setWidth(OdDbEntity& target, double width) {
     if (!text || text->width() == width) return false;
     target.upgradeOpen();
     text->setWidth(width);
-    if (auto* const attribute = drawingdb::as<OdDbAttribute>(target))
-        attribute->setMTextAttribute(*text);
-    else if (auto* const definition = drawingdb::as<OdDbAttributeDefinition>(target))
-        definition->setMTextAttributeDefinition(*text);
+    if (auto* const attribute = drawingdb::as<OdDbAttributeText>(target))
+        attribute->setMText(*text);
     else
         static_cast<OdDbMText&>(target).setWidth(width);
     return true;
@@ -67,7 +60,7 @@ bool setWidth(OdDbEntity& target, double width) {
 
 ScratchEditing::Redraw::~Redraw() {
     try {
-        redraw(object);
+        if (object) redraw(object);
     } catch (...) {
         // What is not drawn anew loses nothing.
     }

@@ -166,10 +166,7 @@ CMD_RUNSTATUS maskPolyline(const RunFrame& frame) {
 
 void showFrames(OdDbDatabase& database, bool on) {
     OdDbWipeoutVariables::openForWrite(database)->setShowFrame(on);
-    if (const auto function = GetHostFunction(hostapi::kRefreshFunction)) {
-        constexpr int kRegenerate = 1;
-        reinterpret_cast<hostapi::RefreshFunction*>(function)(kRegenerate);
-    }
+    showDrawing(Drawing::kRegenerated);
 }
 
 CMD_RUNSTATUS switchFrames(const RunFrame& frame) {

@@ -34,6 +34,21 @@ int askSet(const OdString& prompt, OdDbObjectIdArray& entities) {
     return result;
 }
 
+OdDbObjectIdArray pickFirst() {
+    OdDbObjectIdArray selected;
+    if (auto* const getPickFirst = hostService(hostapi::getPickFirst)) getPickFirst(selected);
+    return selected;
+}
+
+void redraw(OdDbObjectId entity) {
+    if (auto* const redrawEntity = hostService(hostapi::redrawEntity)) redrawEntity(entity);
+}
+
+void showDrawing(Drawing how) {
+    const auto function = GetHostFunction(hostapi::kRefreshFunction);
+    if (function) reinterpret_cast<hostapi::RefreshFunction*>(function)(how == Drawing::kRegenerated ? 1 : 0);
+}
+
 OdGeMatrix3d drawingPlane() {
     OdGeMatrix3d plane;
     if (auto* const getDrawingPlane = hostService(hostapi::getDrawingPlane)) getDrawingPlane(plane);

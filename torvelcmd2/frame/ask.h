@@ -29,6 +29,14 @@ int askSet(const OdString& prompt, OdDbObjectIdArray& entities);
 
 // ---- the host
 
+/// What was selected before the command.
+OdDbObjectIdArray pickFirst();
+
+/// Draws an entity again that changed without being written, or whose change was taken back.
+void redraw(OdDbObjectId entity);
+enum class Drawing { kAsItStands, kRegenerated };
+void showDrawing(Drawing how);
+
 /// The user coordinate system of the active space; maps its coordinates to the world's.
 OdGeMatrix3d drawingPlane();
 

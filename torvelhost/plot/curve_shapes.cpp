@@ -18,13 +18,12 @@ constexpr int kDeepestHalving = 8;
 bool boxOf(const OdDbEntity& entity, OdGeExtents3d& box) {
     if (!entity.geomExtents(box)) return false;
     double widest = 0;
-    if (entity.isKindOf(OdDbPolyline::desc())) {
-        const auto& polyline = static_cast<const OdDbPolyline&>(entity);
-        widest = polyline.constantWidth();
-        for (std::size_t i = 0; i < polyline.numVerts(); ++i)
-            widest = std::max({widest, polyline.vertexAt(i).startWidth, polyline.vertexAt(i).endWidth});
-    } else if (entity.isKindOf(OdDb2dPolyline::desc())) {
-        for (const OdDbOldPolyline::Vertex& vertex : static_cast<const OdDb2dPolyline&>(entity).vertices())
+    if (const auto* const polyline = drawingdb::as<OdDbPolyline>(entity)) {
+        widest = polyline->constantWidth();
+        for (std::size_t i = 0; i < polyline->numVerts(); ++i)
+            widest = std::max({widest, polyline->vertexAt(i).startWidth, polyline->vertexAt(i).endWidth});
+    } else if (const auto* const old = drawingdb::as<OdDb2dPolyline>(entity)) {
+        for (const OdDbOldPolyline::Vertex& vertex : old->vertices())
             widest = std::max({widest, vertex.startWidth, vertex.endWidth});
     }
     if (widest > 0) box.grow(widest / 2);

@@ -38,6 +38,12 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     static bool canBeMultiLine(const OdDbDatabase& database);
     /// A copy of the multi-line text, in no database but good only while the drawing lives; null for a single line.
     OdSmartPtr<OdDbMText> mtextCopy() const;
+    /// Makes it a multi-line one with a copy of that text.
+    void setMText(const OdDbMText& text);
+    /// The text goes over; a multi-line text that becomes a single line is joined with blanks.
+    void setMultiLine(bool on);
+    /// Brings the single-line side (text, place, form) in line with the multi-line text; setting that does so already.
+    void followMText();
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     bool geomExtents(OdGeExtents3d& extents) const override;
 
@@ -53,10 +59,6 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     bool hangs() const override { return !mtext_ && isJustified(); }
     void setTextFromField(const OdString& text) override;
     void copyAttributeFrom(const OdDbAttributeText& other);
-    void setMText(const OdDbMText& text);
-    void convert(bool multiLine);
-    /// Takes text, place and form from the multi-line text.
-    void followMText();
     virtual std::int16_t multiLineFlag() const = 0;
     OdGePoint3d heldPoint() const;
     OdSmartPtr<OdDbMText> newMText() const;
@@ -85,12 +87,9 @@ class DRAWINGDB_API OdDbAttributeDefinition : public OdDbAttributeText {
     /// A copy of the multi-line text, in no database but good only while the drawing lives; null for a single-line
     /// definition.
     OdSmartPtr<OdDbMText> getMTextAttributeDefinition() const { return mtextCopy(); }
-    /// Makes the definition a multi-line one with a copy of that text.
-    void setMTextAttributeDefinition(const OdDbMText& text);
-    /// The text goes over; a multi-line text that becomes a single line is joined with blanks.
-    void convertIntoMTextAttributeDefinition(bool multiLine);
-    /// Brings the single-line side (text, place) in line with the multi-line text; setting that does so already.
-    void updateMTextAttributeDefinition();
+    void setMTextAttributeDefinition(const OdDbMText& text) { setMText(text); }
+    void convertIntoMTextAttributeDefinition(bool multiLine) { setMultiLine(multiLine); }
+    void updateMTextAttributeDefinition() { followMText(); }
 
   protected:
     const drawingdb::ClassDescription* description() const override;
@@ -107,9 +106,9 @@ class DRAWINGDB_API OdDbAttribute : public OdDbAttributeText {
     /// A copy of the multi-line text, in no database but good only while the drawing lives; null for a single-line
     /// attribute.
     OdSmartPtr<OdDbMText> getMTextAttribute() const { return mtextCopy(); }
-    void setMTextAttribute(const OdDbMText& text);
-    void convertIntoMTextAttribute(bool multiLine);
-    void updateMTextAttribute();
+    void setMTextAttribute(const OdDbMText& text) { setMText(text); }
+    void convertIntoMTextAttribute(bool multiLine) { setMultiLine(multiLine); }
+    void updateMTextAttribute() { followMText(); }
     /// Takes everything from the definition: entity properties, text geometry, style, modes, tag, the default as value,
     /// multi-line text, being annotative; then places it by the reference's block transform. An extension dictionary of
     /// the attribute stays. A transform that squeezes the text to nothing places it without turning it. The attribute

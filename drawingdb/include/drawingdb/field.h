@@ -2,8 +2,24 @@
 #pragma once
 
 #include <map>
+#include <optional>
+#include <string_view>
 
 #include "drawingdb/object.h"
+
+namespace drawingdb {
+
+/// The marker of a field's child: "%<\_FldIdx N>%".
+DRAWINGDB_API OdString fieldIndexMarker(std::size_t child);
+
+struct FieldIndexMarker {
+    std::size_t child;
+    std::size_t end;  ///< of the marker in the text
+};
+/// The marker that begins there in a text, as field codes are read; nothing when none does.
+DRAWINGDB_API std::optional<FieldIndexMarker> fieldIndexMarkerAt(std::wstring_view text, std::size_t begin);
+
+}  // namespace drawingdb
 
 /// A value of a field: a data item or the cached result. A date is the Julian day of local time, in `real`.
 struct OdDbFieldValue {

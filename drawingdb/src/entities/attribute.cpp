@@ -317,11 +317,11 @@ void OdDbAttributeText::setMText(const OdDbMText& text) {
     followMText();
 }
 
-void OdDbAttributeText::convert(bool multiLine) {
-    if (multiLine == isMultiLine()) return;
+void OdDbAttributeText::setMultiLine(bool on) {
+    if (on == isMultiLine()) return;
     assertWriteEnabled();
     settle();
-    if (multiLine) {
+    if (on) {
         const OdSmartPtr<OdDbMText> text = newMText();
         text->setLocation(heldPoint());
         text->setNormal(normal_);
@@ -340,13 +340,6 @@ void OdDbAttributeText::convert(bool multiLine) {
         OdDbText::changed(Change::text);
     }
 }
-
-void OdDbAttributeDefinition::setMTextAttributeDefinition(const OdDbMText& text) { setMText(text); }
-void OdDbAttributeDefinition::convertIntoMTextAttributeDefinition(bool multiLine) { convert(multiLine); }
-void OdDbAttributeDefinition::updateMTextAttributeDefinition() { followMText(); }
-void OdDbAttribute::setMTextAttribute(const OdDbMText& text) { setMText(text); }
-void OdDbAttribute::convertIntoMTextAttribute(bool multiLine) { convert(multiLine); }
-void OdDbAttribute::updateMTextAttribute() { followMText(); }
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Geometry

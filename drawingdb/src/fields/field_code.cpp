@@ -4,6 +4,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "drawingdb/field.h"
 
 namespace drawingdb {
 
@@ -102,6 +103,18 @@ std::wstring fieldMarker(FieldSpan::Kind kind, std::uint64_t number) {
                           : kind == FieldSpan::objectIndex ? L"\\_ObjIdx "
                                                            : L"\\_ObjId ";
     return bracketed(name + std::to_wstring(number));
+}
+
+OdString fieldIndexMarker(std::size_t child) { return fieldMarker(FieldSpan::childIndex, child); }
+
+std::optional<FieldIndexMarker> fieldIndexMarkerAt(std::wstring_view text, std::size_t begin) {
+    if (!opensAt(text, begin)) return std::nullopt;
+    const std::size_t end = text.find(L'%', begin + 2);
+    if (end == text.npos || text[end - 1] != L'>') return std::nullopt;
+    FieldSpan span{begin, end + 1};
+    classify(span, text);
+    if (span.kind != FieldSpan::childIndex) return std::nullopt;
+    return FieldIndexMarker{static_cast<std::size_t>(span.number), span.end};
 }
 
 std::wstring bracketed(std::wstring_view code) {

@@ -111,7 +111,7 @@ std::pair<OdString, std::vector<OdDbFieldPtr>> FieldEdit::code() const {
     OdString code, plain;
     std::vector<OdDbFieldPtr> children;
     const auto add = [&](const OdDbFieldPtr& child) {
-        code += fieldIndexMarker(children.size());
+        code += drawingdb::fieldIndexMarker(children.size());
         children.push_back(child);
     };
     const bool hasFields = !std::ranges::all_of(entries_, &FieldEntry::takenOut);

@@ -20,24 +20,24 @@ OdDbDatabasePtr activeDatabase() {
 HostLocalUndo::HostLocalUndo() : HostLocalUndo(activeDatabase()) {}
 
 HostLocalUndo::HostLocalUndo(OdDbDatabasePtr database)
-    : database_(std::move(database)), outerGroup_(database_ && database_->isUndoBlockStarted()) {
-    if (database_ && !outerGroup_) database_->blockUndoRecording(true);
+    : RestorePoints(database), groupedIn_(database && !database->isUndoBlockStarted() ? database : nullptr) {
+    if (groupedIn_) groupedIn_->blockUndoRecording(true);
 }
 
 HostLocalUndo::~HostLocalUndo() {
     dropTo(0);
-    if (database_ && !outerGroup_) database_->blockUndoRecording(false);
+    if (groupedIn_) groupedIn_->blockUndoRecording(false);
 }
 
 // A record before the mark and one behind it, so that neither has changes of both sides.
-void HostLocalUndo::recordStep() {
+void RestorePoints::recordStep() {
     if (!database_) return;
     database_->startUndoRecord();
     marks_.push_back(database_->setUndoMark());
     database_->startUndoRecord();
 }
 
-bool HostLocalUndo::undo() {
+bool RestorePoints::undo() {
     // What somebody else has gone back behind is used up here too.
     while (!marks_.empty() && !database_->hasUndoMark(marks_.back())) marks_.pop_back();
     if (marks_.empty()) return false;
@@ -47,13 +47,13 @@ bool HostLocalUndo::undo() {
     return true;
 }
 
-void HostLocalUndo::undoTo(std::int32_t level) {
+void RestorePoints::undoTo(std::int32_t level) {
     while (this->level() > level && undo()) {
     }
 }
 
 // The marks go from the drawing's history too, or whoever goes back from outside would stop at them.
-void HostLocalUndo::dropTo(std::int32_t level) {
+void RestorePoints::dropTo(std::int32_t level) {
     for (const std::int32_t kept = std::max(level, 0); this->level() > kept; marks_.pop_back())
         database_->dropUndoMark(marks_.back());
 }

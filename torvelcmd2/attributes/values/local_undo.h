@@ -2,31 +2,21 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "drawingdb/database.h"
 
 namespace torvel {
 
-/// The dialog's own stack of restore points inside the drawing's undo history. While the object lives its changes form
-/// a group: whoever opened the dialog decides at the end whether all of it is kept. The group is the one that was open
-/// already, or else one of the object's own. Several may live at once; what is left of the restore points at the end is
-/// forgotten.
-class HostLocalUndo {
+/// A stack of restore points in the drawing's undo history. What is left of them at the end is forgotten.
+class RestorePoints {
   public:
-    /// Works on the drawing that is current in the host.
-    HostLocalUndo();
-    explicit HostLocalUndo(OdDbDatabasePtr database);
-    HostLocalUndo(const HostLocalUndo&) = delete;
-    HostLocalUndo& operator=(const HostLocalUndo&) = delete;
-    virtual ~HostLocalUndo();
-
-    /// Making one records a restore point.
-    class step {
-      public:
-        explicit step(HostLocalUndo& undo) { undo.recordStep(); }
-        virtual ~step() = default;
-    };
+    /// Null: nothing is recorded.
+    explicit RestorePoints(OdDbDatabasePtr database) : database_(std::move(database)) {}
+    RestorePoints(const RestorePoints&) = delete;
+    RestorePoints& operator=(const RestorePoints&) = delete;
+    ~RestorePoints() { dropTo(0); }
 
     /// To be called before the drawing is changed.
     void recordStep();
@@ -43,8 +33,28 @@ class HostLocalUndo {
 
   private:
     OdDbDatabasePtr database_;
-    bool outerGroup_;
     std::vector<std::uint64_t> marks_;  // the database's, one of each restore point
+};
+
+/// The restore points of a dialog. While the object lives its changes form a group: whoever opened the dialog decides
+/// at the end whether all of it is kept. The group is the one that was open already, or else one of the object's own.
+/// Several may live at once.
+class HostLocalUndo : public RestorePoints {
+  public:
+    /// Works on the drawing that is current in the host.
+    HostLocalUndo();
+    explicit HostLocalUndo(OdDbDatabasePtr database);
+    virtual ~HostLocalUndo();
+
+    /// Making one records a restore point.
+    class step {
+      public:
+        explicit step(HostLocalUndo& undo) { undo.recordStep(); }
+        virtual ~step() = default;
+    };
+
+  private:
+    OdDbDatabasePtr groupedIn_;  // null: in the group of somebody else
 };
 
 }  // namespace torvel

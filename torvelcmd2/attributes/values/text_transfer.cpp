@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/format.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
 #include "drawingdb/mtext.h"
@@ -17,7 +16,7 @@ CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
     // A text is nearly always a field of its own that holds the others; where it is one field alone, its code has no
     // text around it that could be kept.
     if (field.evaluatorId() != kTextEvaluator) {
-        captured.text = fieldIndexMarker(0);
+        captured.text = drawingdb::fieldIndexMarker(0);
         captured.fields.push_back(newFieldLike(field, database));
         return captured;
     }
@@ -39,7 +38,7 @@ CapturedText captureFields(const OdDbField& field, OdDbDatabase* database) {
             captured.text += code.text[at++];
             continue;
         }
-        captured.text += fieldIndexMarker(indices[static_cast<std::size_t>(owner)]);
+        captured.text += drawingdb::fieldIndexMarker(indices[static_cast<std::size_t>(owner)]);
         while (at < code.text.size() && code.owners[at] == owner) ++at;
     }
     return captured;
@@ -75,8 +74,6 @@ void setPlainValue(const OdString& value, OdDbEntity& target) {
 }
 
 }  // namespace
-
-OdString fieldIndexMarker(std::size_t index) { return base::format(L"%%<\\_FldIdx %d>%%", static_cast<int>(index)); }
 
 InlineCode inlineCode(const OdDbField& textField) {
     InlineCode code;
@@ -123,7 +120,7 @@ CapturedText captureText(const OdDbEntity& source) {
 OdString shownText(const CapturedText& captured) {
     OdString shown = captured.text;
     for (std::size_t i = 0; i < captured.fields.size(); ++i) {
-        const OdString marker = fieldIndexMarker(i);
+        const OdString marker = drawingdb::fieldIndexMarker(i);
         if (const std::size_t at = shown.find(marker); at != OdString::npos)
             shown.replace(at, marker.size(), captured.fields[i]->getFieldCode(OdDbField::kEvaluatedText));
     }

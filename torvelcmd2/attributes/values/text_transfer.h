@@ -25,9 +25,6 @@ struct CapturedText {
     std::vector<OdDbFieldPtr> fields;
 };
 
-/// The index marker "%<\_FldIdx N>%".
-OdString fieldIndexMarker(std::size_t index);
-
 /// The code of a text that holds fields, with the codes of these written inline.
 struct InlineCode {
     static constexpr std::int32_t kNobody = -1;

@@ -136,9 +136,8 @@ OdString ReferenceBurster::inBlock(const OdString& what) const {
 // The innermost one has been noted first, and stays.
 void ReferenceBurster::noteObstacle(const OdDbEntity& entity) {
     if (!obstacle_.empty()) return;
-    if (entity.isKindOf(OdDbBlockReference::desc()))
-        obstacle_ = inBlock(L"reference of " + static_cast<const OdDbBlockReference&>(entity).blockName() +
-                            L", which cannot be exploded");
+    if (const auto* const reference = drawingdb::as<OdDbBlockReference>(entity))
+        obstacle_ = inBlock(L"reference of " + reference->blockName() + L", which cannot be exploded");
     else
         obstacle_ = inBlock(base::widen(entity.dxfName()));
 }
@@ -154,11 +153,10 @@ bool ReferenceBurster::place(OdDbEntity& entity, const OdGeMatrix3d& transform) 
 
 bool ReferenceBurster::explodeAndPlace(OdDbEntity& entity, const OdGeMatrix3d& transform) {
     // A reference that would be sheared. Its pieces are made from its block as its own burst would make them.
-    if (entity.isKindOf(OdDbBlockReference::desc())) {
-        const auto& nested = static_cast<const OdDbBlockReference&>(entity);
+    if (const auto* const nested = drawingdb::as<OdDbBlockReference>(entity)) {
         // What shows nothing needs no pieces, and must not keep the rest from being burst.
-        const bool showsNothing = layers_.isFrozen(nested.layerId()) || nested.blockTableRecord().isNull();
-        return showsNothing || burstContents(nested, transform);
+        const bool showsNothing = layers_.isFrozen(nested->layerId()) || nested->blockTableRecord().isNull();
+        return showsNothing || burstContents(*nested, transform);
     }
     std::vector<OdDbEntityPtr> pieces;
     if (entity.explode(pieces) != OdResult::ok) return false;

@@ -144,10 +144,10 @@ OdResult transformReference(OdDbBlockReference& reference, const OdGeMatrix3d& m
 
 OdResult transformExactly(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
     if (matrix.isUniScaledOrtho()) return entity.transformBy(matrix);
-    if (entity.isKindOf(OdDbMText::desc())) return transformMText(static_cast<OdDbMText&>(entity), matrix);
-    if (entity.isKindOf(OdDbBlockReference::desc()))
-        return transformReference(static_cast<OdDbBlockReference&>(entity), matrix);
-    if (entity.isKindOf(OdDbText::desc())) giveUpJustification(static_cast<OdDbText&>(entity), matrix);
+    if (auto* const paragraphs = drawingdb::as<OdDbMText>(entity)) return transformMText(*paragraphs, matrix);
+    if (auto* const reference = drawingdb::as<OdDbBlockReference>(entity))
+        return transformReference(*reference, matrix);
+    if (auto* const text = drawingdb::as<OdDbText>(entity)) giveUpJustification(*text, matrix);
     return entity.transformBy(matrix);
 }
 

@@ -73,7 +73,7 @@ void EditorDialog::onCommand(int control, dialogs::Event event) {
 void EditorDialog::insertField() {
     OdDbFieldPtr field;
     if (!hostmodule::askField(field)) return;
-    const OdString added = marker(sheet_.contents.fields.size());
+    const OdString added = drawingdb::fieldIndexMarker(sheet_.contents.fields.size());
     sheet_.contents.fields.push_back(field);
     OdString edited = text(IDC_EDITOR_TEXT);
     const dialogs::TextSelection selected = selection(IDC_EDITOR_TEXT);

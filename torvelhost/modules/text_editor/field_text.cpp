@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/number.h"
 #include "drawingdb/database.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/text.h"
@@ -13,8 +12,6 @@ namespace {
 
 const OdString kTextKey = L"TEXT";
 constexpr wchar_t kTextEvaluator[] = L"_text";
-constexpr std::wstring_view kMarkerBegin = L"%<\\_FldIdx ";
-constexpr std::wstring_view kMarkerEnd = L">%";
 
 OdString plainContents(const OdDbEntity& text) {
     const auto* const paragraphs = drawingdb::as<OdDbMText>(text);
@@ -39,16 +36,11 @@ struct Piece {
     std::size_t field;
 };
 
-// The marker of one of so many fields that the text begins with; an empty piece when it begins with none.
+// The marker of one of so many fields that begins there; an empty piece when none does.
 Piece markerAt(std::wstring_view text, std::size_t begin, std::size_t fields) {
-    const Piece none{Piece::kField, begin, begin, 0};
-    if (!text.substr(begin).starts_with(kMarkerBegin)) return none;
-    const std::size_t digits = begin + kMarkerBegin.size();
-    std::size_t at = digits, index = 0;
-    for (; at < text.size() && base::isDigit(text[at]) && index < fields; ++at)
-        index = index * 10 + static_cast<std::size_t>(text[at] - L'0');
-    if (at == digits || index >= fields || !text.substr(at).starts_with(kMarkerEnd)) return none;
-    return {Piece::kField, begin, at + kMarkerEnd.size(), index};
+    const auto marker = drawingdb::fieldIndexMarkerAt(text, begin);
+    if (!marker || marker->child >= fields) return {Piece::kField, begin, begin, 0};
+    return {Piece::kField, begin, marker->end, marker->child};
 }
 
 // "%<" and the backslash of an evaluator's name.
@@ -73,13 +65,11 @@ std::vector<Piece> piecesOf(const FieldText& contents) {
 
 }  // namespace
 
-OdString marker(std::size_t index) { return OdString(kMarkerBegin) + std::to_wstring(index) + OdString(kMarkerEnd); }
-
 FieldText contentsOf(const OdDbEntity& text) {
     const OdDbFieldPtr field = text.getField(kTextKey);
     if (!field) return {plainContents(text), {}};
     // Where a text is one field alone, that is all there is.
-    if (field->evaluatorId() != kTextEvaluator) return {marker(0), {field->copy()}};
+    if (field->evaluatorId() != kTextEvaluator) return {drawingdb::fieldIndexMarker(0), {field->copy()}};
     FieldText contents{field->getFieldCode(OdDbField::kFieldCode), {}};
     for (std::size_t i = 0; i < field->childCount(); ++i) {
         const OdDbFieldPtr child = field->getChild(i);
@@ -95,7 +85,7 @@ void setContents(OdDbEntity& text, const FieldText& contents) {
     OdString code;
     std::vector<OdDbFieldPtr> children;
     const auto add = [&](const OdDbFieldPtr& child) {
-        code += marker(children.size());
+        code += drawingdb::fieldIndexMarker(children.size());
         child->evaluate(OdDbField::kAutomatic, text.database());
         children.push_back(child);
     };

@@ -21,7 +21,4 @@ FieldText contentsOf(const OdDbEntity& text);
 /// stands twice is a copy; one without a field is plain text.
 void setContents(OdDbEntity& text, const FieldText& contents);
 
-/// The marker of the field with that index.
-OdString marker(std::size_t index);
-
 }  // namespace texteditor
