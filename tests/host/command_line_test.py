@@ -5,6 +5,7 @@
 """
 
 import argparse
+import json
 import os
 import pathlib
 import re
@@ -81,6 +82,32 @@ class CommandLine(unittest.TestCase):
         lists = (pathlib.Path(__file__).parents[2] / "CMakeLists.txt").read_text(encoding="utf-8")
         version = re.search(r"project\(torvelcmd2 VERSION ([\d.]+)", lists)[1]
         self.assertEqual(self.run_program("--version").output, f"torvelhost {version}\n")
+
+    def test_a_summary_is_the_same_as_text_and_for_programs(self):
+        drawing = str(pathlib.Path(__file__).parent / "find.dxf")
+        found = json.loads(self.run_program(drawing, "--summary=json").output)
+        blocks = {block["name"]: block for block in found["blocks"]}
+        self.assertEqual(list(blocks), ["DOOR", 'Wide "window"'])
+        self.assertEqual((blocks["DOOR"]["references"], blocks["DOOR"]["tags"]), (3, ["NO", "Größe"]))
+        layers = {layer["name"]: (layer["entities"], layer["states"]) for layer in found["layers"]}
+        self.assertEqual(layers["My layer"], (4, []))
+        self.assertEqual(layers["Frozen"], (1, ["off", "frozen"]))
+        kinds = {kind["name"]: kind["count"] for kind in found["kinds"] if kind["carried"]}
+        self.assertEqual(kinds, {"FOO": 1, "XRECORD": 1})
+        self.assertEqual((found["layouts"], found["textStyles"]),
+                         (["Model", "Layout1"], [{"name": "Standard", "font": "txt"}]))
+        self.assertEqual(len(found["damage"]), 1)
+        text = self.run_program(drawing, "--summary")
+        self.assertIn("  DOOR: 3 references; tags NO, Größe\n", text.output)
+        self.assertIn("  " + found["damage"][0], text.output)
+        self.assertEqual((text.status, text.errors), (0, ""))
+
+        (self.folder / "cut.dxf").write_text(PLAN[:-60])
+        cut = self.run_program("cut.dxf", "--summary=json")
+        self.assertEqual(cut.status, 0)
+        self.assertIn("cut.dxf:", json.loads(cut.output)["damage"][0])
+        for wrong in ["--summary=xml"], ["--summary", "-o", "out.dxf"], ["--summary", "-c", ""]:
+            self.assertEqual(self.run_program("plan.dxf", *wrong).status, 2, wrong)
 
     def test_a_name_that_is_no_utf8_opens(self):
         if not IS_NATIVE:
@@ -306,6 +333,16 @@ class Prompt(unittest.TestCase):
         terminal = Terminal(self.folder, "plan.dxf", **options)
         terminal.expect("Command: ")
         return terminal
+
+    def test_a_command_tells_how_many_objects_it_has_changed(self):
+        terminal = self.start()
+        terminal.send("INSERT\rDOOR\r1,2\r\r\r\r")
+        terminal.expect("INSERT: 1 object changed")
+        terminal.send("block d*\rBurst\r")
+        terminal.expect("Burst: 4 objects changed")  # two references go, their lines come
+        terminal.send("SETVAR\rLUPREC\r2\r")
+        self.assertNotIn("changed", terminal.expect("<4>: ") + terminal.expect("Command: "))
+        terminal.send("\x04")
 
     def test_keys_and_history(self):
         terminal = self.start()

@@ -111,6 +111,12 @@ void CommandLoop::endForMemory(const std::wstring& command) {
     status_ = std::max(status_, kFileFailed);
 }
 
+void CommandLoop::tellChanges(const std::wstring& name, std::size_t position) {
+    if (!terminal_.isSeen()) return;
+    if (const std::size_t count = session_.document.database()->objectsChangedSince(position))
+        terminal_.notice(name + L": " + std::to_wstring(count) + (count == 1 ? L" object" : L" objects") + L" changed");
+}
+
 void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner manner) {
     const std::size_t position = session_.document.undoPosition();
     const auto takeBack = [&] {
@@ -146,7 +152,10 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner 
     }
     session_.commandActive = false;
     session_.selection.endCommand();
-    if (manner.isForUndo) session_.document.keepForUndo(name, position);
+    if (manner.isForUndo) {
+        tellChanges(name, position);
+        session_.document.keepForUndo(name, position);
+    }
     try {
         application_.profile().save();
     } catch (const base::FileError& error) {

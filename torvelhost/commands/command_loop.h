@@ -32,6 +32,9 @@ class CommandLoop {
     };
     void runCommand(const std::wstring& name, const Body& body, Manner manner);
     void runRegistered(const RegisteredCommand& registered);
+    /// To who looks on: how many objects the command that began at this position of the undo log has made, changed or
+    /// erased.
+    void tellChanges(const std::wstring& name, std::size_t position);
     /// Memory ran out in the command, whose changes have been taken back. Throws base::FileError in a script.
     void endForMemory(const std::wstring& command);
     void doubleClick(std::wstring_view where);

@@ -20,6 +20,7 @@ const HostCommand kHostCommands[] = {
     {L"LAYOUT", commands::layout, HostCommand::kChangesView},
     {L"MSPACE", commands::enterViewport, HostCommand::kChangesView},
     {L"PSPACE", commands::leaveViewport, HostCommand::kChangesView},
+    {L"WHATIS", commands::whatIs},
     {L"SAVE", commands::save},
 };
 

@@ -26,6 +26,7 @@ CMD_RUNSTATUS undo(HostRun& run);           // undo.cpp
 CMD_RUNSTATUS redo(HostRun& run);           // undo.cpp
 CMD_RUNSTATUS zoom(HostRun& run);           // views.cpp
 CMD_RUNSTATUS regen(HostRun& run);          // views.cpp
+CMD_RUNSTATUS whatIs(HostRun& run);         // what_is.cpp
 
 }  // namespace commands
 

@@ -2,6 +2,7 @@
 #include "torvelhost/lines/reply.h"
 
 #include <cmath>
+#include <utility>
 
 #include "base/number.h"
 #include "base/text.h"
@@ -33,6 +34,12 @@ std::optional<std::vector<TypedObject>> parsePath(std::wstring_view text) {
         path.push_back({handle.value_or(0), static_cast<std::uint64_t>(number.value_or(0))});
     }
     return path;
+}
+
+// Quotes around keep blanks.
+std::wstring_view unquoted(std::wstring_view text) {
+    text = base::trimmed(text);
+    return text.size() >= 2 && text.front() == L'"' && text.back() == L'"' ? text.substr(1, text.size() - 2) : text;
 }
 
 }  // namespace
@@ -180,6 +187,30 @@ std::optional<TypedWindow> parseWindow(std::wstring_view text) {
         if (!window.corners[i - 1]) return std::nullopt;
     }
     return window;
+}
+
+std::optional<TypedFilter> parseFilter(std::wstring_view text) {
+    static constexpr std::pair<const wchar_t*, TypedFilter::What> kWords[] = {
+        {L"block", TypedFilter::kBlock},
+        {L"layer", TypedFilter::kLayer},
+        {L"kind", TypedFilter::kKind},
+        {L"tag", TypedFilter::kTag},
+    };
+    text = base::trimmed(text);
+    const std::size_t blank = text.find_first_of(L" \t");
+    if (blank == text.npos) return std::nullopt;
+    for (const auto& [word, what] : kWords) {
+        if (!base::equalsNoCase(text.substr(0, blank), word)) continue;
+        std::wstring_view pattern = unquoted(text.substr(blank));
+        TypedFilter filter{.what = what};
+        if (const std::size_t sign = pattern.find(L'='); what == TypedFilter::kTag && sign != pattern.npos) {
+            filter.value = unquoted(pattern.substr(sign + 1));
+            pattern = unquoted(pattern.substr(0, sign));
+        }
+        filter.pattern = pattern;
+        return filter;
+    }
+    return std::nullopt;
 }
 
 }  // namespace host

@@ -7,6 +7,7 @@
 //   #?12              the twelfth object of its space, or of what it lies in: for one without a handle of its own
 //   none              a pick that meets nothing
 //   W 0,0 9,9         a window of a selection set; C a crossing one
+//   block DOOR*       what fits a pattern: references of a block; layer, kind; tag NO=1? by an attribute's value
 //   "text"            the text between the quotes, whatever it is
 #pragma once
 
@@ -90,5 +91,14 @@ struct TypedWindow {
     std::optional<TypedPoint> corners[2];  // none when the letter stands alone
 };
 std::optional<TypedWindow> parseWindow(std::wstring_view text);
+
+/// Entities by what they are. A pattern may have `*` and `?`.
+struct TypedFilter {
+    enum What { kBlock, kLayer, kKind, kTag };
+    What what = kBlock;
+    std::wstring pattern = {};
+    std::wstring value = L"*";  // of the attribute with that tag
+};
+std::optional<TypedFilter> parseFilter(std::wstring_view text);
 
 }  // namespace host

@@ -26,7 +26,10 @@ std::wstring visible(std::wstring_view text) {
     return shown;
 }
 
-Terminal::Terminal(bool quiet) : quiet_(quiet), outputIsTerminal_(base::isTerminal(base::Stream::kOutput)) {}
+Terminal::Terminal(bool quiet)
+    : quiet_(quiet),
+      outputIsTerminal_(base::isTerminal(base::Stream::kOutput)),
+      errorIsTerminal_(base::isTerminal(base::Stream::kError)) {}
 
 void Terminal::print(std::wstring_view text) {
     tell(text, L"\n");

@@ -33,6 +33,8 @@ class Terminal {
     void watch(Watcher watcher) { watcher_ = std::move(watcher); }
 
     bool isQuiet() const { return quiet_; }
+    /// Whether somebody looks on, so that words for the moment are worth saying: on standard error, or the watcher.
+    bool isSeen() const { return watcher_ || (!quiet_ && errorIsTerminal_); }
     /// Standard output could not be written (a closed pipe, a full disk).
     bool outputFailed() const { return outputFailed_; }
 
@@ -44,6 +46,7 @@ class Terminal {
     Watcher watcher_;
     bool quiet_;
     bool outputIsTerminal_;
+    bool errorIsTerminal_;
     bool outputFailed_ = false;
 };
 

@@ -17,6 +17,7 @@
 #include "torvelhost/lines/dialog_lines.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/plot/plot.h"
+#include "torvelhost/program/summary.h"
 #include "torvelhost/program/view_window.h"
 #include "torvelhost/session/application.h"
 
@@ -65,10 +66,14 @@ auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const
     }
 }
 
-OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
+OdDbDatabasePtr readDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
     if (!drawing) return OdDbDatabase::createNew();
-    OdDbDatabasePtr database =
-        onFile(terminal, L"Reading", L"read the drawing", *drawing, [&] { return OdDbDatabase::readFile(*drawing); });
+    return onFile(terminal, L"Reading", L"read the drawing", *drawing,
+                  [&] { return OdDbDatabase::readFile(*drawing); });
+}
+
+OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
+    OdDbDatabasePtr database = readDrawing(drawing, terminal);
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
     return database;
 }
@@ -126,6 +131,8 @@ void plotShown(const Options& options, Application& application, Terminal& termi
 void checkOptions(const Options& options) {
     if (options.output == L"-")
         throw UsageError("--output: a drawing is saved to a file, not to standard output; ./- is a file of that name");
+    if (options.summary != Options::Summary::kNone && !options.isInteractive())
+        throw UsageError("--summary: nothing else is done with the drawing; leave -s, -c, -o and -p out");
     if (options.plot && !isPictureFileName(*options.plot))
         throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
                          "\" is no picture; give a name that ends in .svg or .png");
@@ -133,6 +140,13 @@ void checkOptions(const Options& options) {
         throw UsageError("--record: only what is done in a window is recorded; give --view or --events too");
     if (options.events && options.windows)
         throw UsageError("--windows: no dialog is a window where --events works the drawing's");
+}
+
+// Nothing of a session is needed for it, nor the command module.
+ExitStatus summarize(const Options& options, Terminal& terminal) {
+    const OdDbDatabasePtr database = readDrawing(options.drawing, terminal);  // its warnings stand in the summary
+    printSummary(*database, options.summary == Options::Summary::kJson, terminal);
+    return terminal.outputFailed() ? kFileFailed : kAllFinished;
 }
 
 // Where dialogs cannot be windows, that is said before anything is done.
@@ -198,6 +212,7 @@ ExitStatus run(const Options& options, Terminal& terminal) {
     if (options.windows) requireWindows();
     if (options.drawing)
         std::snprintf(g_drawingName, sizeof g_drawingName, "%s", base::toUtf8(visible(*options.drawing)).c_str());
+    if (options.summary != Options::Summary::kNone) return summarize(options, terminal);
     return options.hasWindow() ? runInWindow(options, terminal) : runAtTerminal(options, terminal);
 }
 

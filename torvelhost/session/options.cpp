@@ -1,6 +1,5 @@
 #include "torvelhost/session/options.h"
 
-#include <array>
 #include <string_view>
 
 #include "base/exact_utf8.h"
@@ -12,27 +11,19 @@ namespace {
 
 constexpr int kLargestSize = 20000;
 
+enum class Value { kNone, kMayFollowSign, kWanted };  // after "=" alone, or as the next word too
 struct OptionName {
     char letter;  // 0: none
     std::string_view word;
-    bool hasValue;
+    Value value;
 };
-constexpr std::array<OptionName, 14> kOptions = {{
-    {'s', "script", true},
-    {'c', "command", true},
-    {'o', "output", true},
-    {'p', "plot", true},
-    {0, "size", true},
-    {0, "set", true},
-    {0, "profile", true},
-    {0, "windows", false},
-    {0, "view", false},
-    {0, "events", true},
-    {0, "record", true},
-    {'q', "quiet", false},
-    {0, "help", false},
-    {0, "version", false},
-}};
+constexpr OptionName kOptions[] = {
+    {'s', "script", Value::kWanted}, {'c', "command", Value::kWanted}, {'o', "output", Value::kWanted},
+    {'p', "plot", Value::kWanted},   {0, "size", Value::kWanted},      {0, "set", Value::kWanted},
+    {0, "profile", Value::kWanted},  {0, "windows", Value::kNone},     {0, "view", Value::kNone},
+    {0, "events", Value::kWanted},   {0, "record", Value::kWanted},    {0, "summary", Value::kMayFollowSign},
+    {'q', "quiet", Value::kNone},    {0, "help", Value::kNone},        {0, "version", Value::kNone},
+};
 
 void apply(Options& options, std::string_view name, const std::wstring& value) {
     if (name == "script") {
@@ -67,6 +58,10 @@ void apply(Options& options, std::string_view name, const std::wstring& value) {
         options.events = value;
     } else if (name == "record") {
         options.record = value;
+    } else if (name == "summary") {
+        if (!value.empty() && value != L"text" && value != L"json")
+            throw UsageError("--summary: \"" + base::toUtf8(value) + "\" is neither text nor json");
+        options.summary = value == L"json" ? Options::Summary::kJson : Options::Summary::kText;
     } else if (name == "quiet") {
         options.quiet = true;
     } else if (name == "help") {
@@ -100,6 +95,7 @@ const char kUsage[] =
     "      --view              open a window with the drawing; -s and -c run in it first, -o and -p hold at its end\n"
     "      --events FILE       work that window by a script of events, without a screen unless there is --view\n"
     "      --record FILE       write what is done in the window as a script\n"
+    "      --summary[=json]    print what is in the drawing, and do nothing else\n"
     "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
     "  --help  --version\n"
     "Without -s, -c, -o, -p, --view and --events it is a command prompt.\n"
@@ -127,11 +123,11 @@ Options parseOptions(const std::vector<std::string>& arguments) {
         }
         const OptionName* option = findOption(argument);
         if (!option) throw UsageError("unknown option " + std::string(argument));
-        if (!option->hasValue) {
-            if (attached) throw UsageError(std::string(argument) + " takes no value");
-            apply(options, option->word, L"");
-        } else if (attached) {
+        if (attached) {
+            if (option->value == Value::kNone) throw UsageError(std::string(argument) + " takes no value");
             apply(options, option->word, base::fromUtf8Exact(*attached));
+        } else if (option->value != Value::kWanted) {
+            apply(options, option->word, L"");
         } else if (++i < arguments.size()) {
             apply(options, option->word, base::fromUtf8Exact(arguments[i]));
         } else {

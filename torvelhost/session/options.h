@@ -28,6 +28,8 @@ struct Options {
     bool view = false;                   // a window with the drawing
     std::optional<std::wstring> events;  // a script that works that window, without a screen
     std::optional<std::wstring> record;  // what is done in it, as a script
+    enum class Summary { kNone, kText, kJson };
+    Summary summary = Summary::kNone;
     bool quiet = false;
     bool help = false;
     bool version = false;

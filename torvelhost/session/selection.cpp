@@ -2,14 +2,19 @@
 #include "torvelhost/session/selection.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 #include "base/number.h"
 #include "base/text.h"
+#include "base/wildcards.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
+#include "drawingdb/readers.h"
 #include "drawingdb/text.h"
 #include "drawingdb/viewport.h"
 
@@ -98,6 +103,59 @@ bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, d
     return reference && anyShownAttributeMeets(*reference, rectangle, layers);
 }
 
+// Looks through records without opening them; what was asked of a name once is remembered.
+class EntityFilter {
+  public:
+    explicit EntityFilter(const TypedFilter& filter) : filter_(filter) {}
+
+    bool operator()(OdDbObjectId id) {
+        switch (filter_.what) {
+            case TypedFilter::kBlock:
+                return ofBlock(OdDbBlockReference::blockTableRecordOf(id));
+            case TypedFilter::kLayer:
+                return entity_.read(id) && remembered(entity_.narrowLayer(), [this] { return entity_.layer(); });
+            case TypedFilter::kKind:
+                return entity_.read(id) && remembered(entity_.kind(), [this] { return base::widen(entity_.kind()); });
+            case TypedFilter::kTag:
+                return id.isKindOf(OdDbBlockReference::desc()) && anyAttributeFits(id);
+        }
+        return false;
+    }
+
+  private:
+    template <class Wide>
+    bool remembered(std::string_view name, Wide wide) {
+        const auto found = byName_.find(name);
+        if (found != byName_.end()) return found->second;
+        return byName_[std::string(name)] = base::fitsPattern(wide(), filter_.pattern);
+    }
+
+    bool ofBlock(OdDbObjectId block) {
+        if (!block) return false;
+        const auto [entry, isNew] = byBlock_.try_emplace(block, false);
+        if (isNew)
+            if (const auto named = drawingdb::blockStoodFor(block).openIf<OdDbBlockTableRecord>())
+                entry->second = base::fitsPattern(named->name(), filter_.pattern);
+        return entry->second;
+    }
+
+    bool anyAttributeFits(OdDbObjectId reference) {
+        reference_.read(reference);
+        for (const OdDbObjectId id : reference_.attributes())
+            if (attribute_.read(id) && base::fitsPattern(attribute_.tag(), filter_.pattern) &&
+                base::fitsPattern(attribute_.textString(), filter_.value))
+                return true;
+        return false;
+    }
+
+    const TypedFilter& filter_;
+    OdDbEntityReader entity_;
+    OdDbBlockReferenceReader reference_;
+    OdDbAttributeReader attribute_;
+    std::map<std::string, bool, std::less<>> byName_;
+    std::unordered_map<OdDbObjectId, bool> byBlock_;
+};
+
 }  // namespace
 
 Rectangle Selection::pickRectangle(const OdGePoint3d& center) {
@@ -156,6 +214,13 @@ Selection::Entities Selection::allEntities() {
 Selection::Entities Selection::lastEntity() {
     const Entities all = allEntities();
     return all.empty() ? Entities() : Entities{all.back()};
+}
+
+Selection::Entities Selection::fitting(const TypedFilter& filter) {
+    EntityFilter fits(filter);
+    Entities entities = allEntities();
+    std::erase_if(entities, [&fits](OdDbObjectId id) { return !fits(id); });
+    return entities;
 }
 
 OdDbObjectId Selection::find(const TypedObject& name, std::wstring& reason) const {
@@ -364,6 +429,10 @@ bool Selection::select(std::wstring_view text, Entities& entities, std::wstring&
     }
     if (base::equalsNoCase(text, L"last")) {
         entities = lastEntity();
+        return true;
+    }
+    if (const auto filter = parseFilter(text)) {
+        entities = fitting(*filter);
         return true;
     }
     if (const auto names = parseObjects(text)) {

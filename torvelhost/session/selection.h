@@ -98,6 +98,7 @@ class Selection {
     Entities entitiesIn(const Rectangle& rectangle, bool crossing);
     Entities allEntities();
     Entities lastEntity();
+    Entities fitting(const TypedFilter& filter);
     Rectangle pickRectangle(const OdGePoint3d& center);
 
     Input& input_;

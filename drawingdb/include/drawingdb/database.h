@@ -166,6 +166,8 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     std::size_t undoPosition();
     /// Whether anything behind that position changed the drawing; marks, records and groups alone do not.
     bool isChangedSince(std::size_t undoPosition);
+    /// How many objects were: those made, changed or erased. The header is none.
+    std::size_t objectsChangedSince(std::size_t undoPosition);
     /// Takes everything back to that position, with the marks, records and groups that lie behind it.
     void undoTo(std::size_t position);
     /// The same, and redo() can bring it back. No group may be open.

@@ -25,7 +25,25 @@ class DRAWINGDB_API ReadText {
     std::string narrow_;  // where it is not the raw text
 };
 
+/// The block that an anonymous one is a form of: a dynamic block whose parameters were changed is shown by a block
+/// without a name of its own, which says whose form it is. Any other block itself.
+DRAWINGDB_API OdDbObjectId blockStoodFor(OdDbObjectId block);
+
 }  // namespace drawingdb
+
+/// What entities of all kinds have.
+class DRAWINGDB_API OdDbEntityReader {
+  public:
+    /// False, and the rest of no meaning, when the id names no entity, or an erased one.
+    bool read(OdDbObjectId entity);
+    std::string_view kind() const { return kind_; }  ///< the name of the record in files: "INSERT"
+    OdString layer() const { return layer_.wide(); }
+    std::string_view narrowLayer() { return layer_.narrow(); }
+
+  private:
+    std::string_view kind_;
+    drawingdb::ReadText layer_;
+};
 
 class DRAWINGDB_API OdDbAttributeReader {
   public:

@@ -237,6 +237,25 @@ const OdRxClass* Core::classOfPolyline(const Stub& stub) {
     return flags & kSpatial ? OdDb3dPolyline::desc() : OdDb2dPolyline::desc();
 }
 
+bool Core::isObject(const Stub& stub) const {
+    switch (stub.type) {
+        case rtNone:
+        case rtSection:
+        case rtEndsec:
+        case rtTable:
+        case rtEndtab:
+        case rtBlock:
+        case rtEndblk:
+        case rtSeqend:
+        case rtEof:
+        case rtClass:
+        case rtVertex:
+            return false;
+        default:
+            return true;
+    }
+}
+
 const OdRxClass* Core::classOf(const Stub& stub) {
     if (stub.type == rtBlock || stub.type == rtSection) {
         linkBlocks();

@@ -91,6 +91,8 @@ class Core {
     Stub* recordOfBlock(Stub& block);
     OdDbObjectIdRange entitiesOf(Stub& record, bool skipErased);
     bool isEntity(const Stub& stub) const;
+    /// Whether it is something of its own, no part of the file's or of another object's structure.
+    bool isObject(const Stub& stub) const;
     const OdRxClass* classOf(const Stub& stub);
     const OdRxClass* classOfPolyline(const Stub& stub);
 
@@ -178,6 +180,7 @@ class Core {
     int groupDepth() const { return static_cast<int>(groups_.size()); }
     std::size_t undoPosition();
     bool isChangedSince(std::size_t position);
+    std::size_t objectsChangedSince(std::size_t position);
     void undoTo(std::size_t position) { undoTo(position, nullptr); }
     void undoForRedo(std::size_t position);
     bool redo();

@@ -339,6 +339,9 @@ void OdDbDatabase::rollBackUndoGroup() { core_->groupRollBack(); }
 std::uint64_t OdDbDatabase::revision() { return core_->revision(); }
 std::size_t OdDbDatabase::undoPosition() { return core_->undoPosition(); }
 bool OdDbDatabase::isChangedSince(std::size_t undoPosition) { return core_->isChangedSince(undoPosition); }
+std::size_t OdDbDatabase::objectsChangedSince(std::size_t undoPosition) {
+    return core_->objectsChangedSince(undoPosition);
+}
 void OdDbDatabase::undoTo(std::size_t position) { core_->undoTo(position); }
 void OdDbDatabase::undoForRedo(std::size_t position) { core_->undoForRedo(position); }
 bool OdDbDatabase::redo() { return core_->redo(); }

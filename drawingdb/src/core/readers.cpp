@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "base/number.h"
+#include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/geometry/curve_math.h"
@@ -32,6 +34,19 @@ std::string_view ReadText::narrow() {
     narrow_.clear();
     core_->database.appendNarrow(narrow_, wide());
     return narrow_;
+}
+
+OdDbObjectId blockStoodFor(OdDbObjectId block) {
+    const auto record = block.openIf<OdDbBlockTableRecord>();
+    if (!record || !record->isAnonymous()) return block;
+    constexpr int kHandle = 1005;
+    for (const OdDbGroup& group : record->xData(L"AcDbBlockRepBTag")) {
+        if (group.code != kHandle) continue;
+        const OdDbObjectId named =
+            block.database()->getObjectId(base::parseHex(std::wstring_view(group.text)).value_or(0));
+        if (named.isValid() && named.isKindOf(OdDbBlockTableRecord::desc())) return named;
+    }
+    return block;
 }
 
 }  // namespace drawingdb
@@ -72,6 +87,20 @@ void keepFirst(std::string_view& kept, const Group& group) {
 }
 
 }  // namespace
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Entities
+
+bool OdDbEntityReader::read(OdDbObjectId entity) {
+    if (!entity.isValid()) return false;
+    Stub& stub = *entity.stub();
+    Core& core = drawingdb::coreOf(&stub);
+    if (!core.isEntity(stub)) return false;
+    kind_ = core.typeName(stub);
+    const std::string_view layer = core.groupText(stub, 8);
+    layer_.setRaw(core, layer.empty() ? std::string_view("0") : layer);
+    return true;
+}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Attributes

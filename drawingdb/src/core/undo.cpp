@@ -165,6 +165,14 @@ bool Core::isChangedSince(std::size_t position) {
     return false;
 }
 
+std::size_t Core::objectsChangedSince(std::size_t position) {
+    std::unordered_set<std::uint32_t> changed;
+    for (std::size_t i = undoPosition(); i > position; --i)
+        if (const Step& step = log_[i - 1]; step.kind < Step::record && isObject(stubs[step.stub]))
+            changed.insert(step.stub);
+    return changed.size();
+}
+
 void Core::undoForRedo(std::size_t position) {
     flushAll();
     std::vector<Undone> redo = std::move(redo_);
