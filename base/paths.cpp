@@ -80,6 +80,11 @@ bool isFile(std::wstring_view path) {
     return !error && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
 }
 
+bool isSameFile(std::wstring_view path, std::wstring_view other) {
+    std::error_code error;
+    return std::filesystem::equivalent(toPath(path), toPath(other), error) && !error;
+}
+
 bool isFolder(std::wstring_view path) {
     std::error_code error;
     return std::filesystem::is_directory(toPath(path), error);

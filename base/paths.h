@@ -41,6 +41,8 @@ std::vector<std::wstring> splitSearchPath(std::wstring_view searchPath);
 
 std::wstring absolutePath(std::wstring_view path);
 bool isFile(std::wstring_view path);
+/// Whether both lead to one file, links followed.
+bool isSameFile(std::wstring_view path, std::wstring_view other);
 bool isFolder(std::wstring_view path);
 std::wstring currentFolder();
 std::wstring temporaryFolder();

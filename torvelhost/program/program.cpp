@@ -200,6 +200,7 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
         window.view().showNothing();
         application.open(std::move(opened->database), window.view());
         setVariables(options, application.session()->variables);
+        if (opened->isUnsaved) application.session()->document.markUnsaved();
         window.view().show(application, opened->name);
         status = std::max(status, CommandLoop(application).run());
     }

@@ -1,5 +1,6 @@
 #include "torvelhost/program/view_window.h"
 
+#include "base/paths.h"
 #include "base/text.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/window/make_frame.h"
@@ -22,6 +23,8 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
         if (!frame_) throw UsageError("--view: events cannot work this window; give --events alone");
     }
     view_ = std::make_unique<CanvasView>(*frame_, terminal);
+    if (!headless_)
+        view_->useSafekeeping(safekeeping_.emplace(base::joinPath(base::userStateFolder(), L"torvelhost"), terminal));
     if (options.record) view_->recording().open(*options.record);
     for (const Options::Script& script : options.scripts)
         if (script.isFile)

@@ -35,6 +35,7 @@ class ViewWindow {
     std::unique_ptr<ViewFrame> script_;  // the headless frame, where another one does what it says
     std::unique_ptr<ViewFrame> frame_;
     HeadlessFrame* headless_ = nullptr;
+    std::optional<Safekeeping> safekeeping_;
     std::unique_ptr<CanvasView> view_;
     ScriptReplies scripts_;
     std::unique_ptr<DialogLines> dialogLines_;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/files.h"
+#include "base/paths.h"
 #include "drawingdb/block.h"
 #include "drawingdb/viewport.h"
 
@@ -105,6 +106,8 @@ std::optional<std::wstring> Document::redoCommand() {
 void Document::save(const std::wstring& path) {
     if (database_->isReadOnly())
         throw base::FileError(path, L"not saved: the drawing is damaged and was opened for reading alone");
+    if (isFileProtected() && base::isSameFile(path, database_->fileName()))
+        throw base::FileError(path, L"not saved: " + protection_);
     database_->writeFile(path);
     savedRevision_ = database_->revision();
 }

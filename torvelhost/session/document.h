@@ -52,6 +52,11 @@ class Document final : public HostDocument {
     void save(const std::wstring& path);
     /// Whether there is more to save than what was saved last, or opened.
     bool isModified();
+    /// The database was read from a copy of an unsaved drawing.
+    void markUnsaved() { savedRevision_ = ~std::uint64_t{0}; }
+    /// From now on saving onto the drawing's own file is refused: "not saved: " and the reason.
+    void protectFile(const std::wstring& reason) { protection_ = reason; }
+    bool isFileProtected() const { return !protection_.empty(); }
 
     /// ---- undo, a whole command at a time
     std::size_t undoPosition() { return database_->undoPosition(); }
@@ -74,6 +79,7 @@ class Document final : public HostDocument {
     OdGePoint3d lastPoint_;
     std::optional<std::uint64_t> savedRevision_;
     std::vector<Done> done_;
+    std::wstring protection_;           // why the drawing's own file stays as it is; empty: it need not
     std::vector<std::wstring> undone_;  // the last is the next to be brought back
 };
 

@@ -59,6 +59,7 @@ void CanvasView::show(Application& application, const std::wstring& name) {
     gestures_.use(session_);
     application.watchScreen([this] { redraw(); });
     recording_.begin(name);
+    if (safekeeping_) safekeeping_->show(name, session_->document);
 }
 
 void CanvasView::showNothing() {
@@ -117,9 +118,20 @@ std::optional<std::wstring> CanvasView::waitForReply() {
             if (closing_ || opened_) return std::nullopt;
             continue;
         }
+        std::optional<std::int64_t> keptAt;
+        if (kind == Expected::kCommand && safekeeping_) {
+            if (!std::exchange(offered_, true)) {
+                offerLeftCopies();
+                if (opened_) return std::nullopt;
+                continue;
+            }
+            safekeeping_->work(name_, session_->document, frame_.now());
+            keptAt = safekeeping_->dueAt();
+        }
         if (kind != Expected::kDialog) refreshMarks();
         picture_.work();
-        frame_.waitForEvents(picture_.dueAt());
+        const auto due = picture_.dueAt();
+        frame_.waitForEvents(due && keptAt ? std::min(due, keptAt) : due ? due : keptAt);
     }
 }
 
@@ -349,7 +361,8 @@ void CanvasView::refreshSurroundings() {
     if (!session_) return;
     OdDbDatabase& database = *session_->document.database();
     const std::wstring name = name_.empty() ? L"New drawing" : base::fileNameOf(name_);
-    const std::wstring title = (session_->document.isModified() ? L"*" : L"") + name + L" - torvelhost";
+    const std::wstring title = (session_->document.isModified() ? L"*" : L"") + name +
+                               (session_->document.isFileProtected() ? L" (read-only)" : L"") + L" - torvelhost";
     if (title != title_) frame_.setTitle(title_ = title);
     std::vector<std::wstring> tabs;
     for (const OdString& layout : database.layoutNames()) tabs.push_back(layout);
@@ -497,10 +510,31 @@ void CanvasView::plot() {
 void CanvasView::openDrawing(const std::wstring& name) {
     try {
         frame_.setCursor(ViewFrame::Cursor::kWait);
-        opened_ = Opened{open_(name), name};
+        opened_ = Opened{open_(name), name, false};
         if (!name.empty()) remember(name);
     } catch (const std::exception& error) {
         ask(dialogs::BoxKind::kError, base::fromUtf8(error.what()));
+    }
+}
+
+// After a window that did not end in order.
+void CanvasView::offerLeftCopies() {
+    for (const LeftCopy& left : safekeeping_->takeLeft()) {
+        if (opened_ || session_->document.isModified()) return;  // the others are offered to the next window
+        const std::wstring name = left.drawing.empty() ? L"A new drawing" : base::fileNameOf(left.drawing);
+        const dialogs::Answer answer =
+            ask(dialogs::BoxKind::kYesNoCancel, name +
+                                                    L" had changes that were not saved when its window ended. Open "
+                                                    L"them?\n\nNo deletes them; Cancel asks again the next time.");
+        if (answer == dialogs::Answer::kNo) safekeeping_->dropLeft(left);
+        if (answer != dialogs::Answer::kYes) continue;
+        try {
+            opened_ = Opened{OdDbDatabase::readBytes(std::string(base::readFile(left.copy).view()), left.drawing),
+                             left.drawing, true};
+            safekeeping_->adopt(left);
+        } catch (const std::exception& error) {
+            ask(dialogs::BoxKind::kError, base::fromUtf8(error.what()));
+        }
     }
 }
 

@@ -19,6 +19,7 @@
 #include "torvelhost/window/gestures.h"
 #include "torvelhost/window/menus.h"
 #include "torvelhost/window/recording.h"
+#include "torvelhost/window/safekeeping.h"
 #include "torvelhost/window/view_picture.h"
 
 namespace host {
@@ -48,11 +49,15 @@ class CanvasView final : public ViewEvents, public ReplySource {
     struct Opened {
         OdDbDatabasePtr database;
         std::wstring name;
+        bool isUnsaved = false;  ///< read from a copy that was kept aside
     };
     std::optional<Opened> takeOpened() { return std::exchange(opened_, std::nullopt); }
     /// Reads a drawing; throws what that throws.
     using Open = std::function<OdDbDatabasePtr(const std::wstring& name)>;
     void useOpen(Open open) { open_ = std::move(open); }
+
+    /// Keeps the drawings from now on. It must outlive the view.
+    void useSafekeeping(Safekeeping& safekeeping) { safekeeping_ = &safekeeping; }
 
     /// A dialog is about to wait for the user: what it changed is shown.
     void dialogWaits();
@@ -121,6 +126,7 @@ class CanvasView final : public ViewEvents, public ReplySource {
     bool save(bool underNewName);
     void plot();
     void openDrawing(const std::wstring& name);
+    void offerLeftCopies();
     void remember(const std::wstring& name);
     dialogs::Answer ask(dialogs::BoxKind kind, const std::wstring& text);
     std::optional<std::wstring> askFile(const dialogs::FileRequest& request);
@@ -136,6 +142,8 @@ class CanvasView final : public ViewEvents, public ReplySource {
     ViewPicture picture_;
     Gestures gestures_;
     Open open_;
+    Safekeeping* safekeeping_ = nullptr;
+    bool offered_ = false;  // what other windows have left
 
     const Question* question_ = nullptr;  // while it is asked
     std::deque<Queued> queue_;

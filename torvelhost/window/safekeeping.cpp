@@ -1,0 +1,58 @@
+#include "torvelhost/window/safekeeping.h"
+
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "drawingdb/error.h"
+
+namespace host {
+
+Safekeeping::Safekeeping(const std::wstring& folder, Terminal& terminal) : terminal_(terminal) {
+    try {
+        kept_ = std::make_unique<KeptAside>(folder);
+    } catch (const base::FileError& error) {
+        terminal.warning(L"unsaved drawings are not kept aside: " + base::fromUtf8(error.what()));
+    }
+}
+
+std::vector<LeftCopy> Safekeeping::takeLeft() { return kept_ ? kept_->takeLeft() : std::vector<LeftCopy>(); }
+
+void Safekeeping::dropLeft(const LeftCopy& left) { kept_->dropLeft(left); }
+
+void Safekeeping::show(const std::wstring& drawing, Document& document) {
+    drawing_ = drawing;
+    due_.reset();
+    if (kept_) kept_->show(drawing);
+    hold_.reset();
+    if (drawing.empty()) return;
+    hold_.emplace(drawing);
+    if (hold_->isHeld()) return;
+    document.protectFile(L"another window has the drawing open; save it under another name");
+    terminal_.notice(base::fileNameOf(drawing) +
+                     L" is open in another window. Here it is for reading alone; save it under another name.");
+}
+
+void Safekeeping::work(const std::wstring& drawing, Document& document, std::int64_t now) {
+    if (drawing != drawing_) show(drawing, document);  // it was saved under another name
+    if (!kept_) return;
+    if (!document.isModified()) {
+        kept_->drop();
+        due_.reset();
+        return;
+    }
+    OdDbDatabase& database = *document.database();
+    if (kept_->hasCopy() && keptRevision_ == database.revision()) return due_.reset();
+    if (!due_) due_ = adopted_ ? now : now + kInterval;
+    if (now < *due_) return;
+    due_.reset();
+    keptRevision_ = database.revision();
+    try {
+        kept_->keep(database);
+        if (adopted_) dropLeft(*std::exchange(adopted_, std::nullopt));
+    } catch (const std::exception& error) {
+        terminal_.warning(L"the unsaved drawing is not kept aside: " + base::fromUtf8(error.what()));
+        due_ = now + kInterval;
+    }
+}
+
+}  // namespace host
