@@ -1,7 +1,8 @@
-# torvel_resources(TARGET FILE.rc...)
+# torvel_resources(TARGET FILE.rc... [DEPENDS FILE...])
 #
 # Compiles resource scripts (UTF-8) into TARGET: on Windows into its resource section, elsewhere embedded as they are
 # and found through a note in the module (see base/resources.h). Both platforms get the same compiled bytes.
+# DEPENDS names the files that the scripts take in as they are.
 # The scripts include <winres.h>, which is the project's own short one in base/rc. TORVEL_VERSION and
 # TORVEL_VERSION_NUMBERS are the project's version as a text and as four numbers.
 
@@ -13,8 +14,9 @@ function(torvel_resources target)
   if(NOT TORVEL_LLVM_RC)
     message(FATAL_ERROR "llvm-rc is needed to compile the resources (Debian's package llvm).")
   endif()
+  cmake_parse_arguments(PARSE_ARGV 1 resources "" "" "DEPENDS")
   set(compiled)
-  foreach(script IN LISTS ARGN)
+  foreach(script IN LISTS resources_UNPARSED_ARGUMENTS)
     cmake_path(ABSOLUTE_PATH script BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
     cmake_path(GET script STEM name)
     cmake_path(GET script PARENT_PATH folder)
@@ -31,7 +33,7 @@ function(torvel_resources target)
               "${target}_${name}.preprocessed.rc"
       COMMAND "${CMAKE_COMMAND}" -E rename "${stem}.unchecked" "${stem}.res"
       DEPFILE "${stem}.d"
-      DEPENDS "${script}"
+      DEPENDS "${script}" ${resources_DEPENDS}
       WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
       COMMENT "Compiling resources ${name}.rc of ${target}"
       VERBATIM)

@@ -83,6 +83,28 @@ class CommandLine(unittest.TestCase):
         version = re.search(r"project\(torvelcmd2 VERSION ([\d.]+)", lists)[1]
         self.assertEqual(self.run_program("--version").output, f"torvelhost {version}\n")
 
+    def test_there_is_help_on_every_command(self):
+        root = pathlib.Path(__file__).parents[2]
+        readme = (root / "README.md").read_text(encoding="utf-8")
+        names = re.findall(r"`(\w+)`", "".join(re.findall(r"^\| (`\w+`.*?) \|", readme, re.M)))
+        self.assertIn("AttSync", names)
+        source = (root / "torvelhost" / "commands" / "host_commands.cpp").read_text(encoding="utf-8")
+        names += re.findall(r'^    \{L"(\w+)"', source, re.M) + ["DBLCLICK", "QUIT", "Dialogs"]
+        run = self.run_program("-c", "|".join("help " + name for name in names))
+        self.assertEqual(run.status, 0, run.errors)
+        told = self.run_program("-c", "?").output
+        for name in names[:-1]:
+            self.assertRegex(told, rf"(?m)^(\w+, )?{name}\b")
+        # The text is that of the page, without the marks that only a reader of Markdown knows.
+        section = self.run_program("--help=attsync")
+        self.assertEqual((section.status, section.errors), (0, ""))
+        self.assertRegex(section.output, r"(?s)^AttSync\n.*\n- \? lists the blocks.*\n    torvelhost plan.dxf -c 'AttSync")
+        for mark in "`", "](", "**", "![":
+            self.assertNotIn(mark, section.output)
+        self.assertEqual(self.run_program("-c", "? attsync").output.split(), section.output.split())
+        self.assertEqual(self.run_program("--help=nothing").status, 2)
+        self.assertEqual(self.run_program("-c", "help nothing").status, 2)
+
     def test_a_summary_is_the_same_as_text_and_for_programs(self):
         drawing = str(pathlib.Path(__file__).parent / "find.dxf")
         found = json.loads(self.run_program(drawing, "--summary=json").output)

@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "torvelhost/commands/double_click.h"
 #include "torvelhost/commands/host_commands.h"
+#include "torvelhost/lines/help_text.h"
 #include "torvelhost/lines/progress.h"
 
 namespace host {
@@ -30,7 +31,7 @@ CMD_RUNSTATUS runOnce(const RegisteredCommand& registered) {
 std::vector<std::wstring> commandNames() {
     std::vector<std::wstring> names = hostCommandNames();
     for (std::wstring& name : CommandFactory::instance().names()) names.push_back(std::move(name));
-    names.insert(names.end(), {L"QUIT", std::wstring(kDoubleClickName) + L" "});
+    names.insert(names.end(), {L"QUIT", L"help ", std::wstring(kDoubleClickName) + L" "});
     return names;
 }
 
@@ -57,7 +58,12 @@ bool CommandLoop::runLine(const Reply& reply) {
     const std::wstring& text = reply.text;
     if (base::equalsNoCase(text, L"QUIT")) return false;
     const std::size_t blank = text.find(L' ');
-    if (blank != text.npos && base::equalsNoCase(std::wstring_view(text).substr(0, blank), kDoubleClickName)) {
+    const std::wstring_view word = std::wstring_view(text).substr(0, blank);
+    if (word == L"?" || base::equalsNoCase(word, L"help")) {
+        showHelp(base::trimmed(std::wstring_view(text).substr(word.size())));
+        return true;
+    }
+    if (blank != text.npos && base::equalsNoCase(word, kDoubleClickName)) {
         doubleClick(base::trimmed(std::wstring_view(text).substr(blank)));
         return true;
     }
@@ -75,6 +81,17 @@ bool CommandLoop::runLine(const Reply& reply) {
                                             : L"unknown command \"" + text + L"\"");
     }
     return true;
+}
+
+void CommandLoop::showHelp(std::wstring_view topic) {
+    if (topic.empty()) {
+        for (const HelpTopic& each : helpTopics())
+            terminal_.print(each.names + (each.about.empty() ? L"" : L": ") + each.about);
+        return;
+    }
+    const auto text = helpOn(topic);
+    if (!text) return refuse(L"there is no help on \"" + std::wstring(topic) + L"\"");
+    terminal_.print(base::trimmed(*text));
 }
 
 void CommandLoop::doubleClick(std::wstring_view where) {

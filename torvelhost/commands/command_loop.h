@@ -37,6 +37,8 @@ class CommandLoop {
     void tellChanges(const std::wstring& name, std::size_t position);
     /// Memory ran out in the command, whose changes have been taken back. Throws base::FileError in a script.
     void endForMemory(const std::wstring& command);
+    /// What is said about a command; all of them when none is named.
+    void showHelp(std::wstring_view topic);
     void doubleClick(std::wstring_view where);
     /// A line that names nothing: the end of a script, a hint for a person.
     void refuse(const std::wstring& what);

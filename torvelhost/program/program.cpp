@@ -15,6 +15,7 @@
 #include "hostapi/host_names.h"
 #include "torvelhost/commands/command_loop.h"
 #include "torvelhost/lines/dialog_lines.h"
+#include "torvelhost/lines/help_text.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/plot/plot.h"
 #include "torvelhost/program/summary.h"
@@ -208,6 +209,13 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
     return finish(options, application, terminal, status);
 }
 
+std::string helpText(const std::wstring& topic) {
+    if (topic.empty()) return kUsage;
+    const auto text = helpOn(topic);
+    if (!text) throw UsageError("--help: there is no help on \"" + base::toUtf8(topic) + "\"");
+    return base::toUtf8(*text);
+}
+
 ExitStatus run(const Options& options, Terminal& terminal) {
     checkOptions(options);
     if (options.windows) requireWindows();
@@ -228,7 +236,9 @@ int runProgram(const std::vector<std::string>& arguments) {
     try {
         const Options options = parseOptions(arguments);
         if (options.help || options.version)
-            return base::writeTo(base::Stream::kOutput, options.help ? kUsage : kVersion) ? kAllFinished : kFileFailed;
+            return base::writeTo(base::Stream::kOutput, options.help ? helpText(options.helpTopic) : kVersion)
+                       ? kAllFinished
+                       : kFileFailed;
         terminal = Terminal(options.quiet);
         return run(options, terminal);
     } catch (const UsageError& error) {

@@ -7,6 +7,7 @@
 #include "drawingdb/mtext.h"
 #include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
+#include "torvelhost/lines/help_text.h"
 #include "torvelhost/session/preview.h"
 
 namespace host {
@@ -128,7 +129,11 @@ void Application::redraw(OdDbObjectId entity) {
 }
 
 void Application::Help::showTopic(const wchar_t* topic, void*) {
-    terminal_.notice(L"[help] " + std::wstring(topic ? topic : L""));
+    std::wstring_view name = topic ? topic : L"";
+    terminal_.notice(L"[help] " + std::wstring(name));
+    constexpr std::wstring_view kPrefix = L"IDH_";
+    if (name.starts_with(kPrefix)) name.remove_prefix(kPrefix.size());
+    if (const auto text = helpOn(name)) terminal_.notice(*text);
 }
 
 void Application::Folders::supportPath(CXStringW& folders) {

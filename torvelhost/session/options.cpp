@@ -18,11 +18,11 @@ struct OptionName {
     Value value;
 };
 constexpr OptionName kOptions[] = {
-    {'s', "script", Value::kWanted}, {'c', "command", Value::kWanted}, {'o', "output", Value::kWanted},
-    {'p', "plot", Value::kWanted},   {0, "size", Value::kWanted},      {0, "set", Value::kWanted},
-    {0, "profile", Value::kWanted},  {0, "windows", Value::kNone},     {0, "view", Value::kNone},
-    {0, "events", Value::kWanted},   {0, "record", Value::kWanted},    {0, "summary", Value::kMayFollowSign},
-    {'q', "quiet", Value::kNone},    {0, "help", Value::kNone},        {0, "version", Value::kNone},
+    {'s', "script", Value::kWanted}, {'c', "command", Value::kWanted},   {'o', "output", Value::kWanted},
+    {'p', "plot", Value::kWanted},   {0, "size", Value::kWanted},        {0, "set", Value::kWanted},
+    {0, "profile", Value::kWanted},  {0, "windows", Value::kNone},       {0, "view", Value::kNone},
+    {0, "events", Value::kWanted},   {0, "record", Value::kWanted},      {0, "summary", Value::kMayFollowSign},
+    {'q', "quiet", Value::kNone},    {0, "help", Value::kMayFollowSign}, {0, "version", Value::kNone},
 };
 
 void apply(Options& options, std::string_view name, const std::wstring& value) {
@@ -66,6 +66,7 @@ void apply(Options& options, std::string_view name, const std::wstring& value) {
         options.quiet = true;
     } else if (name == "help") {
         options.help = true;
+        options.helpTopic = value;
     } else if (name == "version") {
         options.version = true;
     }
@@ -97,7 +98,8 @@ const char kUsage[] =
     "      --record FILE       write what is done in the window as a script\n"
     "      --summary[=json]    print what is in the drawing, and do nothing else\n"
     "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
-    "  --help  --version\n"
+    "      --help[=COMMAND]    print this, or what a command asks and does\n"
+    "      --version           print the version\n"
     "Without -s, -c, -o, -p, --view and --events it is a command prompt.\n"
     "Exit status: 0 every command finished; 1 a command was cancelled or failed; 2 wrong usage, or a script\n"
     "that does not fit; 3 a file could not be read or written.\n";

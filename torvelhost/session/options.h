@@ -32,6 +32,7 @@ struct Options {
     Summary summary = Summary::kNone;
     bool quiet = false;
     bool help = false;
+    std::wstring helpTopic;  // empty: the options
     bool version = false;
 
     bool hasWindow() const { return view || events; }
