@@ -1,7 +1,6 @@
 #include "dialogs/form_script.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <functional>
 #include <optional>
@@ -133,30 +132,23 @@ bool isAnyCase(std::wstring_view a, std::wstring_view b) { return base::equalsNo
 }  // namespace
 
 ItemNames::ItemNames(const Control& list)
-    : list_(&list), exact_{exactHash, isExact, {}, {}}, inAnyCase_{foldedHash, isAnyCase, {}, {}} {}
-
-// Its own, or the free one where it belongs.
-int& ItemNames::slotOf(Places& places, std::wstring_view name) const {
-    const std::size_t mask = places.heads.size() - 1;
-    std::size_t slot = places.hash(name) & mask;
-    while (places.heads[slot] >= 0 && !places.alike(itemName(*list_, places.heads[slot]), name))
-        slot = (slot + 1) & mask;
-    return places.heads[slot];
-}
+    : list_(&list), exact_(exactHash, isExact), inAnyCase_(foldedHash, isAnyCase) {}
 
 void ItemNames::fill(Places& places) const {
     const auto count = static_cast<std::size_t>(list_->itemCount());
-    places.heads.assign(std::bit_ceil(2 * count + 1), -1);
+    places.first.reserve(count);
     places.next.resize(count);
     for (std::size_t i = count; i-- > 0;) {
-        int& slot = slotOf(places, itemName(*list_, static_cast<int>(i)));
-        places.next[i] = std::exchange(slot, static_cast<int>(i));
+        const int item = static_cast<int>(i);
+        const auto [place, isNew] = places.first.try_emplace(itemName(*list_, item), item);
+        places.next[i] = isNew ? -1 : std::exchange(place->second, item);
     }
 }
 
 int ItemNames::nth(Places& places, std::wstring_view name, std::size_t n) const {
-    if (places.heads.empty()) fill(places);
-    int item = n == 0 ? -1 : slotOf(places, name);
+    if (places.first.empty()) fill(places);
+    const auto found = places.first.find(name);
+    int item = n == 0 || found == places.first.end() ? -1 : found->second;
     for (std::size_t alike = 1; item >= 0 && alike < n; ++alike) item = places.next[static_cast<std::size_t>(item)];
     return item;
 }
@@ -177,7 +169,7 @@ int findItem(ItemNames& names, std::wstring_view which) { return findListItem(na
 
 std::wstring distinctItem(ItemNames& names, int item) {
     const std::wstring& name = itemName(names.list(), item);
-    const std::wstring number = std::to_wstring(item + 1);
+    std::wstring number = std::to_wstring(item + 1);
     if (name.find_first_of(L"\r\n") != name.npos) return number;
     for (const std::wstring& which :
          {valueText(name), inQuotes(name), name + L"(" + std::to_wstring(names.numberOf(item)) + L")"})

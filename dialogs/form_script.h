@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "dialogs/run.h"
@@ -21,14 +22,14 @@ class ItemNames {
     std::size_t numberOf(int item);
 
   private:
-    /// A hash table of items by one idea of what names are alike; built for a list's thousands of rows at one line.
+    using Hash = std::size_t (*)(std::wstring_view name);
+    using Alike = bool (*)(std::wstring_view a, std::wstring_view b);
+    /// The items by one idea of what names are alike.
     struct Places {
-        std::size_t (*hash)(std::wstring_view name);
-        bool (*alike)(std::wstring_view a, std::wstring_view b);
-        std::vector<int> heads;  // the first item of a name; -1: free. A power of two, at most half full
-        std::vector<int> next;   // the next item of the same name; -1: none
+        Places(Hash hash, Alike alike) : first(0, hash, alike) {}
+        std::unordered_map<std::wstring_view, int, Hash, Alike> first;
+        std::vector<int> next;  // the next item of the same name; -1: none
     };
-    int& slotOf(Places& places, std::wstring_view name) const;
     void fill(Places& places) const;
     int nth(Places& places, std::wstring_view name, std::size_t n) const;
 

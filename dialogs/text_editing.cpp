@@ -97,32 +97,35 @@ void copySelection(Control& field) {
     setClipboardText(field.richText ? field.richText->copy(begin, end) : field.text.substr(begin, end - begin));
 }
 
-bool editByKey(Control& field, TextKey key, bool shift) {
+std::optional<bool> editByKey(Control& field, Key key, bool shift) {
     snapSelection(field);
     TextSelection& selection = field.selection;
     switch (key) {
-        case kBackspaceKey:
-        case kDeleteKey:
+        case Key::kBackspace:
+        case Key::kDelete:
             if (selection.isEmpty())
                 selection.anchor =
-                    key == kBackspaceKey ? stepBack(field, selection.caret) : stepForward(field, selection.caret);
+                    key == Key::kBackspace ? stepBack(field, selection.caret) : stepForward(field, selection.caret);
             return replaceSelection(field, L"");
-        case kLeftKey:
+        case Key::kLeft:
+        case Key::kUp:
             moveCaret(field, shift || selection.isEmpty() ? stepBack(field, selection.caret) : selection.begin(),
                       shift);
             return false;
-        case kRightKey:
+        case Key::kRight:
+        case Key::kDown:
             moveCaret(field, shift || selection.isEmpty() ? stepForward(field, selection.caret) : selection.end(),
                       shift);
             return false;
-        case kHomeKey:
+        case Key::kHome:
             moveCaret(field, 0, shift);
             return false;
-        case kEndKey:
+        case Key::kEnd:
             moveCaret(field, field.text.size(), shift);
             return false;
+        default:
+            return std::nullopt;
     }
-    return false;
 }
 
 }  // namespace dialogs

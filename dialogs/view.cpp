@@ -34,27 +34,6 @@ int itemsPerPage(const Control& list) {
         1, list.kind() == ControlKind::kListView ? (height - kHeaderHeight) / kRowHeight : height / kItemHeight);
 }
 
-std::optional<TextKey> textKeyOf(Key key) {
-    switch (key) {
-        case Key::kBackspace:
-            return kBackspaceKey;
-        case Key::kDelete:
-            return kDeleteKey;
-        case Key::kLeft:
-        case Key::kUp:  // in a field of one line
-            return kLeftKey;
-        case Key::kRight:
-        case Key::kDown:
-            return kRightKey;
-        case Key::kHome:
-            return kHomeKey;
-        case Key::kEnd:
-            return kEndKey;
-        default:
-            return std::nullopt;
-    }
-}
-
 bool isCaption(const Control* control) {
     return control->kind() == ControlKind::kLabel || control->kind() == ControlKind::kGroup;
 }
@@ -331,13 +310,12 @@ void View::fieldKey(Control& field, Key key, bool shift) {
             break;
     }
     if (field.readOnly && (key == Key::kBackspace || key == Key::kDelete)) return;
-    const auto textKey = textKeyOf(key);
-    if (!textKey) return;
     const bool isTold = hasRuns(field) && (key == Key::kBackspace || key == Key::kDelete);
     if (isTold) recording().pressesIn(run_, field, key);
-    const bool changes = editByKey(field, *textKey, shift);
-    changed(field, changes ? Aspect::kText : Aspect::kSelection);
-    if (changes) isTold ? edited(field) : userEdited(field);
+    const std::optional<bool> changes = editByKey(field, key, shift);
+    if (!changes) return;
+    changed(field, *changes ? Aspect::kText : Aspect::kSelection);
+    if (*changes) isTold ? edited(field) : userEdited(field);
 }
 
 // What is copied of a rich edit may be pasted with its runs.

@@ -11,6 +11,7 @@
 
 #include "dialogs/api.h"
 #include "dialogs/control.h"
+#include "dialogs/keys.h"
 
 namespace dialogs {
 
@@ -29,28 +30,6 @@ enum class Aspect {
     kRows,
     kPages,
     kExtras  ///< tooltip and picture
-};
-
-enum class Key {
-    kEnter,
-    kEscape,
-    kTab,
-    kSpace,
-    kBackspace,
-    kDelete,
-    kLeft,
-    kRight,
-    kUp,
-    kDown,
-    kHome,
-    kEnd,
-    kPageUp,
-    kPageDown,
-    kHelp,
-    kSelectAll,  ///< Ctrl+A
-    kCopy,
-    kCut,
-    kPaste
 };
 
 struct PixelRect {

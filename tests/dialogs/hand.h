@@ -17,6 +17,8 @@ void press(Key key, Held held);
 void press(char character, Held held);
 /// In the control's left part.
 void click(const dialogs::Dialog& dialog, int control);
+/// With the other button, as for a menu.
+void rightClick(const dialogs::Dialog& dialog, int control);
 /// A choice of a list box or a row of a list view.
 void clickItem(const dialogs::Dialog& dialog, int list, int item, int times);
 /// Towards the person, with the mouse over the control.

@@ -60,10 +60,10 @@ QAbstractItemView* listWidget(const dialogs::Dialog& dialog, int id) {
 }
 
 // Through the window, as events of the system come.
-void clickIn(QWidget* widget, const QPoint& place, int times) {
+void clickIn(QWidget* widget, const QPoint& place, int times, Qt::MouseButton button = Qt::LeftButton) {
     QWindow* const window = widget->window()->windowHandle();
     const QPoint point = widget->mapTo(widget->window(), place);
-    QTest::mouseClick(window, Qt::LeftButton, {}, point);
+    QTest::mouseClick(window, button, {}, point);
     if (times == 2) QTest::mouseDClick(window, Qt::LeftButton, {}, point);
 }
 
@@ -91,6 +91,11 @@ void press(char character, Held held) {
 void click(const dialogs::Dialog& dialog, int control) {
     QWidget* const widget = controlWidget(dialog, control);
     clickIn(widget, {8, widget->height() / 2}, 1);
+}
+
+void rightClick(const dialogs::Dialog& dialog, int control) {
+    QWidget* const widget = controlWidget(dialog, control);
+    clickIn(widget, {8, widget->height() / 2}, 1, Qt::RightButton);
 }
 
 void clickItem(const dialogs::Dialog& dialog, int list, int item, int times) {

@@ -117,6 +117,12 @@ void click(const dialogs::Dialog& dialog, int control) {
     clickHere(1);
 }
 
+void rightClick(const dialogs::Dialog& dialog, int control) {
+    pointTo(dialog, control);
+    sendMouse(MOUSEEVENTF_RIGHTDOWN);
+    sendMouse(MOUSEEVENTF_RIGHTUP);
+}
+
 void clickItem(const dialogs::Dialog& dialog, int list, int item, int times) {
     HWND const window = controlWindow(dialog, list);
     RECT place = {};

@@ -46,6 +46,11 @@ class InputDialog final : public Dialog {
     void onSelect(int, int row) override { note("row ", row); }
     void onDoubleClick(int, int row) override { note("double row ", row); }
     void onHelp() override { note("help ", focused()); }
+    std::vector<MenuEntry> menuOf(int control) override {
+        note("menu of ", control);
+        return {{L"Clear", 7, true}};
+    }
+    void onMenu(int, int command) override { note("menu ", command); }
     void onOk() override {
         note("ok ", focused());
         Dialog::onOk();
@@ -136,6 +141,32 @@ TEST(RealInput, AFieldIsAskedBeforeARowIsSelected) {
     EXPECT_EQ(base::toUtf8(dialog.text(IDC_HEIGHT)), "2");
     EXPECT_EQ(shown, "red");
     EXPECT_THAT(dialog.log, ElementsAre("bad height, going to 122", "bad height, going to 109", "row 0", "chosen 108"));
+}
+
+TEST(RealInput, AFieldIsAskedBeforeAMenuIsShown) {
+    const OwnDesktop desktop;
+    const ResourceScope resources(base::processImage());
+    for (const int control : {IDC_VALUE, IDC_LIST}) {
+        InputDialog dialog;
+        RealInput input;
+        int focusWhileRefused = 0;
+        input.pressWith(Held::kAlt, 'E');  // to the height
+        input.type("3");
+        input.rightClick(dialog, control);
+        input.press(Key::kEnter);  // the box
+        input.then([&] { focusWhileRefused = dialog.focused(); });
+        input.type("2");
+        input.rightClick(dialog, control);
+        input.press(Key::kDown);
+        input.press(Key::kEnter);
+        input.then([&] { dialog.end(kCancelButton); });
+        input.during([&] { dialog.runModal(); });
+
+        const std::string name = std::to_string(control);
+        EXPECT_EQ(focusWhileRefused, IDC_HEIGHT) << control;
+        std::erase_if(dialog.log, [](const std::string& line) { return line.starts_with("row "); });
+        EXPECT_THAT(dialog.log, ElementsAre("bad height, going to " + name, "menu of " + name, "menu 7")) << control;
+    }
 }
 
 }  // namespace

@@ -59,6 +59,9 @@ class RealInput {
     void click(const dialogs::Dialog& dialog, int control) {
         then([&dialog, control] { hand::click(dialog, control); });
     }
+    void rightClick(const dialogs::Dialog& dialog, int control) {
+        then([&dialog, control] { hand::rightClick(dialog, control); });
+    }
     void clickItem(const dialogs::Dialog& dialog, int list, int item, int times = 1) {
         then([&dialog, list, item, times] { hand::clickItem(dialog, list, item, times); });
     }
