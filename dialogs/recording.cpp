@@ -84,6 +84,11 @@ void Recording::flush() {
     for (const std::wstring& line : action.kind == Kind::kEdit ? linesOf(action) : action.lines) tell(line);
 }
 
+void Recording::ends() {
+    flush();
+    names_.reset();
+}
+
 void Recording::wait(Waiting action) {
     flush();
     waiting_ = std::move(action);

@@ -55,6 +55,8 @@ class Recording {
 
     /// Tells what waits.
     void flush();
+    /// A dialog ends: its controls are nobody's any more.
+    void ends();
 
   private:
     enum class Kind { kNothing, kMove, kEdit, kTyping, kChoice, kEntry };

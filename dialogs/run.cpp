@@ -18,7 +18,7 @@ Run::Run(Dialog& root) : root_(root), outer_(Process::instance().current) {
 }
 
 Run::~Run() {
-    recording().flush();
+    recording().ends();
     Process::instance().current = outer_;
     attach(root_, nullptr);
 }
