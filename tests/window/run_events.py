@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Works windows by scripts of events, and compares what comes out with the files beside them.
 
-    run_events.py --program TORVELHOST [--emulator COMMAND ...] [--update] CASE.ev...
+    run_events.py --program TORVELHOST [--emulator COMMAND ...] [--on-screen] [--update] CASE.ev...
 
 A case is a script of events, CASE.ev. Comment lines of the form "; word: value" at its head say what else belongs to it:
 
@@ -18,6 +18,7 @@ What must come out:
                                dxf_groups.py), case.output, case.errors, case.folder and case.picture("a.png"), rows of pixels
 
 The script that was recorded, run by -s, must give the same drawing to the byte, with status 0 or 1 as the window.
+With --on-screen the events work a real window and real dialogs, of which the same must come out.
 --update writes CASE.scr anew, to be looked over before it is kept.
 """
 
@@ -69,7 +70,7 @@ def run(command, folder):
     return done.returncode, text(done.stdout), text(done.stderr)
 
 
-def run_window(events, program, update):
+def run_window(events, program, on_screen, update):
     said = directives(events)
     beside = lambda suffix: events.with_suffix(suffix)
     wanted_status = int(beside(".status").read_text()) if beside(".status").exists() else 0
@@ -84,7 +85,7 @@ def run_window(events, program, update):
         base = [*program, *([drawing.name] if drawing else []), "--profile", "settings.ini",
                 *shlex.split(said.get("options", ""))]
         status, output, errors = run(
-            [*base, "--events", str(events.resolve()), "--record", "recorded.scr", "-o", "out.dxf"], folder)
+            [*base, *(["--view"] if on_screen else []), "--events", str(events.resolve()), "--record", "recorded.scr", "-o", "out.dxf"], folder)
         if status != wanted_status:
             raise Failure(f"the status is {status} instead of {wanted_status}:\n{errors}")
         if beside(".err").exists():
@@ -125,6 +126,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--program", required=True)
     parser.add_argument("--emulator", default="")
+    parser.add_argument("--on-screen", action="store_true")
     parser.add_argument("--update", action="store_true")
     parser.add_argument("events", nargs="+", type=pathlib.Path)
     arguments = parser.parse_args()
@@ -132,7 +134,7 @@ def main():
     failed = 0
     for events in arguments.events:
         try:
-            run_window(events, program, arguments.update)
+            run_window(events, program, arguments.on_screen, arguments.update)
         except (Failure, AssertionError, OSError, subprocess.TimeoutExpired) as problem:
             failed += 1
             print(f"{events.name}: {said(problem) if isinstance(problem, AssertionError) else problem}")
