@@ -1,5 +1,5 @@
 // The grid finds what a look at every entity finds.
-#include "torvelhost/session/entity_grid.h"
+#include "torvelhost/plot/entity_grid.h"
 
 #include <random>
 
@@ -35,7 +35,8 @@ TEST(EntityGrid, FindsWhatALookAtEveryEntityFinds) {
         const OdGePoint3d from(place(random) + far, place(random), 0), to(from.x + size(random) * reach, from.y, 0);
         boxes.emplace_back(addLine(*database, from, to), Rectangle::between(from, to));
     }
-    const EntityGrid grid(database->modelSpaceId());
+    EntityGrids grids(*database);
+    const EntityGrid& grid = grids.of(database->modelSpaceId());
     for (int i = 0; i < 200; ++i) {
         const OdGePoint3d corner(place(random), place(random), 0);
         const Rectangle rectangle = Rectangle::between(corner, {corner.x + size(random) * 20, corner.y + 5, 0});
@@ -49,25 +50,46 @@ TEST(EntityGrid, FindsWhatALookAtEveryEntityFinds) {
 TEST(EntityGrid, KnowsInfiniteLinesEverywhereAndNothingInAnEmptySpace) {
     const auto database = OdDbDatabase::createNew();
     const Rectangle anywhere = Rectangle::around({5, 5, 0}, 1);
-    EXPECT_TRUE(idsIn(EntityGrid(database->modelSpaceId()), anywhere).empty());
+    EntityGrids grids(*database);
+    EXPECT_TRUE(idsIn(grids.of(database->modelSpaceId()), anywhere).empty());
     const auto line = OdDbXline::createObject();
     const OdDbObjectId id =
         database->modelSpaceId().openAs<OdDbBlockTableRecord>(OdDb::forWrite)->appendOdDbEntity(line.get());
-    EXPECT_EQ(idsIn(EntityGrid(database->modelSpaceId()), anywhere), std::vector<OdDbObjectId>{id});
+    grids.update();
+    EXPECT_EQ(idsIn(grids.of(database->modelSpaceId()), anywhere), std::vector<OdDbObjectId>{id});
 }
 
-TEST(EntityGrid, IsOutOfDateAfterAChangeAndAfterTakingItBack) {
+TEST(EntityGrid, FollowsWhatChanges) {
+    // Lines that wander, go and come back; also far beyond where the first ones were.
     const auto database = OdDbDatabase::createNew();
-    const std::uint64_t before = database->revision();
-    EXPECT_EQ(database->revision(), before);
-    const std::size_t position = database->undoPosition();
-    addLine(*database, {0, 0, 0}, {1, 1, 0});
-    const std::uint64_t changed = database->revision();
-    EXPECT_NE(changed, before);
-    database->undoTo(position);
-    EXPECT_NE(database->revision(), changed);
-    addLine(*database, {5, 5, 0}, {6, 6, 0});
-    EXPECT_NE(database->revision(), changed);
+    EntityGrids grids(*database);
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> place(-100, 100);
+    std::vector<OdDbObjectId> lines;
+    for (int i = 0; i < 3000; ++i) {
+        const OdGePoint3d from(place(random) * (i % 100 == 0 ? 50 : 1), place(random), 0),
+            to = from + OdGeVector3d(1, 0, 0);
+        const std::size_t position = database->undoPosition();
+        if (i < 300 || i % 3 == 0) {
+            lines.push_back(addLine(*database, from, to));
+        } else {
+            const OdDbObjectId id = lines[random() % lines.size()];
+            if (const auto line = OdSmartPtr<OdDbLine>::cast(id.open(OdDb::forWrite, true)); line && i % 5 == 0)
+                line->erase(!line->isErased());
+            else if (line)
+                line->setStartPoint(from), line->setEndPoint(to);
+        }
+        if (i % 11 == 0) database->undoTo(position);
+        if (i % 17 != 0) continue;
+        grids.update();
+        const Rectangle rectangle = Rectangle::around({place(random), place(random), 0}, 20);
+        std::vector<OdDbObjectId> expected;
+        for (const OdDbObjectId id : database->modelSpaceId().openAs<OdDbBlockTableRecord>()->entities()) {
+            const auto line = id.openAs<OdDbLine>();
+            if (rectangle.meets(line->startPoint().xy(), line->endPoint().xy())) expected.push_back(id);
+        }
+        ASSERT_EQ(idsIn(grids.of(database->modelSpaceId()), rectangle), expected) << i;
+    }
 }
 
 }  // namespace

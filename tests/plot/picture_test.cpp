@@ -167,7 +167,7 @@ TEST(Picture, CutsAreasAtAClipThatIsNotConvex) {
 PixelBuffer painted(const Picture& picture) {
     PixelBuffer buffer;
     buffer.clear(picture.width(), picture.height(), picture.background());
-    Painter(buffer).paint(picture);
+    Painter().paint(picture, buffer);
     for (const std::uint32_t pixel : buffer.pixels) EXPECT_EQ(pixel >> 24, 0xFFu);
     return buffer;
 }
@@ -227,7 +227,8 @@ TEST(ThinLines, StayInTheirClipAndBuffer) {
     // The row is longer than the picture is wide; what stands behind it is somebody else's.
     constexpr int kWidth = 20, kHeight = 10, kStride = 24;
     std::vector<std::uint32_t> pixels(kStride * kHeight, 0xFFFFFFFF);
-    ThinLines lines(pixels.data(), kWidth, kHeight, kStride);
+    ThinLines lines;
+    lines.attach(pixels.data(), kWidth, kHeight, kStride);
     std::vector<Picture::Point> star;
     for (int i = 0; i < 40; ++i) {
         const auto angle = static_cast<float>(i);

@@ -61,6 +61,12 @@ std::span<const OdGePoint3d> DisplayList::contour(std::size_t index) const {
     return std::span(points_).subspan(begin, contourEnds_[index] - begin);
 }
 
+std::size_t DisplayList::bytes() const {
+    return items_.capacity() * sizeof(Item) + styles_.capacity() * sizeof(Style) +
+           points_.capacity() * sizeof(OdGePoint3d) + contourEnds_.capacity() * sizeof(std::uint32_t) +
+           references_.capacity() * sizeof(Reference);
+}
+
 OdGeExtents3d DisplayList::box() const {
     OdGeExtents3d box;
     for (const Item& item : items_) {

@@ -60,6 +60,7 @@ class DisplayList {
     const std::vector<Style>& styles() const { return styles_; }
     const Reference& reference(const Item& item) const { return references_[item.first]; }
     std::span<const OdGePoint3d> contour(std::size_t index) const;
+    std::size_t bytes() const;
     /// Around everything but references and what has no end. Not valid when there is nothing else.
     OdGeExtents3d box() const;
 

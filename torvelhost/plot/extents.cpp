@@ -1,5 +1,6 @@
 #include "torvelhost/plot/extents.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "drawingdb/block.h"
@@ -42,23 +43,47 @@ double reachOf(const OdDbText& text, const OdString& shown) {
     return reach;
 }
 
+BlockBounds::BlockBounds(Styles& styles)
+    : styles_(styles), allAttributes_(styles.database().headerInteger("$ATTMODE", 1) == 2) {}
+
 const Bounds& BlockBounds::of(OdDbObjectId block) {
     const auto [entry, isNew] = known_.try_emplace(block);
     // Of a block that holds itself there is nothing so far.
-    if (!isNew || depth_ == kDeepestNesting) return entry->second;
+    if (!isNew || depth_ == kDeepestNesting) return entry->second.bounds;
     ++depth_;
-    Bounds bounds;
+    Known known;
     if (const auto record = block.openIf<OdDbBlockTableRecord>()) {
         for (OdDbObjectId id : record->entities()) {
             const auto entity = id.openIf<OdDbEntity>();
             if (!entity || entity->isInvisibleEntity()) continue;
             const auto* const definition = drawingdb::as<OdDbAttributeDefinition>(*entity);
             if (definition && !definition->isConstant()) continue;
-            add(*entity, bounds);
+            if (const OdDbObjectId shown = add(*entity, known.bounds))
+                if (known.shown.empty() || known.shown.back() != shown) known.shown.push_back(shown);
         }
     }
     --depth_;
-    return known_[block] = bounds;
+    return (known_[block] = std::move(known)).bounds;
+}
+
+std::unordered_set<OdDbObjectId> BlockBounds::measureAnew(const std::unordered_set<OdDbObjectId>& changed) {
+    std::unordered_map<OdDbObjectId, Known> before;
+    const auto take = [&](OdDbObjectId block) {
+        if (auto node = known_.extract(block)) before.insert(std::move(node));
+    };
+    for (const OdDbObjectId block : changed) take(block);
+    for (std::size_t count = 0; count != before.size();) {
+        count = before.size();
+        std::vector<OdDbObjectId> around;
+        for (const auto& [block, known] : known_)
+            if (std::ranges::any_of(known.shown, [&](OdDbObjectId shown) { return before.count(shown) != 0; }))
+                around.push_back(block);
+        for (const OdDbObjectId block : around) take(block);
+    }
+    std::unordered_set<OdDbObjectId> moved;
+    for (const auto& [block, known] : before)
+        if (!(of(block) == known.bounds)) moved.insert(block);
+    return moved;
 }
 
 OdGeExtents3d inAllCells(const OdGeExtents3d& box, const DisplayList::Reference& reference) {
@@ -78,46 +103,58 @@ Bounds BlockBounds::of(const DisplayList::Reference& reference) {
     return bounds;
 }
 
-void BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& bounds) {
+OdDbObjectId BlockBounds::addReference(const OdDbBlockReference& reference, Bounds& bounds) {
     const DisplayList::Reference item = referenceOf(reference);
     const Bounds block = of(item);
     bounds.box.addExtents(block.box);
-    bounds.endless |= block.endless;
+    bounds.endless |= block.endless || !item.block;
     bounds.marked |= block.marked;
     const bool isArray = item.columns > 1 || item.rows > 1;
     OdGeExtents3d attributes;
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
-        if (attribute && !attribute->isInvisible() && !attribute->isInvisibleEntity())
+        if (attribute && (allAttributes_ || !attribute->isInvisible()) && !attribute->isInvisibleEntity())
             addShownText(*attribute, isArray ? attributes : bounds.box);
     }
     bounds.box.addExtents(inAllCells(attributes, item));
+    return item.block;
 }
 
-void BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
+OdDbObjectId BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
     if (const auto* const reference = drawingdb::as<OdDbBlockReference>(entity))
         return addReference(*reference, bounds);
-    if (const auto* const text = drawingdb::as<OdDbText>(entity)) return addShownText(*text, bounds.box);
+    if (const auto* const text = drawingdb::as<OdDbText>(entity)) {
+        addShownText(*text, bounds.box);
+        return {};
+    }
     if (entity.isKindOf(OdDbConstructionLine::desc())) {
         bounds.endless = true;
-        return;
+        return {};
     }
     bounds.marked |= entity.isKindOf(OdDbPoint::desc());
     OdGeExtents3d box;
     if (boxOf(entity, box)) {
         bounds.box.addExtents(box);
-        return;
+        return {};
     }
     DisplayList list;
-    Shapes(styles_, list, 0).add(entity);
+    Shapes shapes(styles_, list, 0);
+    shapes.setHiddenToo(true);
+    if (!shapes.add(entity)) {
+        bounds.endless = true;
+        known_.try_emplace(OdDbObjectId());
+    }
     bounds.box.addExtents(list.box());
+    OdDbObjectId shown;
     for (const DisplayList::Item& item : list.items()) {
         if (item.kind != DisplayList::Kind::kReference) continue;
+        shown = list.reference(item).block;
         const Bounds block = of(list.reference(item));
         bounds.box.addExtents(block.box);
         bounds.endless |= block.endless;
         bounds.marked |= block.marked;
     }
+    return shown;
 }
 
 std::optional<OdGeExtents3d> extentsOfSpace(OdDbObjectId space) {

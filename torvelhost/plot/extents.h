@@ -3,6 +3,8 @@
 
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "drawingdb/block_reference.h"
 #include "drawingdb/text.h"
@@ -12,29 +14,43 @@ namespace host {
 
 struct Bounds {
     OdGeExtents3d box;     // of all that ends
-    bool endless = false;  // infinite lines are among it
+    bool endless = false;  // infinite lines are among it, or what is not there yet: a block that is missing
     bool marked = false;   // points are, whose marks reach as far however small a block is shown
+
+    bool operator==(const Bounds&) const = default;
 };
 
 /// Blocks in blocks beyond that are not looked at: only faulty files have them.
 inline constexpr int kDeepestNesting = 64;
 
+/// How far blocks reach, and the entities in them: what they show, on whatever layers.
 class BlockBounds {
   public:
-    explicit BlockBounds(Styles& styles) : styles_(styles) {}
+    explicit BlockBounds(Styles& styles);
 
-    /// In the block's coordinates. Kept, for blocks do not change while they are plotted.
+    /// In the block's coordinates. Kept until it is forgotten.
     const Bounds& of(OdDbObjectId block);
     /// In the coordinates that the reference stands in.
     Bounds of(const DisplayList::Reference& reference);
-    /// Adds an entity of a space or a block.
-    void add(const OdDbEntity& entity, Bounds& bounds);
+    /// Adds an entity of a space or a block. Returns the block that it shows, or null.
+    OdDbObjectId add(const OdDbEntity& entity, Bounds& bounds);
+
+    /// Null: whether blocks were missing.
+    bool knows(OdDbObjectId block) const { return known_.count(block) != 0; }
+    /// Measures these blocks anew, and those that show them, as far as they were known. Returns those that reach
+    /// elsewhere now.
+    std::unordered_set<OdDbObjectId> measureAnew(const std::unordered_set<OdDbObjectId>& changed);
 
   private:
-    void addReference(const OdDbBlockReference& reference, Bounds& bounds);
+    struct Known {
+        Bounds bounds;
+        std::vector<OdDbObjectId> shown;  // the blocks in it
+    };
+    OdDbObjectId addReference(const OdDbBlockReference& reference, Bounds& bounds);
 
     Styles& styles_;
-    std::unordered_map<OdDbObjectId, Bounds> known_;
+    bool allAttributes_;
+    std::unordered_map<OdDbObjectId, Known> known_;
     int depth_ = 0;
 };
 

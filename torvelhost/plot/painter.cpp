@@ -19,16 +19,12 @@ void PixelBuffer::clear(int newWidth, int newHeight, std::uint32_t color) {
 
 class Painter::Brush {
   public:
-    explicit Brush(PixelBuffer& buffer)
-        : buffer_(reinterpret_cast<unsigned char*>(buffer.pixels.data()), static_cast<unsigned>(buffer.width),
-                  static_cast<unsigned>(buffer.height), buffer.width * 4),
-          format_(buffer_),
-          base_(format_),
-          lines_(buffer.pixels.data(), buffer.width, buffer.height, buffer.width) {
-        rasterizer_.clip_box(0, 0, buffer.width, buffer.height);
-    }
-
-    void paint(const Picture& picture) {
+    void paint(const Picture& picture, PixelBuffer& into) {
+        buffer_.attach(reinterpret_cast<unsigned char*>(into.pixels.data()), static_cast<unsigned>(into.width),
+                       static_cast<unsigned>(into.height), into.width * 4);
+        base_.reset_clipping(true);
+        rasterizer_.clip_box(0, 0, into.width, into.height);
+        lines_.attach(into.pixels.data(), into.width, into.height, into.width);
         for (const Picture::Shape& shape : picture.shapes()) {
             for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
                 const auto contour = picture.contour(shape.firstContour + i);
@@ -105,18 +101,18 @@ class Painter::Brush {
 
     // A pixel's lowest byte, blue, is its first in memory.
     agg::rendering_buffer buffer_;
-    agg::pixfmt_bgrx32 format_;
-    agg::renderer_base<agg::pixfmt_bgrx32> base_;
+    agg::pixfmt_bgrx32 format_{buffer_};
+    agg::renderer_base<agg::pixfmt_bgrx32> base_{format_};
     agg::rasterizer_scanline_aa_nogamma<> rasterizer_;
     agg::scanline_p8 scanline_;
     int corners_ = 0;
     ThinLines lines_;
 };
 
-Painter::Painter(PixelBuffer& buffer) : brush_(std::make_unique<Brush>(buffer)) {}
+Painter::Painter() : brush_(std::make_unique<Brush>()) {}
 
 Painter::~Painter() = default;
 
-void Painter::paint(const Picture& picture) { brush_->paint(picture); }
+void Painter::paint(const Picture& picture, PixelBuffer& into) { brush_->paint(picture, into); }
 
 }  // namespace host

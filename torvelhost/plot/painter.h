@@ -12,14 +12,13 @@ namespace host {
 /// a picture painted in parts has the same pixels as one painted at once.
 class Painter {
   public:
-    /// Into these pixels, which are referenced and stay where they are.
-    explicit Painter(PixelBuffer& buffer);
+    Painter();
     ~Painter();
     Painter(const Painter&) = delete;
     Painter& operator=(const Painter&) = delete;
 
     /// All shapes, in their order. The picture is as large as the buffer; its background is not painted.
-    void paint(const Picture& picture);
+    void paint(const Picture& picture, PixelBuffer& into);
 
   private:
     class Brush;

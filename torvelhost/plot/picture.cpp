@@ -88,6 +88,12 @@ std::span<const Picture::Point> Picture::contour(std::uint32_t index) const {
     return std::span(points_).subspan(begin, contourEnds_[index] - begin);
 }
 
+void Picture::clear() {
+    shapes_.clear();
+    contourEnds_.clear();
+    points_.clear();
+}
+
 void Picture::clearClip() {
     clip_.clear();
     low_ = {0.0, 0.0};

@@ -66,6 +66,8 @@ class Picture {
     OdGePoint2d clipHigh() const { return high_; }
 
     /// ---- what was drawn
+    /// Forgets it; the clip stays.
+    void clear();
     const std::vector<Shape>& shapes() const { return shapes_; }
     std::span<const Point> contour(std::uint32_t index) const;
 

@@ -65,7 +65,7 @@ void append(void* out, void* data, int size) {
 std::string pngBytes(const Picture& picture) {
     PixelBuffer buffer;
     buffer.clear(picture.width(), picture.height(), picture.background());
-    Painter(buffer).paint(picture);
+    Painter().paint(picture, buffer);
     return pngBytes(std::move(buffer));
 }
 

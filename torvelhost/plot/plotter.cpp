@@ -59,27 +59,43 @@ std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d
 
 }  // namespace
 
-Plotter::Plotter(OdDbDatabase& database, Picture& picture)
-    : database_(database),
-      picture_(picture),
-      styles_(database),
-      bounds_(styles_),
-      linetypeScale_(database.headerReal("$LTSCALE", 1.0)),
-      pointMode_(static_cast<int>(database.headerInteger("$PDMODE", 0))),
-      pointSize_(database.headerReal("$PDSIZE", 0.0)),
-      attributeMode_(static_cast<int>(database.headerInteger("$ATTMODE", 1))),
-      wipeoutFrames_(OdDbWipeoutVariables::showsFrames(database)) {}
+Plotter::Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks)
+    : database_(database), picture_(picture), styles_(database), bounds_(blocks) {
+    if (!bounds_) bounds_ = &ownBounds_.emplace(styles_);
+    readVariables();
+}
+
+void Plotter::forget(const std::unordered_set<OdDbObjectId>& blocks) {
+    std::erase_if(
+        blockLists_, [&](const auto& entry) { return blocks.count(entry.first.block) != 0; });
+}
+
+void Plotter::forgetAllLists() {
+    blockLists_.clear();
+    bytes_ = 0;
+}
+
+void Plotter::readStyles() {
+    styles_ = Styles(database_);
+    forgetAllLists();
+}
+
+void Plotter::readVariables() {
+    linetypeScale_ = database_.headerReal("$LTSCALE", 1.0);
+    pointMode_ = static_cast<int>(database_.headerInteger("$PDMODE", 0));
+    pointSize_ = database_.headerReal("$PDSIZE", 0.0);
+    attributeMode_ = static_cast<int>(database_.headerInteger("$ATTMODE", 1));
+    wipeoutFrames_ = OdDbWipeoutVariables::showsFrames(database_);
+}
 
 void Plotter::setUp(Shapes& shapes) const {
     shapes.setAttributeMode(attributeMode_);
     shapes.setWipeoutFrames(wipeoutFrames_);
 }
 
-void Plotter::add(Shapes& shapes, OdDbObjectId id) {
-    const auto entity = id.openIf<OdDbEntity>();
-    if (!entity) return;
-    if (!shapes.add(*entity)) count(id, entity->dxfName());
-    if (hasClip(*entity)) count(id, "clip of INSERT");
+void Plotter::add(Shapes& shapes, const OdDbEntity& entity) {
+    if (!shapes.add(entity)) count(entity.objectId(), entity.dxfName());
+    if (hasClip(entity)) count(entity.objectId(), "clip of INSERT");
 }
 
 void Plotter::count(OdDbObjectId id, const std::string& kind) {
@@ -87,65 +103,85 @@ void Plotter::count(OdDbObjectId id, const std::string& kind) {
 }
 
 void Plotter::drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit) {
-    pixelsPerUnit_ = pixelsPerUnit;
-    const double scale = scaleOf(toPixels);
-    if (!(scale > 0)) return;
-    spaceScale_ = scale;
-    DisplayList list;
-    Shapes shapes(styles_, list, 1 / scale);
-    setUp(shapes);
-    if (const auto window = windowOf(picture_, toPixels)) shapes.setWindow(*window);
+    const Pass pass{toPixels, pixelsPerUnit, {}};
+    if (!enter(pass)) return;
     const auto record = space.openIf<OdDbBlockTableRecord>();
     if (!record) return;
     for (const OdDbObjectId id : record->entitiesInDrawOrder()) {
-        if (left_ && left_->count(id) != 0) continue;
-        if (id.isKindOf(OdDbViewport::desc())) {
-            if (!inViewport_) drawViewport(*id.openAs<OdDbViewport>(), toPixels);
-            continue;
+        const auto entity = id.openIf<OdDbEntity>();
+        if (!entity) continue;
+        const auto* const viewport = drawingdb::as<OdDbViewport>(*entity);
+        if (!viewport) {
+            draw(*entity);
+        } else if (showsSpace(*viewport)) {
+            if (enter({toPixels, pixelsPerUnit, id})) drawSeen(database_.modelSpaceId());
+            enter(pass);
+            drawFrame(*viewport);
         }
-        list.clear();
-        add(shapes, id);
-        drawList(list, toPixels, nullptr);
     }
 }
 
-void Plotter::drawEntities(std::span<const OdDbEntity* const> entities, const OdGeMatrix3d& toPixels,
-                           double pixelsPerUnit, OdDbObjectId viewport) {
-    pixelsPerUnit_ = pixelsPerUnit;
-    if (const auto seenThrough = viewport.openIf<OdDbViewport>()) {
-        through(*seenThrough, toPixels, [&](const OdGeMatrix3d& modelToPixels, double scale) {
-            drawEntities(entities, modelToPixels, scale, {});
-        });
-        return;
-    }
-    const double scale = scaleOf(toPixels);
-    if (!(scale > 0)) return;
-    spaceScale_ = scale;
-    DisplayList list;
-    Shapes shapes(styles_, list, 1 / scale);
-    setUp(shapes);
-    if (const auto window = windowOf(picture_, toPixels)) shapes.setWindow(*window);
-    for (const OdDbEntity* const entity : entities) {
-        list.clear();
-        shapes.add(*entity);
-        drawList(list, toPixels, nullptr);
-    }
+void Plotter::drawSeen(OdDbObjectId space) {
+    const auto record = space.openIf<OdDbBlockTableRecord>();
+    if (!record) return;
+    for (const OdDbObjectId id : record->entitiesInDrawOrder())
+        if (const auto entity = id.openIf<OdDbEntity>(); entity && !entity->isKindOf(OdDbViewport::desc()))
+            draw(*entity);
 }
+
+// ---- piece by piece
+
+std::optional<Rectangle> Plotter::window() const {
+    const auto box = windowOf(picture_, toPixels_);
+    if (!box) return std::nullopt;
+    return Rectangle{box->minPoint().xy(), box->maxPoint().xy()};
+}
+
+int Plotter::size() const {
+    int size = 0;
+    std::frexp(spaceScale_, &size);
+    return size;
+}
+
+void Plotter::draw(const OdDbEntity& entity) {
+    seen_.clear();
+    Shapes shapes(styles_, seen_, 1 / spaceScale_);
+    setUp(shapes);
+    if (const auto seen = windowOf(picture_, toPixels_)) shapes.setWindow(*seen);
+    add(shapes, entity);
+    drawItems(seen_, seen_.items(), toPixels_, nullptr);
+}
+
+void Plotter::addTo(DisplayList& list, OdDbObjectId id) {
+    const auto entity = id.openIf<OdDbEntity>();
+    if (!entity) return;
+    Shapes shapes(styles_, list, 1 / std::ldexp(1.0, size()));
+    setUp(shapes);
+    add(shapes, *entity);
+}
+
+void Plotter::draw(const DisplayList& list, std::span<const DisplayList::Item> items) {
+    drawItems(list, items, toPixels_, nullptr);
+}
+
+// ---- lists
 
 const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
     int size = 0;
     std::frexp(scale, &size);
-    const auto [entry, isNew] = blockLists_.try_emplace({block, size});
+    const auto [entry, isNew] = blockLists_.try_emplace({block, size, frozen_});
     if (!isNew) return entry->second;
     DisplayList list;
     Shapes shapes(styles_, list, 1 / std::ldexp(1.0, size));
     setUp(shapes);
     shapes.setInBlock(true);
     if (const auto record = block.openIf<OdDbBlockTableRecord>()) {
-        for (const OdDbObjectId id : record->entitiesInDrawOrder()) add(shapes, id);
+        for (const OdDbObjectId id : record->entitiesInDrawOrder())
+            if (const auto entity = id.openIf<OdDbEntity>()) add(shapes, *entity);
         if (record->isFromExternalReference() && list.items().empty()) count(block, "external reference");
     }
-    return blockLists_[{block, size}] = std::move(list);
+    bytes_ += list.bytes();
+    return blockLists_[{block, size, frozen_}] = std::move(list);
 }
 
 void Plotter::drawList(const DisplayList& list, const OdGeMatrix3d& toPixels, const Style* inside) {
@@ -321,16 +357,16 @@ bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, 
     const OdGePoint3d &low = seen.minPoint(), &high = seen.maxPoint();
     size = std::max(high.x - low.x, high.y - low.y);
     // Pens and the marks of points reach farther than what they stand for.
-    const double margin = 20 + 2 * markerSize();
-    return high.x >= picture_.clipLow().x - margin && low.x <= picture_.clipHigh().x + margin &&
-           high.y >= picture_.clipLow().y - margin && low.y <= picture_.clipHigh().y + margin;
+    const double reach = margin();
+    return high.x >= picture_.clipLow().x - reach && low.x <= picture_.clipHigh().x + reach &&
+           high.y >= picture_.clipLow().y - reach && low.y <= picture_.clipHigh().y + reach;
 }
 
 void Plotter::drawReference(const DisplayList& list, const DisplayList::Reference& reference,
                             std::span<const DisplayList::Item> attributes, const OdGeMatrix3d& toPixels,
                             const Style& style, const Style* inside) {
     if (styles_.isFrozen(style)) return;
-    const Bounds block = bounds_.of(reference.block);
+    const Bounds block = bounds_->of(reference.block);
     double size = 0;
     // Cells that are closer than a pixel are not told apart.
     const auto strideOf = [&](const OdGeVector3d& step, int count) {
@@ -369,7 +405,7 @@ void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const S
         ++notDrawn_["INSERT"];
         return;
     }
-    const Bounds& bounds = bounds_.of(block);
+    const Bounds& bounds = bounds_->of(block);
     double size = 0;
     if (!bounds.endless && !bounds.marked && bounds.box.isValid() && isVisible(bounds.box, toPixels, size) &&
         size < 0.5) {
@@ -431,46 +467,52 @@ ViewportParts partsOf(const OdDbViewport& viewport) {
 
 }  // namespace
 
-void Plotter::through(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels,
-                      const std::function<void(const OdGeMatrix3d& toPixels, double pixelsPerUnit)>& draw) {
-    const ViewportParts parts = partsOf(viewport);
-    // From the model to what is seen along the view direction, twisted, then onto the paper.
-    const double scale = viewport.customScale();
-    const OdGePoint3d center = viewport.centerPoint();
-    const OdGeMatrix3d ontoPaper =
-        OdGeMatrix3d::translation(center.asVector()) * OdGeMatrix3d::scaling(scale) *
-        OdGeMatrix3d::translation(OdGeVector3d(-viewport.viewCenter().x, -viewport.viewCenter().y, 0));
-    const OdGeMatrix3d toPixels = paperToPixels * ontoPaper * viewport.worldToView();
-
-    const double paperScale = pixelsPerUnit_, paperSpaceScale = spaceScale_;
-    inViewport_ = true;
-    picture_.setClip(viewportClip(viewport, parts.boundary, paperToPixels));
-    styles_.freezeHere(parts.frozen);
-    blockLists_.clear();
-    // Dashes are as long on the paper in all viewports, unless the drawing says otherwise.
-    const bool likePaper = database_.headerInteger("$PSLTSCALE", 1) != 0;
-    draw(toPixels, likePaper ? paperScale : paperScale * scale);
-    pixelsPerUnit_ = paperScale;
-    spaceScale_ = paperSpaceScale;
-    styles_.freezeHere({});
-    blockLists_.clear();
+void Plotter::leave() {
+    if (frozen_ != 0) styles_.freezeHere({});
+    frozen_ = 0;
     picture_.clearClip();
-    inViewport_ = false;
 }
 
-void Plotter::drawViewport(const OdDbViewport& viewport, const OdGeMatrix3d& paperToPixels) {
-    // The first one is the paper itself.
-    if (viewport.number() <= 1 || !viewport.isOn() || !(viewport.width() > 0) || !(viewport.height() > 0)) return;
-    const Style style = styles_.styleOf(viewport);
-    if (viewport.isInvisibleEntity() || styles_.isFrozen(style)) return;
-    through(viewport, paperToPixels, [this](const OdGeMatrix3d& toPixels, double pixelsPerUnit) {
-        drawSpace(database_.modelSpaceId(), toPixels, pixelsPerUnit);
-    });
+bool Plotter::enter(const Pass& pass) {
+    leave();
+    toPixels_ = pass.toPixels;
+    pixelsPerUnit_ = pass.pixelsPerUnit;
+    if (const auto viewport = pass.viewport.openIf<OdDbViewport>()) {
+        // From the model to what is seen along the view direction, twisted, then onto the paper.
+        const double scale = viewport->customScale();
+        const OdGePoint3d center = viewport->centerPoint();
+        const OdGeMatrix3d ontoPaper =
+            OdGeMatrix3d::translation(center.asVector()) * OdGeMatrix3d::scaling(scale) *
+            OdGeMatrix3d::translation(OdGeVector3d(-viewport->viewCenter().x, -viewport->viewCenter().y, 0));
+        toPixels_ = pass.toPixels * ontoPaper * viewport->worldToView();
+        // Dashes are as long on the paper in all viewports, unless the drawing says otherwise.
+        if (database_.headerInteger("$PSLTSCALE", 1) == 0) pixelsPerUnit_ *= scale;
 
+        ViewportParts parts = partsOf(*viewport);
+        picture_.setClip(viewportClip(*viewport, parts.boundary, pass.toPixels));
+        frozen_ = static_cast<std::size_t>(std::find(frozenLayers_.begin(), frozenLayers_.end(), parts.frozen) -
+                                           frozenLayers_.begin());
+        if (frozen_ == frozenLayers_.size()) frozenLayers_.push_back(parts.frozen);
+        if (frozen_ != 0) styles_.freezeHere(parts.frozen);
+    }
+    const double scale = scaleOf(toPixels_);
+    if (!(scale > 0)) return false;
+    spaceScale_ = scale;
+    return true;
+}
+
+bool Plotter::showsSpace(const OdDbViewport& viewport) {
+    // The first one is the paper itself.
+    if (viewport.number() <= 1 || !viewport.isOn() || !(viewport.width() > 0) || !(viewport.height() > 0)) return false;
+    return !viewport.isInvisibleEntity() && !styles_.isFrozen(styles_.styleOf(viewport));
+}
+
+void Plotter::drawFrame(const OdDbViewport& viewport) {
     // A boundary of its own shows by itself.
     const OdDbObjectId boundary = partsOf(viewport).boundary;
+    const Style style = styles_.styleOf(viewport);
     if (boundary || styles_.isHidden(style) || !styles_.isPlotted(style)) return;
-    std::vector<OdGePoint2d> frame = viewportClip(viewport, boundary, paperToPixels);
+    std::vector<OdGePoint2d> frame = viewportClip(viewport, boundary, toPixels_);
     frame.push_back(frame.front());
     const Look look = styles_.lookOf(style);
     picture_.addPolyline(frame, {look.color, look.width});

@@ -39,7 +39,7 @@ bool Shapes::add(const OdDbEntity& entity) {
     const Style style = styles_.styleOf(entity);
     // Inside a block, layer 0 is whatever layer the reference is on. A reference on a layer that is off still shows
     // what its block has on others.
-    if (!inBlock_ || style.layer != 0) {
+    if (!hiddenToo_ && (!inBlock_ || style.layer != 0)) {
         if (styles_.isFrozen(style) || (styles_.isHidden(style) && !is(OdDbBlockReference::desc()))) return true;
     }
     if (window_ && is(OdDbCurve::desc())) {

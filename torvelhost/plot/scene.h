@@ -8,6 +8,7 @@
 #include <span>
 
 #include "drawingdb/database.h"
+#include "torvelhost/plot/entity_grid.h"
 #include "torvelhost/plot/painter.h"
 
 namespace host {
@@ -16,6 +17,8 @@ class Scene {
   public:
     /// The database is referenced.
     explicit Scene(OdDbDatabase& database);
+    /// With the grids of those who pick in the drawing. They are referenced.
+    explicit Scene(EntityGrids& grids);
     ~Scene();
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
@@ -26,13 +29,15 @@ class Scene {
 
     /// Begins the exact picture of a space: `toPixels` maps its coordinates to pixels of a canvas as large as the
     /// buffer, y down; `pixelsPerUnit` is the scale that linetypes are drawn in. The buffer is filled with paper at
-    /// once; it is referenced until the picture is finished or another is begun.
+    /// once; it is referenced until the picture is finished or another is begun. What changed is taken in before.
     void begin(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit, PixelBuffer& into);
-    /// Goes on with it for about that long; true when it is finished. The drawing must not change in between: after
-    /// update() a picture is begun anew.
+    /// Goes on with it for about that long; true when it is finished. The drawing must not change in between: when
+    /// update() says so a picture is begun anew.
     bool continueFor(std::chrono::milliseconds slice);
     /// Of the picture that was begun last: from 0 to 1.
     double progress() const;
+    /// What is kept between pictures, without the grids.
+    std::size_t bytes() const;
 
     /// Entities of a space that are not shown while they are hidden: moved in a preview.
     void hide(OdDbObjectId entity, bool hidden);
@@ -46,6 +51,7 @@ class Scene {
 
   private:
     class Engine;
+    std::unique_ptr<EntityGrids> own_;  // unless they are given
     std::unique_ptr<Engine> engine_;
 };
 

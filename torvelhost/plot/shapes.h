@@ -43,6 +43,8 @@ class Shapes {
     /// 0: no attribute shows, 1: all but invisible ones, 2: all.
     void setAttributeMode(int mode) { attributeMode_ = mode; }
     void setWipeoutFrames(bool shown) { wipeoutFrames_ = shown; }
+    /// Whether what is on layers that are off or frozen is added too.
+    void setHiddenToo(bool added) { hiddenToo_ = added; }
     /// Leaves out what lies beside a box, seen from above, as far as that is quickly told.
     void setWindow(const OdGeExtents3d& window) { window_ = window; }
 
@@ -112,6 +114,7 @@ class Shapes {
     bool inBlock_ = false;
     int attributeMode_ = 1;
     bool wipeoutFrames_ = true;
+    bool hiddenToo_ = false;
     std::optional<OdGeExtents3d> window_;
 };
 

@@ -39,7 +39,7 @@ Style inReference(const Style& entity, const Style& reference) {
     return style;
 }
 
-Styles::Styles(OdDbDatabase& database) : database_(database) {
+Styles::Styles(OdDbDatabase& database) : database_(&database) {
     linetypes_.emplace_back();
     linetypeIndices_.emplace(L"CONTINUOUS", 0);
     layers_.emplace_back();
@@ -78,7 +78,7 @@ std::uint32_t Styles::linetypeIndex(const OdString& name) {
     const auto [entry, isNew] = linetypeIndices_.try_emplace(base::toUpper(name), 0);
     if (!isNew) return entry->second;
     std::vector<double> dashes;
-    if (const auto record = database_.findLinetype(name).open()) {
+    if (const auto record = database_->findLinetype(name).open()) {
         for (const PlotGroup& group : groupsOf(*record))
             if (group.code == 49) dashes.push_back(group.real);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -48,7 +49,7 @@ class Styles {
     static constexpr std::uint32_t kForeground = 0x000000, kBackground = 0xFFFFFF;
 
     explicit Styles(OdDbDatabase& database);
-    OdDbDatabase& database() const { return database_; }
+    OdDbDatabase& database() const { return *database_; }
 
     Style styleOf(const OdDbEntity& entity);
     /// The rest as `style` has it.
@@ -72,10 +73,10 @@ class Styles {
     std::uint32_t layerIndex(OdDbObjectId layer);
     std::uint32_t linetypeIndex(const OdString& name);
 
-    OdDbDatabase& database_;
+    OdDbDatabase* database_;
     std::vector<Layer> layers_;  // 0: layer "0"
     std::unordered_map<OdDbObjectId, std::uint32_t> layerIndices_;
-    std::vector<std::vector<double>> linetypes_;  // 0: continuous
+    std::deque<std::vector<double>> linetypes_;  // 0: continuous; looks point at them
     std::unordered_map<std::wstring, std::uint32_t> linetypeIndices_;
 };
 

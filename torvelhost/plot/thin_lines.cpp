@@ -88,8 +88,13 @@ struct ThinLines::Gather {
     }
 };
 
-ThinLines::ThinLines(std::uint32_t* pixels, int width, int height, int stride)
-    : pixels_(pixels), width_(width), height_(height), stride_(stride), right_(width), bottom_(height) {}
+void ThinLines::attach(std::uint32_t* pixels, int width, int height, int stride) {
+    pixels_ = pixels;
+    width_ = width;
+    height_ = height;
+    stride_ = stride;
+    setClip(0, 0, width, height);
+}
 
 void ThinLines::setClip(int left, int top, int right, int bottom) {
     left_ = std::max(left, 0);
@@ -103,7 +108,8 @@ void ThinLines::draw(std::span<const Picture::Point> line, double width, std::ui
     color &= 0xFFFFFF;
     const double half = width / 2;
     if (line.size() == 2) return addSegment(line[0], line[1], half, Blend{pixels_, color});
-    if (covered_.empty()) covered_.resize(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_));
+    const std::size_t size = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
+    if (covered_.size() < size) covered_.resize(size);
     std::size_t count = 0;
     for (std::size_t i = 1; i < line.size(); ++i) {
         const float length = std::max(std::fabs(line[i].x - line[i - 1].x), std::fabs(line[i].y - line[i - 1].y));

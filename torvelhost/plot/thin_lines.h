@@ -17,8 +17,8 @@ class ThinLines {
     static constexpr double kWidest = 1.5;
 
     /// Rows of opaque pixels 0xFFRRGGBB from the top down, `stride` pixels from one row to the next. They are
-    /// referenced.
-    ThinLines(std::uint32_t* pixels, int width, int height, int stride);
+    /// referenced. The clip is all of them.
+    void attach(std::uint32_t* pixels, int width, int height, int stride);
 
     /// Leaves alone what is not in columns `left` to `right` - 1 and rows `top` to `bottom` - 1.
     void setClip(int left, int top, int right, int bottom);
@@ -44,9 +44,9 @@ class ThinLines {
     template <bool kCut, class Cover>
     void addColumns(const Strip& strip, const Cover& cover);
 
-    std::uint32_t* pixels_;
-    int width_, height_, stride_;
-    int left_ = 0, top_ = 0, right_, bottom_;
+    std::uint32_t* pixels_ = nullptr;
+    int width_ = 0, height_ = 0, stride_ = 0;
+    int left_ = 0, top_ = 0, right_ = 0, bottom_ = 0;
     std::vector<std::uint16_t> covered_;  // of each pixel, while a line of several segments is drawn; otherwise 0
     std::vector<std::uint32_t> touched_;  // those that are not 0; longer than needed
 };

@@ -103,6 +103,11 @@ std::optional<std::wstring> Document::redoCommand() {
     return done_.back().command;
 }
 
+EntityGrids& Document::grids() {
+    if (!grids_) grids_.emplace(*database_);
+    return *grids_;
+}
+
 void Document::save(const std::wstring& path) {
     if (database_->isReadOnly())
         throw base::FileError(path, L"not saved: the drawing is damaged and was opened for reading alone");

@@ -9,6 +9,7 @@
 #include "drawingdb/database.h"
 #include "hostapi/application.h"
 #include "torvelhost/lines/reply.h"
+#include "torvelhost/plot/entity_grid.h"
 
 namespace host {
 
@@ -48,6 +49,9 @@ class Document final : public HostDocument {
     OdGePoint3d lastPoint() const { return lastPoint_; }
     void setLastPoint(const OdGePoint3d& point) { lastPoint_ = point; }
 
+    /// Where its entities lie, for those who draw and those who pick.
+    EntityGrids& grids();
+
     /// Throws base::FileError when the file cannot be written, or when the drawing was opened for reading alone.
     void save(const std::wstring& path);
     /// Whether there is more to save than what was saved last, or opened.
@@ -75,6 +79,7 @@ class Document final : public HostDocument {
     };
 
     OdDbDatabasePtr database_;
+    std::optional<EntityGrids> grids_;  // once somebody asks
     HostEdInput* input_ = nullptr;
     OdGePoint3d lastPoint_;
     std::optional<std::uint64_t> savedRevision_;

@@ -172,16 +172,9 @@ OdDbObjectId Selection::entityIn(const Rectangle& box) {
     return top == found.rend() ? OdDbObjectId() : *top;
 }
 
-// Made anew after every change of the drawing, for whoever picks in it.
 const EntityGrid& Selection::grid() {
-    const OdDbObjectId space = document_.activeSpaceId();
-    const std::uint64_t revision = document_.database()->revision();
-    if (!grid_ || gridSpace_ != space || gridRevision_ != revision) {
-        grid_.emplace(space);
-        gridSpace_ = space;
-        gridRevision_ = revision;
-    }
-    return *grid_;
+    document_.grids().update();
+    return document_.grids().of(document_.activeSpaceId());
 }
 
 Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool crossing) {

@@ -7,7 +7,6 @@
 
 #include "hostapi/selection.h"
 #include "torvelhost/session/document_view.h"
-#include "torvelhost/session/entity_grid.h"
 #include "torvelhost/session/input.h"
 #include "torvelhost/session/strokes.h"
 
@@ -114,9 +113,6 @@ class Selection {
     HighlightWatcher highlightWatcher_;
     std::set<OdDbObjectId> hidden_;  // while the command runs
     RedrawWatcher redrawWatcher_;
-    std::optional<EntityGrid> grid_;  // of that space, as it was at that revision of the drawing
-    OdDbObjectId gridSpace_;
-    std::uint64_t gridRevision_ = 0;
 };
 
 }  // namespace host

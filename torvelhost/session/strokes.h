@@ -5,22 +5,11 @@
 
 #include "drawingdb/entity.h"
 #include "drawingdb/layer_states.h"
+#include "torvelhost/plot/rectangle.h"
 
 class OdDbAttribute;
 
 namespace host {
-
-struct Rectangle {
-    OdGePoint2d low, high;
-
-    static Rectangle between(const OdGePoint3d& a, const OdGePoint3d& b);
-    static Rectangle around(const OdGePoint3d& center, double half);
-    OdGeExtents3d box() const;
-    bool contains(const OdGePoint2d& point) const;
-    bool meets(const OdGePoint2d& from, const OdGePoint2d& to) const;
-    /// The filled polygon shares a point with the rectangle.
-    bool meetsArea(const std::vector<OdGePoint2d>& corners) const;
-};
 
 /// Whether any part of the entity lies in the rectangle; `toWorld` maps the coordinates that the entity lives in. A
 /// block reference is met through its geometry, not through its attributes. Texts are met inside the box around them.

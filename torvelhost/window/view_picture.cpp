@@ -116,7 +116,7 @@ bool ViewPicture::build(std::optional<std::int64_t> until) {
     if (!finished) return false;
     if (slide_) {
         building_.clear(width_, height_, slide_->background());
-        Painter(building_).paint(*slide_);
+        Painter().paint(*slide_, building_);
     }
     std::swap(exact_, building_);
     exactOf_ = buildingOf_;

@@ -22,6 +22,7 @@ class DRAWINGDB_API OdDbBlockTableRecord : public OdDbSymbolTableRecord {
     /// The same in the order in which they are drawn, one over the other: that of the file, unless the block has a
     /// table that says otherwise.
     OdDbObjectIdArray entitiesInDrawOrder() const;
+    bool hasDrawOrder() const;  ///< whether there is such a table
     /// Adds a new entity (with the attributes that were appended to it). The record must be open for write. Throws
     /// OdError(notHeldByVersion) for a kind that the file's version does not know.
     OdDbObjectId appendOdDbEntity(OdDbEntity* entity);

@@ -42,6 +42,37 @@ class DRAWINGDB_API OdDbIdMapping {
     std::map<OdDbObjectId, std::size_t> index_;
 };
 
+/// What changed in a drawing: objects that were made, altered or erased, or for which that was taken back or done
+/// again.
+struct OdDbTouched {
+    /// Entities that lie directly in a block or a space, each once: erased ones too, and those that a part of theirs
+    /// (an attribute, a vertex) changed for.
+    OdDbObjectIdArray entities;
+    /// Everything else that changed, each once: records of tables (for a BLOCK its block record), dictionaries and
+    /// other objects.
+    OdDbObjectIdArray others;
+    /// The header, with its variables.
+    bool header = false;
+
+    bool empty() const { return entities.empty() && others.empty() && !header; }
+};
+
+/// One who asks a drawing for what changed (OdDbDatabase::takeTouched). Must not outlive the drawing.
+class DRAWINGDB_API OdDbTouchMark {
+  public:
+    /// Begins with what changes from now on.
+    explicit OdDbTouchMark(OdDbDatabase& database);
+    ~OdDbTouchMark();
+    OdDbTouchMark(const OdDbTouchMark&) = delete;
+    OdDbTouchMark& operator=(const OdDbTouchMark&) = delete;
+
+  private:
+    friend class drawingdb::Core;
+    drawingdb::Core& core_;
+    std::size_t position_;               // in the undo log: what lies behind it is not told yet
+    std::vector<std::uint32_t> undone_;  // stubs whose steps before it were taken back
+};
+
 /// A drawing. Reads and writes DXF, ASCII and binary, in the version that was read.
 ///
 /// A file is kept in memory as it is and indexed in one pass; an object is decoded when it is opened. What was not
@@ -72,6 +103,9 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// Another number after every change, also one that takes a change back: what was derived from the drawing at the
     /// same revision still holds.
     std::uint64_t revision();
+    /// What changed since this mark last asked, or was made. It comes out of the undo log: nothing is noted beside it
+    /// while the drawing is changed, and taking changes back costs more only while there are marks.
+    OdDbTouched takeTouched(OdDbTouchMark& mark);
     /// "AC1032" and the like.
     std::string version() const;
     bool isBinary() const;

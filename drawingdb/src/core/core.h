@@ -4,6 +4,7 @@
 //   core.cpp       finding, opening and closing objects; names, handles, spaces
 //   edit.cpp       appending, erasing with all that is owned, exchanging identities
 //   undo.cpp       the log
+//   touched.cpp    what changed, out of the log
 //   clone.cpp      deep clone
 //   save.cpp       stubs -> file bytes
 #pragma once
@@ -190,6 +191,11 @@ class Core {
         return state_;
     }
 
+    /// ---- what changed (touched.cpp) ----
+    void addMark(OdDbTouchMark& mark);
+    void removeMark(OdDbTouchMark& mark);
+    OdDbTouched takeTouched(OdDbTouchMark& mark);
+
     /// ---- the current space ----
     std::string currentLayout;  // UTF-8; empty: as the file says
     std::uint32_t activeViewport = 0;
@@ -210,6 +216,8 @@ class Core {
     /// Steps that were undone, in that order, each with the word that was there before.
     using Undone = std::deque<std::pair<Step, std::uint64_t>>;
     void undoTo(std::size_t position, Undone* undone);
+    /// Takes the last step off the log.
+    Step takeStep();
     std::uint64_t undoStep(const Step& step);
     std::uint64_t exchange(const Step& step, std::uint64_t word);
     void setLinked(const Step& step, bool linked);
@@ -277,6 +285,7 @@ class Core {
     std::vector<OdDbObject*> dirty_;
     std::deque<Step> log_;      // grows by the million: nothing is copied for that
     std::vector<Undone> redo_;  // the last is the next to be redone; a change makes them void
+    std::vector<OdDbTouchMark*> touchMarks_;
     std::uint64_t lastMark_ = 0;
     bool endsWithoutEof_ = false;
     std::string firstVersion_;  // of a drawing older than AC1001

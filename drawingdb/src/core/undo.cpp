@@ -68,6 +68,17 @@ void Core::setLinked(const Step& step, bool linked) {
     if (linked && stub.type == rtInsert) referencesKnown_ = false;
 }
 
+Core::Step Core::takeStep() {
+    const Step step = log_.back();
+    log_.pop_back();
+    for (OdDbTouchMark* const mark : touchMarks_) {
+        if (mark->position_ <= log_.size()) continue;
+        mark->position_ = log_.size();
+        if (step.kind < Step::record) mark->undone_.push_back(step.stub);
+    }
+    return step;
+}
+
 std::uint64_t Core::undoStep(const Step& step) {
     if (step.kind >= Step::record) return 0;
     --changes_;
@@ -107,8 +118,7 @@ void Core::undoBack() {
     flushAll();
     const std::size_t bottom = groups_.empty() ? 0 : groups_.back() + 1;
     while (log_.size() > bottom) {
-        const Step step = log_.back();
-        log_.pop_back();
+        const Step step = takeStep();
         if (step.kind == Step::mark) return;
         undoStep(step);
     }
@@ -120,8 +130,7 @@ bool Core::undoLastRecord() {
     bool changed = false;
     int depth = 0;  // closed groups are taken back whole
     while (log_.size() > bottom) {
-        const Step step = log_.back();
-        log_.pop_back();
+        const Step step = takeStep();
         if (step.kind == Step::groupStop)
             ++depth;
         else if (step.kind == Step::groupStart)
@@ -204,8 +213,7 @@ void Core::undoTo(std::size_t position, Undone* undone) {
     flushAll();
     if (position <= faultPosition_) fault_ = nullptr;
     while (log_.size() > position) {
-        const Step step = log_.back();
-        log_.pop_back();
+        const Step step = takeStep();
         if (undone) undone->emplace_back(step, 0);
         if (step.kind == Step::groupStop) {
             // A closed group behind the position: its start lies there too, or it opens again.

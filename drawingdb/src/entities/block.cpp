@@ -44,11 +44,15 @@ void OdDbBlockTableRecord::redefine(const OdDbObjectIdArray& entities, OdDbIdMap
 OdDbObjectIdRange OdDbBlockTableRecord::entities(bool skipErased) const {
     return stub_ ? coreOf(stub_).entitiesOf(*stub_, skipErased) : OdDbObjectIdRange();
 }
+static OdDbObjectPtr drawOrderTable(const OdDbBlockTableRecord& record) {
+    const auto dictionary = record.extensionDictionary().openIf<OdDbDictionary>();
+    return dictionary ? dictionary->getAt(L"ACAD_SORTENTS").open() : OdDbObjectPtr();
+}
+bool OdDbBlockTableRecord::hasDrawOrder() const { return bool(drawOrderTable(*this)); }
 OdDbObjectIdArray OdDbBlockTableRecord::entitiesInDrawOrder() const {
     OdDbObjectIdArray ids;
     for (const OdDbObjectId id : entities()) ids.push_back(id);
-    const auto dictionary = extensionDictionary().openIf<OdDbDictionary>();
-    const auto table = dictionary ? dictionary->getAt(L"ACAD_SORTENTS").open() : OdDbObjectPtr();
+    const OdDbObjectPtr table = drawOrderTable(*this);
     if (!table) return ids;
 
     // Pairs of an entity (331) and the handle that stands in for its own (5).
