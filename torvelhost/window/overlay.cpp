@@ -77,7 +77,9 @@ void Overlay::draw(PixelBuffer& into) const {
                                   static_cast<float>(std::clamp(point.y, -1e6, 1e6))};
         };
         const Picture::Point band[] = {place(*bandFrom), place(*cursor)};
-        ThinLines(into.pixels.data(), into.width, into.height, into.width).draw(band, 1.0, kBand);
+        ThinLines lines;
+        lines.attach(into.pixels.data(), into.width, into.height, into.width);
+        lines.draw(band, 1.0, kBand);
     }
     const int x = whole(cursor->x), y = whole(cursor->y);
     const int gap = pickBox;  // the box stays clear

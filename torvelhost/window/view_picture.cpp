@@ -30,7 +30,7 @@ void ViewPicture::show(Application* application) {
     isShown_ = false;
     if (!application) return;
     Application::Session& session = *application->session();
-    scene_.emplace(*session.document.database());
+    scene_.emplace(session.document.grids());
     if (width_ > 0) session.view.setSize(width_, height_);
     showWhole();
 }
