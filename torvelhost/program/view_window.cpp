@@ -23,8 +23,10 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
         if (!frame_) throw UsageError("--view: events cannot work this window; give --events alone");
     }
     view_ = std::make_unique<CanvasView>(*frame_, terminal);
-    if (!headless_)
+    if (!headless_) {
+        view_->keepRecent();
         view_->useSafekeeping(safekeeping_.emplace(base::joinPath(base::userStateFolder(), L"torvelhost"), terminal));
+    }
     if (options.record) view_->recording().open(*options.record);
     for (const Options::Script& script : options.scripts)
         if (script.isFile)

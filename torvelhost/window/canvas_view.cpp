@@ -18,6 +18,8 @@ namespace {
 
 constexpr wchar_t kCancelLine[] = L"^C";
 constexpr double kWheelStep = 1.25;
+constexpr std::size_t kRecentFiles = 8;
+constexpr wchar_t kRecentSection[] = L"Recent Files";
 constexpr double kSmallestView = 1e-9, kLargestView = 1e15;
 
 // A line as a script has to give it.
@@ -60,6 +62,7 @@ void CanvasView::show(Application& application, const std::wstring& name) {
     application.watchScreen([this] { redraw(); });
     recording_.begin(name);
     if (safekeeping_) safekeeping_->show(name, session_->document);
+    if (keepsRecent_) readRecent();
 }
 
 void CanvasView::showNothing() {
@@ -90,6 +93,7 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
         terminal_.prompt(question.prompt + *line + L"\n");
         if (question.expected.kind != Expected::kDialog) record(*line);
     }
+    picture_.forgetCursor();
     lastWasDialog_ = question.expected.kind == Expected::kDialog;
     question_ = before;
     commandLine_.rest();
@@ -572,11 +576,23 @@ void CanvasView::doRequested() {
     }
 }
 
+void CanvasView::readRecent() {
+    recent_.clear();
+    for (std::size_t i = 1; i <= kRecentFiles; ++i) {
+        CXStringW name;
+        const bool is = application_->profile().readText(kRecentSection, std::to_wstring(i).c_str(), name);
+        if (is && !name.empty()) recent_.push_back(name);
+    }
+    frame_.setMenus(windowMenus(recent_));
+}
+
 void CanvasView::remember(const std::wstring& name) {
-    constexpr std::size_t kKept = 8;
-    std::erase(recent_, name);
-    recent_.insert(recent_.begin(), name);
-    if (recent_.size() > kKept) recent_.resize(kKept);
+    const std::wstring path = base::absolutePath(name);
+    std::erase(recent_, path);
+    recent_.insert(recent_.begin(), path);
+    if (recent_.size() > kRecentFiles) recent_.resize(kRecentFiles);
+    for (std::size_t i = 0; keepsRecent_ && i < recent_.size(); ++i)
+        application_->profile().writeText(kRecentSection, std::to_wstring(i + 1).c_str(), recent_[i].c_str());
     frame_.setMenus(windowMenus(recent_));
 }
 

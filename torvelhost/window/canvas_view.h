@@ -32,6 +32,8 @@ class CanvasView final : public ViewEvents, public ReplySource {
     /// Replies come from these scripts first. `ended` is called when they are through.
     void useScripts(ScriptReplies& scripts, std::function<void()> ended);
     Recording& recording() { return recording_; }
+    /// The files opened and saved last are the user's, from run to run.
+    void keepRecent() { keepsRecent_ = true; }
     /// Where events are a script's: the place of the one that is under way, which ScriptError names for a line that
     /// does not suit a dialog; and the next line for a dialog, where that is the next event.
     struct EventLines {
@@ -128,6 +130,7 @@ class CanvasView final : public ViewEvents, public ReplySource {
     void openDrawing(const std::wstring& name);
     void offerLeftCopies();
     void remember(const std::wstring& name);
+    void readRecent();
     dialogs::Answer ask(dialogs::BoxKind kind, const std::wstring& text);
     std::optional<std::wstring> askFile(const dialogs::FileRequest& request);
 
@@ -160,7 +163,8 @@ class CanvasView final : public ViewEvents, public ReplySource {
     std::wstring name_;  // of the drawing; empty: it has none yet
     std::vector<std::wstring> tabs_;
     std::size_t tab_ = 0;
-    std::vector<std::wstring> recent_;
+    std::vector<std::wstring> recent_;  // the last one first
+    bool keepsRecent_ = false;
     std::deque<MenuMeaning> requested_;  // until the command prompt
     std::optional<Opened> opened_;
     bool closing_ = false, finished_ = false, asking_ = false;

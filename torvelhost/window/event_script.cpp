@@ -1,6 +1,6 @@
 // Reads event scripts.
 //
-//   line    event [";" comment]          a comment is a line of its own, or stands behind two blanks or more
+//   line    event [blank ";" comment]    a ";" between quotes begins none
 //   place   X Y | "=" point
 #include "torvelhost/window/event_script.h"
 
@@ -14,6 +14,17 @@
 
 namespace host {
 namespace {
+
+// Without the comment at its end.
+std::wstring_view withoutComment(std::wstring_view line) {
+    bool quoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == L'"') quoted = !quoted;
+        const bool begins = line[i] == L';' && (i == 0 || line[i - 1] == L' ' || line[i - 1] == L'\t');
+        if (begins && !quoted) return line.substr(0, i);
+    }
+    return line;
+}
 
 [[noreturn]] void refuse(const std::string& what) { throw std::invalid_argument(what); }
 
@@ -172,8 +183,8 @@ void takeRest(Words& words, WindowEvent& event) {
 }  // namespace
 
 std::optional<WindowEvent> parseEvent(std::wstring_view line) {
-    Words words(line);
-    if (words.empty() || isComment(line)) return std::nullopt;
+    Words words(withoutComment(line));
+    if (words.empty()) return std::nullopt;
     const std::wstring_view name = words.take();
     const auto* const verb = std::find_if(kVerbs.begin(), kVerbs.end(),
                                           [&](const Verb& known) { return base::equalsNoCase(name, known.name); });
@@ -181,8 +192,7 @@ std::optional<WindowEvent> parseEvent(std::wstring_view line) {
     WindowEvent event;
     event.kind = verb->kind;
     takeRest(words, event);
-    if (!words.empty() && !words.rest().starts_with(L';'))
-        refuse("\"" + base::toUtf8(words.rest()) + "\" is too much there");
+    if (!words.empty()) refuse("\"" + base::toUtf8(words.rest()) + "\" is too much there");
     return event;
 }
 

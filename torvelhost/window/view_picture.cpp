@@ -83,6 +83,12 @@ void ViewPicture::setOverlay(const Overlay& overlay) {
     isShown_ = false;
 }
 
+void ViewPicture::forgetCursor() {
+    marks_.preview.clear();
+    marks_.hover = OdDbObjectId();
+    overlay_ = {};
+}
+
 void ViewPicture::disturb() { disturbed_ = frame_.now(); }
 
 ViewPicture::Seen ViewPicture::seenNow() {

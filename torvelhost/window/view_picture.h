@@ -37,6 +37,8 @@ class ViewPicture {
     /// The preview looks different, though it is of the same entities.
     void previewChanged() { isShown_ = false; }
     void setOverlay(const Overlay& overlay);
+    /// The prompt is answered: its preview is gone, and what followed the cursor.
+    void forgetCursor();
 
     /// Works at the exact picture as long as that delays nobody, and shows what there is.
     void work();
