@@ -64,6 +64,7 @@ int writeExtract(const CAttExtDlg& dialog, const OdDbObjectIdArray& selection) {
     if (selection.empty()) return 0;
     ExtractSettings& settings = extractSettings();
     settings.format = dialog.format();
+    settings.isUtf8 = hostVariable(hostapi::getIntegerVariable, L"EXTRACTUTF8", 0) != 0;
     const OdString templatePath = dialog.templatePath();
     if (dialog.format() == ExtractFormat::dxf)
         return writeDxfExtract(selection, dialog.outputPath(), templatePath.c_str());

@@ -22,12 +22,14 @@ const OdDbDatabase* drawingOf(const OdDbObjectIdArray& references) {
     return references.empty() ? nullptr : references.front().database();
 }
 
-// Names are compared with tags, and written, in the drawing's code page.
-std::string inCodePage(std::string_view bytes, const OdDbDatabase* drawing) {
+// Names are compared with tags, and written, as the output has them.
+std::string asInOutput(std::string_view bytes, const OdDbDatabase* drawing, bool isUtf8) {
     constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
     if (!bytes.starts_with(kUtf8Mark)) return std::string(bytes);
+    bytes.remove_prefix(kUtf8Mark.size());
+    if (isUtf8) return std::string(bytes);
     std::string narrow;
-    if (drawing) drawing->appendNarrow(narrow, base::fromUtf8(bytes.substr(kUtf8Mark.size())));
+    if (drawing) drawing->appendNarrow(narrow, base::fromUtf8(bytes));
     return narrow;
 }
 
@@ -59,7 +61,10 @@ void assignNumber(std::string& text, double number, const ExtractField& field) {
 // Fills the values of one reference after the other.
 class Records {
   public:
-    explicit Records(const std::vector<ExtractField>& fields) : fields_(fields), values_(fields.size()) {
+    Records(const std::vector<ExtractField>& fields, bool isUtf8)
+        : fields_(fields), values_(fields.size()), isUtf8_(isUtf8) {
+        reference_.setUtf8(isUtf8);
+        attribute_.setUtf8(isUtf8);
         for (std::size_t i = 0; i < fields.size(); ++i)
             if (fields[i].source == Source::attribute)
                 tags_[fields[i].name].push_back(i);
@@ -151,7 +156,9 @@ class Records {
             namedBlock_ = id;
             const auto block = id.openIf<OdDbBlockTableRecord>();
             blockName_.clear();
-            if (block)
+            if (block && isUtf8_)
+                blockName_ = base::toUtf8(block->name());
+            else if (block)
                 block->database()->appendNarrow(blockName_, block->name());
             else
                 blockName_ = reference_.narrowBlockName();
@@ -161,6 +168,7 @@ class Records {
 
     const std::vector<ExtractField>& fields_;
     std::vector<std::string> values_;
+    bool isUtf8_;
     std::vector<std::size_t> properties_;  // fields that are block properties
     std::unordered_map<std::string, std::vector<std::size_t>, Hash, std::equal_to<>> tags_;  // the others, by tag
     OdDbBlockReferenceReader reference_;
@@ -204,7 +212,7 @@ ExtractSettings& extractSettings() {
 
 std::optional<std::string> delimitedText(std::string_view templateBytes, const OdDbObjectIdArray& references,
                                          ExtractSettings& settings) {
-    const std::string text = inCodePage(base::untilEndMark(templateBytes), drawingOf(references));
+    const std::string text = asInOutput(base::untilEndMark(templateBytes), drawingOf(references), settings.isUtf8);
     const std::vector<ExtractField> fields = parseExtractTemplate(text, settings);
     if (fields.empty()) return std::nullopt;
     std::string bytes;
@@ -212,7 +220,7 @@ std::optional<std::string> delimitedText(std::string_view templateBytes, const O
     constexpr std::size_t kMostRoom = std::size_t{1} << 27;
     bytes.reserve(std::min(kMostRoom, recordSize(fields) * (references.size() + 1)));
     if (settings.format == ExtractFormat::spaceDelimited) appendHeader(bytes, fields);
-    Records records(fields);
+    Records records(fields, settings.isUtf8);
     ProgressSteps progress(references.size());
     for (const OdDbObjectId id : references) {
         appendRecord(bytes, fields, records.fill(id), settings);

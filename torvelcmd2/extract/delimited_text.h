@@ -10,7 +10,8 @@
 namespace torvel {
 
 /// The bytes of the extract file; nothing when the template has no field. `templateBytes` are a template file's: text
-/// in the drawing's code page, or in UTF-8 behind a byte order mark. Throws as writeDelimitedExtract does.
+/// in the drawing's code page, or in UTF-8 behind a byte order mark or where the settings say so. Throws as
+/// writeDelimitedExtract does.
 std::optional<std::string> delimitedText(std::string_view templateBytes, const OdDbObjectIdArray& references,
                                          ExtractSettings& settings);
 

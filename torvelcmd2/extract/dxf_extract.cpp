@@ -1,4 +1,5 @@
 // The DXF extract (DXX): the groups of block references as TVDxfFiler tells them.
+#include "base/text.h"
 #include "drawingdb/block_reference.h"
 #include "torvelcmd2/extract/extract.h"
 #include "torvelcmd2/extract/extract_output.h"
@@ -16,7 +17,10 @@ std::size_t writeRecord(const OdDbBlockReference& reference, base::AtomicFile& o
     std::string bytes;
     for (const OdString& line : filer->lines()) {
         narrow.clear();
-        reference.database()->appendNarrow(narrow, line);
+        if (extractSettings().isUtf8)
+            narrow = base::toUtf8(line);
+        else
+            reference.database()->appendNarrow(narrow, line);
         appendLines(bytes, narrow + '\n');
     }
     // Behind every reference, not only the last.

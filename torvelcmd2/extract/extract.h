@@ -21,6 +21,8 @@ struct ExtractSettings {
     std::string quote;
     /// Set by AttExt before each run; of the two delimited formats, which one writeDelimitedExtract writes.
     ExtractFormat format = ExtractFormat::commaDelimited;
+    /// Set by AttExt before each run: template and output are UTF-8, and not in the drawing's code page.
+    bool isUtf8 = false;
 };
 
 ExtractSettings& extractSettings();

@@ -1,6 +1,6 @@
 // Reading many references and attributes, one after the other. What is not open is not made an object for that: its
-// record is looked through instead. Texts come wide or in the drawing's code page; narrow ones are good until the next
-// call for the same text, and as long as the drawing is not changed.
+// record is looked through instead. Texts come wide or in the drawing's code page, or in UTF-8; narrow ones are good
+// until the next call for the same text, and as long as the drawing is not changed.
 #pragma once
 
 #include <string_view>
@@ -16,10 +16,13 @@ class DRAWINGDB_API ReadText {
     void setWide(const Core& core, OdString text);
     OdString wide() const;
     std::string_view narrow();
+    /// The narrow text is UTF-8, whatever the drawing's code page is.
+    void setUtf8(bool on) { isUtf8_ = on; }
 
   private:
     const Core* core_ = nullptr;
     bool isRaw_ = false;
+    bool isUtf8_ = false;
     std::string_view raw_;
     OdString wide_;
     std::string narrow_;  // where it is not the raw text
@@ -47,6 +50,11 @@ class DRAWINGDB_API OdDbEntityReader {
 
 class DRAWINGDB_API OdDbAttributeReader {
   public:
+    /// Narrow texts are UTF-8 from now on, or in the code page again.
+    void setUtf8(bool on) {
+        tag_.setUtf8(on);
+        text_.setUtf8(on);
+    }
     /// False, and both texts of no meaning, when the id names no attribute, or an erased one.
     bool read(OdDbObjectId attribute);
     OdString tag() const { return tag_.wide(); }
@@ -65,6 +73,11 @@ class DRAWINGDB_API OdDbAttributeReader {
 /// Its values are those of an OdDbBlockReference.
 class DRAWINGDB_API OdDbBlockReferenceReader {
   public:
+    /// As of attributes.
+    void setUtf8(bool on) {
+        blockName_.setUtf8(on);
+        layer_.setUtf8(on);
+    }
     /// Throws as OdDbObjectId::openAs does when the id names no reference, or an erased one.
     void read(OdDbObjectId reference);
     OdDbHandle handle() const { return id_.handle(); }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "base/number.h"
+#include "base/text.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/src/core/core.h"
@@ -32,7 +33,10 @@ OdString ReadText::wide() const { return isRaw_ ? decodeText(raw_, core_->format
 std::string_view ReadText::narrow() {
     if (isRaw_ && isPlainText(raw_)) return raw_;
     narrow_.clear();
-    core_->database.appendNarrow(narrow_, wide());
+    if (isUtf8_)
+        narrow_ = base::toUtf8(wide());
+    else
+        core_->database.appendNarrow(narrow_, wide());
     return narrow_;
 }
 
