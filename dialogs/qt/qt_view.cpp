@@ -241,7 +241,10 @@ QWidget* QtView::widgetOf(const Control& control) const {
 
 void QtView::setShown(bool on) {
     root_->setVisible(on);
-    if (on) root_->activateWindow();
+    if (on)
+        root_->activateWindow();
+    else if (owner_)
+        owner_->activateWindow();  // the user is asked there
     // Nobody looks after the screen while the user is asked elsewhere.
     QAbstractEventDispatcher::instance()->processEvents(QEventLoop::ExcludeUserInputEvents);
 }

@@ -78,7 +78,7 @@ TEST(Owners, TheHostsWindowOwnsADialogAndThatOneTheNext) {
     Dialog outer(IDD_FIELDS), inner(IDD_TABS);
     const auto windowOf = [](const Dialog& dialog) { return static_cast<QWidget*>(dialog.window()); };
     const QWidget* ownerOfOuter = nullptr;
-    bool innerIsOuters = false, isCentered = false;
+    bool innerIsOuters = false, isCentered = false, hostIsActive = false;
     RealInput input;
     input.then([&] {
         ownerOfOuter = windowOf(outer)->parentWidget();
@@ -87,6 +87,10 @@ TEST(Owners, TheHostsWindowOwnsADialogAndThatOneTheNext) {
         RealInput more;
         more.then([&] {
             innerIsOuters = windowOf(inner)->parentWidget() == windowOf(outer);
+            {
+                const HiddenWindows hidden;
+                hostIsActive = host.isActiveWindow() && !windowOf(outer)->isVisible();
+            }
             inner.end(kOkButton);
         });
         more.during([&] { inner.runModal(); });
@@ -97,6 +101,7 @@ TEST(Owners, TheHostsWindowOwnsADialogAndThatOneTheNext) {
     EXPECT_EQ(ownerOfOuter, &host);
     EXPECT_TRUE(innerIsOuters);
     EXPECT_TRUE(isCentered);
+    EXPECT_TRUE(hostIsActive);
 }
 
 }  // namespace
