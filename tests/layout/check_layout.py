@@ -26,7 +26,7 @@ ROOMS = {
 # The sub-rooms of a room from the bottom up; those of one line do not see each other.
 SUBROOMS = {
     "drawingdb/src": [["geometry", "file"], ["lettering"], ["core"], ["fields"], ["entities"]],
-    "torvelhost": [["resources", "lines"], ["plot"], ["session"], ["commands", "modules", "window"], ["program"]],
+    "torvelhost": [["resources"], ["lines"], ["plot"], ["session"], ["commands", "modules", "window"], ["program"]],
     "torvelcmd2": [["resources"], ["frame"], ["attributes/values"], ["attributes"],
                    ["attmanager", "construction", "extract/burst", "slides"], ["extract"]],
     "dialogs": [[""], ["forms", "qt", "windows"]],
