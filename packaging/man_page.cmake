@@ -13,8 +13,6 @@ foreach(line IN LISTS lines)
     string(APPEND options "${CMAKE_MATCH_1}\n")
   endif()
 endforeach()
-# Two that need no words stand in one line.
-string(REPLACE ".B \\-\\-help\n\\-\\-version\n" ".B \\-\\-help, \\-\\-version\nshow the usage, or the version\n" options "${options}")
 string(REPLACE "<semicolon>" ";" options "${options}")
 file(READ "${TEMPLATE}" page)
 string(REPLACE "@OPTIONS@" "${options}" page "${page}")

@@ -97,7 +97,8 @@ void saveDrawing(const Options& options, Application::Session& session, Terminal
 }
 
 // Where memory is so short that not even an exception can be thrown, or is thrown where none may be.
-char g_drawingName[1024] = "the new drawing";
+// Empty until the options are read.
+char g_drawingName[1024] = "";
 
 std::terminate_handler g_terminateBefore = nullptr;
 
@@ -110,8 +111,9 @@ void endWithoutMemory() {
             g_terminateBefore();
         }
     }
-    for (const char* part :
-         {"torvelhost: ", static_cast<const char*>(g_drawingName), ": there is not enough memory to go on\n"})
+    const bool isRunning = g_drawingName[0] != 0;
+    for (const char* part : {"torvelhost: ", static_cast<const char*>(g_drawingName), isRunning ? ": " : "",
+                             "there is not enough memory to ", isRunning ? "go on\n" : "start\n"})
         base::writeTo(base::Stream::kError, part);
     std::_Exit(kFileFailed);
 }
@@ -219,8 +221,8 @@ std::string helpText(const std::wstring& topic) {
 ExitStatus run(const Options& options, Terminal& terminal) {
     checkOptions(options);
     if (options.windows) requireWindows();
-    if (options.drawing)
-        std::snprintf(g_drawingName, sizeof g_drawingName, "%s", base::toUtf8(visible(*options.drawing)).c_str());
+    std::snprintf(g_drawingName, sizeof g_drawingName, "%s",
+                  options.drawing ? base::toUtf8(visible(*options.drawing)).c_str() : "the new drawing");
     if (options.summary != Options::Summary::kNone) return summarize(options, terminal);
     return options.hasWindow() ? runInWindow(options, terminal) : runAtTerminal(options, terminal);
 }

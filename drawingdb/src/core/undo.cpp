@@ -175,11 +175,16 @@ bool Core::isChangedSince(std::size_t position) {
 }
 
 std::size_t Core::objectsChangedSince(std::size_t position) {
-    std::unordered_set<std::uint32_t> changed;
-    for (std::size_t i = undoPosition(); i > position; --i)
-        if (const Step& step = log_[i - 1]; step.kind < Step::record && isObject(stubs[step.stub]))
-            changed.insert(step.stub);
-    return changed.size();
+    std::size_t count = 0;
+    const std::size_t end = undoPosition();
+    std::vector<bool> counted(end > position ? stubs.size() : 0);
+    for (std::size_t i = position; i < end; ++i) {
+        const Step& step = log_[i];
+        if (step.kind >= Step::record || counted[step.stub] || !isObject(stubs[step.stub])) continue;
+        counted[step.stub] = true;
+        ++count;
+    }
+    return count;
 }
 
 void Core::undoForRedo(std::size_t position) {
