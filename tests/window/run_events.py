@@ -130,7 +130,7 @@ def main():
     parser.add_argument("--update", action="store_true")
     parser.add_argument("events", nargs="+", type=pathlib.Path)
     arguments = parser.parse_args()
-    program = [*[part for part in arguments.emulator.split(";") if part], arguments.program]
+    program = [*[part for part in arguments.emulator.split(";") if part], str(pathlib.Path(arguments.program).resolve())]
     failed = 0
     for events in arguments.events:
         try:
