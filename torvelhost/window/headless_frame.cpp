@@ -62,7 +62,7 @@ std::optional<std::wstring> HeadlessFrame::peekDialogLine() const {
     return isNext ? std::optional(script_[done_].text) : std::nullopt;
 }
 
-void HeadlessFrame::showPicture(const PixelBuffer& picture, const PixelRectangle&) { picture_ = picture; }
+void HeadlessFrame::showPicture(const PixelBuffer& picture, const PixelRectangle&) { picture_ = &picture; }
 
 void HeadlessFrame::setTabs(const std::vector<std::wstring>& names, std::size_t) { tabs_ = names; }
 
@@ -123,7 +123,7 @@ void HeadlessFrame::perform(const WindowEvent& event) {
             return;
         case WindowEvent::kPicture:
             if (event.exact) view_->settle();
-            return base::writeFile(event.text, pngBytes(picture_));
+            return base::writeFile(event.text, pngBytes(picture_ ? *picture_ : PixelBuffer()));
         default:
             return mouse(event);
     }

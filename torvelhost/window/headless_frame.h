@@ -61,7 +61,7 @@ class HeadlessFrame final : public ViewFrame {
     ViewEvents* events_ = nullptr;
     int width_ = 1280, height_ = 760;
     double scale_ = 1;
-    PixelBuffer picture_;
+    const PixelBuffer* picture_ = nullptr;  // the view keeps it as it was shown
     std::wstring title_, status_, prompt_, commandText_, history_;
     std::vector<std::wstring> words_, tabs_;
     std::vector<Menu> menus_;
