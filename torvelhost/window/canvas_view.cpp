@@ -78,7 +78,12 @@ void CanvasView::showNothing() {
 
 std::optional<std::wstring> CanvasView::next(const Question& question) {
     fromScript_ = isScript();
-    if (fromScript_) return scripts_->next(question);
+    if (fromScript_) {
+        auto line = scripts_->next(question);
+        followed_.reset();
+        if (line && question.expected.kind != Expected::kDialog) record(*line);
+        return line;
+    }
     if (scripts_ && scriptsEnded_) std::exchange(scriptsEnded_, nullptr)();
     scripts_ = nullptr;
 
