@@ -59,9 +59,13 @@ def picture(path):
 
 
 def lines_of(path, folder):
-    """The lines but comments; file dialogs give whole paths, of which the folder of the run is left out."""
-    return [line.replace(str(folder) + os.sep, "") for line in path.read_text(encoding="utf-8").splitlines()
-            if not line.startswith(";")]
+    """The lines but comments; file dialogs give whole paths, of which the folder of the run is left out, as Wine sees it
+    too."""
+    folders = [str(folder) + os.sep, "Z:" + str(folder).replace("/", "\\") + "\\"]
+    lines = [line for line in path.read_text(encoding="utf-8").splitlines() if not line.startswith(";")]
+    for own in folders:
+        lines = [line.replace(own, "") for line in lines]
+    return lines
 
 
 def run(command, folder):
