@@ -27,8 +27,6 @@ class EntityGrid {
         Rectangle box;         // of what it shows; not of one without a box
         bool hasBox = false;   // infinite lines have none
         bool endless = false;  // it shows something outside of the box
-
-        bool operator==(const Entry&) const = default;
     };
 
     /// Those whose box shares a point with the rectangle, and those that may show anywhere, in the order of the space.
