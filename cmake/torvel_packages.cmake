@@ -44,7 +44,7 @@ else()
               "-DOUTPUT=${manual}" -P "${PROJECT_SOURCE_DIR}/packaging/man_page.cmake"
       DEPENDS torvelhost torvelcore packaging/torvelhost.1 packaging/man_page.cmake
       VERBATIM)
-    add_custom_target(manual DEPENDS "${manual}")
+    add_custom_target(manual ALL DEPENDS "${manual}")
     add_dependencies(program manual)
     install(FILES "${manual}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
   endif()

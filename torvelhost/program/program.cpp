@@ -191,6 +191,9 @@ ExitStatus runAtTerminal(const Options& options, Terminal& terminal) {
 ExitStatus runInWindow(const Options& options, Terminal& terminal) {
     ViewWindow window(options, terminal);
     Application application(options, terminal);
+    // However the run ends, the view lets go of the drawing before that goes.
+    const std::unique_ptr<CanvasView, void (*)(CanvasView*)> shown(&window.view(),
+                                                                   [](CanvasView* view) { view->showNothing(); });
     loadCommandModule(terminal, true);
     std::optional<CanvasView::Opened> opened{
         {openDrawing(options.drawing, terminal), options.drawing.value_or(std::wstring())}};

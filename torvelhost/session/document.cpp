@@ -115,6 +115,7 @@ void Document::save(const std::wstring& path) {
         throw base::FileError(path, L"not saved: " + protection_);
     database_->writeFile(path);
     savedRevision_ = database_->revision();
+    savedName_ = path;
 }
 
 bool Document::isModified() {

@@ -54,6 +54,8 @@ class Document final : public HostDocument {
 
     /// Throws base::FileError when the file cannot be written, or when the drawing was opened for reading alone.
     void save(const std::wstring& path);
+    /// Where it was saved last; empty: nowhere yet.
+    const std::wstring& savedName() const { return savedName_; }
     /// Whether there is more to save than what was saved last, or opened.
     bool isModified();
     /// The database was read from a copy of an unsaved drawing.
@@ -84,6 +86,7 @@ class Document final : public HostDocument {
     OdGePoint3d lastPoint_;
     std::optional<std::uint64_t> savedRevision_;
     std::vector<Done> done_;
+    std::wstring savedName_;
     std::wstring protection_;           // why the drawing's own file stays as it is; empty: it need not
     std::vector<std::wstring> undone_;  // the last is the next to be brought back
 };

@@ -369,6 +369,11 @@ void CanvasView::refreshMarks() {
 void CanvasView::refreshSurroundings() {
     if (!session_) return;
     OdDbDatabase& database = *session_->document.database();
+    // The window is of the file that the drawing was saved in last.
+    if (const std::wstring& saved = session_->document.savedName(); !saved.empty() && saved != name_) {
+        name_ = saved;
+        remember(name_);
+    }
     const std::wstring name = name_.empty() ? L"New drawing" : base::fileNameOf(name_);
     const std::wstring title = (session_->document.isModified() ? L"*" : L"") + name +
                                (session_->document.isFileProtected() ? L" (read-only)" : L"") + L" - torvelhost";
@@ -492,8 +497,6 @@ bool CanvasView::save(bool underNewName) {
     }
     const bool isItsOwn = name == std::wstring(session_->document.database()->fileName());
     queueCommand({L"SAVE", isItsOwn ? std::wstring() : name}, false);
-    name_ = name;
-    remember(name);
     return true;
 }
 

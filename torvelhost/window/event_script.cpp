@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/number.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "torvelhost/lines/reply_source.h"
 
@@ -170,7 +171,8 @@ void takeRest(Words& words, WindowEvent& event) {
                 event.exact = true;
                 event.text = base::trimmed(std::wstring_view(event.text).substr(0, event.text.size() - 6));
             }
-            return requireText(event, "the name of a PNG file is wanted");
+            if (!base::equalsNoCase(base::extensionOf(event.text), L".png")) refuse("the name of a PNG file is wanted");
+            return;
         case WindowEvent::kType:
         case WindowEvent::kDialog:
             return takeText(words, event);

@@ -133,9 +133,10 @@ void HeadlessFrame::mouse(const WindowEvent& event) {
     const CanvasPoint at = placeOf(event.places.front());
     const MouseButton button = event.kind == WindowEvent::kRight ? MouseButton::kRight : event.button;
     const bool shift = event.shift;
-    if (event.kind == WindowEvent::kWheel) return events_->wheelTurned(event.number, at);
     events_->mouseMoved(at, shift);
     switch (event.kind) {
+        case WindowEvent::kWheel:
+            return events_->wheelTurned(event.number, at);
         case WindowEvent::kClick:
         case WindowEvent::kRight:
             events_->mousePressed(button, at, shift);

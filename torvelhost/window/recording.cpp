@@ -14,6 +14,7 @@ void Recording::open(const std::wstring& path) {
 void Recording::begin(const std::wstring& drawing) {
     last_.reset();
     if (path_.empty()) return;
+    file_.close();  // or what it still holds would go into the new file
     file_ = std::ofstream(base::toPath(path_), std::ios::binary | std::ios::trunc);
     if (!file_) throw base::FileError(path_, L"the recording cannot be written there");
     if (!drawing.empty()) file_ << "; drawing: " << base::toUtf8(drawing) << "\n";
