@@ -65,7 +65,7 @@ def lines_of(path, folder):
     lines = [line for line in path.read_text(encoding="utf-8").splitlines() if not line.startswith(";")]
     for own in folders:
         lines = [line.replace(own, "") for line in lines]
-    return lines
+    return [line.replace("nowhere\\", "nowhere/") for line in lines]  # the folder that no case has
 
 
 def run(command, folder):
