@@ -3,8 +3,8 @@
 //
 // A window has a record in the user's state folder, which it holds while it lives:
 //
-//     /home/anna/plan.dxf                  the drawing; empty: a new one
-//     /home/anna/.plan.dxf.kept-9f3c01a2   the copy, once there is one
+//     FOLDER/plan.dxf                  the drawing; empty: a new one
+//     FOLDER/.plan.dxf.kept-9f3c01a2   the copy, once there is one
 //
 // A record that nobody holds, with a copy that is there, is of a window that did not end in order.
 #pragma once
