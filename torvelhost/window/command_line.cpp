@@ -1,8 +1,21 @@
 #include "torvelhost/window/command_line.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 
 namespace host {
+namespace {
+
+// Words that a prompt takes and does not name are offered all the same, where they usually stand.
+std::wstring withWords(std::wstring prompt, const std::vector<std::wstring>& words) {
+    if (words.empty() || prompt.find(L'[') != prompt.npos) return prompt;
+    std::wstring offered = L" [";
+    for (const std::wstring& word : words) offered += (offered.size() > 2 ? L"/" : L"") + word;
+    return prompt.insert(std::min({prompt.find(L" <"), prompt.rfind(L':'), prompt.size()}), offered + L"]");
+}
+
+}  // namespace
 
 void CommandLine::ask(const Question& question) {
     question_ = &question;
@@ -10,7 +23,7 @@ void CommandLine::ask(const Question& question) {
     // At the command prompt there are too many.
     const bool hasWords = question.expected.kind != Expected::kCommand && question.expected.kind != Expected::kDialog;
     if (hasWords && question.choices) words_ = question.choices();
-    frame_.setPrompt(question.prompt, words_);
+    frame_.setPrompt(withWords(question.prompt, words_), words_);
 }
 
 void CommandLine::rest() {

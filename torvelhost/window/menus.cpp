@@ -25,7 +25,7 @@ constexpr Entry kLine = {L"", L"", L"", kCommand, L"", false};
 const std::vector<Titled>& table() {
     static const std::vector<Titled> menus = {
         {L"&File",
-         {{L"&New", L"Ctrl+N", L"Begins a new drawing", MenuAction::kNew, L"", true},
+         {{L"&New", L"Ctrl+N", L"Begins a new drawing", MenuAction::kNew, L"", false},
           {L"&Open...", L"Ctrl+O", L"Opens a drawing", MenuAction::kOpen, L"", true},
           {L"&Save", L"Ctrl+S", L"Saves the drawing", MenuAction::kSave, L"", true},
           {L"Save &As...", L"Ctrl+Shift+S", L"Saves the drawing under another name", MenuAction::kSaveAs, L"", false},
@@ -40,7 +40,7 @@ const std::vector<Titled>& table() {
           {L"Select A&ll", L"Ctrl+A", L"Selects everything for the next command", kCommand, L"all", false}}},
         {L"&View",
          {{L"Zoom &Extents", L"", L"Shows all there is", kCommand, L"ZOOM|Extents", true},
-          {L"Zoom &Window", L"", L"Shows what lies between two corners", kCommand, L"ZOOM|Window", true},
+          {L"Zoom &Window", L"", L"Shows what lies between two corners", kCommand, L"ZOOM|Window", false},
           {L"Zoom &Previous", L"", L"Shows what was shown before", kCommand, L"ZOOM|Previous", false},
           {L"&Regenerate", L"", L"Evaluates the fields and draws everything anew", kCommand, L"REGEN", false},
           kLine,
@@ -52,7 +52,7 @@ const std::vector<Titled>& table() {
           {L"&Divide", L"", L"Marks equal lengths on a curve", kCommand, L"Divide", true},
           kLine,
           {L"Make &Block", L"", L"Makes a block of what is selected", kCommand, L"BLOCK", false},
-          {L"I&nsert Block", L"", L"Inserts a block", kCommand, L"INSERT", true},
+          {L"I&nsert Block", L"", L"Inserts a block", kCommand, L"INSERT", false},
           kLine,
           {L"&Layers", L"", L"Makes layers and changes what they are", kCommand, L"LAYER", false}}},
         {L"&Attributes",
