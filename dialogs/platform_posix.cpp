@@ -1,11 +1,14 @@
 // Windows are made by a library of their own, which is loaded when they are wanted: a program without windows starts
 // without their toolkit, and need not have it.
 #include "base/modules.h"
+#include "dialogs/desktop.h"
 #include "dialogs/maker.h"
 
 namespace dialogs {
 
 bool windowsAreStandard() { return false; }
+
+void useOwnDesktop() {}
 
 std::unique_ptr<Maker> makeWindowsMaker(bool, std::wstring& reason) {
     base::ModuleReference library = base::loadModule(base::libraryFileName(L"torvelqt"), &reason);

@@ -7,6 +7,7 @@
 #include <cderr.h>
 
 #include "base/text.h"
+#include "dialogs/desktop.h"
 #include "dialogs/windows/window_view.h"
 
 namespace dialogs {
@@ -152,9 +153,13 @@ class WindowsMaker final : public Maker {
     }
 };
 
-// Scripts that run at the same time would take the focus from each other: each gets a desktop of its own, before its
-// first window is made.
-void usePrivateDesktop() {
+}  // namespace
+
+bool windowsAreStandard() { return true; }
+
+// Scripts that run at the same time would take the focus from each other. A thread with windows cannot change its
+// desktop.
+void useOwnDesktop() {
     static bool done = false;
     if (done) return;
     done = true;
@@ -163,12 +168,8 @@ void usePrivateDesktop() {
         SetThreadDesktop(desktop);
 }
 
-}  // namespace
-
-bool windowsAreStandard() { return true; }
-
 std::unique_ptr<Maker> makeWindowsMaker(bool scripted, std::wstring&) {
-    if (scripted) usePrivateDesktop();
+    if (scripted) useOwnDesktop();
     return std::make_unique<WindowsMaker>();
 }
 

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <string_view>
 
+#include "dialogs/desktop.h"
 #include "dialogs/process.h"
 #include "tests/dialogs/hand.h"
 
@@ -20,22 +21,12 @@
 class OwnDesktop {
   public:
     OwnDesktop() {
-        // On Windows a script's use of windows gives the process a desktop of its own.
-        EXPECT_TRUE(dialogs::useWindows(&noLines_));
+        dialogs::useOwnDesktop();
         EXPECT_TRUE(dialogs::useWindows(nullptr));
     }
     ~OwnDesktop() { dialogs::useStandard(); }
     OwnDesktop(const OwnDesktop&) = delete;
     OwnDesktop& operator=(const OwnDesktop&) = delete;
-
-  private:
-    class NoLines final : public dialogs::LineSource {
-      public:
-        std::optional<std::wstring> next(const std::wstring&) override { return std::nullopt; }
-        void print(std::wstring_view) override {}
-        void refuse(const std::wstring&) override {}
-        bool isScript() const override { return true; }
-    } noLines_;
 };
 
 using hand::Held;

@@ -2,6 +2,7 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "dialogs/desktop.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/window/make_frame.h"
 #include "torvelhost/window/played_frame.h"
@@ -15,6 +16,7 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
         frame_ = std::move(headless);
     }
     if (options.view) {
+        if (headless_) dialogs::useOwnDesktop();
         std::wstring reason;
         std::unique_ptr<ViewFrame> window = makeViewFrame(reason);
         if (!window) throw UsageError("--view: " + base::toUtf8(reason));

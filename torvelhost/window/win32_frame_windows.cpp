@@ -2,25 +2,31 @@
 //
 // The command line's field has the focus whenever no other control was given it, so what is typed lands there, wherever
 // the mouse is. Keys, accelerators and the wheel are taken where messages are fetched; messages of loops that are not
-// this frame's (menus, dialogs) come through the windows' procedures alone.
+// this frame's (menus, dialogs) come through the windows' procedures alone. A hand posts the messages that the system
+// would, and has them taken at once; exceptions must not pass through the system, and are thrown again behind it.
 #include <windows.h>
 #include <commctrl.h>
 #include <shellapi.h>
+#include <shlobj.h>
 #include <windowsx.h>
 
 #include <algorithm>
+#include <cmath>
+#include <exception>
 
 #include "base/modules.h"
 #include "base/text.h"
 #include "dialogs/windows/themed.h"
 #include "torvelhost/window/canvas_window_windows.h"
 #include "torvelhost/window/make_frame.h"
+#include "torvelhost/window/window_hand.h"
 
 namespace host {
 namespace {
 
 constexpr wchar_t kClassName[] = L"TorvelWindow";
 constexpr UINT kFirstCommand = 1000;  // menu entries have ids from here on, in their order
+constexpr LONG kLargestByHand = 30000;
 constexpr int kHistoryLines = 5;
 constexpr std::size_t kLongestHistory = 200000;  // characters; the older half goes then
 
@@ -32,8 +38,10 @@ std::wstring windowText(HWND window) {
     return text;
 }
 
-std::wstring withoutMnemonic(std::wstring text) {
+// Of a menu's entry, for a button.
+std::wstring plainText(std::wstring text) {
     std::erase(text, L'&');
+    while (text.ends_with(L'.')) text.pop_back();
     return text;
 }
 
@@ -59,27 +67,18 @@ std::optional<ACCEL> acceleratorOf(std::wstring_view shortcut, WORD command) {
     return accelerator;
 }
 
+constexpr struct {
+    WPARAM code;
+    Key key;
+} kKeys[] = {
+    {VK_RETURN, Key::kEnter}, {VK_ESCAPE, Key::kEscape}, {VK_SPACE, Key::kSpace},   {VK_TAB, Key::kTab},
+    {VK_UP, Key::kUp},        {VK_DOWN, Key::kDown},     {VK_DELETE, Key::kDelete}, {VK_F1, Key::kHelp},
+};
+
 std::optional<Key> keyOf(WPARAM code) {
-    switch (code) {
-        case VK_RETURN:
-            return Key::kEnter;
-        case VK_ESCAPE:
-            return Key::kEscape;
-        case VK_SPACE:
-            return Key::kSpace;
-        case VK_TAB:
-            return Key::kTab;
-        case VK_UP:
-            return Key::kUp;
-        case VK_DOWN:
-            return Key::kDown;
-        case VK_DELETE:
-            return Key::kDelete;
-        case VK_F1:
-            return Key::kHelp;
-        default:
-            return std::nullopt;
-    }
+    for (const auto& known : kKeys)
+        if (known.code == code) return known.key;
+    return std::nullopt;
 }
 
 // The text for a SysLink: each word of the prompt is one behind the bracket.
@@ -101,7 +100,12 @@ std::wstring linkText(const std::wstring& prompt, const std::vector<std::wstring
     return text;
 }
 
-class Win32Frame final : public ViewFrame {
+// Of messages of the mouse.
+LPARAM packedPlace(const CanvasPoint& place) {
+    return MAKELPARAM(static_cast<WORD>(std::lround(place.x)), static_cast<WORD>(std::lround(place.y)));
+}
+
+class Win32Frame final : public ViewFrame, public WindowHand {
   public:
     Win32Frame();
     ~Win32Frame() override;
@@ -118,7 +122,7 @@ class Win32Frame final : public ViewFrame {
     void setCursor(Cursor cursor) override;
     void setTip(const std::wstring& text, CanvasPoint at) override;
     void setTitle(const std::wstring& title) override { SetWindowTextW(window_, title.c_str()); }
-    void setStatus(const std::wstring& text) override;
+    void setStatus(const std::wstring& text) override { showStatus(statusText_ = text); }
     void setProgress(double part) override;
     void setMenus(const std::vector<Menu>& menus) override;
     void setTabs(const std::vector<std::wstring>& names, std::size_t current) override;
@@ -128,6 +132,22 @@ class Win32Frame final : public ViewFrame {
     void* nativeWindow() override { return window_; }
     void activate() override;
 
+    /// ---- as a hand works it
+    void resizeCanvas(int width, int height) override;
+    void mouse(Mouse what, MouseButton button, CanvasPoint at, bool shift) override;
+    void leaveCanvas() override { post(canvas_.window(), WM_MOUSELEAVE); }
+    void turnWheel(double notches, CanvasPoint at) override;
+    void pressKey(Key key) override;
+    void pressBackspace() override { post(focus(), WM_KEYDOWN, VK_BACK); }
+    void type(wchar_t character) override { post(focus(), WM_CHAR, character); }
+    void enterText(const std::wstring& text) override;
+    std::wstring commandText() const override { return windowText(line_); }
+    void chooseEntry(const std::wstring& path) override;
+    void clickTab(std::size_t index) override;
+    void clickWord(std::size_t index) override;
+    void dropFile(const std::wstring& path) override;
+    void clickClose() override { post(window_, WM_SYSCOMMAND, SC_CLOSE); }
+
   private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM packed);
     LRESULT handle(UINT message, WPARAM wide, LPARAM packed);
@@ -135,20 +155,38 @@ class Win32Frame final : public ViewFrame {
     HWND makeControl(const wchar_t* kind, const wchar_t* name, DWORD style, DWORD extended = 0);
     void makeControls();
     void layOut();
+    int breakToolbar(int width);
     int scaled(int pixels) const { return MulDiv(pixels, dpi_, 96); }
     /// A message that was fetched: what keys and the wheel mean here. False: it goes its usual way.
     bool take(const MSG& message);
     bool takeKey(const MSG& message);
-    void mouse(UINT message, WPARAM wide, LPARAM packed);
+    void deliver(const MSG& message);
+    void mouseOverCanvas(UINT message, WPARAM wide, LPARAM packed);
     void tellSize();
+    void showStatus(const std::wstring& text);
+    void showToolbar(const std::vector<Menu>& menus);
 
     /// Calls the events, where they may be called.
     template <class Call>
     void tell(Call call) {
         if (!waiting_) return;
         handedOver_ = true;
-        call(*events_);
+        try {
+            call(*events_);
+        } catch (...) {
+            if (!failure_) failure_ = std::current_exception();
+        }
     }
+    void rethrow() {
+        if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
+    }
+
+    /// Does what a hand would, and hands it over.
+    template <class Deed>
+    void work(Deed deed);
+    void post(HWND window, UINT message, WPARAM wide = 0, LPARAM packed = 0);
+    void clickAt(HWND window, int x, int y);
+    HWND focus() const;
 
     ViewEvents* events_ = nullptr;
     HWND window_ = nullptr;
@@ -159,7 +197,7 @@ class Win32Frame final : public ViewFrame {
     HACCEL accelerators_ = nullptr;
     std::vector<MenuEntry> entries_;  // by their ids
     std::vector<std::wstring> toolbarTexts_;
-    std::size_t toolbarButtons_ = 0;
+    std::wstring statusText_;
     int dpi_ = 96;
     int toldWidth_ = -1, toldHeight_ = -1;
     bool waiting_ = false;     // inside waitForEvents
@@ -167,6 +205,11 @@ class Win32Frame final : public ViewFrame {
     bool settingText_ = false;
     bool mouseInside_ = false;
     bool tipShown_ = false;
+    std::exception_ptr failure_;
+
+    bool byHand_ = false;                // a hand works it, and the real mouse says nothing
+    std::optional<CanvasPoint> handAt_;  // where it is on the canvas; messages have whole pixels
+    WPARAM held_ = 0;                    // MK_LBUTTON and the like, by that hand
 };
 
 // ---- making it
@@ -215,7 +258,8 @@ HWND Win32Frame::makeControl(const wchar_t* kind, const wchar_t* name, DWORD sty
 
 // In the order of the Tab key. The names are what screen readers say.
 void Win32Frame::makeControls() {
-    canvas_.create(window_, [this](UINT message, WPARAM wide, LPARAM packed) { mouse(message, wide, packed); });
+    canvas_.create(window_,
+                   [this](UINT message, WPARAM wide, LPARAM packed) { mouseOverCanvas(message, wide, packed); });
     toolbar_ = makeControl(
         TOOLBARCLASSNAMEW, L"Tools",
         WS_TABSTOP | TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_NORESIZE | CCS_NOPARENTALIGN | CCS_NODIVIDER);
@@ -249,6 +293,40 @@ void Win32Frame::open(ViewEvents& events) {
     SetForegroundWindow(window_);
     SetFocus(line_);
     UpdateWindow(window_);
+    // The view shows a drawing in the size that there is.
+    waiting_ = true;
+    tellSize();
+    waiting_ = false;
+    rethrow();
+}
+
+// Into rows of that width at most. Their height in all.
+int Win32Frame::breakToolbar(int width) {
+    const auto rectangleOf = [this](int index) {
+        RECT place = {};
+        SendMessageW(toolbar_, TB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place));
+        return place;
+    };
+    const auto setBreak = [this](int index, bool on) {
+        TBBUTTONINFOW info = {};
+        info.cbSize = sizeof info;
+        info.dwMask = TBIF_BYINDEX | TBIF_STATE;
+        SendMessageW(toolbar_, TB_GETBUTTONINFOW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&info));
+        const auto state = static_cast<BYTE>(on ? info.fsState | TBSTATE_WRAP : info.fsState & ~TBSTATE_WRAP);
+        if (state == info.fsState) return;
+        info.fsState = state;
+        SendMessageW(toolbar_, TB_SETBUTTONINFOW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&info));
+    };
+    const int count = static_cast<int>(SendMessageW(toolbar_, TB_BUTTONCOUNT, 0, 0));
+    for (int i = 0, right = 0; i < count; ++i) {
+        const RECT place = rectangleOf(i);
+        const int own = static_cast<int>(place.right - place.left);
+        const bool isBehind = i > 0 && right + own > width;
+        if (i > 0) setBreak(i - 1, isBehind);
+        right = isBehind ? own : right + own;
+    }
+    SendMessageW(toolbar_, TB_AUTOSIZE, 0, 0);
+    return count > 0 ? static_cast<int>(rectangleOf(count - 1).bottom) : 0;
 }
 
 // From both ends towards the canvas, which has what is left.
@@ -277,12 +355,9 @@ void Win32Frame::layOut() {
     const int row = text.tmHeight + scaled(8);
 
     int top = 0, bottom = area.bottom - (statusArea.bottom - statusArea.top);
-    if (toolbarButtons_ > 0) {
-        SIZE size = {};
-        SendMessageW(toolbar_, TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&size));
-        const int height = std::max<int>(size.cy, row) + gap;
-        MoveWindow(toolbar_, gap, 0, width - gap, height, TRUE);
-        top = height + gap;
+    if (const int height = breakToolbar(width - gap); height > 0) {
+        MoveWindow(toolbar_, gap, 0, width - gap, std::max(height, row) + gap, TRUE);
+        top = std::max(height, row) + 2 * gap;
     }
     const auto placeBelow = [&](HWND control, int height) {
         bottom -= height;
@@ -319,10 +394,8 @@ void Win32Frame::waitForEvents(std::optional<std::int64_t> until) {
         if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
             if (message.message == WM_QUIT)
                 tell([](ViewEvents& events) { events.closeAsked(); });
-            else if (!take(message)) {
-                TranslateMessage(&message);
-                DispatchMessageW(&message);
-            }
+            else
+                deliver(message);
             continue;
         }
         const std::int64_t left = until ? *until - now() : 0;
@@ -332,6 +405,13 @@ void Win32Frame::waitForEvents(std::optional<std::int64_t> until) {
                                     QS_ALLINPUT, MWMO_INPUTAVAILABLE);
     }
     waiting_ = false;
+    rethrow();
+}
+
+void Win32Frame::deliver(const MSG& message) {
+    if (take(message)) return;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
 }
 
 bool Win32Frame::breathe() {
@@ -349,9 +429,14 @@ bool Win32Frame::take(const MSG& message) {
         if (WindowFromPoint(at) != canvas_.window()) return false;
         ScreenToClient(canvas_.window(), &at);
         const double notches = GET_WHEEL_DELTA_WPARAM(message.wParam) / static_cast<double>(WHEEL_DELTA);
-        tell([&](ViewEvents& events) {
-            events.wheelTurned(notches, {static_cast<double>(at.x), static_cast<double>(at.y)});
-        });
+        const CanvasPoint place = handAt_.value_or(CanvasPoint{static_cast<double>(at.x), static_cast<double>(at.y)});
+        tell([&](ViewEvents& events) { events.wheelTurned(notches, place); });
+        return true;
+    }
+    // What is typed where nobody can type.
+    if (message.message == WM_CHAR && message.wParam > L' ' && message.hwnd != line_) {
+        SetFocus(line_);
+        SendMessageW(line_, WM_CHAR, message.wParam, message.lParam);
         return true;
     }
     if (message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN) return takeKey(message);
@@ -383,8 +468,12 @@ bool Win32Frame::takeKey(const MSG& message) {
     return false;
 }
 
-void Win32Frame::mouse(UINT message, WPARAM wide, LPARAM packed) {
-    const CanvasPoint at = {static_cast<double>(GET_X_LPARAM(packed)), static_cast<double>(GET_Y_LPARAM(packed))};
+void Win32Frame::mouseOverCanvas(UINT message, WPARAM wide, LPARAM packed) {
+    CanvasPoint at = {static_cast<double>(GET_X_LPARAM(packed)), static_cast<double>(GET_Y_LPARAM(packed))};
+    if (byHand_ && message != WM_MOUSELEAVE) {
+        if (!handAt_ || packed != packedPlace(*handAt_)) return;
+        at = *handAt_;
+    }
     const bool shift = (wide & MK_SHIFT) != 0;
     const auto press = [&](MouseButton button, bool isDouble) {
         SetFocus(line_);
@@ -399,7 +488,7 @@ void Win32Frame::mouse(UINT message, WPARAM wide, LPARAM packed) {
     };
     switch (message) {
         case WM_MOUSEMOVE:
-            if (!mouseInside_) {
+            if (!mouseInside_ && !byHand_) {
                 TRACKMOUSEEVENT track = {sizeof track, TME_LEAVE, canvas_.window(), 0};
                 mouseInside_ = TrackMouseEvent(&track);
             }
@@ -431,6 +520,8 @@ LRESULT Win32Frame::notified(const NMHDR& note) {
     if (note.hwndFrom == tabs_ && note.code == TCN_SELCHANGE) {
         const auto index = static_cast<std::size_t>(TabCtrl_GetCurSel(tabs_));
         tell([&](ViewEvents& events) { events.tabChosen(index); });
+    } else if (note.hwndFrom == tabs_ && note.code == NM_CLICK) {
+        SetFocus(line_);
     } else if (note.hwndFrom == prompt_ && (note.code == NM_CLICK || note.code == NM_RETURN)) {
         const auto& link = reinterpret_cast<const NMLINK&>(note);
         SetFocus(line_);
@@ -448,9 +539,12 @@ LRESULT Win32Frame::handle(UINT message, WPARAM wide, LPARAM packed) {
         case WM_SIZE:
             layOut();
             return 0;
-        case WM_GETMINMAXINFO:
-            reinterpret_cast<MINMAXINFO*>(packed)->ptMinTrackSize = {scaled(400), scaled(400)};
+        case WM_GETMINMAXINFO: {
+            MINMAXINFO& limits = *reinterpret_cast<MINMAXINFO*>(packed);
+            limits.ptMinTrackSize = {scaled(300), scaled(360)};
+            if (byHand_) limits.ptMaxTrackSize = {kLargestByHand, kLargestByHand};  // larger than the screen, too
             return 0;
+        }
         case WM_SETFOCUS:
             SetFocus(line_);
             return 0;
@@ -467,7 +561,9 @@ LRESULT Win32Frame::handle(UINT message, WPARAM wide, LPARAM packed) {
         case WM_MENUSELECT:
             if (const std::size_t index = LOWORD(wide) - kFirstCommand;
                 index < entries_.size() && (HIWORD(wide) & MF_POPUP) == 0)
-                setStatus(entries_[index].hint);
+                showStatus(entries_[index].hint);
+            else
+                showStatus(statusText_);
             return 0;
         case WM_NOTIFY:
             return notified(*reinterpret_cast<const NMHDR*>(packed));
@@ -540,7 +636,7 @@ void Win32Frame::setTip(const std::wstring& text, CanvasPoint at) {
     SendMessageW(tip_, TTM_TRACKACTIVATE, tipShown_, reinterpret_cast<LPARAM>(&tool));
 }
 
-void Win32Frame::setStatus(const std::wstring& text) {
+void Win32Frame::showStatus(const std::wstring& text) {
     SendMessageW(status_, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
@@ -553,14 +649,8 @@ void Win32Frame::setProgress(double part) {
 void Win32Frame::setMenus(const std::vector<Menu>& menus) {
     const dialogs::Themed themed;
     entries_.clear();
-    toolbarTexts_.clear();
     HMENU const bar = CreateMenu();
     std::vector<ACCEL> accelerators;
-    struct Button {
-        int id;
-        bool enabled;
-    };
-    std::vector<Button> buttons;
     for (const Menu& menu : menus) {
         HMENU const popup = CreatePopupMenu();
         for (const MenuEntry& entry : menu.entries) {
@@ -575,9 +665,6 @@ void Win32Frame::setMenus(const std::vector<Menu>& menus) {
                 accelerator && entry.enabled)
                 accelerators.push_back(*accelerator);
             entries_.push_back(entry);
-            if (!entry.inToolbar) continue;
-            toolbarTexts_.push_back(withoutMnemonic(entry.text));
-            buttons.push_back({static_cast<int>(id), entry.enabled});
         }
         AppendMenuW(bar, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(popup), menu.title.c_str());
     }
@@ -589,19 +676,36 @@ void Win32Frame::setMenus(const std::vector<Menu>& menus) {
                         ? nullptr
                         : CreateAcceleratorTableW(accelerators.data(), static_cast<int>(accelerators.size()));
 
-    for (; toolbarButtons_ > 0; --toolbarButtons_) SendMessageW(toolbar_, TB_DELETEBUTTON, 0, 0);
-    for (std::size_t i = 0; i < buttons.size(); ++i) {
-        TBBUTTON button = {};
-        button.iBitmap = I_IMAGENONE;
-        button.idCommand = buttons[i].id;
-        button.fsState = buttons[i].enabled ? TBSTATE_ENABLED : 0;
-        button.fsStyle = BTNS_AUTOSIZE | BTNS_SHOWTEXT;
-        button.iString = reinterpret_cast<INT_PTR>(toolbarTexts_[i].c_str());
-        SendMessageW(toolbar_, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
-        ++toolbarButtons_;
-    }
-    SendMessageW(toolbar_, TB_AUTOSIZE, 0, 0);
+    showToolbar(menus);
     layOut();
+}
+
+// The entries of a menu stand together.
+void Win32Frame::showToolbar(const std::vector<Menu>& menus) {
+    while (SendMessageW(toolbar_, TB_DELETEBUTTON, 0, 0)) continue;
+    toolbarTexts_.clear();
+    const auto add = [this](int id, BYTE state, BYTE style, int width) {
+        TBBUTTON button = {};
+        button.iBitmap = style == BTNS_SEP ? width : I_IMAGENONE;
+        button.idCommand = id;
+        button.fsState = state;
+        button.fsStyle = style;
+        if (style != BTNS_SEP) button.iString = reinterpret_cast<INT_PTR>(toolbarTexts_.back().c_str());
+        SendMessageW(toolbar_, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
+    };
+    int id = static_cast<int>(kFirstCommand);
+    for (const Menu& menu : menus) {
+        bool isFirst = true;
+        for (const MenuEntry& entry : menu.entries) {
+            if (entry.text.empty()) continue;
+            const int own = id++;
+            if (!entry.inToolbar) continue;
+            if (isFirst && !toolbarTexts_.empty()) add(0, TBSTATE_ENABLED, BTNS_SEP, scaled(8));
+            isFirst = false;
+            toolbarTexts_.push_back(plainText(entry.text));
+            add(own, entry.enabled ? TBSTATE_ENABLED : 0, BTNS_AUTOSIZE | BTNS_SHOWTEXT, 0);
+        }
+    }
 }
 
 void Win32Frame::setTabs(const std::vector<std::wstring>& names, std::size_t current) {
@@ -647,6 +751,120 @@ void Win32Frame::addHistory(const std::wstring& text) {
 void Win32Frame::activate() {
     SetForegroundWindow(window_);
     SetFocus(line_);
+}
+
+// ---- as a hand works it
+
+template <class Deed>
+void Win32Frame::work(Deed deed) {
+    const bool wasWaiting = std::exchange(waiting_, true);
+    byHand_ = true;
+    deed();
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) deliver(message);
+    waiting_ = wasWaiting;
+    rethrow();
+}
+
+void Win32Frame::post(HWND window, UINT message, WPARAM wide, LPARAM packed) {
+    work([&] { PostMessageW(window, message, wide, packed); });
+}
+
+// The system gives it back behind dialogs in its own time.
+HWND Win32Frame::focus() const {
+    if (!IsChild(window_, GetFocus())) SetFocus(line_);
+    return GetFocus();
+}
+
+void Win32Frame::resizeCanvas(int width, int height) {
+    RECT canvas, whole;
+    GetClientRect(canvas_.window(), &canvas);
+    if (canvas.right == width && canvas.bottom == height) return;
+    work([&] {
+        // A toolbar that breaks into rows takes from the height that was wanted.
+        for (int i = 0; i < 2; ++i) {
+            GetClientRect(canvas_.window(), &canvas);
+            GetWindowRect(window_, &whole);
+            SetWindowPos(window_, nullptr, 0, 0, whole.right - whole.left + width - canvas.right,
+                         whole.bottom - whole.top + height - canvas.bottom, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+        }
+    });
+}
+
+void Win32Frame::mouse(Mouse what, MouseButton button, CanvasPoint at, bool shift) {
+    constexpr WPARAM kHeld[] = {MK_LBUTTON, MK_MBUTTON, MK_RBUTTON};
+    constexpr UINT kMessages[][3] = {{WM_MOUSEMOVE, WM_MOUSEMOVE, WM_MOUSEMOVE},
+                                     {WM_LBUTTONDOWN, WM_MBUTTONDOWN, WM_RBUTTONDOWN},
+                                     {WM_LBUTTONUP, WM_MBUTTONUP, WM_RBUTTONUP},
+                                     {WM_LBUTTONDBLCLK, WM_MBUTTONDBLCLK, WM_RBUTTONDBLCLK}};
+    const auto which = static_cast<std::size_t>(button);
+    if (what == Mouse::kPress || what == Mouse::kDoubleClick) held_ |= kHeld[which];
+    if (what == Mouse::kRelease) held_ &= ~kHeld[which];
+    handAt_ = at;
+    post(canvas_.window(), kMessages[static_cast<std::size_t>(what)][which], held_ | (shift ? MK_SHIFT : 0),
+         packedPlace(at));
+}
+
+void Win32Frame::turnWheel(double notches, CanvasPoint at) {
+    handAt_ = at;
+    POINT place = {std::lround(at.x), std::lround(at.y)};
+    ClientToScreen(canvas_.window(), &place);
+    post(canvas_.window(), WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(std::lround(notches * WHEEL_DELTA))),
+         MAKELPARAM(place.x, place.y));
+}
+
+void Win32Frame::pressKey(Key key) {
+    const auto* const known =
+        std::ranges::find_if(kKeys, [key](const auto& candidate) { return candidate.key == key; });
+    post(focus(), WM_KEYDOWN, known->code);
+}
+
+void Win32Frame::enterText(const std::wstring& text) {
+    work([&] {
+        SetFocus(line_);
+        SendMessageW(line_, EM_SETSEL, 0, -1);
+        SendMessageW(line_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text.c_str()));
+    });
+}
+
+void Win32Frame::chooseEntry(const std::wstring& path) {
+    const auto found = std::ranges::find(entries_, path, &MenuEntry::path);
+    if (found != entries_.end())
+        post(window_, WM_COMMAND, kFirstCommand + static_cast<WPARAM>(found - entries_.begin()));
+}
+
+void Win32Frame::clickAt(HWND window, int x, int y) {
+    post(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+    post(window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+}
+
+void Win32Frame::clickTab(std::size_t index) {
+    RECT place = {};
+    TabCtrl_GetItemRect(tabs_, static_cast<int>(index), &place);
+    clickAt(tabs_, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+}
+
+// The control does not say where its links are, but which one is at a place.
+void Win32Frame::clickWord(std::size_t index) {
+    RECT area;
+    GetClientRect(prompt_, &area);
+    LHITTESTINFO hit = {};
+    for (hit.pt.y = 2; hit.pt.y < area.bottom; hit.pt.y += 4)
+        for (hit.pt.x = 0; hit.pt.x < area.right; hit.pt.x += 2)
+            if (SendMessageW(prompt_, LM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)) &&
+                hit.item.iLink == static_cast<int>(index))
+                return clickAt(prompt_, hit.pt.x, hit.pt.y);
+}
+
+void Win32Frame::dropFile(const std::wstring& path) {
+    const std::size_t size = sizeof(DROPFILES) + (path.size() + 2) * sizeof(wchar_t);
+    HGLOBAL const memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size);  // WM_DROPFILES frees it
+    auto* const files = static_cast<DROPFILES*>(GlobalLock(memory));
+    files->pFiles = sizeof(DROPFILES);
+    files->fWide = TRUE;
+    std::copy(path.begin(), path.end(), reinterpret_cast<wchar_t*>(files + 1));
+    GlobalUnlock(memory);
+    post(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(memory));
 }
 
 }  // namespace
