@@ -69,7 +69,8 @@ bool CommandLoop::runLine(const Reply& reply) {
     }
     if (const HostCommand* command = findHostCommand(text)) {
         commands::HostRun run{application_, session_};
-        runCommand(command->name, [&] { return command->body(run); }, {.isForUndo = command->isForUndo()});
+        runCommand(command->name, [&] { return command->body(run); },
+                   {.usesPickFirst = command->usesPickFirst(), .isForUndo = command->isForUndo()});
         if (command->changesView()) application_.refresh();
     } else if (const RegisteredCommand* registered = CommandFactory::instance().find(text)) {
         runRegistered(*registered);

@@ -21,6 +21,8 @@ const HostCommand kHostCommands[] = {
     {L"MSPACE", commands::enterViewport, HostCommand::kChangesView},
     {L"PSPACE", commands::leaveViewport, HostCommand::kChangesView},
     {L"WHATIS", commands::whatIs},
+    {L"VALUESOUT", commands::valuesOut, HostCommand::kUsesPickFirst},
+    {L"VALUESIN", commands::valuesIn},
     {L"SAVE", commands::save},
 };
 

@@ -24,6 +24,8 @@ CMD_RUNSTATUS setVariable(HostRun& run);    // set_variable.cpp
 CMD_RUNSTATUS ucs(HostRun& run);            // ucs.cpp
 CMD_RUNSTATUS undo(HostRun& run);           // undo.cpp
 CMD_RUNSTATUS redo(HostRun& run);           // undo.cpp
+CMD_RUNSTATUS valuesIn(HostRun& run);       // values_in.cpp
+CMD_RUNSTATUS valuesOut(HostRun& run);      // values_out.cpp
 CMD_RUNSTATUS zoom(HostRun& run);           // views.cpp
 CMD_RUNSTATUS regen(HostRun& run);          // views.cpp
 CMD_RUNSTATUS whatIs(HostRun& run);         // what_is.cpp
@@ -31,7 +33,7 @@ CMD_RUNSTATUS whatIs(HostRun& run);         // what_is.cpp
 }  // namespace commands
 
 struct HostCommand {
-    enum Flags { kChangesView = 1, kNotForUndo = 2 };
+    enum Flags { kChangesView = 1, kNotForUndo = 2, kUsesPickFirst = 4 };
 
     const wchar_t* name;
     commands::HostCommandBody body;
@@ -41,6 +43,8 @@ struct HostCommand {
     bool changesView() const { return (flags & kChangesView) != 0; }
     /// What it changed stands there to be taken back.
     bool isForUndo() const { return (flags & kNotForUndo) == 0; }
+    /// It takes what was selected before it, and then asks for nothing.
+    bool usesPickFirst() const { return (flags & kUsesPickFirst) != 0; }
 };
 
 /// In any case; null when there is none.

@@ -462,7 +462,7 @@ bool Selection::select(std::wstring_view text, Entities& entities, std::wstring&
     return false;
 }
 
-int Selection::pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities) {
+int Selection::pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities, const wchar_t* keywords) {
     if (std::exchange(offersPickFirst_, false) && !pickFirst_.empty()) {
         entities = pickFirst_;
         input_.terminal().notice(std::to_wstring(entities.size()) + L" found");
@@ -479,9 +479,9 @@ int Selection::pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities) {
             removes = takesAway(text);
             return !reply.quoted && select(text, found, reason);
         };
-        const int result = input_.ask(prompt && *prompt ? prompt : L"Select objects", nullptr, L"a selection", accept,
+        const int result = input_.ask(prompt && *prompt ? prompt : L"Select objects", keywords, L"a selection", accept,
                                       {Expected::kSet});
-        if (result == hostapi::kCancel) return result;
+        if (result == hostapi::kCancel || result >= hostapi::kFirstKeyword) return result;
         if (result == hostapi::kEmpty) break;
         const std::size_t before = set.size();
         if (removes) {

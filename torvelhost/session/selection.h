@@ -21,7 +21,7 @@ class Selection {
     /// The innermost object, or the first candidate that the reactor takes. With `at` nothing is asked.
     int pickNested(const wchar_t* prompt, const hostapi::Pick* at, HostGsSelectionReactor* reactor,
                    hostapi::Pick& pick);
-    int pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities);
+    int pickSet(const wchar_t* prompt, OdDbObjectIdArray& entities, const wchar_t* keywords = nullptr);
 
     /// What a handle picks: an entity, also the one that holds an attribute. Nothing, and a reason, when it names none.
     std::optional<hostapi::Pick> pickByName(const TypedObject& name, std::wstring& reason) const;

@@ -62,12 +62,16 @@ class DRAWINGDB_API OdDbAttributeReader {
     /// As OdDbAttribute::textString.
     OdString textString() const { return text_.wide(); }
     std::string_view narrowTextString() { return text_.narrow(); }
+    bool isConstant() const { return isConstant_; }
+    bool isMultiLine() const { return isMultiLine_; }
 
   private:
     bool readRecord(drawingdb::Core& core, drawingdb::Stub& stub);
 
     drawingdb::ReadText tag_;
     drawingdb::ReadText text_;
+    bool isConstant_ = false;
+    bool isMultiLine_ = false;
 };
 
 /// Its values are those of an OdDbBlockReference.

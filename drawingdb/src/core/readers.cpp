@@ -119,19 +119,26 @@ bool OdDbAttributeReader::read(OdDbObjectId attribute) {
     if (!opened) return false;
     tag_.setWide(core, opened->tag());
     text_.setWide(core, opened->textString());
+    isConstant_ = opened->isConstant();
+    isMultiLine_ = opened->isMultiLine();
     return true;
 }
 
 bool OdDbAttributeReader::readRecord(Core& core, Stub& stub) {
     static constexpr std::array<std::string_view, 3> kSubclasses = {"AcDbEntity", "AcDbText", "AcDbAttribute"};
     constexpr std::size_t kText = 2, kAttribute = 3;
-    std::string_view tag, text;
+    std::string_view tag, text, modes;
     const bool isUsual = walkUsualRecord(core, stub, kSubclasses, kText, [&](std::size_t subclass, const Group& group) {
         if (group.code == 1 && subclass == kText) keepFirst(text, group);
         if (group.code == 2 && subclass == kAttribute) keepFirst(tag, group);
+        if (group.code == 70 && subclass == kAttribute) keepFirst(modes, group);
         return true;
     });
     if (!isUsual) return false;
+    constexpr std::int64_t kConstant = 2;
+    const bool hasModes = modes.find_first_not_of(" 0") != modes.npos;
+    isConstant_ = hasModes && (base::parseInteger(modes).value_or(0) & kConstant) != 0;
+    isMultiLine_ = false;  // such a record has an object embedded
     tag_.setRaw(core, tag);
     text_.setRaw(core, text);
     return true;

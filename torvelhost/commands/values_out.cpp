@@ -1,0 +1,153 @@
+// VALUESOUT: writes the attribute values of references into a table for spreadsheets; value_list.h says what stands in
+// it.
+#include <unordered_set>
+
+#include "base/csv.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "drawingdb/drawing_file.h"
+#include "drawingdb/layer_states.h"
+#include "drawingdb/symbol_table.h"
+#include "torvelhost/commands/host_commands.h"
+#include "torvelhost/commands/value_list.h"
+
+namespace host::commands {
+namespace {
+
+bool isReference(OdDbObjectId id) { return id.isKindOf(OdDbBlockReference::desc()); }
+
+// An attribute stands for its reference.
+OdDbObjectIdArray referencesAmong(const OdDbObjectIdArray& selected) {
+    OdDbObjectIdArray references;
+    std::unordered_set<OdDbObjectId> ofAttributes;
+    for (OdDbObjectId id : selected) {
+        if (id.isKindOf(OdDbAttribute::desc()) && !ofAttributes.insert(id = id.containerId()).second) continue;
+        if (isReference(id)) references.push_back(id);
+    }
+    return references;
+}
+
+// Those with attributes in model space and in the layouts, but for frozen layers.
+OdDbObjectIdArray referencesEverywhere(const OdDbDatabase& database) {
+    OdDbObjectIdArray references;
+    OdDbBlockReferenceReader reference;
+    drawingdb::LayerStates layers;
+    const bool anyFrozen = drawingdb::LayerStates::anyFrozen(database);
+    const auto blocks = database.blockTableId().openIf<OdDbSymbolTable>();
+    if (!blocks) return references;  // an old drawing of bare entities
+    for (const OdDbObjectId blockId : blocks->records()) {
+        const auto space = blockId.openIf<OdDbBlockTableRecord>();
+        if (!space || !space->isLayout()) continue;
+        for (const OdDbObjectId id : space->entities()) {
+            if (!isReference(id)) continue;
+            reference.read(id);
+            const OdDbObjectIdRange attributes = reference.attributes();
+            if (attributes.begin() == attributes.end()) continue;
+            if (!anyFrozen || !layers.isFrozen(id.openAs<OdDbEntity>()->layerId())) references.push_back(id);
+        }
+    }
+    return references;
+}
+
+// The lines of the table. New columns turn up on the way: a line ends where its reference's own columns do, and gets
+// the empty cells of later ones when it is written.
+class Table {
+  public:
+    explicit Table(const OdDbDatabase& database)
+        : database_(database), drawing_(base::toUtf8(base::fileNameOf(database.fileName()))) {}
+
+    void add(OdDbObjectId id) {
+        reference_.read(id);
+        tags_.beginReference();
+        for (std::string& value : values_) value.clear();
+        reference_.eachAttribute(
+            [this](OdDbObjectId, std::string_view tag, std::string_view value) { values_[columnOf(tag)] = value; });
+
+        // A handle that leads to another object is none to go by.
+        const bool isFound = !id.handle().isNull() && database_.getObjectId(id.handle()) == id;
+        if (isFound) (lines_ += '#') += id.handle().ascii();
+        withoutHandle_ += isFound ? 0 : 1;
+        addCell(reference_.blockName());
+        addCell(drawing_);
+        for (const std::string& value : values_) addCell(value);
+        ends_.push_back({lines_.size(), values_.size()});
+    }
+
+    void write(base::AtomicFile& file) const {
+        file.write(heads_);
+        file.write("\r\n");
+        std::size_t begin = 0;
+        const std::string commas(values_.size(), ',');
+        for (const auto& [end, columns] : ends_) {
+            file.write(std::string_view(lines_).substr(begin, end - begin));
+            file.write(std::string_view(commas).substr(columns));
+            file.write("\r\n");
+            begin = end;
+        }
+    }
+
+    std::size_t withoutHandle() const { return withoutHandle_; }
+
+  private:
+    struct LineEnd {
+        std::size_t position, columns;
+    };
+
+    std::size_t columnOf(std::string_view tag) {
+        const TagColumns::Place place = tags_.next(tag);
+        if (place.column == TagColumns::kNone) {
+            place.column = values_.size();
+            values_.emplace_back();
+            heads_ += ',';
+            base::appendCsvCell(heads_, TagColumns::write({place.tag, place.occurrence}));
+        }
+        return place.column;
+    }
+
+    void addCell(std::string_view text) {
+        lines_ += ',';
+        base::appendCsvCell(lines_, text);
+    }
+
+    const OdDbDatabase& database_;
+    const std::string drawing_;
+    TagColumns tags_;
+    ListedReference reference_;
+    std::string heads_ = std::string(kHandleHead) + "," + std::string(kBlockHead) + "," + std::string(kDrawingHead);
+    std::vector<std::string> values_;  // of the reference that is looked at, a column each
+    std::string lines_;
+    std::vector<LineEnd> ends_;
+    std::size_t withoutHandle_ = 0;
+};
+
+}  // namespace
+
+CMD_RUNSTATUS valuesOut(HostRun& run) {
+    OdString name;
+    const int named = run.input.askText(L"Enter file name for the list", nullptr, name);
+    if (named == kCancel || name.empty()) return kCommandCancelled;
+    OdDbObjectIdArray objects;
+    const int selected = run.session.selection.pickSet(L"Select objects or [%s]", objects, L"Everywhere");
+    if (selected == kCancel) return kCommandCancelled;
+    if (selected == kValue && objects.empty()) return run.refused(L"VALUESOUT: nothing was selected");
+    if (base::isSameFile(name, run.database->fileName()) || drawingdb::isDrawingFile(name))
+        return run.refused(name + L" is a drawing and is not overwritten");
+
+    const OdDbObjectIdArray references =
+        selected == kFirstKeyword ? referencesEverywhere(*run.database) : referencesAmong(objects);
+    Table table(*run.database);
+    Steps steps(references.size());
+    for (std::size_t i = 0; i < references.size(); steps.stepTo(++i)) table.add(references[i]);
+    base::AtomicFile file(name);
+    table.write(file);
+    file.commit();
+    run.input.printMessage(L"%s: %s", name.c_str(), counted(references.size(), L"reference").c_str());
+    if (const std::size_t count = table.withoutHandle(); count != 0)
+        run.terminal().warning(counted(count, L"reference") +
+                               L" cannot be found by a handle, so that VALUESIN cannot take the values back");
+    return kCommandFinished;
+}
+
+}  // namespace host::commands
