@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # wine.sh PREFIX PROGRAM [ARGUMENT...]
 #
-# Runs a Windows program under Wine without a screen, in a Wine folder of the build's own that is made at first use.
+# Runs a Windows program under Wine without a screen, in a Wine folder of the build's own that is made at first use. With
+# ON_SCREEN set it is shown on DISPLAY, which should be another folder's matter than runs without one.
 set -eu
 prefix=$(realpath -m "$1")
 shift
@@ -9,7 +10,8 @@ shift
 export WINEPREFIX=$prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
 # Without winedbg a crash ends the program (status 5) instead of waiting for a debugger's window.
 export WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
-unset DISPLAY WAYLAND_DISPLAY
+[ -n "${ON_SCREEN:-}" ] || unset DISPLAY
+unset WAYLAND_DISPLAY
 
 # The 64-bit loader itself: the wrapper named `wine` complains about missing 32-bit parts.
 wine=

@@ -363,7 +363,8 @@ void CanvasView::refreshMarks() {
     overlay.window = window;
     picture_.setOverlay(overlay);
     const bool tells = cursor_ && expected.kind != Expected::kCommand;
-    frame_.setTip(tells ? question_->prompt : std::wstring(), cursor_.value_or(CanvasPoint()));
+    frame_.setTip(tells ? std::wstring(base::trimmed(question_->prompt)) : std::wstring(),
+                  cursor_.value_or(CanvasPoint()));
 }
 
 void CanvasView::refreshSurroundings() {
