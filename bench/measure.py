@@ -9,9 +9,11 @@ Processor time stands beside it for machines that are busy with other things.
 
 import argparse
 import collections
+import csv
 import os
 import pathlib
 import shutil
+import subprocess
 import sys
 import tempfile
 import time
@@ -151,6 +153,18 @@ def extract_arguments(form, template, output):
     return "--profile", output.with_suffix(".ini"), "-c", "|".join(lines)
 
 
+def changed_values(programs, drawing, folder):
+    """A list of the drawing's values, each of them another one."""
+    listed, changed = folder / "listed.csv", folder / "changed.csv"
+    subprocess.run([*host(programs, drawing, "-c", f"VALUESOUT|{listed}|Everywhere")], check=True, stdout=subprocess.DEVNULL)
+    with listed.open(encoding="utf-8", newline="") as source, changed.open("w", encoding="utf-8", newline="") as target:
+        rows = csv.reader(source)
+        writer = csv.writer(target)
+        writer.writerow(next(rows))
+        writer.writerows(row[:3] + [value and value + "'" for value in row[3:]] for row in rows)
+    return changed
+
+
 def make_drawing(programs, references, path):
     Job("make_drawing", programs / "make_drawing", references, path).run()
     return path.stat().st_size
@@ -176,6 +190,11 @@ def compare_peers(programs, references, rounds, folder):
                           *host(programs, drawing, *extract_arguments(CDF, template, our_extract)))
     jobs["dxx"] = Job("torvelhost: load, AttExt to DXX",
                       *host(programs, drawing, *extract_arguments(DXX, template, folder / "ours.dxx")))
+    jobs["listed"] = Job("torvelhost: load, VALUESOUT",
+                         *host(programs, drawing, "-c", f"VALUESOUT|{folder / 'values.csv'}|Everywhere"))
+    changed = changed_values(programs, drawing, folder)
+    jobs["taken"] = Job("torvelhost: load, VALUESIN of all values, save",
+                        *host(programs, drawing, "-c", f"VALUESIN|{changed}", "-o", folder / "taken.dxf"))
     reader = programs / "dxflib_read"
     if reader.exists():
         jobs["dxflib"] = Job("dxflib: read, keep nothing", reader, drawing)
@@ -207,6 +226,7 @@ def compare_peers(programs, references, rounds, folder):
         ["load: times faster than dxflib reads", *ratios("dxflib", "load"), "at least 15"],
         ["load, AttSync, save: times faster than ezdxf", *ratios("ezdxf", "sync"), "at least 80"],
         ["load, BAttMan's Apply: times AttSync and REGEN", *ratios("applied", "regenerated", 2), "at most 1.1"],
+        ["load, VALUESIN of all values, save: times AttSync", *ratios("taken", "sync", 2), "about 1"],
         ["load, Burst, save: times faster than ezdxf", *ratios("ezdxf_burst", "burst"), "at least 80"],
         ["load, AttExt: times the floor", *ratios("extract", "floor"), "at most 4"],
         ["load, AttExt: times faster than ezdxf", *ratios("ezdxf_extract", "extract"), "at least 150"],

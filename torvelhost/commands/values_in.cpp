@@ -22,7 +22,7 @@ namespace {
 // What stands in a cell for an empty value: an empty cell leaves the value alone.
 constexpr std::string_view kEmptyCell = "\\e";
 
-// A spreadsheet's cell holds no more characters; what is longer lacks a quote somewhere.
+// No cell of a spreadsheet holds more; what is longer lacks a quote somewhere.
 constexpr std::size_t kLongestValue = 32767;
 
 std::string withLineFeeds(std::string_view text) {
@@ -59,6 +59,7 @@ class DrawingName {
         : path_(fileName.empty() ? std::wstring() : withSlashes(base::absolutePath(fileName))) {}
 
     bool fits(std::string_view cell) {
+        if (cell.empty()) return true;
         if (cell != cell_) {
             cell_ = cell;
             fits_ = endsWith(withSlashes(base::fromUtf8(cell)));
@@ -80,7 +81,7 @@ class DrawingName {
 
     const std::wstring path_;
     std::string cell_;  // that was looked at last
-    bool fits_ = true;  // an empty one fits
+    bool fits_ = false;
 };
 
 // A text of the table, in a message.
@@ -116,15 +117,12 @@ class Comparison {
     std::size_t changedReferences() const { return changedReferences_; }
     std::size_t lines() const { return lines_; }
     std::size_t linesOfOthers() const { return linesOfOthers_; }
-    // How many faults were not told, since there are so many.
-    std::wstring untold() const {
-        return faults_ > kMostTold ? std::to_wstring(faults_ - kMostTold) + L" more faults; " : std::wstring();
-    }
 
   private:
-    static constexpr std::size_t kMostTold = 20;
+    // A table for another drawing has faults without end.
+    static constexpr std::size_t kMostTold = 100;
 
-    bool readHeads(base::CsvReader& table);
+    void readHeads(const base::CsvReader& table);
     void compareLine(const base::CsvReader& table);
     OdDbObjectId findReference(std::string_view handle);
     void compareValues(OdDbObjectId id);
@@ -162,45 +160,53 @@ class Comparison {
 };
 
 void Comparison::fault(std::uint64_t line, const std::wstring& what) {
-    if (++faults_ <= kMostTold) run_.terminal().error(file_ + L":" + std::to_wstring(line) + L": " + what);
+    ++faults_;
+    run_.terminal().error(file_ + L":" + std::to_wstring(line) + L": " + what);
 }
 
 bool Comparison::compare() {
     try {
-        base::CsvReader table(text_, base::csvSeparator(text_, kHandleHead).value_or(','));
+        const std::optional<char> separator = base::csvSeparator(text_, kHandleHead);
+        base::CsvReader table(text_, separator.value_or(','));
+        const bool hasHeads = table.next();
+        if (!separator) {
+            fault(1, hasHeads ? L"the first line names no column #HANDLE; it has the heads that VALUESOUT writes"
+                              : L"the file is empty");
+            return false;
+        }
+        readHeads(table);
+        if (faults_ != 0) return false;
         Steps steps(text_.size());
-        if (readHeads(table))
-            for (; table.next(); steps.stepTo(table.position())) compareLine(table);
+        for (; faults_ < kMostTold && table.next(); steps.stepTo(table.position())) compareLine(table);
+        if (faults_ >= kMostTold) fault(table.line(), L"what comes behind was not looked at");
     } catch (const base::CsvError& error) {
         fault(error.line(), base::fromUtf8(error.what()));
     }
     return faults_ == 0;
 }
 
-bool Comparison::readHeads(base::CsvReader& table) {
-    if (!table.next()) {
-        fault(1, L"the file is empty");
-        return false;
-    }
+void Comparison::readHeads(const base::CsvReader& table) {
     line_ = table.line();
     for (std::size_t column = 0; column < table.cells().size(); ++column) {
         const std::string_view head = table.cells()[column];
         heads_.push_back(inQuotes(head));
-        if (head.empty()) continue;
-        std::size_t& place = base::equalsNoCase(head, kHandleHead)    ? handleColumn_
-                             : base::equalsNoCase(head, kBlockHead)   ? blockColumn_
-                             : base::equalsNoCase(head, kDrawingHead) ? drawingColumn_
-                                                                      : tags_.at(TagColumns::read(head));
-        if (place != TagColumns::kNone) fault(L"two columns are called " + heads_.back());
-        place = column;
-    }
-    for (std::size_t column = 0; column < heads_.size(); ++column)
-        if (column != handleColumn_ && column != blockColumn_ && column != drawingColumn_)
+        std::size_t* place = nullptr;
+        if (base::equalsNoCase(head, kHandleHead)) {
+            place = &handleColumn_;
+        } else if (base::equalsNoCase(head, kBlockHead)) {
+            place = &blockColumn_;
+        } else if (base::equalsNoCase(head, kDrawingHead)) {
+            place = &drawingColumn_;
+        } else {
             tagColumns_.push_back(column);
+            // A spreadsheet may have columns that nobody has filled.
+            if (!head.empty()) place = &tags_.at(TagColumns::read(head));
+        }
+        if (!place) continue;
+        if (*place != TagColumns::kNone) fault(L"two columns are called " + heads_.back());
+        *place = column;
+    }
     metIn_.resize(heads_.size());
-    if (handleColumn_ == TagColumns::kNone)
-        fault(L"the first line names no column #HANDLE; it has the heads that VALUESOUT writes");
-    return faults_ == 0;
 }
 
 void Comparison::compareLine(const base::CsvReader& table) {
@@ -271,14 +277,13 @@ void Comparison::compareValue(OdDbObjectId attribute, std::string_view tag, std:
     if (wanted.empty() || isSameValue(wanted, value)) return;
     if (wanted == kEmptyCell) wanted = {};
     if (wanted == value) return;
-    Change change{attribute, base::fromUtf8(withLineFeeds(wanted)), reference_.isMultiLine()};
     const auto refuse = [&](const wchar_t* why) {
         fault(nameOf(attribute.containerId()) + L", " + heads_[column] + why);
     };
+    if (wanted.size() > kLongestValue) return refuse(L": the value is longer than 32767 bytes; is a quote missing?");
+    Change change{attribute, base::fromUtf8(withLineFeeds(wanted)), reference_.isMultiLine()};
     if (!change.isMultiLine && change.value.find(L'\n') != std::wstring::npos)
         return refuse(L": the attribute is a single line and cannot hold the end of one");
-    if (change.value.size() > kLongestValue)
-        return refuse(L": the value is longer than 32767 characters; is a quote missing?");
     if (isLocked(attribute)) return refuse(L": the attribute or its reference lies on a locked layer");
     changes_.push_back(std::move(change));
 }
@@ -318,7 +323,7 @@ CMD_RUNSTATUS valuesIn(HostRun& run) {
     const base::FileBuffer file = base::readFile(name);
     if (isUtf16(file.view())) return run.refused(name + L": this is UTF-16; save the file as CSV in UTF-8");
     Comparison comparison(run, name, withoutMark(file.view()));
-    if (!comparison.compare()) return run.refused(name + L": " + comparison.untold() + L"nothing was changed");
+    if (!comparison.compare()) return run.refused(name + L": nothing was changed");
     const std::vector<Change>& changes = comparison.changes();
     if (!changes.empty() && run.database->isReadOnly())
         return run.refused(L"the drawing is damaged and was opened for reading alone: it cannot be changed");
