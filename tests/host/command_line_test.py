@@ -131,6 +131,34 @@ class CommandLine(unittest.TestCase):
         for wrong in ["--summary=xml"], ["--summary", "-o", "out.dxf"], ["--summary", "-c", ""]:
             self.assertEqual(self.run_program("plan.dxf", *wrong).status, 2, wrong)
 
+    def test_a_damaged_drawing_is_recovered_into_another_file(self):
+        damaged = PLAN[:-25].replace("70\n2\n", "70\ntwo\n")
+        (self.folder / "cut.dxf").write_text(damaged)
+        strict = self.run_program("cut.dxf", "-c", "", "-o", "other.dxf")
+        self.assertEqual(strict.status, 3)
+        self.assertIn("--recover", strict.errors)
+
+        run = self.run_program("cut.dxf", "--recover", "-c", "", "-o", "other.dxf")
+        self.assertEqual(run.status, 0, run.errors)
+        self.assertRegex(run.errors, r'cut\.dxf:11: BLOCK DOOR: the value of group 70 is no number: "two"')
+        self.assertRegex(run.errors, r"cut\.dxf:\d+: INSERT #30 was left out: the file ends in it")
+        again = self.run_program("other.dxf", "-c", "", "-o", "other.dxf")
+        self.assertEqual((again.status, again.errors), (0, "Command: \n"))
+        listed = json.loads(self.run_program("cut.dxf", "--recover", "--summary=json").output)["damage"]
+        self.assertIn("INSERT #30", "".join(listed))
+
+        refusal = "not saved: .*save the drawing under another name"
+        for arguments in (["-c", "", "-o", "cut.dxf"], ["-c", "", "-o", str(self.folder / "cut.dxf")],
+                          ["-c", "SAVE|cut.dxf"], ["-c", "SAVE|"]):
+            run = self.run_program("cut.dxf", "--recover", *arguments)
+            self.assertEqual(run.status, 3, arguments)
+            self.assertRegex(run.errors, refusal)
+            self.assertEqual((self.folder / "cut.dxf").read_text(), damaged)
+        # A sound drawing may be saved anywhere.
+        run = self.run_program("plan.dxf", "--recover", "-c", "", "-o", "plan.dxf")
+        self.assertEqual((run.status, run.errors), (0, "Command: \n"))
+        self.assertEqual((self.folder / "plan.dxf").read_text(), PLAN)
+
     def test_a_name_that_is_no_utf8_opens(self):
         if not IS_NATIVE:
             self.skipTest("names are text on Windows")

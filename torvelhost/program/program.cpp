@@ -67,14 +67,15 @@ auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const
     }
 }
 
-OdDbDatabasePtr readDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
+OdDbDatabasePtr readDrawing(const std::optional<std::wstring>& drawing, const Options& options, Terminal& terminal) {
     if (!drawing) return OdDbDatabase::createNew();
-    return onFile(terminal, L"Reading", L"read the drawing", *drawing,
-                  [&] { return OdDbDatabase::readFile(*drawing); });
+    return onFile(terminal, L"Reading", L"read the drawing", *drawing, [&] {
+        return options.recover ? OdDbDatabase::recoverFile(*drawing) : OdDbDatabase::readFile(*drawing);
+    });
 }
 
-OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, Terminal& terminal) {
-    OdDbDatabasePtr database = readDrawing(drawing, terminal);
+OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, const Options& options, Terminal& terminal) {
+    OdDbDatabasePtr database = readDrawing(drawing, options, terminal);
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
     return database;
 }
@@ -147,7 +148,8 @@ void checkOptions(const Options& options) {
 
 // Nothing of a session is needed for it, nor the command module.
 ExitStatus summarize(const Options& options, Terminal& terminal) {
-    const OdDbDatabasePtr database = readDrawing(options.drawing, terminal);  // its warnings stand in the summary
+    const OdDbDatabasePtr database =
+        readDrawing(options.drawing, options, terminal);  // its warnings stand in the summary
     printSummary(*database, options.summary == Options::Summary::kJson, terminal);
     return terminal.outputFailed() ? kFileFailed : kAllFinished;
 }
@@ -179,7 +181,7 @@ ExitStatus runAtTerminal(const Options& options, Terminal& terminal) {
     const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);
     Application application(options, terminal);
     loadCommandModule(terminal, replies->isScript());
-    application.open(openDrawing(options.drawing, terminal), *replies);
+    application.open(openDrawing(options.drawing, options, terminal), *replies);
     setVariables(options, application.session()->variables);
     DialogLines dialogLines(*replies, terminal);
     const DialogUse dialogUse(options.windows, dialogLines);
@@ -196,9 +198,9 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
                                                                    [](CanvasView* view) { view->showNothing(); });
     loadCommandModule(terminal, true);
     std::optional<CanvasView::Opened> opened{
-        {openDrawing(options.drawing, terminal), options.drawing.value_or(std::wstring())}};
-    window.view().useOpen([&terminal](const std::wstring& name) {
-        return openDrawing(name.empty() ? std::nullopt : std::optional(name), terminal);
+        {openDrawing(options.drawing, options, terminal), options.drawing.value_or(std::wstring())}};
+    window.view().useOpen([&options, &terminal](const std::wstring& name) {
+        return openDrawing(name.empty() ? std::nullopt : std::optional(name), options, terminal);
     });
     ExitStatus status = kAllFinished;
     window.open();

@@ -9,7 +9,11 @@
 #include "drawingdb/viewport.h"
 
 namespace host {
-Document::Document(OdDbDatabasePtr database) : database_(std::move(database)) {}
+Document::Document(OdDbDatabasePtr database) : database_(std::move(database)) {
+    if (!database_->isRecovered()) return;
+    protectFile(L"it would lose what could not be recovered of it; save the drawing under another name");
+    markUnsaved();
+}
 
 OdDbObjectId Document::floatingViewportId() const {
     if (database_->currentSpaceId() == database_->modelSpaceId()) return {};
@@ -110,7 +114,9 @@ EntityGrids& Document::grids() {
 
 void Document::save(const std::wstring& path) {
     if (database_->isReadOnly())
-        throw base::FileError(path, L"not saved: the drawing is damaged and was opened for reading alone");
+        throw base::FileError(path,
+                              L"not saved: the drawing is damaged and was opened for reading alone; what "
+                              L"torvelhost --recover reads of it can be saved under another name");
     if (isFileProtected() && base::isSameFile(path, database_->fileName()))
         throw base::FileError(path, L"not saved: " + protection_);
     database_->writeFile(path);

@@ -18,11 +18,12 @@ struct OptionName {
     Value value;
 };
 constexpr OptionName kOptions[] = {
-    {'s', "script", Value::kWanted}, {'c', "command", Value::kWanted},   {'o', "output", Value::kWanted},
-    {'p', "plot", Value::kWanted},   {0, "size", Value::kWanted},        {0, "set", Value::kWanted},
-    {0, "profile", Value::kWanted},  {0, "windows", Value::kNone},       {0, "view", Value::kNone},
-    {0, "events", Value::kWanted},   {0, "record", Value::kWanted},      {0, "summary", Value::kMayFollowSign},
-    {'q', "quiet", Value::kNone},    {0, "help", Value::kMayFollowSign}, {0, "version", Value::kNone},
+    {'s', "script", Value::kWanted}, {'c', "command", Value::kWanted}, {'o', "output", Value::kWanted},
+    {'p', "plot", Value::kWanted},   {0, "size", Value::kWanted},      {0, "set", Value::kWanted},
+    {0, "profile", Value::kWanted},  {0, "windows", Value::kNone},     {0, "view", Value::kNone},
+    {0, "events", Value::kWanted},   {0, "record", Value::kWanted},    {0, "summary", Value::kMayFollowSign},
+    {0, "recover", Value::kNone},    {'q', "quiet", Value::kNone},     {0, "help", Value::kMayFollowSign},
+    {0, "version", Value::kNone},
 };
 
 void apply(Options& options, std::string_view name, const std::wstring& value) {
@@ -62,6 +63,8 @@ void apply(Options& options, std::string_view name, const std::wstring& value) {
         if (!value.empty() && value != L"text" && value != L"json")
             throw UsageError("--summary: \"" + base::toUtf8(value) + "\" is neither text nor json");
         options.summary = value == L"json" ? Options::Summary::kJson : Options::Summary::kText;
+    } else if (name == "recover") {
+        options.recover = true;
     } else if (name == "quiet") {
         options.quiet = true;
     } else if (name == "help") {
@@ -97,6 +100,7 @@ const char kUsage[] =
     "      --events FILE       work that window by a script of events, without a screen unless there is --view\n"
     "      --record FILE       write what is done in the window as a script\n"
     "      --summary[=json]    print what is in the drawing, and do nothing else\n"
+    "      --recover           read what can be read of a damaged drawing; saving it needs another name\n"
     "  -q, --quiet             no progress, warnings, notices, prompts and echoes\n"
     "      --help[=COMMAND]    print this, or what a command asks and does\n"
     "      --version           print the version\n"

@@ -30,6 +30,7 @@ struct Options {
     std::optional<std::wstring> record;  // what is done in it, as a script
     enum class Summary { kNone, kText, kJson };
     Summary summary = Summary::kNone;
+    bool recover = false;  // drawings that are damaged
     bool quiet = false;
     bool help = false;
     std::wstring helpTopic;  // empty: the options

@@ -91,6 +91,12 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     static OdSmartPtr<OdDbDatabase> readFile(const std::wstring& path);
     /// As readFile, from memory. `name` stands in messages.
     static OdSmartPtr<OdDbDatabase> readBytes(const std::string& bytes, const std::wstring& name);
+    /// Reads what can be read of a damaged file: what is left out or put right stands in the warnings, with its line. A
+    /// sound file is read as readFile reads it. Throws as that does, OdError(badFile) where not one record is found.
+    static OdSmartPtr<OdDbDatabase> recoverFile(const std::wstring& path);
+    static OdSmartPtr<OdDbDatabase> recoverBytes(const std::string& bytes, const std::wstring& name);
+    /// Whether it was read by these and anything was wrong: then it is not the drawing that the file holds.
+    bool isRecovered() const;
     /// All or nothing: written beside the target, flushed, then renamed over it. Throws OdError(fileError, readOnly,
     /// notHeldByVersion); the target is as it was then.
     void writeFile(const std::wstring& path);

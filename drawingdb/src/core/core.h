@@ -7,6 +7,7 @@
 //   touched.cpp    what changed, out of the log
 //   clone.cpp      deep clone
 //   save.cpp       stubs -> file bytes
+//   recovery.cpp   damaged file bytes -> sound ones, before any of this sees them (recovery.h)
 #pragma once
 
 #include <array>
@@ -47,6 +48,7 @@ class Core {
     std::wstring name;  // of the file, for messages
     FileFormat format;
     bool readOnly = false;
+    bool recovered = false;  // the file is a damaged one that was put right
     std::vector<OdDbWarning> warnings;
     std::string version() const;  // as the header has it: "AC1032"
 

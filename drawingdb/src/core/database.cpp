@@ -11,6 +11,7 @@
 #include "drawingdb/layout.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/object_access.h"
+#include "drawingdb/src/core/recovery.h"
 #include "drawingdb/src/file/new_drawing.h"
 #include "drawingdb/viewport.h"
 
@@ -49,6 +50,27 @@ OdDbDatabasePtr OdDbDatabase::readBytes(const std::string& bytes, const std::wst
     database->core_->readIndex(reading);
     return database;
 }
+
+OdDbDatabasePtr OdDbDatabase::recoverFile(const std::wstring& path) {
+    try {
+        return recoverBytes(std::string(base::readFile(path).view()), path);
+    } catch (const base::FileError& error) {
+        throw OdError(OdResult::fileError, error.what());
+    }
+}
+
+OdDbDatabasePtr OdDbDatabase::recoverBytes(const std::string& bytes, const std::wstring& name) {
+    Recovered recovered = recover(bytes, name);
+    OdDbDatabasePtr database(new OdDbDatabase);
+    database->core_->name = name;
+    database->core_->recovered = !recovered.damages.empty();
+    database->core_->warnings = std::move(recovered.damages);
+    base::FileReading reading{base::FileBuffer(recovered.bytes)};
+    database->core_->readIndex(reading);
+    return database;
+}
+
+bool OdDbDatabase::isRecovered() const { return core_->recovered; }
 
 void OdDbDatabase::writeFile(const std::wstring& path) {
     if (isReadOnly() && isModified()) core_->requireWritable();

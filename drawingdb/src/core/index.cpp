@@ -14,20 +14,11 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "drawingdb/src/core/core.h"
+#include "drawingdb/src/file/spelling.h"
 
 namespace drawingdb {
 
 namespace {
-
-// "… Binary DXF", CR, LF, 1A, 0: 22 bytes at the front of a binary file, behind a name of seven.
-constexpr std::string_view kBinarySign{" Binary DXF\r\n\x1A\0", 15};
-constexpr std::size_t kBinaryHead = 22;
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r')) text.remove_suffix(1);
-    return text;
-}
 
 // Groups that the index needs to know: kinds, names, handles and what refers to them.
 constexpr bool tellsTheIndex(int code) {
@@ -56,8 +47,7 @@ class Indexer {
     void run() {
         core_.stubs.add();  // stub 0: the head; also "no stub"
         refuseDwg();
-        if (core_.file_.size() >= kBinaryHead &&
-            core_.file_.substr(kBinaryHead - kBinarySign.size(), kBinarySign.size()) == kBinarySign)
+        if (isBinary(core_.file_))
             binary();
         else
             ascii();
@@ -105,7 +95,7 @@ class Indexer {
             if (valueEnd == end_ && !reading_.isComplete()) return true;
             int code = usualCode(record, codeEnd);
             if (code < 0) {
-                const auto read = readCode(record, codeEnd);
+                const auto read = readCode({record, static_cast<std::size_t>(codeEnd - record)});
                 if (!read) {
                     readAll();
                     // Blank lines at the end are none.
@@ -139,15 +129,7 @@ class Indexer {
     void binary() {
         core_.format.binary = true;
         readAll();
-        // Which width the codes have shows in the first record, which comments may precede.
-        for (const bool wide : {true, false}) {
-            core_.format.wideCodes = wide;
-            GroupCursor probe(core_.file_.substr(kBinaryHead), core_.format);
-            Group first;
-            while (probe.next(first) && first.code == 999) {
-            }
-            if (first.code == 0 && first.value == "SECTION") break;
-        }
+        core_.format.wideCodes = hasWideCodes(core_.file_);
         GroupCursor cursor(core_.file_.substr(kBinaryHead), core_.format);
         Group g;
         while (cursor.next(g)) {
@@ -158,19 +140,6 @@ class Indexer {
         }
         if (cursor.place() < end_) cutShort(cursor.place());
         stopAt_ = cursor.place();
-    }
-
-    // A code that is not written as most are; blanks may stand around it. Nothing when the line is no number.
-    static std::optional<int> readCode(const char* line, const char* lineEnd) {
-        constexpr std::size_t kMostDigits = 6;
-        std::string_view text = trimmed({line, static_cast<std::size_t>(lineEnd - line)});
-        const bool negative = text.starts_with('-');
-        if (negative) text.remove_prefix(1);
-        if (text.empty() || text.size() > kMostDigits || text.find_first_not_of("0123456789") != std::string_view::npos)
-            return std::nullopt;
-        int code = 0;
-        for (const char digit : text) code = code * 10 + (digit - '0');
-        return negative ? -code : code;
     }
 
     // One group; false behind the end-of-file record.
@@ -477,19 +446,12 @@ void Core::readIndex(base::FileReading& reading) {
     buffer_ = reading.take();
     file_ = buffer_.view();
 
-    if (const auto version = headerVariable("$ACADVER")) {
-        int number = 0;
-        for (const char c : version->first)
-            if (base::isDigit(c) && number < 100000) number = number * 10 + (c - '0');
-        // The first versions were "AC1.2" to "AC2.22".
-        const bool isOfTheFirst = version->first.find('.') != std::string_view::npos && number < 1001;
-        if (number >= 1001 && number <= 1099) {
-            format.version = number;
-        } else if (isOfTheFirst) {
-            format.version = 1000;
-            firstVersion_ = version->first;
+    if (const auto named = headerVariable("$ACADVER")) {
+        if (const std::optional<int> number = versionNumber(named->first)) {
+            format.version = *number;
+            if (*number == version::ofTheFirst) firstVersion_ = named->first;
         } else {
-            addWarning(0, where(nullptr) + "unknown version \"" + std::string(version->first.substr(0, 20)) +
+            addWarning(0, where(nullptr) + "unknown version \"" + std::string(named->first.substr(0, 20)) +
                               "\"; read as the newest one");
         }
     } else {

@@ -7,8 +7,8 @@ namespace drawingdb {
 
 /// Versions by the number in "AC1015": when each came.
 namespace version {
-inline constexpr int oldest = 1001, r12 = 1009, r13 = 1012, r14 = 1014, v2000 = 1015, v2004 = 1018, v2007 = 1021,
-                     v2010 = 1024, v2013 = 1027, v2018 = 1032, newest = v2018;
+inline constexpr int ofTheFirst = 1000, oldest = 1001, r12 = 1009, r13 = 1012, r14 = 1014, v2000 = 1015, v2004 = 1018,
+                     v2007 = 1021, v2010 = 1024, v2013 = 1027, v2018 = 1032, newest = v2018;
 }
 
 struct FileFormat {

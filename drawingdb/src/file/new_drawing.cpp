@@ -1,7 +1,7 @@
 // An empty drawing: what every program that reads version 2018 expects to be there, and nothing else.
 #include "drawingdb/src/file/new_drawing.h"
 
-#include "drawingdb/src/file/groups.h"
+#include "drawingdb/src/file/record_writer.h"
 
 namespace drawingdb {
 
@@ -28,14 +28,9 @@ enum Handle : unsigned {
     hSeed = 0x40,
 };
 
-class Writer : public GroupWriter {
+class Writer : public RecordWriter {
   public:
-    using GroupWriter::GroupWriter;
-    void open(const char* name) {
-        text(0, "SECTION");
-        text(2, name);
-    }
-    void close() { text(0, "ENDSEC"); }
+    using RecordWriter::RecordWriter;
     void variable(const char* name, int code, const char* value) {
         text(9, name);
         text(code, value);
@@ -47,48 +42,6 @@ class Writer : public GroupWriter {
     void realVariable(const char* name, double value) {
         text(9, name);
         real(40, value);
-    }
-    void table(const char* name, unsigned handleOf, int count) {
-        text(0, "TABLE");
-        text(2, name);
-        handle(5, handleOf);
-        handle(330, 0);
-        marker("AcDbSymbolTable");
-        integer(70, count);
-    }
-    void tableEnd() { text(0, "ENDTAB"); }
-    void entry(const char* type, unsigned handleOf, unsigned table, const char* zone, const char* name, int flags = 0) {
-        text(0, type);
-        handle(std::string_view(type) == "DIMSTYLE" ? 105 : 5, handleOf);
-        handle(330, table);
-        marker("AcDbSymbolTableRecord");
-        marker(zone);
-        text(2, name);
-        if (std::string_view(type) != "BLOCK_RECORD") integer(70, flags);
-    }
-    void linetype(unsigned handleOf, const char* name, const char* description) {
-        entry("LTYPE", handleOf, hLtypeTable, "AcDbLinetypeTableRecord", name);
-        text(3, description);
-        integer(72, 65);
-        integer(73, 0);
-        real(40, 0);
-    }
-    void block(unsigned begin, unsigned end, unsigned record, const char* name, bool paper) {
-        for (const bool first : {true, false}) {
-            text(0, first ? "BLOCK" : "ENDBLK");
-            handle(5, first ? begin : end);
-            handle(330, record);
-            marker("AcDbEntity");
-            if (paper) integer(67, 1);
-            text(8, "0");
-            marker(first ? "AcDbBlockBegin" : "AcDbBlockEnd");
-            if (!first) continue;
-            text(2, name);
-            integer(70, 0);
-            point(10, 0, 0, 0);
-            text(3, name);
-            text(1, "");
-        }
     }
     void layout(unsigned handleOf, const char* name, int order, unsigned record, int plotFlags) {
         text(0, "LAYOUT");
@@ -132,17 +85,6 @@ class Writer : public GroupWriter {
         point(17, 0, 1, 0);
         integer(76, 0);
         handle(330, record);
-    }
-    void dictionary(unsigned handleOf, unsigned owner) {
-        text(0, "DICTIONARY");
-        handle(5, handleOf);
-        handle(330, owner);
-        marker("AcDbDictionary");
-        integer(281, 1);
-    }
-    void dictionaryEntry(const char* name, unsigned handleOf) {
-        text(3, name);
-        handle(350, handleOf);
     }
 };
 
@@ -197,24 +139,17 @@ std::string newDrawing() {
         w.integer(code, code == 72 ? 100 : code == 73 ? 1 : code == 74 ? 3 : 0);
     w.tableEnd();
     w.table("LTYPE", hLtypeTable, 3);
-    w.linetype(0x14, "ByBlock", "");
-    w.linetype(0x15, "ByLayer", "");
-    w.linetype(0x16, "Continuous", "Solid line");
+    w.linetype(0x14, hLtypeTable, "ByBlock", "");
+    w.linetype(0x15, hLtypeTable, "ByLayer", "");
+    w.linetype(0x16, hLtypeTable, "Continuous", "Solid line");
     w.tableEnd();
     w.table("LAYER", hLayerTable, 1);
-    w.entry("LAYER", 0x10, hLayerTable, "AcDbLayerTableRecord", "0");
-    w.integer(62, 7);
-    w.text(6, "Continuous");
+    w.layer(0x10, hLayerTable, "0");
     w.integer(370, -3);
     w.handle(390, 0xF);
     w.tableEnd();
     w.table("STYLE", hStyleTable, 1);
-    w.entry("STYLE", 0x11, hStyleTable, "AcDbTextStyleTableRecord", "Standard");
-    w.real(40, 0), w.real(41, 1), w.real(50, 0);
-    w.integer(71, 0);
-    w.real(42, 2.5);
-    w.text(3, "txt");
-    w.text(4, "");
+    w.textStyle(0x11, hStyleTable, "Standard");
     w.tableEnd();
     w.table("VIEW", hViewTable, 0);
     w.tableEnd();
@@ -224,13 +159,11 @@ std::string newDrawing() {
     w.entry("APPID", 0x12, hAppidTable, "AcDbRegAppTableRecord", "ACAD");
     w.tableEnd();
     w.table("DIMSTYLE", hDimstyleTable, 1);
-    w.marker("AcDbDimStyleTable");
     w.entry("DIMSTYLE", 0x27, hDimstyleTable, "AcDbDimStyleTableRecord", "Standard");
     w.tableEnd();
     w.table("BLOCK_RECORD", hBlockTable, 2);
     for (const bool model : {true, false}) {
-        w.entry("BLOCK_RECORD", model ? hModelRecord : hPaperRecord, hBlockTable, "AcDbBlockTableRecord",
-                model ? "*Model_Space" : "*Paper_Space");
+        w.blockRecord(model ? hModelRecord : hPaperRecord, hBlockTable, model ? "*Model_Space" : "*Paper_Space");
         w.handle(340, model ? hModelLayout : hPaperLayout);
         w.integer(70, 0);
         w.integer(280, 1);
@@ -240,8 +173,10 @@ std::string newDrawing() {
     w.close();
 
     w.open("BLOCKS");
-    w.block(0x20, 0x21, hModelRecord, "*Model_Space", false);
-    w.block(0x1C, 0x1D, hPaperRecord, "*Paper_Space", true);
+    w.block(0x20, hModelRecord, "*Model_Space", false);
+    w.blockEnd(0x21, hModelRecord, false);
+    w.block(0x1C, hPaperRecord, "*Paper_Space", true);
+    w.blockEnd(0x1D, hPaperRecord, true);
     w.close();
 
     w.open("ENTITIES");

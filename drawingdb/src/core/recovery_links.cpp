@@ -1,0 +1,640 @@
+// Recovery, what records say of each other: the version and its texts, handles, the tables that every drawing has,
+// blocks and their records, names, owners and references.
+//
+// A name that nothing is called by gets a record, so that no object loses what it says; a handle that nothing has is
+// taken out.
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "base/exact_utf8.h"
+#include "base/text.h"
+#include "drawingdb/object_id.h"
+#include "drawingdb/src/core/record_walk.h"
+#include "drawingdb/src/core/salvage.h"
+#include "drawingdb/src/file/spelling.h"
+
+namespace drawingdb {
+
+namespace {
+
+std::string handleText(std::uint64_t handle) { return "#" + OdDbHandle(handle).ascii(); }
+
+// Codes of handles of other records, where the class of a record says no more.
+bool refersToOthers(int code) {
+    return (code >= 330 && code < 370) || (code >= 390 && code < 400) || code == 480 || code == 481;
+}
+
+bool isOfSpace(std::wstring_view name, bool paper) {
+    return base::equalsNoCase(name, paper ? L"*Paper_Space" : L"*Model_Space") ||
+           base::equalsNoCase(name, paper ? L"$PAPER_SPACE" : L"$MODEL_SPACE");
+}
+
+// The groups of a record for a walk.
+class GroupsCursor {
+  public:
+    explicit GroupsCursor(const std::vector<Group>& groups) : next_(groups.data()), end_(next_ + groups.size()) {}
+    bool next(Group& group) {
+        if (next_ == end_) return false;
+        group = *next_++;
+        group.value = trimmed(group.value);
+        return true;
+    }
+
+  private:
+    const Group* next_;
+    const Group* end_;
+};
+
+class LinkMender {
+  public:
+    explicit LinkMender(Salvage& salvage) : salvage_(salvage), format_(salvage.format) {}
+
+    void run() {
+        mendVersion();
+        mendTexts();
+        mendHandles();
+        addMissing();
+        nameBlocks();
+        pairBlocks();
+        finishClosers();
+        mendNames();
+        mendReferences();
+        raiseSeed();
+    }
+
+  private:
+    void tell(const char* place, std::string_view text) {
+        const char* const end = salvage_.file.data() + salvage_.file.size();
+        salvage_.damages.tell(place ? place : end, text);
+    }
+    std::wstring decoded(std::string_view raw) const { return decodeText(trimmed(raw), format_); }
+    std::wstring folded(std::string_view raw) const { return base::toUpper(decoded(raw)); }
+
+    // ---- the header
+
+    // The first group of a variable.
+    Group* variable(std::string_view name) {
+        SalvagedNode* const header = salvage_.section("HEADER");
+        if (!header) return nullptr;
+        auto& groups = header->record.groups;
+        for (std::size_t i = 0; i + 1 < groups.size(); ++i)
+            if (groups[i].code == 9 && trimmed(groups[i].value) == name) return &groups[i + 1];
+        return nullptr;
+    }
+
+    void setVariable(std::string_view name, int code, std::string_view value) {
+        const Group group = salvage_.group([&](RecordWriter& writer) { writer.text(code, value); });
+        if (Group* const found = variable(name)) {
+            *found = group;
+            return;
+        }
+        auto& groups = salvage_.madeSection("HEADER").record.groups;
+        // Behind the section's name.
+        const auto behind = groups.begin() + std::min<std::ptrdiff_t>(2, static_cast<std::ptrdiff_t>(groups.size()));
+        groups.insert(behind, {salvage_.group([&](RecordWriter& writer) { writer.text(9, name); }), group});
+        closeSections();
+    }
+
+    void closeSections() {
+        for (SalvagedNode& section : salvage_.sections)
+            if (!section.closer)
+                section.closer = salvage_.record(
+                    nullptr, [](RecordWriter& writer) { writer.close(); });
+    }
+
+    void mendVersion() {
+        const Group* const named = variable("$ACADVER");
+        if (named && versionNumber(named->value)) {
+            format_.version = *versionNumber(named->value);
+        } else if (named || hasMarkers()) {
+            format_.version = hasOldTexts() ? version::v2004 : version::newest;
+            const std::string name = "AC" + std::to_string(format_.version);
+            tell(named ? named->begin : nullptr,
+                 (named ? "unknown version " + quoted(named->value) : std::string("$ACADVER is missing")) +
+                     "; read as " + name);
+            setVariable("$ACADVER", 1, name);
+        } else {
+            format_.version = version::r12;
+        }
+        const Group* const page = variable("$DWGCODEPAGE");
+        if (!page) return;
+        if (const base::CodePage* const known = base::CodePage::byName(std::string(trimmed(page->value)))) {
+            format_.codePage = known;
+        } else if (!format_.utf8()) {
+            tell(page->begin, "unknown code page " + quoted(page->value) + "; texts are read as ANSI_1252");
+            setVariable("$DWGCODEPAGE", 3, "ANSI_1252");
+        }
+    }
+
+    bool hasMarkers() {
+        bool found = false;
+        salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
+            found = found || record.text(100).starts_with("AcDb");
+        });
+        return found;
+    }
+
+    bool hasOldTexts() {
+        bool found = false;
+        salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
+            for (const Group& group : record.groups)
+                found = found || (valueKind(group.code) == ValueKind::text && !base::isUtf8(group.value));
+        });
+        return found;
+    }
+
+    void mendTexts() {
+        salvage_.forEach([&](SalvagedNode&, SalvagedRecord& record, SalvagedNode*) {
+            for (Group& group : record.groups)
+                if (valueKind(group.code) == ValueKind::text) mendText(record, group);
+        });
+    }
+
+    void mendText(const SalvagedRecord& record, Group& group) {
+        std::string text(group.value);
+        std::string fault;
+        if (std::erase(text, '\0') > 0) fault = "has zero bytes, which were left out";
+        if (format_.utf8() && !base::isUtf8(text)) {
+            text = base::toUtf8Exact(format_.codePage->decode(text));
+            fault = "is not UTF-8; it was read in the drawing's code page";
+        }
+        if (fault.empty()) return;
+        tell(group.begin, record.title() + ": the text of group " + std::to_string(group.code) + " " + fault);
+        const int code = group.code;
+        group = salvage_.group([&](RecordWriter& writer) { writer.text(code, text); });
+    }
+
+    // ---- handles
+
+    void mendHandles() {
+        std::uint64_t largest = 0;
+        const auto note = [&largest](const Group& group) {
+            if (valueKind(group.code) == ValueKind::handle) largest = std::max(largest, parseHandle(group.value));
+        };
+        salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
+            largest = std::max(largest, record.handle);
+            if (record.type != rtDimstyle) std::for_each(record.groups.begin(), record.groups.end(), note);
+        });
+        salvage_.nextHandle = largest + 1;
+        // Objects are found by them.
+        salvage_.hasHandles = salvage_.hasHandles || format_.hasMarkers();
+        salvage_.forEach([&](SalvagedNode&, SalvagedRecord& record, SalvagedNode*) {
+            if (record.handle && !known_.insert(record.handle).second) {
+                const std::string before = record.title();
+                giveHandle(record);
+                tell(record.place,
+                     before + " has the handle of an earlier record; it is " + handleText(record.handle) + " now");
+            } else if (record.lacksHandle && salvage_.hasHandles && record.place && record.groups.size() > 1) {
+                giveHandle(record);
+                tell(record.place, record.title() + " got that handle: its own is empty or lost");
+            }
+        });
+    }
+
+    void giveHandle(SalvagedRecord& record) {
+        const int code = record.type == rtDimstyle ? 105 : 5;
+        const std::uint64_t old = std::exchange(record.handle, salvage_.newHandle());
+        known_.insert(record.handle);
+        record.lacksHandle = false;
+        const Group group = salvage_.group([&](RecordWriter& writer) { writer.handle(code, record.handle); });
+        for (Group& place : record.groups)
+            if (old && place.code == code && parseHandle(place.value) == old) {
+                place = group;
+                return;
+            }
+        record.groups.insert(record.groups.begin() + 1, group);
+    }
+
+    std::uint64_t newHandle() {
+        const std::uint64_t handle = salvage_.newHandle();
+        known_.insert(handle);
+        return handle;
+    }
+
+    void raiseSeed() {
+        const Group* const seed = variable("$HANDSEED");
+        if (!seed || parseHandle(seed->value) >= salvage_.nextHandle) return;
+        setVariable("$HANDSEED", 5, OdDbHandle(salvage_.nextHandle).ascii());
+    }
+
+    // ---- sections and tables
+
+    SalvagedNode* missingSection(std::string_view name) {
+        if (salvage_.section(name)) return nullptr;
+        SalvagedNode& made = salvage_.madeSection(name);
+        closeSections();
+        tell(nullptr, "the SECTION " + std::string(name) + " is missing; an empty one was added");
+        return &made;
+    }
+
+    void addMissing() {
+        missingSection("ENTITIES");
+        if (!format_.hasMarkers()) return;
+        for (const char* const name : {"HEADER", "TABLES", "BLOCKS", "OBJECTS"}) missingSection(name);
+        for (const char* const name : {"LTYPE", "LAYER", "STYLE", "BLOCK_RECORD"}) addTable(name);
+        finishTables();
+        mendRoot();
+    }
+
+    void addTable(std::string_view name) {
+        if (salvage_.table(name)) return;
+        SalvagedNode& tables = *salvage_.section("TABLES");
+        SalvagedNode& table = tables.children.emplace_back();
+        table.record = salvage_.record(nullptr, [&](RecordWriter& writer) {
+            writer.text(0, "TABLE");
+            writer.text(2, name);
+        });
+        tell(tables.closer->place, "the TABLE " + std::string(name) + " is missing; an empty one was added");
+    }
+
+    // Those that were put in.
+    void finishTables() {
+        for (SalvagedNode& table : salvage_.section("TABLES")->children) {
+            if (table.record.type != rtTable || table.record.place) continue;
+            const std::string name(table.record.text(2));
+            const auto count = static_cast<int>(table.children.size());
+            table.record =
+                salvage_.record(nullptr, [&](RecordWriter& writer) { writer.table(name, newHandle(), count); });
+            if (!table.closer) table.closer = salvage_.record(nullptr, [](RecordWriter& writer) { writer.tableEnd(); });
+        }
+    }
+
+    // The dictionary that all others hang on is the first of the objects.
+    void mendRoot() {
+        SalvagedNode& objects = *salvage_.section("OBJECTS");
+        if (!objects.children.empty() && objects.children.front().record.type == rtDictionary) {
+            root_ = objects.children.front().record.handle;
+            return;
+        }
+        root_ = newHandle();
+        SalvagedNode& root = objects.children.emplace_front();
+        root.record = salvage_.record(nullptr, [&](RecordWriter& writer) {
+            writer.dictionary(root_, 0);
+            if (const std::uint64_t layouts = dictionaryOf(rtLayout, objects))
+                writer.dictionaryEntry("ACAD_LAYOUT", layouts);
+            if (const std::uint64_t groups = dictionaryOf(rtGroup, objects))
+                writer.dictionaryEntry("ACAD_GROUP", groups);
+        });
+        tell(objects.record.place, "the dictionary that all objects hang on is missing; one was added");
+    }
+
+    // The one that lists objects of a kind: their owner.
+    std::uint64_t dictionaryOf(RecordType kind, const SalvagedNode& objects) {
+        for (const SalvagedNode& object : objects.children) {
+            if (object.record.type != kind) continue;
+            const std::uint64_t owner = parseHandle(object.record.text(330));
+            for (const SalvagedNode& candidate : objects.children)
+                if (candidate.record.type == rtDictionary && candidate.record.handle == owner) return owner;
+        }
+        return 0;
+    }
+
+    // ---- blocks
+
+    // Those of which the beginning is lost: the owner of what stands in one is its record.
+    void nameBlocks() {
+        SalvagedNode* const records = salvage_.table("BLOCK_RECORD");
+        for (SalvagedNode& nameless : salvage_.namelessBlocks) {
+            if (nameless.children.empty()) continue;
+            const std::uint64_t owner = ownerOf(nameless.children.front().record);
+            const char* const place = nameless.children.front().record.place;
+            SalvagedNode* record = nullptr;
+            if (records && owner)
+                for (SalvagedNode& candidate : records->children)
+                    if (candidate.record.handle == owner) record = &candidate;
+            if (record && isOfSpace(decoded(record->record.text(2)), false)) {
+                SalvagedNode& entities = *salvage_.section("ENTITIES");
+                entities.children.splice(entities.children.end(), nameless.children);
+            } else if (record) {
+                SalvagedNode* const block = blockNamed(folded(record->record.text(2)));
+                SalvagedNode& into = block ? *block : madeBlock(record->record.text(2), owner);
+                tell(place, "what stands from here on went into BLOCK " + std::string(record->record.text(2)));
+                into.children.splice(into.children.end(), nameless.children);
+            } else {
+                tell(place, std::to_string(nameless.children.size()) +
+                                " entities were left out: the name of their block is lost");
+            }
+        }
+        if (salvage_.namelessBlocks.empty()) return;
+        salvage_.namelessBlocks.clear();
+        known_.clear();
+        salvage_.forEach(
+            [&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) { known_.insert(record.handle); });
+    }
+
+    static std::uint64_t ownerOf(const SalvagedRecord& record) {
+        for (RecordWalk walk(GroupsCursor(record.groups)); walk.next();)
+            if (walk.part() == RecordPart::field && walk.group().code == 330 && walk.inHead())
+                return parseHandle(walk.group().value);
+        return 0;
+    }
+
+    SalvagedNode* blockNamed(const std::wstring& name) {
+        if (SalvagedNode* const blocks = salvage_.section("BLOCKS"))
+            for (SalvagedNode& block : blocks->children)
+                if (block.record.type == rtBlock && folded(block.record.text(2)) == name) return &block;
+        return nullptr;
+    }
+
+    SalvagedNode& madeBlock(std::string_view rawName, std::uint64_t record) {
+        const std::string name(trimmed(rawName));
+        const bool paper = isOfSpace(decoded(name), true);
+        SalvagedNode& blocks = salvage_.madeSection("BLOCKS");
+        closeSections();
+        SalvagedNode& block = blocks.children.emplace_back();
+        block.record = salvage_.record(
+            nullptr, [&](RecordWriter& writer) { writer.block(newHandle(), record, name, paper); });
+        block.closer =
+            salvage_.record(nullptr, [&](RecordWriter& writer) { writer.blockEnd(newHandle(), record, paper); });
+        return block;
+    }
+
+    std::uint64_t madeBlockRecord(SalvagedNode& table, std::string_view name) {
+        SalvagedNode& made = table.children.emplace_back();
+        made.record = salvage_.record(nullptr, [&](RecordWriter& writer) {
+            writer.blockRecord(newHandle(), table.record.handle, trimmed(name));
+        });
+        return made.record.handle;
+    }
+
+    // A block has a record and a record a block; from R13 on, the two spaces too.
+    void pairBlocks() {
+        SalvagedNode* const table = salvage_.table("BLOCK_RECORD");
+        SalvagedNode* const blocks = salvage_.section("BLOCKS");
+        if (blocks)
+            for (SalvagedNode& block : blocks->children)
+                if (block.record.type == rtBlock) blocks_.emplace(folded(block.record.text(2)), &block);
+        if (!table) return;
+        for (SalvagedNode& record : table->children)
+            if (!trimmed(record.record.text(2)).empty())
+                recordOfBlock_.emplace(folded(record.record.text(2)), record.record.handle);
+        for (const auto& [name, block] : blocks_) {
+            if (recordOfBlock_.contains(name)) continue;
+            recordOfBlock_.emplace(name, madeBlockRecord(*table, block->record.text(2)));
+            tell(block->record.place,
+                 block->record.title() + " has no record in the TABLE BLOCK_RECORD; one was added");
+        }
+        for (SalvagedNode& record : table->children) {
+            const std::string_view name = record.record.text(2);
+            if (trimmed(name).empty() || blocks_.contains(folded(name))) continue;
+            blocks_.emplace(folded(name), &madeBlock(name, record.record.handle));
+            tell(record.record.place,
+                 "the BLOCK " + std::string(trimmed(name)) + " is missing; an empty one was added");
+        }
+        if (!format_.hasMarkers()) return;
+        for (const bool paper : {false, true}) {
+            const bool found = std::any_of(blocks_.begin(), blocks_.end(),
+                                           [&](const auto& row) { return isOfSpace(row.first, paper); });
+            if (found) continue;
+            const char* const name = paper ? "*Paper_Space" : "*Model_Space";
+            addBlock(name);
+            tell(nullptr, "the BLOCK " + std::string(name) + " is missing; it was added");
+        }
+    }
+
+    void addBlock(std::string_view name) {
+        SalvagedNode* const table = salvage_.table("BLOCK_RECORD");
+        const std::wstring key = folded(name);
+        std::uint64_t record = 0;
+        if (table) record = recordOfBlock_.emplace(key, madeBlockRecord(*table, name)).first->second;
+        blocks_.emplace(key, &madeBlock(name, record));
+    }
+
+    std::uint64_t spaceRecord(bool paper) const {
+        for (const auto& [name, handle] : recordOfBlock_)
+            if (isOfSpace(name, paper)) return handle;
+        return 0;
+    }
+
+    // Whom a record belongs to, by where it stands.
+    std::uint64_t trueOwner(const SalvagedRecord& record, const SalvagedNode* owner) {
+        const auto recordOf = [this](const SalvagedRecord& block) {
+            const auto found = recordOfBlock_.find(folded(block.text(2)));
+            return found == recordOfBlock_.end() ? 0 : found->second;
+        };
+        if (record.type == rtBlock) return recordOf(record);
+        if (!owner) return 0;
+        switch (owner->record.type) {
+            case rtBlock:
+                return recordOf(owner->record);
+            case rtSection:
+                if (sectionName(*owner) == "ENTITIES") return spaceRecord(trimmed(record.text(67)) == "1");
+                return sectionName(*owner) == "OBJECTS" && record.handle != root_ ? root_ : 0;
+            default:
+                return owner->record.handle;
+        }
+    }
+
+    // The ends that were put in.
+    void finishClosers() {
+        salvage_.forEach([&](SalvagedNode& node, const SalvagedRecord& record, SalvagedNode*) {
+            if (!node.closer || &record != &*node.closer || !record.lacksHandle) return;
+            const char* const place = record.place;
+            if (record.type == rtEndblk)
+                node.closer = salvage_.record(
+                    place,
+                    [&](RecordWriter& writer) {
+                        writer.blockEnd(newHandle(), trueOwner(record, &node), node.record.find(67) != nullptr);
+                    });
+            else if (record.type == rtSeqend)
+                node.closer = salvage_.record(
+                    place,
+                    [&](RecordWriter& writer) {
+                        writer.record("SEQEND", newHandle(), node.record.handle);
+                        writer.marker("AcDbEntity");
+                        if (node.record.find(67)) writer.integer(67, 1);
+                        const std::string_view layer = trimmed(node.record.text(8));
+                        writer.text(8, layer.empty() ? std::string_view("0") : layer);
+                    });
+        });
+    }
+
+    // ---- names
+
+    void mendNames() {
+        names(
+            "LAYER", {L"0"},
+            [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
+                writer.layer(handle, table, name);
+            });
+        names(
+            "LTYPE", {L"BYLAYER", L"BYBLOCK", L"CONTINUOUS"},
+            [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
+                writer.linetype(handle, table, name, "");
+            });
+        names(
+            "STYLE", {L"STANDARD"},
+            [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
+                writer.textStyle(handle, table, name);
+            });
+        names("DIMSTYLE", {L"STANDARD"},
+              [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
+                  writer.entry("DIMSTYLE", handle, table, "AcDbDimStyleTableRecord", name);
+              });
+        std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
+        salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
+            const std::string_view name = record.text(2);
+            if (record.type == rtInsert && !trimmed(name).empty() && !blocks_.contains(folded(name))) {
+                missing.emplace_back(&record, name);
+                blocks_.emplace(folded(name), nullptr);
+            }
+        });
+        for (const auto& [record, name] : missing) {
+            blocks_.erase(folded(name));
+            addBlock(trimmed(name));
+            tell(record->place,
+                 record->title() + " shows the block " + quoted(name) + ", which is missing; an empty one was added");
+        }
+    }
+
+    // The code that a record names one of a table by; 0 for none.
+    static int codeOf(std::string_view table, const SalvagedRecord& record, bool isEntity) {
+        if (table == "LAYER") return isEntity ? 8 : 0;
+        if (table == "LTYPE") return isEntity || record.type == rtLayer ? 6 : 0;
+        if (table == "STYLE") {
+            const bool isText =
+                record.type == rtText || record.type == rtMtext || record.type == rtAttrib || record.type == rtAttdef;
+            return isEntity && isText ? 7 : 0;
+        }
+        return isEntity && (record.name == "DIMENSION" || record.name == "LEADER") ? 3 : 0;
+    }
+
+    using Write = void (*)(RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name);
+
+    // A drawing without the table does without its records.
+    void names(std::string_view tableName, std::initializer_list<std::wstring> builtIn, Write write) {
+        SalvagedNode* const table = salvage_.table(tableName);
+        if (!table) return;
+        std::unordered_set<std::wstring> there(builtIn.begin(), builtIn.end());
+        for (const SalvagedNode& entry : table->children) there.insert(folded(entry.record.text(2)));
+        std::unordered_set<std::string_view> seen;  // as files spell them, which spares most of the folding
+        std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
+        salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode* owner) {
+            if (!owner || record.type == rtSection || record.type == rtEndsec) return;
+            const bool isEntity = owner->record.type == rtBlock || owner->record.type == rtInsert ||
+                                  owner->record.type == rtPolyline || record.type == rtBlock ||
+                                  (owner->record.type == rtSection && sectionName(*owner) == "ENTITIES");
+            const int code = codeOf(tableName, record, isEntity);
+            if (!code) return;
+            const std::string_view name = trimmed(record.text(code));
+            if (name.empty() || !seen.insert(name).second || !there.insert(folded(name)).second) return;
+            missing.emplace_back(&record, name);
+        });
+        for (const auto& [record, name] : missing) {
+            tell(record->place, record->title() + " names the " + std::string(tableName) + " " + quoted(name) +
+                                    ", which is missing; it was added");
+            SalvagedNode& made = table->children.emplace_back();
+            const std::string_view text = name;
+            made.record = salvage_.record(
+                nullptr, [&](RecordWriter& writer) { write(writer, newHandle(), table->record.handle, text); });
+        }
+    }
+
+    // ---- owners and references
+
+    void mendReferences() {
+        if (!format_.hasMarkers()) return;
+        bool isKnown = false;  // the section; handles in others mean what they like
+        salvage_.forEach([&](SalvagedNode&, SalvagedRecord& record, SalvagedNode* owner) {
+            if (record.type == rtSection) {
+                const std::string_view name = sectionName(record);
+                isKnown = name == "TABLES" || name == "BLOCKS" || name == "ENTITIES" || name == "OBJECTS";
+            } else if (isKnown && record.type != rtEndsec) {
+                mendReferences(record, owner);
+            }
+        });
+    }
+
+    bool isLost(const Group& group) const {
+        const std::uint64_t handle = parseHandle(group.value);
+        return handle != 0 && !known_.contains(handle);
+    }
+
+    void mendReferences(SalvagedRecord& record, const SalvagedNode* owner) {
+        std::vector<Group> kept;
+        bool changed = false;
+        std::vector<std::uint64_t> lost;
+        const char* place = nullptr;
+        const auto lose = [&](const Group& group) {
+            if (!place) place = group.begin;
+            lost.push_back(parseHandle(group.value));
+            changed = true;
+        };
+        std::size_t control = 0;  // where the open control string begins among the kept
+        bool dropPartner = false;
+        bool ownerSeen = false;
+        std::size_t i = 0;
+        RecordWalk walk(GroupsCursor(record.groups));
+        for (; walk.next(); ++i) {
+            const Group& group = record.groups[i];
+            if (std::exchange(dropPartner, false)) continue;
+            switch (walk.part()) {
+                case RecordPart::controlBegin:
+                    control = kept.size();
+                    break;
+                case RecordPart::inControl:
+                    if (walk.control() != ControlString::other || record.type == rtBlockRecord)
+                        if (refersToOthers(group.code) && isLost(group)) {
+                            lose(group);
+                            continue;
+                        }
+                    break;
+                case RecordPart::controlEnd:
+                    // What refers to nothing any more need not be there.
+                    if (changed && kept.size() == control + 1) {
+                        kept.pop_back();
+                        continue;
+                    }
+                    break;
+                case RecordPart::field:
+                    if (group.code == 330 && walk.inHead() && !ownerSeen) {
+                        ownerSeen = true;
+                        if (!isLost(group)) break;
+                        const std::uint64_t handle = trueOwner(record, owner);
+                        tell(group.begin, record.title() + ": its owner, " + handleText(parseHandle(group.value)) +
+                                              ", is not there; it is " + handleText(handle) + " now");
+                        kept.push_back(salvage_.group([&](RecordWriter& writer) { writer.handle(330, handle); }));
+                        changed = true;
+                        continue;
+                    }
+                    if (!isLost(group) || !refersToOthers(group.code) || record.name == "XRECORD") break;
+                    lose(group);
+                    if (record.type == rtDictionary || record.type == rtDictionaryWithDefault) {
+                        if (!kept.empty() && kept.back().code == 3) kept.pop_back();
+                    } else if (record.type == rtSortents) {
+                        dropPartner = true;
+                    } else if (record.type != rtGroup) {
+                        const int code = group.code;
+                        kept.push_back(salvage_.group([&](RecordWriter& writer) { writer.handle(code, 0); }));
+                    }
+                    continue;
+                default:
+                    break;
+            }
+            kept.push_back(group);
+        }
+        if (!changed) return;
+        if (!lost.empty()) {
+            std::string text = record.title() + ": " + handleText(lost.front());
+            if (lost.size() > 1) text += " and " + std::to_string(lost.size() - 1) + " more";
+            tell(place,
+                 text + (lost.size() == 1 ? ", which it refers to, is not there; the reference was taken out"
+                                          : ", which it refers to, are not there; the references were taken out"));
+        }
+        record.groups = std::move(kept);
+    }
+
+    Salvage& salvage_;
+    FileFormat& format_;
+    std::unordered_set<std::uint64_t> known_;
+    std::unordered_map<std::wstring, SalvagedNode*> blocks_;         // by folded name
+    std::unordered_map<std::wstring, std::uint64_t> recordOfBlock_;  // its handle
+    std::uint64_t root_ = 0;
+};
+
+}  // namespace
+
+void mendLinks(Salvage& salvage) { LinkMender(salvage).run(); }
+
+}  // namespace drawingdb

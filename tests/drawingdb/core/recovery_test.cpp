@@ -1,0 +1,194 @@
+// Recovery of damaged files: what is kept, what is told, and that what is saved is sound.
+#include <gtest/gtest.h>
+#include <random>
+
+#include "base/text.h"
+#include "drawingdb/attribute.h"
+#include "drawingdb/block.h"
+#include "drawingdb/block_reference.h"
+#include "drawingdb/curves.h"
+#include "drawingdb/layer.h"
+#include "drawingdb/text.h"
+#include "tests/drawingdb/sample.h"
+
+namespace {
+
+std::string toldOf(const OdDbDatabasePtr& database) {
+    std::string all;
+    for (const OdDbWarning& warning : database->warnings()) all += warning.text + "\n";
+    return all;
+}
+
+// What comes out of a recovery is a drawing that nobody complains of.
+void expectSound(const OdDbDatabasePtr& recovered, const std::string& what) {
+    ASSERT_FALSE(recovered->isReadOnly()) << what;
+    const std::string saved = recovered->writeBytes();
+    const auto strict = OdDbDatabase::readBytes(saved, L"saved.dxf");
+    EXPECT_FALSE(strict->isReadOnly()) << what;
+    const auto blocks = strict->blockTableId().openIf<OdDbSymbolTable>();
+    if (blocks)
+        for (OdDbObjectId record : blocks->records())
+            if (const auto block = record.openIf<OdDbBlockTableRecord>())
+                for (OdDbObjectId entity : block->entities()) (void)entity.open();
+    EXPECT_EQ(toldOf(strict), "") << what;
+    const auto again = OdDbDatabase::recoverBytes(saved, L"saved.dxf");
+    EXPECT_FALSE(again->isRecovered()) << what << toldOf(again);
+    EXPECT_EQ(again->writeBytes(), saved) << what;
+}
+
+std::string with(std::string bytes, const std::string& old, const std::string& now) {
+    const std::size_t at = bytes.find(old);
+    EXPECT_NE(at, std::string::npos) << old;
+    return bytes.replace(at, old.size(), now);
+}
+
+// From the beginning of one stretch up to that of another.
+std::string without(std::string bytes, const std::string& from, const std::string& to) {
+    const std::size_t at = bytes.find(from);
+    return bytes.erase(at, bytes.find(to, at + 1) - at);
+}
+
+OdDbDatabasePtr recovered(const std::string& bytes) {
+    auto database = OdDbDatabase::recoverBytes(bytes, L"plan.dxf");
+    expectSound(database, toldOf(database));
+    return database;
+}
+
+TEST(Recovery, LeavesSoundDrawingsAlone) {
+    const std::string old = "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\nANY\n10\n0\n20\n0\n11\n1\n21\n1\n0\nENDSEC\n0\nEOF\n";
+    for (const std::string& bytes :
+         {sampleBytes(), asBinary(sampleBytes(), true), respelled(sampleBytes(), "\r\n", "   ", true),
+          OdDbDatabase::createNew()->writeBytes(), old}) {
+        const auto database = OdDbDatabase::recoverBytes(bytes, L"sound.dxf");
+        EXPECT_FALSE(database->isRecovered()) << toldOf(database);
+        EXPECT_TRUE(database->writeBytes() == bytes);
+    }
+}
+
+TEST(Recovery, TellsWhatWasLeftOutByRecordAndLine) {
+    const std::string& whole = sampleBytes();
+    const struct {
+        const char* what;
+        std::string bytes;
+        const char* told;
+    } cases[] = {
+        {"number", with(whole, "\n420\n16711680\n", "\n420\n1671I680\n"),
+         "TEXT #60: the value of group 420 is no number"},
+        {"circle without a radius", with(whole, "1.5E+01", "1.5O"), "plan.dxf:1157: CIRCLE #65 was left out"},
+        {"handle", with(whole, "\n  5\n66\n", "\n  5\n6G6\n"),
+         "LWPOLYLINE: the value of group 5 is no handle: \"6G6\""},
+        {"double handle", with(whole, "\n  5\n66\n", "\n  5\n65\n"),
+         "LWPOLYLINE #65 has the handle of an earlier record"},
+        {"a line too many", with(whole, "\n  5\n65\n", "\n  5\n65\nrubbish\n"),
+         "plan.dxf:1161: CIRCLE #65: a line that belongs to no group was left out: \"rubbish\""},
+        {"zero bytes", with(whole, "door", std::string("do\0or", 5)), "has zero bytes, which were left out"},
+        {"no ENDSEC", with(whole, "ENDSEC\n  0\nSECTION\n  2\nENTITIES", "SECTION\n  2\nENTITIES"),
+         "the ENDSEC of SECTION BLOCKS is missing before this"},
+        {"no SECTION", without(whole, "  0\nSECTION\n  2\nENTITIES", "  0\nINSERT\n  5\n50"),
+         "into a new SECTION ENTITIES"},
+        {"no TABLE", without(whole, "  0\nTABLE\n  2\nSTYLE", "  0\nTABLE\n  2\nAPPID"), "the TABLE STYLE is missing"},
+        {"no OBJECTS", without(whole, "  0\nSECTION\n  2\nOBJECTS", "  0\nEOF"), "the SECTION OBJECTS is missing"},
+        {"no ENDBLK", without(whole, "  0\nENDBLK\n  5\n33", "  0\nBLOCK"), "the ENDBLK of BLOCK DOOR #32 is missing"},
+        {"no BLOCK", without(whole, "  0\nBLOCK\n  5\n32", "  0\nLINE\n  5\n34"), "went into BLOCK DOOR"},
+        {"no SEQEND", without(whole, "  0\nSEQEND\n", "  0\nINSERT"), "the SEQEND of INSERT #50 is missing"},
+        {"attribute of nothing", without(whole, "  0\nINSERT\n  5\n50", "  0\nATTRIB"),
+         "ATTRIB #51 was left out: it belongs to nothing"},
+        {"layer", without(whole, "  0\nLAYER\n  5\n11", "  0\nENDTAB"), "names the LAYER \"WALLS\", which is missing"},
+        {"owner", with(whole, "\n  5\n60\n330\n1F\n", "\n  5\n60\n330\nFFF\n"),
+         "TEXT #60: its owner, #FFF, is not there; it is #1F now"},
+        {"member of a group", without(whole, "  0\nCIRCLE", "  0\nLWPOLYLINE"), "the reference was taken out"},
+        {"no version", without(whole, "  9\n$ACADVER", "  9\n$DWG"), "$ACADVER is missing; read as AC1032"},
+        {"code page", with(with(whole, "AC1032", "AC1015"), "ANSI_1252", "KLINGON"), "unknown code page \"KLINGON\""},
+        {"no UTF-8", with(whole, "\n  2\nWALLS\n", "\n  2\nW\xC4LLE\n"),
+         "is not UTF-8; it was read in the drawing's code page"},
+    };
+    for (const auto& row : cases) {
+        const auto database = recovered(row.bytes);
+        EXPECT_TRUE(database->isRecovered()) << row.what;
+        EXPECT_NE(toldOf(database).find(row.told), std::string::npos) << row.what << ":\n" << toldOf(database);
+        EXPECT_EQ(toldOf(database).rfind("plan.dxf:", 0), 0u) << row.what;
+    }
+}
+
+TEST(Recovery, KeepsWhatIsWhole) {
+    const std::string& whole = sampleBytes();
+    const auto widthOf = [](const OdDbDatabasePtr& database) {
+        return objectOf(database, 0x51).openAs<OdDbAttribute>()->textString();
+    };
+    const OdString width = widthOf(sample());
+
+    // Lines between two groups cost nothing but themselves.
+    auto database = recovered(with(whole, "\n  5\n65\n", "\n  5\n65\n<<<<<<< HEAD\n\nend of line\n"));
+    EXPECT_EQ(objectOf(database, 0x65).openAs<OdDbCircle>()->radius(), 15);
+
+    // A lost end of a record costs neither it nor the next.
+    database = recovered(without(whole, "  0\nSEQEND\n", "  0\nINSERT"));
+    EXPECT_EQ(widthOf(database), width);
+    EXPECT_EQ(objectOf(database, 0x52).open()->ownerId(), objectOf(database, 0x50));
+
+    // A block that is not there any more leaves its references and their values.
+    database = recovered(without(without(whole, "  0\nBLOCK_RECORD\n  5\n30", "  0\nBLOCK_RECORD"),
+                                 "  0\nBLOCK\n  5\n32", "  0\nBLOCK\n  5\n3A"));
+    EXPECT_FALSE(database->findBlock(L"DOOR").isNull());
+    EXPECT_EQ(widthOf(database), width);
+
+    // What the beginning of a section, a table or a block is lost of comes into its place.
+    database = recovered(without(whole, "  0\nSECTION\n  2\nENTITIES", "  0\nINSERT\n  5\n50"));
+    EXPECT_EQ(objectOf(database, 0x65).openAs<OdDbCircle>()->blockId(), database->modelSpaceId());
+    database = recovered(without(whole, "  0\nTABLE\n  2\nLAYER", "  0\nLAYER"));
+    EXPECT_FALSE(database->findLayer(L"WALLS").isNull());
+    database = recovered(without(whole, "  0\nBLOCK\n  5\n32", "  0\nLINE\n  5\n34"));
+    EXPECT_EQ(objectOf(database, 0x34).openAs<OdDbLine>()->blockId(), database->findBlock(L"DOOR"));
+
+    // A bad byte in a text of a newer drawing is a letter of the code page.
+    database = recovered(with(whole, "\n  2\nWALLS\n", "\n  2\nW\xC4LLE\n"));
+    EXPECT_FALSE(database->findLayer(L"W\u00c4LLE").isNull());
+}
+
+TEST(Recovery, CutAnywhere) {
+    for (const bool binary : {false, true}) {
+        const std::string whole = binary ? asBinary(sampleBytes(), true) : sampleBytes();
+        const std::size_t begin = whole.find("$ACADVER"), end = whole.rfind("EOF");
+        for (std::size_t length = begin; length < end; length += 97) {
+            const auto database = OdDbDatabase::recoverBytes(whole.substr(0, length), L"cut.dxf");
+            EXPECT_TRUE(database->isRecovered()) << length;
+            expectSound(database, "cut at " + std::to_string(length));
+        }
+    }
+}
+
+TEST(Recovery, RandomDamage) {
+    for (const bool binary : {false, true}) {
+        const std::string whole = binary ? asBinary(sampleBytes(), true) : sampleBytes();
+        for (unsigned seed = 1; seed <= 150; ++seed) {
+            std::mt19937 random(seed);
+            std::string bytes = whole;
+            const auto place = [&] { return 30 + random() % (bytes.size() - 30); };
+            for (int i = 0; i < 4; ++i) {
+                const std::size_t at = place();
+                switch (random() % 4) {
+                    case 0:
+                        bytes.erase(at, random() % 200);
+                        break;
+                    case 1:
+                        bytes.insert(at, bytes.substr(place(), random() % 200));
+                        break;
+                    case 2:
+                        bytes.replace(at, std::min<std::size_t>(random() % 60, bytes.size() - at), random() % 60, '\0');
+                        break;
+                    default:
+                        bytes[at] = static_cast<char>(random());
+                }
+            }
+            expectSound(OdDbDatabase::recoverBytes(bytes, L"damaged.dxf"), "seed " + std::to_string(seed));
+        }
+    }
+}
+
+TEST(Recovery, RefusesWhatIsNoDrawing) {
+    for (const std::string& bytes : {std::string(), std::string("Dear reader,\n\nhello\n"), std::string(5000, '\0'),
+                                     std::string("AC1032\0\0\0\0\0\0\0", 13)})
+        EXPECT_THROW(OdDbDatabase::recoverBytes(bytes, L"letter.dxf"), OdError);
+}
+
+}  // namespace
