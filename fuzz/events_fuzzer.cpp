@@ -22,7 +22,7 @@ bool isHarmless(const host::WindowEvent& event) {
     using Event = host::WindowEvent;
     if (event.kind == Event::kPicture || event.kind == Event::kDrop) return false;
     if (event.kind == Event::kSize && event.number * event.second > 1e6) return false;
-    for (const wchar_t* word : {L"save", L"file/", L"ctrl+"})
+    for (const wchar_t* word : {L"save", L"file/", L"ctrl+", L"values"})
         if (base::findNoCase(event.text, word) != std::wstring::npos) return false;
     return true;
 }

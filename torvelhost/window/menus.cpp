@@ -66,7 +66,11 @@ const std::vector<Titled>& table() {
           {L"&Synchronize", L"", L"Gives references the attributes of their block", kCommand, L"AttSync", true},
           {L"&Burst", L"", L"Replaces references by what they show, values included", kCommand, L"Burst", true},
           kLine,
-          {L"E&xtract...", L"", L"Writes attribute values into a file", kCommand, L"AttExt", true}}},
+          {L"E&xtract...", L"", L"Writes attribute values into a file", kCommand, L"AttExt", true},
+          {L"Values to a &List", L"", L"Writes attribute values into a table for a spreadsheet", kCommand, L"VALUESOUT",
+           false},
+          {L"Values &from a List", L"", L"Takes the values of a table that a spreadsheet has changed", kCommand,
+           L"VALUESIN", false}}},
         {L"&Help", {{L"&Try a Text", L"", L"Asks for a text and prints it", kCommand, L"ElxTest", false}}},
     };
     return menus;
