@@ -176,7 +176,10 @@ void Salvage::forEach(
 
 DamagedGroups::DamagedGroups(std::string_view bytes, const FileFormat& format)
     : at_(bytes.data()), end_(at_ + bytes.size()), blanks_(end_), format_(format) {
-    if (!format.binary) blanks_ = at_ + bytes.find_last_not_of("\n\r \t\x1A") + 1;
+    if (!format.binary) {
+        const std::size_t used = bytes.find_last_not_of("\n\r \t\x1A") + 1;
+        blanks_ = at_ + used;
+    }
     for (const Kind& kind : allKinds())
         if (kind.type != rtNone) names_.insert(kind.name);
 }
