@@ -198,7 +198,9 @@ class TreeBuilder {
     bool takeHandle(const Group& group) {
         if (record_.find(100)) {
             record_.lacksHandle = true;
-            return true;
+            const bool says = parseHandle(group.value) != 0;
+            salvage_.hasHandles = salvage_.hasHandles || says;
+            return says;
         }
         record_.handle = parseHandle(group.value);
         if (record_.handle) return salvage_.hasHandles = true;
