@@ -1,5 +1,6 @@
 // The window on Windows, worked by a real mouse and real keys.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -159,6 +160,32 @@ TEST_F(Win32Frame, EverythingIsReachedByKeys) {
     }
     EXPECT_THAT(kinds, ElementsAre(L"ToolbarWindow32", L"SysTabControl32", L"Edit", L"SysLink", L"Edit"));
     EXPECT_EQ(logged("key Tab").size(), 1u) << "the line is asked first";
+    hand::press(Key::kTab, Held::kNothing);
+    settle();
+    hand::press('X', Held::kNothing);
+    settle();
+    EXPECT_EQ(events.log.back(), "text x") << "typed where nobody can type";
+}
+
+// No tool lies beyond the window's edge, and the canvas begins below the last of them.
+TEST_F(Win32Frame, TheToolbarBreaksIntoRows) {
+    host::Menu menu{L"&Draw", {}};
+    for (int i = 0; i < 12; ++i) menu.entries.push_back({L"Infinite line", L"Draw/Line", L"", L"", true, true});
+    frame->setMenus({menu});
+    HWND const window = static_cast<HWND>(frame->nativeWindow()), tools = child(L"ToolbarWindow32");
+    for (const int width : {500, 1200, 350}) {
+        SetWindowPos(window, nullptr, 0, 0, width, 600, SWP_NOZORDER);
+        settle();
+        RECT whole, last, canvas;
+        GetClientRect(window, &whole);
+        GetWindowRect(child(L"TorvelCanvas"), &canvas);
+        for (WPARAM i = 0; i < 12; ++i) {
+            SendMessageW(tools, TB_GETITEMRECT, i, reinterpret_cast<LPARAM>(&last));
+            EXPECT_LE(last.right, whole.right) << width << ' ' << i;
+        }
+        MapWindowPoints(tools, nullptr, reinterpret_cast<POINT*>(&last), 2);
+        EXPECT_LE(last.bottom, canvas.top) << width;
+    }
 }
 
 TEST_F(Win32Frame, SizeAndPicture) {

@@ -421,6 +421,7 @@ void CanvasView::redrawNow() {
 }
 
 void CanvasView::dialogWaits() {
+    if (!question_) commandLine_.showNone();
     if (session_ && isOutdated_) redrawNow();
 }
 

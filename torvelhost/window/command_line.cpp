@@ -19,11 +19,16 @@ std::wstring withWords(std::wstring prompt, const std::vector<std::wstring>& wor
 
 void CommandLine::ask(const Question& question) {
     question_ = &question;
+    isShown_ = true;
     words_.clear();
     // At the command prompt there are too many.
     const bool hasWords = question.expected.kind != Expected::kCommand && question.expected.kind != Expected::kDialog;
     if (hasWords && question.choices) words_ = question.choices();
     frame_.setPrompt(withWords(question.prompt, words_), words_);
+}
+
+void CommandLine::showNone() {
+    if (std::exchange(isShown_, false)) frame_.setPrompt(L"", {});
 }
 
 void CommandLine::rest() {

@@ -18,6 +18,8 @@ class CommandLine {
     void ask(const Question& question);
     /// Nothing is asked: a command works.
     void rest();
+    /// While it does so for long, what was asked last goes.
+    void showNone();
     const std::vector<std::wstring>& words() const { return words_; }
 
     const std::wstring& text() const { return text_; }
@@ -36,6 +38,7 @@ class CommandLine {
   private:
     ViewFrame& frame_;
     const Question* question_ = nullptr;
+    bool isShown_ = false;  // it, or the last one
     std::wstring text_;
     std::vector<std::wstring> words_;
     std::vector<std::wstring> entered_;

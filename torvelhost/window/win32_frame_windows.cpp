@@ -232,7 +232,8 @@ Win32Frame::Win32Frame() {
     kind.cbSize = sizeof kind;
     kind.lpfnWndProc = procedure;
     kind.hInstance = instance();
-    kind.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+    kind.hIcon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(1));  // the program's own
+    if (!kind.hIcon) kind.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
     kind.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
     kind.lpszClassName = kClassName;
@@ -722,6 +723,7 @@ void Win32Frame::setTabs(const std::vector<std::wstring>& names, std::size_t cur
 
 void Win32Frame::setPrompt(const std::wstring& prompt, const std::vector<std::wstring>& words) {
     SetWindowTextW(prompt_, linkText(prompt, words).c_str());
+    InvalidateRect(prompt_, nullptr, TRUE);  // a control without a text does not see to it
 }
 
 void Win32Frame::setCommandText(const std::wstring& text) {
