@@ -35,6 +35,12 @@ void DisplayList::setInk(std::span<const double> lengths) {
     for (const double length : lengths) items_.push_back({tint.kind, tint.style, tint.first, tint.count, length});
 }
 
+void DisplayList::addText(Text text) {
+    items_.push_back(
+        {Kind::kText, static_cast<std::uint32_t>(styles_.size() - 1), static_cast<std::uint32_t>(texts_.size()), 0});
+    texts_.push_back(std::move(text));
+}
+
 std::size_t DisplayList::addReference(const Reference& reference) {
     items_.push_back({Kind::kReference, static_cast<std::uint32_t>(styles_.size() - 1),
                       static_cast<std::uint32_t>(references_.size()), 0});
@@ -53,6 +59,7 @@ void DisplayList::clear() {
     styles_.clear();
     points_.clear();
     contourEnds_.clear();
+    texts_.clear();
     references_.clear();
 }
 
@@ -64,7 +71,7 @@ std::span<const OdGePoint3d> DisplayList::contour(std::size_t index) const {
 std::size_t DisplayList::bytes() const {
     return items_.capacity() * sizeof(Item) + styles_.capacity() * sizeof(Style) +
            points_.capacity() * sizeof(OdGePoint3d) + contourEnds_.capacity() * sizeof(std::uint32_t) +
-           references_.capacity() * sizeof(Reference);
+           texts_.capacity() * sizeof(Text) + references_.capacity() * sizeof(Reference);
 }
 
 OdGeExtents3d DisplayList::box() const {

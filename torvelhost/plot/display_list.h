@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "drawingdb/ge.h"
@@ -24,12 +25,18 @@ class DisplayList {
         kRay,       // two points: where it begins, and another
         kInfiniteLine,
         kMarker,  // a point
+        kText,    // what a text says, for those who search; its strokes are drawn by themselves
         kReference,
     };
     struct Item {
         Kind kind;
-        std::uint32_t style, first, count;  // contours; of a reference: which one
+        std::uint32_t style, first, count;  // contours; of a reference or a text: which one
         double ink = 0;                     // of a tint: the length of the lines in a unit of area
+    };
+    struct Text {
+        std::u32string characters;
+        OdGePoint3d start, end;  // of its baseline
+        OdGePoint3d top;         // of a capital at the start
     };
     struct Reference {
         OdDbObjectId block;
@@ -51,6 +58,7 @@ class DisplayList {
     void add(Kind kind, std::span<const OdGePoint3d> contour);
     /// Makes of the tint added last one for each of these lengths of lines in a unit of area, one over the other.
     void setInk(std::span<const double> lengths);
+    void addText(Text text);
     /// Returns its number; what is added from here to endAttributes belongs to its attributes.
     std::size_t addReference(const Reference& reference);
     void endAttributes(std::size_t reference);
@@ -58,6 +66,7 @@ class DisplayList {
 
     const std::vector<Item>& items() const { return items_; }
     const std::vector<Style>& styles() const { return styles_; }
+    const Text& text(const Item& item) const { return texts_[item.first]; }
     const Reference& reference(const Item& item) const { return references_[item.first]; }
     std::span<const OdGePoint3d> contour(std::size_t index) const;
     std::size_t bytes() const;
@@ -69,6 +78,7 @@ class DisplayList {
     std::vector<Style> styles_;
     std::vector<OdGePoint3d> points_;
     std::vector<std::uint32_t> contourEnds_;
+    std::vector<Text> texts_;
     std::vector<Reference> references_;
 };
 

@@ -4,10 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <new>
 
-#include "base/files.h"
-#include "base/text.h"
 #include "torvelhost/plot/cut.h"
 
 namespace host {
@@ -17,6 +14,9 @@ namespace {
 constexpr double kFarthest = 1e13;
 
 bool canBeCut(const OdGePoint2d& point) { return std::fabs(point.x) < kFarthest && std::fabs(point.y) < kFarthest; }
+
+// So much is kept before it is given away.
+constexpr std::size_t kManyPoints = 50000, kManyTexts = 2000;
 
 // Points that are nearer than this, in pixels, are one.
 constexpr double kSame = 0.02;
@@ -92,6 +92,16 @@ void Picture::clear() {
     shapes_.clear();
     contourEnds_.clear();
     points_.clear();
+    texts_.clear();
+}
+
+void Picture::giveAway() {
+    taker_(*this);
+    clear();
+}
+
+void Picture::giveAwayMuch() {
+    if (taker_ && (points_.size() > kManyPoints || texts_.size() > kManyTexts)) giveAway();
 }
 
 void Picture::clearClip() {
@@ -162,6 +172,7 @@ void Picture::addDot(const OdGePoint2d& center, const Pen& pen) {
 
 void Picture::addPolyline(std::span<const OdGePoint2d> points, const Pen& pen) {
     if (points.empty() || !std::all_of(points.begin(), points.end(), canBeCut)) return;
+    giveAwayMuch();
     if (clip_.empty())
         addCutAtBox(points, pen);
     else
@@ -233,6 +244,7 @@ void Picture::addCutAtPolygon(std::span<const OdGePoint2d> points, const Pen& pe
 }
 
 void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, FillRule rule) {
+    giveAwayMuch();
     beginShape(color, 0);
     shapes_.back().rule = rule;
     for (const Contour& contour : contours) {
@@ -262,9 +274,20 @@ void Picture::addArea(std::span<const Contour> contours, std::uint32_t color, Fi
 }
 
 void Picture::addTint(std::span<const Contour> contours, std::uint32_t color, double opacity) {
+    giveAwayMuch();
     const std::size_t before = shapes_.size();
     addArea(contours, color);
     if (shapes_.size() > before) shapes_.back().opacity = static_cast<float>(opacity);
+}
+
+void Picture::addText(Text text) {
+    if (!keepsTexts() || text.characters.empty()) return;
+    const OdGePoint2d middle = text.start + (text.end - text.start + (text.top - text.start)) * 0.5;
+    if (!canBeCut(text.start) || !canBeCut(text.end) || !canBeCut(text.top)) return;
+    if (middle.x < low_.x || middle.x > high_.x || middle.y < low_.y || middle.y > high_.y) return;
+    if (!clip_.empty() && !isInside(middle, clip_)) return;
+    giveAwayMuch();
+    texts_.push_back(std::move(text));
 }
 
 // What lies in any polygon is what lies in the triangles between its first corner and its sides, where those that turn
@@ -287,22 +310,6 @@ void Picture::addContour(const Contour& contour) {
         points_.resize(begin);
     else
         endContour();
-}
-
-bool isPictureFileName(std::wstring_view path) {
-    const std::wstring_view end = path.substr(path.size() < 4 ? 0 : path.size() - 4);
-    return base::equalsNoCase(end, L".svg") || base::equalsNoCase(end, L".png");
-}
-
-void writePicture(const Picture& picture, const std::wstring& path) {
-    const bool isSvg =
-        base::equalsNoCase(std::wstring_view(path).substr(path.size() < 4 ? 0 : path.size() - 4), L".svg");
-    try {
-        base::writeFile(path, isSvg ? svgText(picture) : pngBytes(picture));
-    } catch (const std::bad_alloc&) {
-        throw base::FileError(
-            path, L"not written, for there is not enough memory for the picture; a smaller one (--size) needs less");
-    }
 }
 
 }  // namespace host

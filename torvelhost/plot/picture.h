@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -41,6 +42,11 @@ class Picture {
         std::uint32_t firstContour, contourCount;
     };
     using Contour = std::vector<OdGePoint2d>;
+    /// What a text says and where, for those who search; it does not show.
+    struct Text {
+        std::u32string characters;
+        OdGePoint2d start, end, top;  // of the baseline; above its start, as high as a capital
+    };
 
     Picture(int width, int height, std::uint32_t background);
     int width() const { return width_; }
@@ -58,6 +64,9 @@ class Picture {
     /// An area that lets what is under it be seen; even-odd. The opacity is from 0 to 1.
     void addTint(std::span<const Contour> contours, std::uint32_t color, double opacity);
 
+    /// Kept where texts are.
+    void addText(Text text);
+
     /// Cuts off what is drawn from now on at a polygon.
     void setClip(const Contour& polygon);
     void clearClip();
@@ -65,13 +74,21 @@ class Picture {
     OdGePoint2d clipLow() const { return low_; }
     OdGePoint2d clipHigh() const { return high_; }
 
+    /// ---- for pictures that are written while they are drawn
+    /// Whenever there is much, and at giveAway(), it is taken, and then forgotten. Texts are kept from now on.
+    void setTaker(std::function<void(const Picture&)> taker) { taker_ = std::move(taker); }
+    void giveAway();
+    bool keepsTexts() const { return taker_ != nullptr; }
+
     /// ---- what was drawn
     /// Forgets it; the clip stays.
     void clear();
     const std::vector<Shape>& shapes() const { return shapes_; }
+    const std::vector<Text>& texts() const { return texts_; }
     std::span<const Point> contour(std::uint32_t index) const;
 
   private:
+    void giveAwayMuch();
     void addCutAtBox(std::span<const OdGePoint2d> points, const Pen& pen);
     void addCutAtPolygon(std::span<const OdGePoint2d> points, const Pen& pen);
     void beginShape(std::uint32_t color, float width);
@@ -90,16 +107,13 @@ class Picture {
     std::vector<Shape> shapes_;
     std::vector<std::uint32_t> contourEnds_;
     std::vector<Point> points_;
+    std::vector<Text> texts_;
+    std::function<void(const Picture&)> taker_;
 };
 
 /// The file's contents.
 std::string svgText(const Picture& picture);
 std::string pngBytes(const Picture& picture);
 std::string pngBytes(PixelBuffer buffer);
-
-/// Whether the name ends as that of a picture file does: .svg or .png.
-bool isPictureFileName(std::wstring_view path);
-/// By what the name ends in. Throws base::FileError; the file is as it was then.
-void writePicture(const Picture& picture, const std::wstring& path);
 
 }  // namespace host

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "torvelhost/plot/painter.h"
+#include "torvelhost/plot/pdf_writer.h"
 #include "torvelhost/plot/picture.h"
 
 namespace host {
@@ -61,6 +62,16 @@ void append(void* out, void* data, int size) {
 }
 
 }  // namespace
+
+std::string deflated(std::string_view bytes) {
+    WriterMemory memory;
+    // The data are not changed, only not declared so.
+    auto* const data = reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data()));
+    int size = 0;
+    const unsigned char* const packed = stbi_zlib_compress(data, static_cast<int>(bytes.size()), &size, 5);
+    if (!packed) throw std::bad_alloc();
+    return {reinterpret_cast<const char*>(packed), static_cast<std::size_t>(size)};
+}
 
 std::string pngBytes(const Picture& picture) {
     PixelBuffer buffer;

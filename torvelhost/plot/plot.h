@@ -1,23 +1,24 @@
-// Plotting: the view of a document as a picture.
+// Plotting: what a document shows, as a file.
 #pragma once
 
-#include <map>
 #include <string>
+#include <vector>
 
 #include "torvelhost/plot/picture.h"
+#include "torvelhost/plot/plot_settings.h"
 #include "torvelhost/session/document_view.h"
 
 namespace host {
 
-struct Plot {
-    Picture picture;
-    std::map<std::string, int> notDrawn;  // entities of each kind that could not be drawn
+/// Whether the name ends as that of a plot does: .svg, .png or .pdf.
+bool isPlotFileName(std::wstring_view path);
+bool isPdfFileName(std::wstring_view path);
 
-    /// "not drawn: 3 BODY, 1 IMAGE", or empty.
-    std::wstring warning() const;
-};
-
-/// The current space on white paper: as ZOOM left it, or all of it.
-Plot plotView(Document& document, DocumentView& view);
+/// The current space as ZOOM left it, or all of it; or the layouts that the settings name. SVG and PNG have the view's
+/// size. Throws base::FileError; the file is as it was then. Returns what there is to be told: "not drawn: 3 BODY".
+std::vector<std::wstring> plotToFile(Document& document, DocumentView& view, const PlotSettings& settings,
+                                     const std::wstring& path);
+/// A picture that is there already.
+void plotPicture(const Picture& picture, const PlotSettings& settings, const std::wstring& path);
 
 }  // namespace host

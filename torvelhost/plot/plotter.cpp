@@ -59,8 +59,8 @@ std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d
 
 }  // namespace
 
-Plotter::Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks)
-    : database_(database), picture_(picture), styles_(database), bounds_(blocks) {
+Plotter::Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks, const Inks& inks)
+    : database_(database), picture_(picture), styles_(database, inks), bounds_(blocks) {
     if (!bounds_) bounds_ = &ownBounds_.emplace(styles_);
     readVariables();
 }
@@ -76,7 +76,7 @@ void Plotter::forgetAllLists() {
 }
 
 void Plotter::readStyles() {
-    styles_ = Styles(database_);
+    styles_ = Styles(database_, styles_.inks());
     forgetAllLists();
 }
 
@@ -91,6 +91,7 @@ void Plotter::readVariables() {
 void Plotter::setUp(Shapes& shapes) const {
     shapes.setAttributeMode(attributeMode_);
     shapes.setWipeoutFrames(wipeoutFrames_);
+    shapes.setTexts(picture_.keepsTexts());
 }
 
 void Plotter::add(Shapes& shapes, const OdDbEntity& entity) {
@@ -264,6 +265,11 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
         case Kind::kMarker:
             project(0);
             return drawMarker(points_[0], look);
+        case Kind::kText: {
+            const DisplayList::Text& text = list.text(item);
+            return picture_.addText(
+                {text.characters, flat(toPixels, text.start), flat(toPixels, text.end), flat(toPixels, text.top)});
+        }
         case Kind::kReference:
             return;
     }

@@ -16,7 +16,7 @@ namespace host {
 class Plotter {
   public:
     /// All are referenced. Whoever measures blocks already gives how far they reach.
-    Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks = nullptr);
+    Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks = nullptr, const Inks& inks = {});
 
     /// A space as `toPixels` shows it. `pixelsPerUnit` is the scale that linetypes are drawn in.
     void drawSpace(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixelsPerUnit);

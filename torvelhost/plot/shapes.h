@@ -43,6 +43,8 @@ class Shapes {
     /// 0: no attribute shows, 1: all but invisible ones, 2: all.
     void setAttributeMode(int mode) { attributeMode_ = mode; }
     void setWipeoutFrames(bool shown) { wipeoutFrames_ = shown; }
+    /// Whether what texts say is added beside their strokes.
+    void setTexts(bool added) { texts_ = added; }
     /// Whether what is on layers that are off or frozen is added too.
     void setHiddenToo(bool added) { hiddenToo_ = added; }
     /// Leaves out what lies beside a box, seen from above, as far as that is quickly told.
@@ -114,6 +116,7 @@ class Shapes {
     bool inBlock_ = false;
     int attributeMode_ = 1;
     bool wipeoutFrames_ = true;
+    bool texts_ = false;
     bool hiddenToo_ = false;
     std::optional<OdGeExtents3d> window_;
 };

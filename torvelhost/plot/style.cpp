@@ -13,14 +13,6 @@ namespace {
 
 constexpr int kByLayerWeight = -1, kByBlockWeight = -2;
 constexpr int kDefaultWeight = 25;  // hundredths of a millimetre
-constexpr double kPixelsPerMillimetre = 4.0;
-
-// Colour 7 is the paper's opposite.
-std::uint32_t onPaper(const OdCmColor& color) {
-    if (color.colorMethod() == OdCmEntityColor::kForeground || (color.isByIndex() && color.colorIndex() == 7))
-        return Styles::kForeground;
-    return color.rgb();
-}
 
 Source inReference(const Source& source, const Source& ofReference, std::uint32_t layerOfReference) {
     if (source.kind == Source::kOfBlock) return ofReference;
@@ -39,10 +31,18 @@ Style inReference(const Style& entity, const Style& reference) {
     return style;
 }
 
-Styles::Styles(OdDbDatabase& database) : database_(&database) {
+// Colour 7 is the paper's opposite.
+std::uint32_t Styles::onPaper(const OdCmColor& color) const {
+    if (inks_.mono || color.colorMethod() == OdCmEntityColor::kForeground ||
+        (color.isByIndex() && color.colorIndex() == 7))
+        return inks_.foreground;
+    return color.rgb();
+}
+
+Styles::Styles(OdDbDatabase& database, const Inks& inks) : database_(&database), inks_(inks) {
     linetypes_.emplace_back();
     linetypeIndices_.emplace(L"CONTINUOUS", 0);
-    layers_.emplace_back();
+    layers_.push_back({.color = inks.foreground});
     const OdDbObjectId zero = database.findLayer(L"0");
     if (zero) layerIndices_.emplace(zero, 0);
     if (const auto table = database.layerTableId().openIf<OdDbSymbolTable>()) {
@@ -66,7 +66,7 @@ Styles::Styles(OdDbDatabase& database) : database_(&database) {
     }
     // What stands on a layer that the drawing does not have looks as on a new one.
     layerIndices_.emplace(OdDbObjectId(), static_cast<std::uint32_t>(layers_.size()));
-    layers_.emplace_back();
+    layers_.push_back({.color = inks.foreground});
 }
 
 std::uint32_t Styles::layerIndex(OdDbObjectId layer) {
@@ -123,7 +123,7 @@ Style Styles::colored(const Style& style, const OdCmColor& color) const {
 
 // By block, outside all blocks: the foreground, the default weight, continuous.
 Look Styles::lookOf(const Style& style) const {
-    Look look;
+    Look look{.color = inks_.foreground};
     if (style.color.kind == Source::kFixed)
         look.color = static_cast<std::uint32_t>(style.color.value);
     else if (style.color.kind == Source::kOfLayer)
@@ -135,7 +135,7 @@ Look Styles::lookOf(const Style& style) const {
     else if (style.weight.kind == Source::kOfLayer)
         weight = layers_[style.weight.layer].weight;
     if (weight < 0) weight = kDefaultWeight;
-    look.width = std::max(1.0, weight * kPixelsPerMillimetre / 100);
+    look.width = std::max(1.0, weight * inks_.pixelsPerMillimetre / 100);
 
     std::uint32_t linetype = 0;
     if (style.linetype.kind == Source::kFixed)

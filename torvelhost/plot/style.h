@@ -43,12 +43,22 @@ struct Look {
     double linetypeScale = 1.0;
 };
 
+/// What a picture makes of colours and lineweights.
+struct Inks {
+    std::uint32_t foreground = 0x000000, background = 0xFFFFFF;
+    bool mono = false;  // everything is drawn in the foreground's colour
+    double pixelsPerMillimetre = 4.0;
+
+    static Inks dark() { return {0xFFFFFF, 0x1E1E1E}; }
+};
+
 /// The layers and linetypes of a drawing.
 class Styles {
   public:
-    static constexpr std::uint32_t kForeground = 0x000000, kBackground = 0xFFFFFF;
+    static constexpr std::uint32_t kBackground = Inks().background;
 
-    explicit Styles(OdDbDatabase& database);
+    explicit Styles(OdDbDatabase& database, const Inks& inks = {});
+    const Inks& inks() const { return inks_; }
     OdDbDatabase& database() const { return *database_; }
 
     Style styleOf(const OdDbEntity& entity);
@@ -65,7 +75,7 @@ class Styles {
 
   private:
     struct Layer {
-        std::uint32_t color = kForeground;
+        std::uint32_t color = 0;
         int weight = -3;
         std::uint32_t linetype = 0;
         bool off = false, frozen = false, plotted = true, frozenHere = false;
@@ -73,7 +83,10 @@ class Styles {
     std::uint32_t layerIndex(OdDbObjectId layer);
     std::uint32_t linetypeIndex(const OdString& name);
 
+    std::uint32_t onPaper(const OdCmColor& color) const;
+
     OdDbDatabase* database_;
+    Inks inks_;
     std::vector<Layer> layers_;  // 0: layer "0"
     std::unordered_map<OdDbObjectId, std::uint32_t> layerIndices_;
     std::deque<std::vector<double>> linetypes_;  // 0: continuous; looks point at them

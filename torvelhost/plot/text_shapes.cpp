@@ -1,4 +1,7 @@
 // Single-line and multi-line text.
+#include <cmath>
+
+#include "base/text.h"
 #include "drawingdb/mtext.h"
 #include "drawingdb/mtext_layout.h"
 #include "drawingdb/stroke_font.h"
@@ -8,6 +11,15 @@
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
+namespace {
+
+std::u32string charactersOf(std::wstring_view text) {
+    std::u32string characters;
+    for (std::size_t position = 0; position < text.size();) characters += base::nextCharacter(text, position);
+    return characters;
+}
+
+}  // namespace
 
 drawingdb::TextGeometry geometryOf(const OdDbText& text, const OdString& shown) {
     const drawingdb::TextGeometry geometry = text.textGeometry();
@@ -39,6 +51,20 @@ void Shapes::addText(const OdDbText& text, const OdString& shown) {
     const auto add = [&](const OdGePoint2d& point) {
         list_.addPoint(plane * OdGePoint3d(point.x, point.y, elevation));
     };
+    if (texts_) {
+        DisplayList::Text said;
+        // Who looks for a diameter types the letter.
+        constexpr char32_t kDiameterSign = U'\u2205', kDiameterLetter = U'\u00D8';
+        for (const drawingdb::TextCharacter& c : drawingdb::decodeControlCodes(shown))
+            said.characters += c.character == kDiameterSign ? kDiameterLetter : c.character;
+        const double width = drawingdb::textExtents(shown, geometry.height, geometry.widthFactor).width;
+        const OdGeVector2d along(std::cos(geometry.rotation), std::sin(geometry.rotation)), up(-along.y, along.x);
+        const auto at = [&](const OdGePoint2d& point) { return plane * OdGePoint3d(point.x, point.y, elevation); };
+        said.start = at(geometry.position);
+        said.end = at(geometry.position + along * (geometry.mirroredInX ? -width : width));
+        said.top = at(geometry.position + up * (geometry.mirroredInY ? -geometry.height : geometry.height));
+        list_.addText(std::move(said));
+    }
     list_.begin(DisplayList::Kind::kStrokes);
     if (isTooSmall(geometry.height)) {
         // A line where it stands; nobody could read it.
@@ -77,7 +103,8 @@ void Shapes::addMText(const OdDbMText& text) {
     if (text.backgroundFillOn() || text.hasFrame()) {
         Corners corners;
         for (const OdGePoint2d& corner : text.box()) corners.push_back(inWorld(corner));
-        if (text.backgroundFillOn() && text.useBackgroundColorOn()) {
+        // One colour for all would hide the text.
+        if (text.backgroundFillOn() && (text.useBackgroundColorOn() || styles_.inks().mono)) {
             list_.add(DisplayList::Kind::kMask, corners);
         } else if (text.backgroundFillOn()) {
             list_.setStyle(styles_.colored(own, text.backgroundFillColor()));
@@ -87,7 +114,20 @@ void Shapes::addMText(const OdDbMText& text) {
         corners.push_back(corners.front());
         if (text.hasFrame()) list_.add(DisplayList::Kind::kStrokes, corners);
     }
+    const auto addSaid = [&](const drawingdb::MTextPlacedRun& run) {
+        std::wstring said = run.text;
+        if (run.kind == drawingdb::MTextRunKind::Stack)
+            said += run.lower.empty() ? run.lower : (run.separator == L'^' ? L' ' : L'/') + run.lower;
+        const OdGePoint2d& start = run.position;
+        list_.addText({charactersOf(said), inWorld(start), inWorld({start.x + run.width, start.y}),
+                       inWorld({start.x, start.y + run.format.height})});
+    };
     for (const drawingdb::MTextLine& line : layout.lines) {
+        if (texts_) {
+            list_.setStyle(own);
+            for (const drawingdb::MTextPlacedRun& run : line.runs)
+                if (run.kind != drawingdb::MTextRunKind::Tab) addSaid(run);
+        }
         if (isTooSmall(line.height)) {
             const OdGePoint2d middle(line.position.x, line.position.y + line.height / 2);
             list_.setStyle(own);

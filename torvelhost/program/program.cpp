@@ -18,6 +18,7 @@
 #include "torvelhost/lines/help_text.h"
 #include "torvelhost/lines/progress.h"
 #include "torvelhost/plot/plot.h"
+#include "torvelhost/plot/sheet.h"
 #include "torvelhost/program/summary.h"
 #include "torvelhost/program/view_window.h"
 #include "torvelhost/session/application.h"
@@ -123,12 +124,34 @@ void endWithoutMemory() {
 void plotShown(const Options& options, Application& application, Terminal& terminal) {
     if (!options.plot) return;
     onFile(terminal, L"Plotting", L"draw the picture", *options.plot, [&] {
-        if (const Picture* const slide = application.slideView()->slide()) return writePicture(*slide, *options.plot);
+        const PlotSettings& settings = options.plotSettings;
+        if (const Picture* const slide = application.slideView()->slide(); slide && !settings.layout)
+            return plotPicture(*slide, settings, *options.plot);
         Application::Session& session = *application.session();
-        const Plot plot = plotView(session.document, session.view);
-        if (const std::wstring warning = plot.warning(); !warning.empty()) terminal.warning(warning);
-        writePicture(plot.picture, *options.plot);
+        for (const std::wstring& warning : plotToFile(session.document, session.view, settings, *options.plot))
+            terminal.warning(warning);
     });
+}
+
+void checkPlotSettings(const PlotSettings& settings, const std::optional<std::wstring>& plot) {
+    const bool isPdf = plot && isPdfFileName(*plot);
+    const auto refuse = [&](bool isGiven, const char* option, const char* what, const char* instead) {
+        if (isGiven) throw UsageError(std::string(option) + ": only " + what + instead);
+    };
+    constexpr char kGivePdf[] = "; give -p a name that ends in .pdf";
+    refuse(settings.paper && !isPdf, "--paper", "a plot in PDF has paper", kGivePdf);
+    refuse(settings.hasScale && !isPdf, "--scale", "a plot in PDF has a scale", kGivePdf);
+    refuse(settings.hasAllLayouts() && !isPdf, "--layout", "a plot in PDF has pages for all layouts", kGivePdf);
+    refuse(settings.layout && !plot, "--layout", "what is plotted", "; give -p too");
+    refuse(settings.hasColors && !plot, "--colors", "what is plotted", "; give -p too");
+}
+
+// Before anything is done with the drawing.
+void checkLayout(const Options& options, const OdDbDatabase& database) {
+    const PlotSettings& settings = options.plotSettings;
+    if (settings.layout && !settings.hasAllLayouts() && !hasLayout(database, *settings.layout))
+        throw UsageError("--layout: the drawing has no layout \"" + base::toUtf8(*settings.layout) + "\"; it has " +
+                         base::toUtf8(layoutList(database)));
 }
 
 // Refuses what cannot be done before anything is.
@@ -137,9 +160,10 @@ void checkOptions(const Options& options) {
         throw UsageError("--output: a drawing is saved to a file, not to standard output; ./- is a file of that name");
     if (options.summary != Options::Summary::kNone && !options.isInteractive())
         throw UsageError("--summary: nothing else is done with the drawing; leave -s, -c, -o and -p out");
-    if (options.plot && !isPictureFileName(*options.plot))
+    if (options.plot && !isPlotFileName(*options.plot))
         throw UsageError("--plot: \"" + base::toUtf8(*options.plot) +
-                         "\" is no picture; give a name that ends in .svg or .png");
+                         "\" is no picture; give a name that ends in .svg, .png or .pdf");
+    checkPlotSettings(options.plotSettings, options.plot);
     if (options.record && !options.hasWindow())
         throw UsageError("--record: only what is done in a window is recorded; give --view or --events too");
     if (options.events && options.windows)
@@ -182,6 +206,7 @@ ExitStatus runAtTerminal(const Options& options, Terminal& terminal) {
     Application application(options, terminal);
     loadCommandModule(terminal, replies->isScript());
     application.open(openDrawing(options.drawing, options, terminal), *replies);
+    checkLayout(options, *application.session()->document.database());
     setVariables(options, application.session()->variables);
     DialogLines dialogLines(*replies, terminal);
     const DialogUse dialogUse(options.windows, dialogLines);
@@ -207,6 +232,7 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
     for (; opened; opened = window.view().takeOpened()) {
         window.view().showNothing();
         application.open(std::move(opened->database), window.view());
+        if (status == kAllFinished) checkLayout(options, *application.session()->document.database());
         setVariables(options, application.session()->variables);
         if (opened->isUnsaved) application.session()->document.markUnsaved();
         window.view().show(application, opened->name);

@@ -90,7 +90,12 @@ bool DocumentView::setPrevious() {
 
 std::optional<OdGeExtents3d> DocumentView::extents() const { return extentsOfSpace(document_.activeSpaceId()); }
 
-View DocumentView::toPlot() { return views_[currentSpaceId()].size() > 1 ? current() : whole(); }
+bool DocumentView::isChosen() const {
+    const auto views = views_.find(currentSpaceId());
+    return views != views_.end() && views->second.size() > 1;
+}
+
+View DocumentView::toPlot() { return isChosen() ? current() : whole(); }
 
 View DocumentView::whole() {
     const auto box = extentsOfSpace(currentSpaceId());

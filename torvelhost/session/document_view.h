@@ -36,6 +36,8 @@ class DocumentView {
     void move(const View& view);
     /// All there is now.
     View whole();
+    /// Whether a command, or a hand, set the view of the current space.
+    bool isChosen() const;
     /// What a plot shows: the view that was set, or all there is now.
     View toPlot();
 

@@ -18,12 +18,16 @@ struct OptionName {
     Value value;
 };
 constexpr OptionName kOptions[] = {
-    {'s', "script", Value::kWanted}, {'c', "command", Value::kWanted}, {'o', "output", Value::kWanted},
-    {'p', "plot", Value::kWanted},   {0, "size", Value::kWanted},      {0, "set", Value::kWanted},
-    {0, "profile", Value::kWanted},  {0, "windows", Value::kNone},     {0, "view", Value::kNone},
-    {0, "events", Value::kWanted},   {0, "record", Value::kWanted},    {0, "summary", Value::kMayFollowSign},
-    {0, "recover", Value::kNone},    {'q', "quiet", Value::kNone},     {0, "help", Value::kMayFollowSign},
-    {0, "version", Value::kNone},
+    {'s', "script", Value::kWanted},    {'c', "command", Value::kWanted},
+    {'o', "output", Value::kWanted},    {'p', "plot", Value::kWanted},
+    {0, "size", Value::kWanted},        {0, "set", Value::kWanted},
+    {0, "paper", Value::kWanted},       {0, "scale", Value::kWanted},
+    {0, "layout", Value::kWanted},      {0, "colors", Value::kWanted},
+    {0, "profile", Value::kWanted},     {0, "windows", Value::kNone},
+    {0, "view", Value::kNone},          {0, "events", Value::kWanted},
+    {0, "record", Value::kWanted},      {0, "summary", Value::kMayFollowSign},
+    {0, "recover", Value::kNone},       {'q', "quiet", Value::kNone},
+    {0, "help", Value::kMayFollowSign}, {0, "version", Value::kNone},
 };
 
 void apply(Options& options, std::string_view name, const std::wstring& value) {
@@ -44,6 +48,27 @@ void apply(Options& options, std::string_view name, const std::wstring& value) {
             throw UsageError("--size: \"" + base::toUtf8(value) + "\" is no size; give WIDTHxHEIGHT in pixels");
         options.width = static_cast<int>(*width);
         options.height = static_cast<int>(*height);
+    } else if (name == "paper") {
+        options.plotSettings.paper = parsePaper(value);
+        if (!options.plotSettings.paper)
+            throw UsageError(
+                "--paper: \"" + base::toUtf8(value) +
+                "\" is no paper; give A0 to A5 or ANSI-A to ANSI-E, with -portrait or -landscape behind it "
+                "or not, or WIDTHxHEIGHT in millimetres, 10 to 5000");
+    } else if (name == "scale") {
+        const auto scale = parsePlotScale(value);
+        if (!scale)
+            throw UsageError("--scale: \"" + base::toUtf8(value) +
+                             "\" is no scale; give PAPER:DRAWING, as in 1:50 or 2:1, or fit");
+        options.plotSettings.scale = *scale;
+        options.plotSettings.hasScale = true;
+    } else if (name == "layout") {
+        options.plotSettings.layout = value;
+    } else if (name == "colors") {
+        const auto inks = parseInks(value);
+        if (!inks) throw UsageError("--colors: \"" + base::toUtf8(value) + "\" is neither color nor mono nor dark");
+        options.plotSettings.inks = *inks;
+        options.plotSettings.hasColors = true;
     } else if (name == "set") {
         const std::size_t equals = value.find(L'=');
         if (equals == value.npos || equals == 0)
@@ -91,8 +116,13 @@ const char kUsage[] =
     "  -s, --script FILE       take replies from FILE (\"-\": standard input)\n"
     "  -c, --command TEXT      take replies from TEXT, where \"|\" separates lines; may be repeated\n"
     "  -o, --output FILE       save the drawing there at the end (may be the drawing itself)\n"
-    "  -p, --plot FILE         draw what the view shows there at the end (.svg or .png)\n"
+    "  -p, --plot FILE         draw what the view shows there at the end (.svg, .png or .pdf)\n"
     "      --size WxH          of the plot and the view in pixels (1600x1200)\n"
+    "      --paper NAME        of a plot in PDF: A0 to A5, ANSI-A to ANSI-E, also A3-portrait, or WxH in millimetres "
+    "(A4)\n"
+    "      --scale A:B         of a plot in PDF: A millimetres on paper are B in the drawing (fit)\n"
+    "      --layout NAME       plot this layout as its page is set up; in PDF also all: a page each\n"
+    "      --colors mono|dark  plot everything in black, or on dark ground\n"
     "      --set NAME=VALUE    set a system variable first; may be repeated\n"
     "      --profile FILE      the settings store (default: the user's own)\n"
     "      --windows           show dialogs as windows (on Windows the default without a script)\n"

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "torvelhost/plot/plot_settings.h"
+
 namespace host {
 
 /// Exit statuses of the program.
@@ -22,6 +24,7 @@ struct Options {
     std::optional<std::wstring> output;
     std::optional<std::wstring> plot;
     int width = 1600, height = 1200;
+    PlotSettings plotSettings;
     std::vector<std::pair<std::wstring, std::wstring>> variables;
     std::optional<std::wstring> profile;
     bool windows = false;

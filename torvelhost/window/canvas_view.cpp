@@ -507,15 +507,14 @@ void CanvasView::plot() {
     request.save = true;
     request.title = L"Plot";
     request.defaultExtension = L"png";
-    request.filter = L"Pictures (*.png;*.svg)|*.png;*.svg|All files|*.*||";
+    request.filter = L"Pictures (*.png;*.svg;*.pdf)|*.png;*.svg;*.pdf|All files|*.*||";
     request.askOverwrite = true;
     const auto path = askFile(request);
     if (!path) return;
     try {
-        if (!isPictureFileName(*path)) throw base::FileError(*path, L"give a name that ends in .svg or .png");
-        const Plot plotted = plotView(session_->document, session_->view);
-        if (const std::wstring warning = plotted.warning(); !warning.empty()) terminal_.warning(warning);
-        writePicture(plotted.picture, *path);
+        if (!isPlotFileName(*path)) throw base::FileError(*path, L"give a name that ends in .svg, .png or .pdf");
+        for (const std::wstring& warning : plotToFile(session_->document, session_->view, {}, *path))
+            terminal_.warning(warning);
     } catch (const base::FileError& error) {
         ask(dialogs::BoxKind::kError, base::fromUtf8(error.what()));
     }
