@@ -8,7 +8,19 @@ _torvelhost() {
             compopt -o filenames
             return
             ;;
-        -c | --command | --size | --set) return ;;
+        --paper)
+            mapfile -t COMPREPLY < <(compgen -W "$(echo {A{0..5},ANSI-{A..E}}{,-portrait,-landscape})" -- "$word")
+            return
+            ;;
+        --colors)
+            mapfile -t COMPREPLY < <(compgen -W "color mono dark" -- "$word")
+            return
+            ;;
+        --scale)
+            mapfile -t COMPREPLY < <(compgen -W "fit" -- "$word")
+            return
+            ;;
+        -c | --command | --size | --set | --layout) return ;;
     esac
     case $word in
         -*)

@@ -179,7 +179,7 @@ class CommandLine(unittest.TestCase):
 
     def test_wrong_usage_is_2(self):
         for arguments in (["--nothing"], ["-c"], ["a.dxf", "b.dxf"], ["--set", "NOSUCH=1", "-c", ""],
-                          ["--set", "LUPREC=many", "-c", ""], ["-c", "", "-o", "-"], ["--size", "9", "-c", ""], ["-p", "plot.pdf", "-c", ""]):
+                          ["--set", "LUPREC=many", "-c", ""], ["-c", "", "-o", "-"], ["--size", "9", "-c", ""], ["-p", "plot.bmp", "-c", ""]):
             with self.subTest(arguments):
                 run = self.run_program(*arguments)
                 self.assertEqual(run.status, 2)
