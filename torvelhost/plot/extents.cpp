@@ -5,6 +5,7 @@
 
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
+#include "drawingdb/reference_cells.h"
 #include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/viewport.h"
@@ -87,13 +88,8 @@ std::unordered_set<OdDbObjectId> BlockBounds::measureAnew(const std::unordered_s
 }
 
 OdGeExtents3d inAllCells(const OdGeExtents3d& box, const DisplayList::Reference& reference) {
-    OdGeExtents3d all = box;
-    if (!box.isValid()) return all;
-    const OdGeVector3d across = reference.columnStep * (reference.columns - 1),
-                       up = reference.rowStep * (reference.rows - 1);
-    for (const OdGeVector3d& shift : {across, up, across + up})
-        all.addExtents(OdGeExtents3d(box.minPoint() + shift, box.maxPoint() + shift));
-    return all;
+    return drawingdb::inAllCells(box, reference.columnStep * (reference.columns - 1),
+                                 reference.rowStep * (reference.rows - 1));
 }
 
 Bounds BlockBounds::of(const DisplayList::Reference& reference) {

@@ -44,6 +44,7 @@ class DRAWINGDB_API OdDbAttributeText : public OdDbText {
     void setMultiLine(bool on);
     /// Brings the single-line side (text, place, form) in line with the multi-line text; setting that does so already.
     void followMText();
+    void setNormal(const OdGeVector3d& normal) override;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
     bool geomExtents(OdGeExtents3d& extents) const override;
 

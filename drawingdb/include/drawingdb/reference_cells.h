@@ -33,4 +33,13 @@ class ReferenceCells {
     OdGeMatrix3d axes_;  // of a multiple reference
 };
 
+/// The box around all cells, given that of the first and the ways to the last column and to the last row.
+inline OdGeExtents3d inAllCells(const OdGeExtents3d& first, const OdGeVector3d& across, const OdGeVector3d& up) {
+    OdGeExtents3d all = first;
+    if (!first.isValid()) return all;
+    for (const OdGeVector3d& shift : {across, up, across + up})
+        all.addExtents(OdGeExtents3d(first.minPoint() + shift, first.maxPoint() + shift));
+    return all;
+}
+
 }  // namespace drawingdb

@@ -32,7 +32,7 @@ class DRAWINGDB_API OdDbText : public OdDbEntity {
     OdGePoint3d alignmentPoint() const;
     void setAlignmentPoint(const OdGePoint3d& point);
     OdGeVector3d normal() const { return normal_; }
-    void setNormal(const OdGeVector3d& normal);  ///< keeps the points' world places
+    virtual void setNormal(const OdGeVector3d& normal);  ///< keeps the points' world places
     double thickness() const { return thickness_; }
     void setThickness(double value);
     double oblique() const { return oblique_; }
@@ -81,7 +81,7 @@ class DRAWINGDB_API OdDbText : public OdDbEntity {
 
   protected:
     /// What a setter has changed.
-    enum class Change { text, position, alignmentPoint, height, rotation, normal, style, justification, shape };
+    enum class Change { text, position, alignmentPoint, height, rotation, style, justification, shape };
     /// Stands for a point that is not there.
     static constexpr OdGePoint3d kNoPoint{std::numeric_limits<double>::max(), 0, 0};
 

@@ -106,20 +106,8 @@ std::size_t OdDbDatabase::touchEverything() {
     const std::uint32_t count = core_->stubs.size();
     for (std::uint32_t i = 1; i < count; ++i) {
         Stub& stub = core_->at(i);
-        switch (stub.type) {
-            case rtNone:
-            case rtSection:
-            case rtEndsec:
-            case rtEndtab:
-            case rtBlock:
-            case rtEndblk:
-            case rtSeqend:
-            case rtEof:
-            case rtClass:
-                continue;
-            default:
-                break;
-        }
+        // Tables and vertices belong to other things, but are typed too.
+        if (!core_->isObject(stub) && stub.type != rtTable && stub.type != rtVertex) continue;
         if (const OdDbObjectPtr object = core_->open(stub, OdDb::forWrite, false)) {
             object->assertWriteEnabled();
             ObjectAccess::runsChanged(*object) = false;

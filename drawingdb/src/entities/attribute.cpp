@@ -253,9 +253,6 @@ void OdDbAttributeText::changed(Change what) {
         case Change::height:
             mtext_->setTextHeight(height_);
             return;
-        case Change::normal:
-            mtext_->setNormal(isSeenFromBehind(*mtext_, *this) ? -normal_ : normal_);
-            [[fallthrough]];
         case Change::rotation: {
             const OdGeVector2d baseline = drawingdb::directionOf(rotation_);
             const OdGeVector3d along = OdGeMatrix3d::planeToWorld(normal_) * OdGeVector3d(baseline.x, baseline.y, 0);
@@ -271,6 +268,18 @@ void OdDbAttributeText::changed(Change what) {
             mtext_->setVerticalMode(vertical_);
             return;
     }
+}
+
+// Lines that are seen from behind stay so, however far the plane turns: the side is asked while both normals are old.
+void OdDbAttributeText::setNormal(const OdGeVector3d& normal) {
+    if (!mtext_ || normal == normal_) {
+        OdDbText::setNormal(normal);
+        return;
+    }
+    const bool behind = isSeenFromBehind(*mtext_, *this);
+    OdDbText::setNormal(normal);
+    mtext_->setNormal(behind ? -normal_ : normal_);
+    changed(Change::rotation);
 }
 
 void OdDbAttributeText::followMText() {

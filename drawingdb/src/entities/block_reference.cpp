@@ -5,6 +5,7 @@
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/dictionary.h"
+#include "drawingdb/reference_cells.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
@@ -160,26 +161,18 @@ OdResult OdDbBlockReference::transformBy(const OdGeMatrix3d& matrix) {
     return OdResult::ok;
 }
 
+// What stands in the first cell, its attributes too, stands in each.
 bool OdDbBlockReference::geomExtents(OdGeExtents3d& extents) const {
     const OdDbObjectId block = blockTableRecord();
-    const OdGeExtents3d local = block ? coreOf(block.stub()).extentsOf(*block.stub()) : OdGeExtents3d();
-    if (local.isValid()) {
-        OdGeExtents3d cells = local;
-        if (columns() > 1 || rows() > 1) {
-            // Rows and columns are counted in the reference's own directions, unscaled.
-            const double dx = (columns() - 1) * columnSpacing_ / (scale_.x != 0 ? scale_.x : 1);
-            const double dy = (rows() - 1) * rowSpacing_ / (scale_.y != 0 ? scale_.y : 1);
-            cells.addPoint(local.minPoint() + OdGeVector3d(dx, dy, 0));
-            cells.addPoint(local.maxPoint() + OdGeVector3d(dx, dy, 0));
-        }
-        cells.transformBy(blockTransform());
-        extents.addExtents(cells);
-    }
+    const ReferenceCells cells(*this);
+    OdGeExtents3d first = block ? coreOf(block.stub()).extentsOf(*block.stub()) : OdGeExtents3d();
+    first.transformBy(cells.transform(0, 0));
     for (const OdDbObjectId id : attributes()) {
         OdGeExtents3d one;
         if (const auto attribute = id.openIf<OdDbAttribute>();
             attribute && !attribute->isInvisible() && attribute->geomExtents(one))
-            extents.addExtents(one);
+            first.addExtents(one);
     }
+    extents.addExtents(inAllCells(first, cells.offset(0, columns() - 1), cells.offset(rows() - 1, 0)));
     return extents.isValid();
 }

@@ -151,7 +151,7 @@ void OdDbText::setNormal(const OdGeVector3d& normal) {
     position_.transformBy(toNewPlane);
     if (hasAlignment()) alignment_ = toNewPlane * alignmentInPlane();
     normal_ = normal.normal();
-    changed(Change::normal);
+    changed(Change::shape);
 }
 void OdDbText::setThickness(double value) {
     assertWriteEnabled();

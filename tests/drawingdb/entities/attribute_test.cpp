@@ -98,6 +98,37 @@ const char* const kPlan =
     "100|AcDbAttribute|280|0|2|T|70|0|74|3|71|2|72|0|11|6.0|21|7.0|31|0.0|"
     "101|Embedded Object|10|6.0|20|7.0|30|0.0|40|1.5|41|20.0|46|0.0|71|1|72|5|1|value 1\\Pvalue 2";
 
+// Rows and columns run in the reference's own directions, unscaled; its attributes stand in each cell as its block
+// does.
+TEST(AttributeFiles, AMultipleReferenceReachesAroundAllItsCells) {
+    for (const char* const scaleX : {"-2", "0"}) {
+        const auto database = drawing(
+            "AC1032", std::string("0|INSERT|5|E|100|AcDbEntity|8|0|100|AcDbMInsertBlock|66|1|2|A|10|1|20|2|30|0|41|") +
+                          scaleX +
+                          "|50|30|70|3|71|2|44|10|45|-25|"
+                          "0|ATTRIB|5|F|100|AcDbEntity|8|0|100|AcDbText|10|6|20|30|30|0|40|2|1|word|100|"
+                          "AcDbAttribute|2|T|70|0|0|SEQEND|5|10|0|ENDSEC|0|SECTION|2|BLOCKS|0|BLOCK|5|11|2|A|70|2|10|0|"
+                          "20|0|30|0|0|LINE|5|12|100|AcDbEntity|8|0|100|AcDbLine|10|0|20|0|30|0|11|3|21|4|31|0|0|"
+                          "ENDBLK|5|13");
+        const auto reference = opened<OdDbBlockReference>(database, 0xE);
+        OdGeExtents3d word, expected, found;
+        ASSERT_TRUE(opened<OdDbAttribute>(database, 0xF)->geomExtents(word));
+        const double turn = reference->rotation();
+        for (int row = 0; row < 2; ++row)
+            for (int column = 0; column < 3; ++column) {
+                const OdGeVector3d shift(column * 10 * std::cos(turn) + row * 25 * std::sin(turn),
+                                         column * 10 * std::sin(turn) - row * 25 * std::cos(turn), 0);
+                const OdGeMatrix3d cell = OdGeMatrix3d::translation(shift);
+                OdGeExtents3d line({0, 0, 0}, {3, 4, 0}), text = word;
+                expected.addExtents(line.transformBy(cell * reference->blockTransform()));
+                expected.addExtents(text.transformBy(cell));
+            }
+        ASSERT_TRUE(reference->geomExtents(found));
+        EXPECT_TRUE(found.minPoint().isEqualTo(expected.minPoint())) << scaleX;
+        EXPECT_TRUE(found.maxPoint().isEqualTo(expected.maxPoint())) << scaleX;
+    }
+}
+
 TEST(AttributeFiles, EverythingComesFromTheDefinition) {
     const auto database = drawing("AC1032", kPlan);
     const auto source = opened<OdDbAttributeDefinition>(database, 0xD);
@@ -366,6 +397,36 @@ TEST(AttributeFiles, BackwardsLinesTurnAsFarAsTheirRotation) {
     const OdGeVector3d turned = attribute->getMTextAttribute()->direction();
     EXPECT_NEAR(turned.dotProduct(along) / turned.length() / along.length(), std::cos(1), 1e-12);
     EXPECT_NEAR(attribute->getMTextAttribute()->normal().dotProduct(normal), -1, 1e-12);
+}
+
+// However a reference is moved, the lines go by the text that they stand for: in a mirror with the opposite normal and
+// against its baseline, else with the same ones. So they do where only the attribute's plane is turned.
+TEST(AttributeFiles, MirroredLinesKeepTheirSideOfThePlane) {
+    const auto database = drawing("AC1032", kPlan);
+    const auto attribute = opened<OdDbAttribute>(database, 0xC, OdDb::forWrite);
+    const auto expectOneSide = [&](const char* after) {
+        SCOPED_TRACE(after);
+        const auto lines = attribute->getMTextAttribute();
+        const double side = attribute->isMirroredInX() ? -1 : 1;
+        EXPECT_NEAR(lines->normal().dotProduct(attribute->normal()), side, 1e-12);
+        const OdGeVector3d baseline = OdGeMatrix3d::planeToWorld(attribute->normal()) *
+                                      OdGeVector3d(std::cos(attribute->rotation()), std::sin(attribute->rotation()), 0);
+        EXPECT_NEAR(lines->direction().dotProduct(baseline), side, 1e-12);
+    };
+    attribute->setRotation(0.3);
+    for (const bool mirrored : {false, true}) {
+        ASSERT_EQ(attribute->isMirroredInX(), mirrored);
+        expectOneSide("as it is");
+        attribute->transformBy(OdGeMatrix3d::rotation(2.8, OdGeVector3d(1, 2, 0)));
+        expectOneSide("turned out of the plane");
+        attribute->transformBy(OdGeMatrix3d::scaling({2, 2, -2}));
+        expectOneSide("mirrored above and below");
+        for (const OdGeVector3d& normal : {OdGeVector3d(0, 0, -1), OdGeVector3d(0, -1, 0.1), OdGeVector3d::kZAxis}) {
+            attribute->setNormal(normal);
+            expectOneSide("in another plane");
+        }
+        attribute->transformBy(OdGeMatrix3d::scaling({1, -1, 1}));
+    }
 }
 
 // What is derived (the place of justified text, the embedded text) goes back with what it was derived from.
