@@ -31,8 +31,8 @@ double scaleAlong(const OdDbMText& text, const OdGeMatrix3d& transform) {
 
 // The temporary text in the space where the user draws.
 OdSmartPtr<OdDbMText> appendTemporary(const OdDbEntity& source, const OdDbMText& form, OdDbDatabase& database,
-                                      const OdGeMatrix3d& transform, CapturedText value) {
-    const auto text = OdDbMText::createObject();
+                                      const OdGeMatrix3d& transform, const CapturedText& value) {
+    auto text = OdDbMText::createObject();
     text->setDatabaseDefaults(&database);
     text->setPropertiesFrom(source);
     text->setVisibility(true);

@@ -57,7 +57,7 @@ std::vector<AttributeDefinitionPtr> definitionsOf(OdDbObjectId block) {
 }
 
 OdSmartPtr<OdDbAttribute> append(OdDbBlockReference& reference, const OdDbAttributeDefinition& definition) {
-    const auto attribute = OdDbAttribute::createObject();
+    auto attribute = OdDbAttribute::createObject();
     reference.appendAttribute(attribute.get());
     attribute->setAttributeFromBlock(definition, reference.blockTransform());
     return attribute;

@@ -141,6 +141,7 @@ class Editor {
 
   private:
     struct Closer {
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): this is the deleter of the owner.
         void operator()(FILE* file) const { std::fclose(file); }
         void operator()(EditLine* line) const { el_end(line); }
         void operator()(HistoryW* history) const { history_wend(history); }

@@ -58,6 +58,7 @@ class Scene::Engine {
         OdDbObjectId space;
         int size;
         std::size_t frozen;
+        // NOLINTNEXTLINE(modernize-use-nullptr): takes the zero that comparisons are made with for a pointer.
         auto operator<=>(const Key&) const = default;
     };
     /// A stretch of the picture: entities of a space, in their order; behind it a viewport's frame.

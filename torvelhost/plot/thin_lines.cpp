@@ -34,6 +34,7 @@ class Edges {
                     std::lround(256 * area(static_cast<double>(slope) / kSlopes,
                                            static_cast<double>(height) / kPerPixel - kBeside)));
     }
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): it is never negative, and asked for each pixel.
     const Row& of(double slope) const { return rows_[static_cast<std::size_t>(std::fabs(slope) * kSlopes + 0.5)]; }
 
   private:
@@ -178,6 +179,7 @@ void ThinLines::addColumns(const Strip& strip, const Cover& cover) {
     };
     const auto addPart = [&](int column) {
         const double left = std::max(strip.from, static_cast<double>(column)), right = std::min(strip.to, column + 1.0);
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings): it is never negative, and asked for each pixel.
         add(column, fixed((left + right) / 2), static_cast<std::uint32_t>((right - left) * 256 + 0.5));
     };
     int first = static_cast<int>(std::floor(std::max<double>(strip.from, strip.begin)));

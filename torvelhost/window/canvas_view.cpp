@@ -93,7 +93,7 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     followed_.reset();
     frame_.setCursor(question.expected.kind == Expected::kDialog ? ViewFrame::Cursor::kArrow
                                                                  : ViewFrame::Cursor::kNone);
-    const std::optional<std::wstring> line = waitForReply();
+    std::optional<std::wstring> line = waitForReply();
     if (line) {
         terminal_.prompt(question.prompt + *line + L"\n");
         if (question.expected.kind != Expected::kDialog) record(*line);

@@ -19,7 +19,7 @@ OdDbDatabasePtr activeDatabase() {
 
 HostLocalUndo::HostLocalUndo() : HostLocalUndo(activeDatabase()) {}
 
-HostLocalUndo::HostLocalUndo(OdDbDatabasePtr database)
+HostLocalUndo::HostLocalUndo(const OdDbDatabasePtr& database)
     : RestorePoints(database), groupedIn_(database && !database->isUndoBlockStarted() ? database : nullptr) {
     if (groupedIn_) groupedIn_->blockUndoRecording(true);
 }

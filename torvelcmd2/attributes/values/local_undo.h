@@ -43,7 +43,7 @@ class HostLocalUndo : public RestorePoints {
   public:
     /// Works on the drawing that is current in the host.
     HostLocalUndo();
-    explicit HostLocalUndo(OdDbDatabasePtr database);
+    explicit HostLocalUndo(const OdDbDatabasePtr& database);
     virtual ~HostLocalUndo();
 
     /// Making one records a restore point.

@@ -65,7 +65,7 @@ Answer askCode(const Desk& desk) {
     for (;;) {
         const Answer answer = ask(desk, L"Enter field code or kind of field [%s]", keywords.c_str());
         if (!answer) return {};
-        if (const auto code = codeMeant(*answer)) return code;
+        if (auto code = codeMeant(*answer)) return code;
         const auto* const kind =
             std::ranges::find(kKinds, *answer, [](const KindNames& k) { return OdString(k.keyword); });
         if (kind != std::end(kKinds)) return askParts(desk, *kind);
