@@ -35,13 +35,7 @@ class QtFrame : public testing::Test {
         std::wstring reason;
         frame = host::makeViewFrame(reason);
         ASSERT_TRUE(frame) << base::toUtf8(reason);
-        frame->setMenus({{L"&File",
-                          {{L"&Save", L"File/Save", L"Ctrl+S", L"Saves the drawing", true, true},
-                           {L"", L"", L"", L"", true, false},
-                           {L"&Gone", L"File/Gone", L"Ctrl+G", L"", false, true}}},
-                         {L"&Edit", {{L"&Undo", L"Edit/Undo", L"Ctrl+Z", L"", true, false}}}});
-        frame->setTabs({L"Model", L"Layout1"}, 0);
-        frame->setPrompt(L"Specify a <point> or [Hor/Ver]:", {L"Hor", L"Ver"});
+        fill(*frame);
         frame->open(events);
         settle();
         events.log.clear();

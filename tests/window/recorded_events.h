@@ -7,6 +7,17 @@
 #include "base/text.h"
 #include "torvelhost/window/view_frame.h"
 
+/// Gives a window menus, tabs and a prompt with two words.
+inline void fill(host::ViewFrame& frame) {
+    frame.setMenus({{L"&File",
+                     {{L"&Save", L"File/Save", L"Ctrl+S", L"Saves the drawing", true, true},
+                      {L"", L"", L"", L"", true, false},
+                      {L"&Gone", L"File/Gone", L"Ctrl+G", L"", false, true}}},
+                    {L"&Edit", {{L"&Undo", L"Edit/Undo", L"Ctrl+Z", L"", true, false}}}});
+    frame.setTabs({L"Model", L"Layout1"}, 0);
+    frame.setPrompt(L"Specify a <point> or [Hor/Ver]:", {L"Hor", L"Ver"});
+}
+
 /// Takes the keys that are named in `takes`; keeps all it is told in `log`.
 class RecordedEvents final : public host::ViewEvents {
   public:

@@ -21,12 +21,7 @@ class Win32Frame : public testing::Test {
         std::wstring reason;
         frame = host::makeViewFrame(reason);
         ASSERT_TRUE(frame) << base::toUtf8(reason);
-        frame->setMenus({{L"&File",
-                          {{L"&Save", L"File/Save", L"Ctrl+S", L"Saves the drawing", true, true},
-                           {L"", L"", L"", L"", true, false},
-                           {L"&Gone", L"File/Gone", L"Ctrl+G", L"", false, true}}}});
-        frame->setTabs({L"Model", L"Layout1"}, 0);
-        frame->setPrompt(L"Specify a point or [Hor/Ver]:", {L"Hor", L"Ver"});
+        fill(*frame);
         frame->open(events);
         settle();
         events.log.clear();
@@ -138,8 +133,9 @@ TEST_F(Win32Frame, MenusTabsAndWords) {
     SIZE whole = {}, before = {};
     HDC const screen = GetDC(prompt);
     SelectObject(screen, reinterpret_cast<HGDIOBJ>(SendMessageW(prompt, WM_GETFONT, 0, 0)));
-    GetTextExtentPoint32W(screen, L"Specify a point or [Hor/Ver", 27, &whole);
-    GetTextExtentPoint32W(screen, L"Specify a point or [Hor/", 24, &before);
+    const std::wstring line = L"Specify a <point> or [Hor/Ver";
+    GetTextExtentPoint32W(screen, line.c_str(), static_cast<int>(line.size()), &whole);
+    GetTextExtentPoint32W(screen, line.c_str(), static_cast<int>(line.size()) - 3, &before);
     ReleaseDC(prompt, screen);
     click(prompt, static_cast<int>(before.cx + whole.cx) / 2, static_cast<int>(whole.cy) / 2);
     EXPECT_THAT(logged("word"), ElementsAre("word 1"));

@@ -54,6 +54,11 @@ void DocumentView::move(const View& view) {
     moved_ = currentSpaceId();
 }
 
+void DocumentView::begin(const View& view) {
+    views_[currentSpaceId()] = {view};
+    moved_ = OdDbObjectId();
+}
+
 void DocumentView::keep(std::vector<View>& views, const View& view) {
     moved_ = OdDbObjectId();
     constexpr std::size_t kKept = 10;

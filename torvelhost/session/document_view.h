@@ -34,6 +34,8 @@ class DocumentView {
     void set(const View& view);
     /// The same by hand, in small steps: all of them together are one view that is gone back behind.
     void move(const View& view);
+    /// The drawing is first shown so: there is no view before this one.
+    void begin(const View& view);
     /// All there is now.
     View whole();
     /// Whether a command, or a hand, set the view of the current space.

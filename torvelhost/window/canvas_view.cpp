@@ -80,7 +80,7 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     fromScript_ = isScript();
     if (fromScript_) {
         auto line = scripts_->next(question);
-        followed_.reset();
+        forgetFollowed();
         if (line && question.expected.kind != Expected::kDialog) record(*line);
         return line;
     }
@@ -90,7 +90,7 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     const Question* const before = std::exchange(question_, &question);
     gestures_.expect(question.expected.kind);
     commandLine_.ask(question);
-    followed_.reset();
+    forgetFollowed();
     frame_.setCursor(question.expected.kind == Expected::kDialog ? ViewFrame::Cursor::kArrow
                                                                  : ViewFrame::Cursor::kNone);
     std::optional<std::wstring> line = waitForReply();
@@ -166,8 +166,16 @@ std::optional<std::wstring> CanvasView::takeQueued() {
 
 void CanvasView::record(const std::wstring& line) {
     if (dialogs::OneAnswer::isAwaited()) return;
-    const bool isPoint = parsePoint(line).has_value();
-    if (followed_ && !isPoint && line != kCancelLine) recording_.add(L"> " + *followed_);
+    // A click moves the cursor from the last point to its own, in a script as here: that brings a preview where it is,
+    // unless both are the same.
+    std::wstring reason;
+    const auto typed = parsePoint(line);
+    const auto point = typed ? session_->document.toWorld(*typed, reason) : std::nullopt;
+    const bool staysThere = point && point->isEqualTo(session_->document.lastPoint());
+    if (line != kCancelLine && (!typed || staysThere)) {
+        if (followedAway_) recording_.add(L"> " + *followedAway_);
+        if (followed_ && followed_ != followedAway_ && !typed) recording_.add(L"> " + *followed_);
+    }
     recording_.add(scriptLine(line));
 }
 
@@ -305,6 +313,7 @@ void CanvasView::follow(CanvasPoint at) {
     if (!point) return;
     question_->expected.follow(*point);
     followed_ = map.pointText(at);
+    if (!point->isEqualTo(session_->document.lastPoint())) followedAway_ = followed_;
     picture_.previewChanged();
 }
 
@@ -320,7 +329,7 @@ void CanvasView::menuChosen(const std::wstring& path) {
 
 void CanvasView::tabChosen(std::size_t index) {
     if (index >= tabs_.size() || index == tab_) return;
-    queueCommand({L"LAYOUT", scriptLine(tabs_[index])}, false);
+    queueCommand({L"LAYOUT", L"\"" + tabs_[index] + L"\""}, false);  // whatever it reads like
 }
 
 void CanvasView::fileDropped(const std::wstring& path) { request({MenuAction::kRecent, {path}}); }
@@ -376,8 +385,9 @@ void CanvasView::refreshSurroundings() {
         remember(name_);
     }
     const std::wstring name = name_.empty() ? L"New drawing" : base::fileNameOf(name_);
-    const std::wstring title = (session_->document.isModified() ? L"*" : L"") + name +
-                               (session_->document.isFileProtected() ? L" (read-only)" : L"") + L" - torvelhost";
+    const bool isReadOnly = session_->document.isFileProtected() && session_->document.savedName().empty();
+    const std::wstring title =
+        (session_->document.isModified() ? L"*" : L"") + name + (isReadOnly ? L" (read-only)" : L"") + L" - torvelhost";
     if (title != title_) frame_.setTitle(title_ = title);
     std::vector<std::wstring> tabs;
     for (const OdString& layout : database.layoutNames()) tabs.push_back(layout);

@@ -113,6 +113,10 @@ class CanvasView final : public ViewEvents, public ReplySource {
     std::optional<std::wstring> waitForReply();
     std::optional<std::wstring> takeQueued();
     void record(const std::wstring& line);
+    void forgetFollowed() {
+        followed_.reset();
+        followedAway_.reset();
+    }
     void follow(CanvasPoint at);
     void refreshMarks();
     void refreshSurroundings();
@@ -154,6 +158,7 @@ class CanvasView final : public ViewEvents, public ReplySource {
     std::optional<CanvasPoint> cursor_;
     std::optional<CanvasPoint> pan_;                   // where the middle button was pressed, or moved to since
     std::optional<std::wstring> followed_;             // where a preview has followed the cursor to
+    std::optional<std::wstring> followedAway_;         // the last such place that is not the last point
     bool fromScript_ = false, lastWasDialog_ = false;  // the line given last
     std::optional<EventLines> eventLines_;
     double scale_ = 1;

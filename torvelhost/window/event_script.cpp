@@ -152,7 +152,6 @@ void takeRest(Words& words, WindowEvent& event) {
             return takeModifiers(words, event);
         case WindowEvent::kWheel:
             event.number = words.number("a number of notches is wanted");
-            if (!(event.number >= -100 && event.number <= 100)) refuse("at most 100 notches are turned at once");
             if (!words.takeIf(L"at")) refuse("it is: wheel 3 at PLACE");
             event.places = {words.place()};
             return;

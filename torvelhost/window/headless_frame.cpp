@@ -51,6 +51,11 @@ void HeadlessFrame::setSize(const WindowEvent& event) {
 }
 
 void HeadlessFrame::waitForEvents(std::optional<std::int64_t>) {
+    if (const auto second = std::exchange(secondClick_, std::nullopt)) {
+        const CanvasPoint at = placeOf(second->places.front());
+        events_->mouseDoubleClicked(second->button, at, second->shift);
+        return events_->mouseReleased(second->button, at, second->shift);
+    }
     if (done_ == script_.size()) return view_->finish();
     const WindowEvent& event = script_[done_++];
     place_ = event.place;
@@ -142,9 +147,8 @@ void HeadlessFrame::mouse(const WindowEvent& event) {
             events_->mousePressed(button, at, shift);
             return events_->mouseReleased(button, at, shift);
         case WindowEvent::kDouble:
+            secondClick_ = event;
             events_->mousePressed(button, at, shift);
-            events_->mouseReleased(button, at, shift);
-            events_->mouseDoubleClicked(button, at, shift);
             return events_->mouseReleased(button, at, shift);
         case WindowEvent::kDown:
             return events_->mousePressed(button, at, shift);

@@ -55,6 +55,7 @@ class HeadlessFrame final : public ViewFrame {
 
     std::vector<WindowEvent> script_;
     std::size_t done_ = 0;
+    std::optional<WindowEvent> secondClick_;  // of a double one, which comes to the next that waits
     std::wstring place_;
     std::int64_t now_ = 0;
     CanvasView* view_ = nullptr;

@@ -37,7 +37,7 @@ void ViewPicture::show(Application* application) {
 
 void ViewPicture::showWhole() {
     DocumentView& view = application_->session()->view;
-    view.move(view.whole());
+    view.begin(view.whole());
     whole_ = seenNow();
 }
 
