@@ -15,7 +15,7 @@ inline void fill(host::ViewFrame& frame) {
                       {L"&Gone", L"File/Gone", L"Ctrl+G", L"", false, true}}},
                     {L"&Edit", {{L"&Undo", L"Edit/Undo", L"Ctrl+Z", L"", true, false}}}});
     frame.setTabs({L"Model", L"Layout1"}, 0);
-    frame.setPrompt(L"Specify a <point> or [Hor/Ver]:", {L"Hor", L"Ver"});
+    frame.setPrompt(L"Specify a point <a b> or [Hor/Ver]:", {L"Hor", L"Ver"});
 }
 
 /// Takes the keys that are named in `takes`; keeps all it is told in `log`.

@@ -133,7 +133,9 @@ TEST_F(Win32Frame, MenusTabsAndWords) {
     SIZE whole = {}, before = {};
     HDC const screen = GetDC(prompt);
     SelectObject(screen, reinterpret_cast<HGDIOBJ>(SendMessageW(prompt, WM_GETFONT, 0, 0)));
-    const std::wstring line = L"Specify a <point> or [Hor/Ver";
+    const std::wstring line =
+        L"Specify a point <\x200B"
+        L"a b> or [Hor/Ver";  // no anchor begins there
     GetTextExtentPoint32W(screen, line.c_str(), static_cast<int>(line.size()), &whole);
     GetTextExtentPoint32W(screen, line.c_str(), static_cast<int>(line.size()) - 3, &before);
     ReleaseDC(prompt, screen);

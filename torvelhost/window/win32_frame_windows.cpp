@@ -81,12 +81,17 @@ std::optional<Key> keyOf(WPARAM code) {
     return std::nullopt;
 }
 
-// The text for a SysLink: each word of the prompt is one behind the bracket.
+// The text for a SysLink: each word of the prompt is one behind the bracket. It knows no entities and shows a `<` as it is,
+// unless an anchor could begin or end there: a character without width keeps those two apart.
 std::wstring linkText(const std::wstring& prompt, const std::vector<std::wstring>& words) {
     std::wstring text;
     std::size_t at = 0;
     const auto copyTo = [&](std::size_t end) {
-        for (; at < end; ++at) text += prompt[at] == L'<' ? std::wstring(L"&lt;") : std::wstring(1, prompt[at]);
+        for (; at < end; ++at) {
+            text += prompt[at];
+            const wchar_t after = at + 1 < prompt.size() ? prompt[at + 1] : L' ';
+            if (prompt[at] == L'<' && (after == L'a' || after == L'A' || after == L'/')) text += L'\x200B';
+        }
     };
     std::size_t from = prompt.rfind(L'[');
     for (std::size_t i = 0; i < words.size() && from != prompt.npos; ++i) {
