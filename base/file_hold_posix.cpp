@@ -27,7 +27,9 @@ bool isStillNamed(int file, const char* name) {
 FileHold::FileHold(std::wstring_view path) : path_(path) {
     const std::string name = toUtf8Exact(path_);
     for (;;) {
-        const int file = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        int file = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        // Another user's is held as well by who may only read it.
+        if (file < 0 && errno == EACCES) file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
         if (file < 0) fail(path_);
         if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
             const int error = errno;

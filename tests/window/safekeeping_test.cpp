@@ -61,8 +61,8 @@ TEST_F(SafekeepingTest, OneWindowSavesADrawing) {
     Document ours(OdDbDatabase::readFile(plan_)), theirs(OdDbDatabase::readFile(plan_));
     first.show(plan_, ours);
     second.show(plan_, theirs);
-    EXPECT_FALSE(ours.isFileProtected());
-    ASSERT_TRUE(theirs.isFileProtected());
+    EXPECT_FALSE(ours.isFileProtected(plan_));
+    ASSERT_TRUE(theirs.isFileProtected(plan_));
     ours.save(plan_);
     theirs.database()->setHeaderReal("$LTSCALE", 40, 7);
     EXPECT_THROW(theirs.save(plan_), base::FileError);
@@ -70,7 +70,9 @@ TEST_F(SafekeepingTest, OneWindowSavesADrawing) {
     theirs.save(copy);
     second.work(copy, theirs, 1000);
     first.work(copy, ours, 1000);
-    EXPECT_TRUE(ours.isFileProtected()) << "now that is the second window's";
+    EXPECT_TRUE(ours.isFileProtected(copy)) << "now that is the second window's";
+    EXPECT_THROW(ours.save(copy), base::FileError);
+    ours.save(plan_);
 }
 
 // What another window has left stays until the drawing opened from it is kept by this one.

@@ -85,11 +85,7 @@ bool CommandLoop::runLine(const Reply& reply) {
 }
 
 void CommandLoop::showHelp(std::wstring_view topic) {
-    if (topic.empty()) {
-        for (const HelpTopic& each : helpTopics())
-            terminal_.print(each.names + (each.about.empty() ? L"" : L": ") + each.about);
-        return;
-    }
+    if (topic.empty()) return terminal_.print(helpOverview());
     const auto text = helpOn(topic);
     if (!text) return refuse(L"there is no help on \"" + std::wstring(topic) + L"\"");
     terminal_.print(base::trimmed(*text));
@@ -140,7 +136,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner 
     const auto takeBack = [&] {
         session_.document.database()->undoTo(position);
         session_.selection.endCommand();
-        session_.commandActive = false;
+        session_.command.clear();
     };
     const auto fail = [&](const std::wstring& what, ExitStatus status = kSomeFailed) {
         takeBack();
@@ -148,7 +144,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner 
         status_ = std::max(status_, status);
     };
     session_.selection.beginCommand(manner.usesPickFirst);
-    session_.commandActive = true;
+    session_.command = name;
     try {
         const Progress progress(terminal_, name);
         if (body() != kCommandFinished) status_ = std::max(status_, kSomeFailed);
@@ -168,7 +164,7 @@ void CommandLoop::runCommand(const std::wstring& name, const Body& body, Manner 
     } catch (...) {
         return fail(L"ended by an exception of an unknown kind");
     }
-    session_.commandActive = false;
+    session_.command.clear();
     session_.selection.endCommand();
     if (manner.isForUndo) {
         tellChanges(name, position);

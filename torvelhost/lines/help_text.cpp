@@ -124,6 +124,13 @@ std::vector<HelpTopic> helpTopics() {
     return topics;
 }
 
+std::wstring helpOverview() {
+    std::wstring text;
+    for (const HelpTopic& topic : helpTopics())
+        text += (text.empty() ? L"" : L"\n") + topic.names + (topic.about.empty() ? L"" : L": ") + topic.about;
+    return text;
+}
+
 std::optional<std::wstring> helpOn(std::wstring_view topic) {
     for (const std::uint16_t resource : {IDR_HELP_COMMANDS, IDR_HELP_SCRIPTS}) {
         const std::vector<std::wstring> lines = linesOf(resource);

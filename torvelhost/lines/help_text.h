@@ -15,6 +15,9 @@ struct HelpTopic {
 /// The commands that have a section or a row, in the order of the pages.
 std::vector<HelpTopic> helpTopics();
 
+/// A line for each of them.
+std::wstring helpOverview();
+
 /// A command's section or row, or any other section by its heading; without case. Lines end in line feeds. Nothing
 /// when there is none.
 std::optional<std::wstring> helpOn(std::wstring_view topic);

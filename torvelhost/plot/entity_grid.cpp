@@ -240,14 +240,15 @@ EntityGrids::Concern EntityGrids::concernOf(OdDbObjectId object) {
 void EntityGrids::update() {
     const OdDbTouched touched = database_.takeTouched(mark_);
     if (touched.empty()) return;
-    ++updates_;
+    const auto concerns = [](OdDbObjectId id) { return concernOf(id) != Concern::kNothing; };
+    if (touched.header || !touched.entities.empty() || std::ranges::any_of(touched.others, concerns)) ++updates_;
     if (touched.header && database_.headerInteger("$ATTMODE", 1) != attributeMode_) return makeAnew();
     bool order = false;
     std::unordered_set<OdDbObjectId> changed;
     for (const OdDbObjectId id : touched.others) {
         const Concern concern = concernOf(id);
         // A block that was missing may be there now.
-        const bool isKnown = blocks_->knows(id) || blocks_->knows({}) || grids_.count(id) != 0;
+        const bool isKnown = blocks_->knows(id) || blocks_->missesBlock() || grids_.count(id) != 0;
         if (concern == Concern::kEverything || (concern == Concern::kBlock && isKnown)) return makeAnew();
         order |= concern == Concern::kOrder;
     }

@@ -136,10 +136,8 @@ OdDbObjectId BlockBounds::add(const OdDbEntity& entity, Bounds& bounds) {
     DisplayList list;
     Shapes shapes(styles_, list, 0);
     shapes.setHiddenToo(true);
-    if (!shapes.add(entity)) {
-        bounds.endless = true;
-        known_.try_emplace(OdDbObjectId());
-    }
+    shapes.add(entity);
+    if (shapes.missesBlock()) bounds.endless = missesBlock_ = true;
     bounds.box.addExtents(list.box());
     OdDbObjectId shown;
     for (const DisplayList::Item& item : list.items()) {

@@ -35,8 +35,9 @@ class BlockBounds {
     /// Adds an entity of a space or a block. Returns the block that it shows, or null.
     OdDbObjectId add(const OdDbEntity& entity, Bounds& bounds);
 
-    /// Null: whether blocks were missing.
     bool knows(OdDbObjectId block) const { return known_.count(block) != 0; }
+    /// Whether one that an entity names was not there.
+    bool missesBlock() const { return missesBlock_; }
     /// Measures these blocks anew, and those that show them, as far as they were known. Returns those that reach
     /// elsewhere now.
     std::unordered_set<OdDbObjectId> measureAnew(const std::unordered_set<OdDbObjectId>& changed);
@@ -51,6 +52,7 @@ class BlockBounds {
     Styles& styles_;
     bool allAttributes_;
     std::unordered_map<OdDbObjectId, Known> known_;
+    bool missesBlock_ = false;
     int depth_ = 0;
 };
 

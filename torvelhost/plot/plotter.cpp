@@ -67,7 +67,12 @@ Plotter::Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks, 
 
 void Plotter::forget(const std::unordered_set<OdDbObjectId>& blocks) {
     std::erase_if(
-        blockLists_, [&](const auto& entry) { return blocks.count(entry.first.block) != 0; });
+        blockLists_,
+        [&](const auto& entry) {
+            if (blocks.count(entry.first.block) == 0) return false;
+            bytes_ -= entry.second.bytes();
+            return true;
+        });
 }
 
 void Plotter::forgetAllLists() {

@@ -145,13 +145,18 @@ bool Shapes::addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement) {
     return true;
 }
 
+bool Shapes::addBlockNamed(const OdString& name, const OdGeMatrix3d& placement) {
+    const OdDbObjectId block = styles_.database().findBlock(name);
+    missesBlock_ |= !block;
+    return addBlockAt(block, placement);
+}
+
 // Its block is drawn in its place already; a copy that was moved along says by how much.
 bool Shapes::addDimension(const std::vector<PlotGroup>& groups) {
     const PlotGroup* name = findGroup(groups, 2);
     if (!name) return false;
-    const OdDbObjectId block = styles_.database().findBlock(name->text);
     const OdGePoint3d moved = OdGeMatrix3d::planeToWorld(normalOf(groups)) * pointOf(groups, 12);
-    return addBlockAt(block, OdGeMatrix3d::translation(moved.asVector()));
+    return addBlockNamed(name->text, OdGeMatrix3d::translation(moved.asVector()));
 }
 
 bool Shapes::addTable(const std::vector<PlotGroup>& groups) {
@@ -159,8 +164,8 @@ bool Shapes::addTable(const std::vector<PlotGroup>& groups) {
     if (!name) return false;
     const OdGeVector3d normal = normalOf(groups).normal();
     const OdGeVector3d along = pointOf(groups, 11, OdGePoint3d(1, 0, 0)).asVector().normal();
-    return addBlockAt(styles_.database().findBlock(name->text),
-                      OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
+    return addBlockNamed(name->text,
+                         OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
 }
 
 // The third and fourth corner are stored crosswise.

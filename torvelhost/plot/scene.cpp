@@ -128,8 +128,6 @@ bool Scene::Engine::update() {
         everything |= concern == EntityGrids::Concern::kEverything;
         looks |= concern == EntityGrids::Concern::kLooks;
         any |= concern != EntityGrids::Concern::kNothing;
-        // A block that is missing in some list may be there now.
-        everything |= concern == EntityGrids::Concern::kBlock && !plotter_.notDrawn().empty();
     }
     if (!any) return false;
     stage_ = Stage::kFinished;

@@ -47,6 +47,8 @@ class Shapes {
     void setTexts(bool added) { texts_ = added; }
     /// Whether what is on layers that are off or frozen is added too.
     void setHiddenToo(bool added) { hiddenToo_ = added; }
+    /// Whether one of the entities shows a block by a name that no block has.
+    bool missesBlock() const { return missesBlock_; }
     /// Leaves out what lies beside a box, seen from above, as far as that is quickly told.
     void setWindow(const OdGeExtents3d& window) { window_ = window; }
 
@@ -91,6 +93,7 @@ class Shapes {
     void addWipeout(const OdDbWipeout& wipeout);
     bool addCarried(const OdDbEntity& entity, const std::string& kind);
     bool addBlockAt(OdDbObjectId block, const OdGeMatrix3d& placement);
+    bool addBlockNamed(const OdString& name, const OdGeMatrix3d& placement);
     bool addDimension(const std::vector<PlotGroup>& groups);
     bool addTable(const std::vector<PlotGroup>& groups);
     void addSolid(const std::vector<PlotGroup>& groups);
@@ -118,6 +121,7 @@ class Shapes {
     bool wipeoutFrames_ = true;
     bool texts_ = false;
     bool hiddenToo_ = false;
+    bool missesBlock_ = false;
     std::optional<OdGeExtents3d> window_;
 };
 

@@ -18,6 +18,12 @@ class SlideView final : public HostSlideView {
     SlideView(int width, int height, IProfile& settings, std::function<bool()> isPaper)
         : width_(width), height_(height), settings_(settings), isPaper_(std::move(isPaper)) {}
 
+    /// For the slides that are shown from now on.
+    void setSize(int width, int height) {
+        width_ = width;
+        height_ = height;
+    }
+
     void size(int& width, int& height) override;
     void prepare() override;
     void setColor(std::uint32_t rgb) override { color_ = rgb; }

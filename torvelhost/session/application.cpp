@@ -45,7 +45,7 @@ Application::Session::Session(OdDbDatabasePtr database, ReplySource& replies, Te
         L"CMDACTIVE",
         [this, &replies] {
             constexpr std::int64_t kCommand = 1, kScript = 4;
-            return replies.isScript() ? kScript : commandActive ? kCommand : 0;
+            return replies.isScript() ? kScript : command.empty() ? 0 : kCommand;
         });
     variables.add(L"VIEWSIZE", [this] { return view.current().height; });
     variables.add(L"VIEWCTR", [this] {
@@ -130,6 +130,7 @@ void Application::redraw(OdDbObjectId entity) {
 
 void Application::Help::showTopic(const wchar_t* topic, void*) {
     std::wstring_view name = topic ? topic : L"";
+    if (name.empty()) return terminal_.notice(helpOverview());
     terminal_.notice(L"[help] " + std::wstring(name));
     constexpr std::wstring_view kPrefix = L"IDH_";
     if (name.starts_with(kPrefix)) name.remove_prefix(kPrefix.size());

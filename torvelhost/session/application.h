@@ -38,7 +38,7 @@ class Application final : public HostApplication {
         Input input;
         Selection selection;
         Variables variables;
-        bool commandActive = false;
+        std::wstring command;  // under way; empty: none
 
         // Whether what a screen would show while a command runs is told in words: trackers, highlighted entities.
         void tellPreview(bool on);

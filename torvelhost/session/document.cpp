@@ -11,7 +11,8 @@
 namespace host {
 Document::Document(OdDbDatabasePtr database) : database_(std::move(database)) {
     if (!database_->isRecovered()) return;
-    protectFile(L"it would lose what could not be recovered of it; save the drawing under another name");
+    protectFile(database_->fileName(),
+                L"it would lose what could not be recovered of it; save the drawing under another name");
     markUnsaved();
 }
 
@@ -112,13 +113,18 @@ EntityGrids& Document::grids() {
     return *grids_;
 }
 
+const Document::Protection* Document::protectionOf(const std::wstring& path) const {
+    const auto found = std::ranges::find_if(
+        protections_, [&](const Protection& protection) { return base::isSameFile(path, protection.path); });
+    return found == protections_.end() ? nullptr : &*found;
+}
+
 void Document::save(const std::wstring& path) {
     if (database_->isReadOnly())
         throw base::FileError(path,
                               L"not saved: the drawing is damaged and was opened for reading alone; what "
                               L"torvelhost --recover reads of it can be saved under another name");
-    if (isFileProtected() && base::isSameFile(path, database_->fileName()))
-        throw base::FileError(path, L"not saved: " + protection_);
+    if (const Protection* const found = protectionOf(path)) throw base::FileError(path, L"not saved: " + found->reason);
     database_->writeFile(path);
     savedRevision_ = database_->revision();
     savedName_ = path;

@@ -60,9 +60,9 @@ class Document final : public HostDocument {
     bool isModified();
     /// The database was read from a copy of an unsaved drawing.
     void markUnsaved() { savedRevision_ = ~std::uint64_t{0}; }
-    /// From now on saving onto the drawing's own file is refused: "not saved: " and the reason.
-    void protectFile(const std::wstring& reason) { protection_ = reason; }
-    bool isFileProtected() const { return !protection_.empty(); }
+    /// From now on saving onto this file is refused: "not saved: " and the reason.
+    void protectFile(const std::wstring& path, const std::wstring& reason) { protections_.push_back({path, reason}); }
+    bool isFileProtected(const std::wstring& path) const { return protectionOf(path) != nullptr; }
 
     /// ---- undo, a whole command at a time
     std::size_t undoPosition() { return database_->undoPosition(); }
@@ -80,6 +80,12 @@ class Document final : public HostDocument {
         std::size_t position;
     };
 
+    struct Protection {
+        std::wstring path, reason;
+    };
+    /// Null: the file may be written.
+    const Protection* protectionOf(const std::wstring& path) const;
+
     OdDbDatabasePtr database_;
     std::optional<EntityGrids> grids_;  // once somebody asks
     HostEdInput* input_ = nullptr;
@@ -87,7 +93,7 @@ class Document final : public HostDocument {
     std::optional<std::uint64_t> savedRevision_;
     std::vector<Done> done_;
     std::wstring savedName_;
-    std::wstring protection_;           // why the drawing's own file stays as it is; empty: it need not
+    std::vector<Protection> protections_;
     std::vector<std::wstring> undone_;  // the last is the next to be brought back
 };
 

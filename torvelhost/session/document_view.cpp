@@ -42,8 +42,10 @@ void DocumentView::set(const View& view) {
 }
 
 void DocumentView::setSize(int width, int height) {
-    for (auto& [space, views] : views_)
+    for (auto& [space, views] : views_) {
+        if (space.isKindOf(OdDbViewport::desc())) continue;  // it keeps its size on the paper
         for (View& view : views) view.height *= static_cast<double>(height) / height_;
+    }
     width_ = width;
     height_ = height;
 }

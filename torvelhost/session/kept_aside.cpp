@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <random>
+#include <utility>
 
 #include "base/exact_utf8.h"
 #include "base/files.h"
@@ -81,9 +82,10 @@ void KeptAside::show(const std::wstring& drawing) {
 void KeptAside::keep(OdDbDatabase& database) {
     const std::wstring name = drawing_.empty() ? L"new.dxf" : base::fileNameOf(drawing_);
     const std::wstring own = L"." + name + extension_;
-    std::vector<std::wstring> places = {base::joinPath(folder_, own)};
-    if (!drawing_.empty()) places.insert(places.begin(), base::joinPath(base::folderOf(drawing_), own));
-    if (!copy_.empty()) places = {copy_};
+    std::vector<std::wstring> places;
+    if (!drawing_.empty()) places.push_back(base::joinPath(base::folderOf(drawing_), own));
+    places.push_back(base::joinPath(folder_, own));
+    if (copy_ == places.back()) places = {copy_};
     for (std::size_t i = 0; i < places.size(); ++i) {
         try {
             database.writeFile(places[i]);
@@ -91,9 +93,11 @@ void KeptAside::keep(OdDbDatabase& database) {
             if (i + 1 == places.size() || error.code() != OdResult::fileError) throw;
             continue;
         }
-        if (copy_ == places[i]) return;
-        copy_ = places[i];
-        return writeRecord();
+        const std::wstring before = std::exchange(copy_, places[i]);
+        if (before == copy_) return;
+        writeRecord();
+        if (!before.empty()) removeFile(before);
+        return;
     }
 }
 

@@ -63,6 +63,7 @@ void CanvasView::show(Application& application, const std::wstring& name) {
     recording_.begin(name);
     if (safekeeping_) safekeeping_->show(name, session_->document);
     if (keepsRecent_) readRecent();
+    if (!name.empty()) remember(name);
 }
 
 void CanvasView::showNothing() {
@@ -88,11 +89,9 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     scripts_ = nullptr;
 
     const Question* const before = std::exchange(question_, &question);
-    gestures_.expect(question.expected.kind);
-    commandLine_.ask(question);
+    showQuestion();
     forgetFollowed();
-    frame_.setCursor(question.expected.kind == Expected::kDialog ? ViewFrame::Cursor::kArrow
-                                                                 : ViewFrame::Cursor::kNone);
+    frame_.setProgress(-1);
     std::optional<std::wstring> line = waitForReply();
     if (line) {
         terminal_.prompt(question.prompt + *line + L"\n");
@@ -104,8 +103,15 @@ std::optional<std::wstring> CanvasView::next(const Question& question) {
     commandLine_.rest();
     frame_.setTip(L"", {});
     frame_.setCursor(ViewFrame::Cursor::kWait);
-    if (before) commandLine_.ask(*before);
+    if (before) showQuestion();
     return line;
+}
+
+void CanvasView::showQuestion() {
+    const bool isDialog = isAsked(Expected::kDialog);
+    gestures_.expect(question_->expected.kind);
+    commandLine_.ask(*question_);
+    frame_.setCursor(isDialog ? ViewFrame::Cursor::kArrow : ViewFrame::Cursor::kNone);
 }
 
 std::optional<std::wstring> CanvasView::peek() {
@@ -226,10 +232,11 @@ bool CanvasView::keyPressed(Key key) {
             commandLine_.recall(key == Key::kUp);
             return true;
         case Key::kTab:
+            if (commandLine_.text().empty()) return false;  // on to the next control
             commandLine_.complete();
             return true;
         case Key::kHelp:
-            if (application_) application_->help().showTopic(L"", nullptr);
+            if (application_) application_->help().showTopic(session_->command.c_str(), nullptr);
             return true;
         case Key::kDelete:
             break;
@@ -385,7 +392,7 @@ void CanvasView::refreshSurroundings() {
         remember(name_);
     }
     const std::wstring name = name_.empty() ? L"New drawing" : base::fileNameOf(name_);
-    const bool isReadOnly = session_->document.isFileProtected() && session_->document.savedName().empty();
+    const bool isReadOnly = !name_.empty() && session_->document.isFileProtected(name_);
     const std::wstring title =
         (session_->document.isModified() ? L"*" : L"") + name + (isReadOnly ? L" (read-only)" : L"") + L" - torvelhost";
     if (title != title_) frame_.setTitle(title_ = title);
@@ -534,7 +541,6 @@ void CanvasView::openDrawing(const std::wstring& name) {
     try {
         frame_.setCursor(ViewFrame::Cursor::kWait);
         opened_ = Opened{open_(name), name, false};
-        if (!name.empty()) remember(name);
     } catch (const std::exception& error) {
         ask(dialogs::BoxKind::kError, base::fromUtf8(error.what()));
     }

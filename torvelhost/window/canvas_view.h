@@ -112,6 +112,7 @@ class CanvasView final : public ViewEvents, public ReplySource {
 
     std::optional<std::wstring> waitForReply();
     std::optional<std::wstring> takeQueued();
+    void showQuestion();
     void record(const std::wstring& line);
     void forgetFollowed() {
         followed_.reset();

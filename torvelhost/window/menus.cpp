@@ -99,8 +99,9 @@ std::vector<Menu> windowMenus(const std::vector<std::wstring>& recent) {
             if (entry.action == MenuAction::kClose && !recent.empty()) {
                 for (std::size_t i = 0; i < recent.size(); ++i) {
                     const std::wstring number = std::to_wstring(i + 1);
-                    menu.entries.push_back({L"&" + number + L" " + std::wstring(base::fileNameOf(recent[i])),
-                                            kRecentPath + number, L"", recent[i], true, false});
+                    menu.entries.push_back(
+                        {L"&" + number + L" " + base::replaceAll(base::fileNameOf(recent[i]), L"&", L"&&"),
+                         kRecentPath + number, L"", recent[i], true, false});
                 }
                 menu.entries.push_back({});
             }

@@ -27,7 +27,7 @@ void Safekeeping::show(const std::wstring& drawing, Document& document) {
     if (drawing.empty()) return;
     hold_.emplace(drawing);
     if (hold_->isHeld()) return;
-    document.protectFile(L"another window has the drawing open; save it under another name");
+    document.protectFile(drawing, L"another window has the drawing open; save it under another name");
     terminal_.notice(base::fileNameOf(drawing) +
                      L" is open in another window. Here it is for reading alone; save it under another name.");
 }

@@ -29,10 +29,14 @@ void ViewPicture::show(Application* application) {
     stale_ = true;
     isShown_ = false;
     if (!application) return;
-    Application::Session& session = *application->session();
-    scene_.emplace(session.document.grids());
-    if (width_ > 0) session.view.setSize(width_, height_);
+    scene_.emplace(application->session()->document.grids());
+    if (width_ > 0) tellSize();
     showWhole();
+}
+
+void ViewPicture::tellSize() {
+    application_->session()->view.setSize(width_, height_);
+    application_->slideView()->setSize(width_, height_);
 }
 
 void ViewPicture::showWhole() {
@@ -47,7 +51,7 @@ void ViewPicture::resize(int width, int height) {
     if (application_) {
         // What showed all there is goes on to do so: windows take their size in steps while they open.
         const bool isWhole = whole_ && *whole_ == seenNow();
-        application_->session()->view.setSize(width_, height_);
+        tellSize();
         if (isWhole) showWhole();
     }
     buildingOf_.reset();

@@ -22,6 +22,7 @@ class ViewPicture {
     void resize(int width, int height);
 
     /// All there is in the current space, also when the canvas gets another size.
+    void tellSize();
     void showWhole();
 
     /// Looks at the drawing again: to be called with nothing open for write.

@@ -81,8 +81,8 @@ std::optional<Key> keyOf(WPARAM code) {
     return std::nullopt;
 }
 
-// The text for a SysLink: each word of the prompt is one behind the bracket. It knows no entities and shows a `<` as it is,
-// unless an anchor could begin or end there: a character without width keeps those two apart.
+// The text for a SysLink: each word of the prompt is one behind the bracket. It knows no entities and shows a `<` as it
+// is, unless an anchor could begin or end there: a character without width keeps those two apart.
 std::wstring linkText(const std::wstring& prompt, const std::vector<std::wstring>& words) {
     std::wstring text;
     std::size_t at = 0;
