@@ -1,7 +1,5 @@
 #include "torvelcmd2/attributes/multiline_editing.h"
 
-#include <utility>
-
 #include "drawingdb/attribute.h"
 #include "drawingdb/database.h"
 #include "drawingdb/mtext.h"
@@ -90,7 +88,7 @@ MultiLineEdit editMultiLine(const OdDbEntity& source, WhileEdited how, const OdG
         editing.emplace(source, how);
     else
         group.emplace(OdDbDatabasePtr(database));
-    const auto text = appendTemporary(source, *form, *database, transform, std::move(*value));
+    const auto text = appendTemporary(source, *form, *database, transform, *value);
     if (edit(*text, kEditorContext))
         result.value =
             MultiLineValue{captureText(*text), text->width() / scaleAlong(*form, transform), text->location()};
