@@ -183,10 +183,26 @@ class TreeBuilder {
                 loseGroup();
             return;
         }
-        if (group.code == 9 && record_.type == rtSection) inLostVariable_ = false;
+        if (group.code == 9 && record_.type == rtSection) {
+            inLostVariable_ = false;
+            dropEmptyVariable();
+            variable_ = record_.groups.size();
+        }
         if (inLostVariable_) return;
-        const bool isOwn = isHandle(group) && !record_.handle && !record_.lacksHandle;
-        if (!isOwn || takeHandle(group)) record_.groups.push_back(group);
+        behindMarker_ = behindMarker_ || group.code == 100;
+        // Without a handle the reader takes the next such group for one.
+        const bool isOwn = isHandle(group) && !record_.handle;
+        if (!isOwn || takeHandle(group)) record_.groups.push_back(withoutZeros(group));
+    }
+
+    // Before anything asks for a name: with its zero bytes it would be another one.
+    Group withoutZeros(const Group& group) {
+        if (valueKind(group.code) != ValueKind::text || group.value.find('\0') == group.value.npos) return group;
+        tell(group.begin, record_.title() + ": the text of group " + std::to_string(group.code) +
+                              " has zero bytes, which were left out");
+        std::string text(group.value);
+        std::erase(text, '\0');
+        return salvage_.group([&](RecordWriter& writer) { writer.text(group.code, text); });
     }
 
     bool isHandle(const Group& group) const {
@@ -196,16 +212,16 @@ class TreeBuilder {
 
     // False when the group says nothing. What stands behind a marker is no handle of the record's own.
     bool takeHandle(const Group& group) {
-        if (record_.find(100)) {
+        if (behindMarker_) {
             record_.lacksHandle = true;
             const bool says = parseHandle(group.value) != 0;
             salvage_.hasHandles = salvage_.hasHandles || says;
             return says;
         }
         record_.handle = parseHandle(group.value);
-        if (record_.handle) return salvage_.hasHandles = true;
-        record_.lacksHandle = true;
-        return false;
+        record_.lacksHandle = record_.handle == 0;
+        salvage_.hasHandles = salvage_.hasHandles || record_.handle;
+        return !record_.lacksHandle;
     }
 
     void beginRecord(const Group& group) {
@@ -218,8 +234,19 @@ class TreeBuilder {
         record_.type = salvage_.typeOf(record_.name);
         record_.place = group.begin;
         record_.groups.push_back(group);
-        inLostVariable_ = false;
+        inLostVariable_ = behindMarker_ = false;
+        variable_ = 0;
         ended_ = record_.type == rtEof;
+    }
+
+    // A variable of the header that has nothing but its name.
+    void dropEmptyVariable() {
+        auto& groups = record_.groups;
+        if (variable_ == 0 || groups.size() != variable_ + 1) return;
+        tell(salvage_.placeOf(groups.back(), record_),
+             record_.title() + ": " + quoted(groups.back().value) + " has no value; it was left out");
+        groups.pop_back();
+        variable_ = 0;
     }
 
     // A variable of the header goes whole.
@@ -232,11 +259,8 @@ class TreeBuilder {
             record_.isPartial = true;
             return;
         }
-        auto& groups = record_.groups;
-        const auto last =
-            std::find_if(groups.rbegin(), groups.rend(), [](const Group& group) { return group.code == 9; });
-        if (last == groups.rend()) return;
-        groups.erase(last.base() - 1, groups.end());
+        if (variable_ == 0) return;
+        record_.groups.resize(std::exchange(variable_, 0));
         inLostVariable_ = true;
     }
 
@@ -264,6 +288,7 @@ class TreeBuilder {
     void finishRecord(bool isCutOff) {
         if (!begun_) return;
         if (isCutOff) loseGroup();
+        dropEmptyVariable();
         if (record_.isPartial && !record_.handle && record_.find(100)) record_.lacksHandle = true;
         const bool isEnd = record_.type == rtEndsec || record_.type == rtEndtab || record_.type == rtEndblk ||
                            record_.type == rtSeqend || record_.type == rtSection || record_.type == rtTable ||
@@ -403,8 +428,7 @@ class TreeBuilder {
             section_ = known;
             return;
         }
-        section_ = &salvage_.sections.emplace_back();
-        section_->record = std::move(record);
+        section_ = &salvage_.addSection(std::move(record));
     }
 
     void endSection(SalvagedRecord record) {
@@ -435,8 +459,7 @@ class TreeBuilder {
             tell(record.place, "a second " + record.title() + "; what it holds went into the first");
             return;
         }
-        table_ = &section_->children.emplace_back();
-        table_->record = std::move(record);
+        table_ = &salvage_.addTable(std::move(record));
     }
 
     void beginBlock(SalvagedRecord record) {
@@ -497,13 +520,11 @@ class TreeBuilder {
         leaveInner(record.place);
         table_ = salvage_.table(record.name);
         const bool isNew = !table_;
-        if (isNew) {
-            table_ = &section_->children.emplace_back();
-            table_->record = salvage_.record(nullptr, [&](RecordWriter& writer) {
+        if (isNew)
+            table_ = &salvage_.addTable(salvage_.record(nullptr, [&](RecordWriter& writer) {
                 writer.text(0, "TABLE");
                 writer.text(2, record.name);
-            });
-        }
+            }));
         tell(record.place, record.title() + " stands outside of its table; it went into " + (isNew ? "a new" : "the") +
                                " TABLE " + std::string(record.name));
         return *table_;
@@ -511,7 +532,8 @@ class TreeBuilder {
 
     Salvage& salvage_;
     SalvagedRecord record_;  // as far as it is read
-    bool begun_ = false, ended_ = false, headTold_ = false, inLostVariable_ = false;
+    bool begun_ = false, ended_ = false, headTold_ = false, inLostVariable_ = false, behindMarker_ = false;
+    std::size_t variable_ = 0;  // where the variable that is read begins among the groups; 0: in none
     SalvagedNode *section_ = nullptr, *table_ = nullptr, *block_ = nullptr, *complex_ = nullptr;
     std::list<SalvagedNode> lost_;  // of what is left out with all that it holds
 };

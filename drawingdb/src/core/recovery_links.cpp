@@ -4,6 +4,7 @@
 // A name that nothing is called by gets a record, so that no object loses what it says; a handle that nothing has is
 // taken out.
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -73,6 +74,9 @@ class LinkMender {
 
     // ---- the header
 
+    // Where the value of a variable stands.
+    const char* placeOf(const Group& value) { return salvage_.placeOf(value, salvage_.section("HEADER")->record); }
+
     // The first group of a variable.
     Group* variable(std::string_view name) {
         SalvagedNode* const header = salvage_.section("HEADER");
@@ -89,18 +93,16 @@ class LinkMender {
             *found = group;
             return;
         }
-        auto& groups = salvage_.madeSection("HEADER").record.groups;
+        auto& groups = madeSection("HEADER").record.groups;
         // Behind the section's name.
         const auto behind = groups.begin() + std::min<std::ptrdiff_t>(2, static_cast<std::ptrdiff_t>(groups.size()));
         groups.insert(behind, {salvage_.group([&](RecordWriter& writer) { writer.text(9, name); }), group});
-        closeSections();
     }
 
-    void closeSections() {
-        for (SalvagedNode& section : salvage_.sections)
-            if (!section.closer)
-                section.closer = salvage_.record(
-                    nullptr, [](RecordWriter& writer) { writer.close(); });
+    SalvagedNode& madeSection(std::string_view name) {
+        SalvagedNode& made = salvage_.madeSection(name);
+        if (!made.closer) made.closer = salvage_.record(nullptr, [](RecordWriter& writer) { writer.close(); });
+        return made;
     }
 
     void mendVersion() {
@@ -110,7 +112,7 @@ class LinkMender {
         } else if (named || hasMarkers()) {
             format_.version = hasOldTexts() ? version::v2004 : version::newest;
             const std::string name = "AC" + std::to_string(format_.version);
-            tell(named ? named->begin : nullptr,
+            tell(named ? placeOf(*named) : nullptr,
                  (named ? "unknown version " + quoted(named->value) : std::string("$ACADVER is missing")) +
                      "; read as " + name);
             setVariable("$ACADVER", 1, name);
@@ -122,7 +124,7 @@ class LinkMender {
         if (const base::CodePage* const known = base::CodePage::byName(std::string(trimmed(page->value)))) {
             format_.codePage = known;
         } else if (!format_.utf8()) {
-            tell(page->begin, "unknown code page " + quoted(page->value) + "; texts are read as ANSI_1252");
+            tell(placeOf(*page), "unknown code page " + quoted(page->value) + "; texts are read as ANSI_1252");
             setVariable("$DWGCODEPAGE", 3, "ANSI_1252");
         }
     }
@@ -145,6 +147,7 @@ class LinkMender {
     }
 
     void mendTexts() {
+        if (!format_.utf8()) return;
         salvage_.forEach([&](SalvagedNode&, SalvagedRecord& record, SalvagedNode*) {
             for (Group& group : record.groups)
                 if (valueKind(group.code) == ValueKind::text) mendText(record, group);
@@ -152,15 +155,10 @@ class LinkMender {
     }
 
     void mendText(const SalvagedRecord& record, Group& group) {
-        std::string text(group.value);
-        std::string fault;
-        if (std::erase(text, '\0') > 0) fault = "has zero bytes, which were left out";
-        if (format_.utf8() && !base::isUtf8(text)) {
-            text = base::toUtf8Exact(format_.codePage->decode(text));
-            fault = "is not UTF-8; it was read in the drawing's code page";
-        }
-        if (fault.empty()) return;
-        tell(group.begin, record.title() + ": the text of group " + std::to_string(group.code) + " " + fault);
+        if (base::isUtf8(group.value)) return;
+        tell(salvage_.placeOf(group, record), record.title() + ": the text of group " + std::to_string(group.code) +
+                                                  " is not UTF-8; it was read in the drawing's code page");
+        const std::string text = base::toUtf8Exact(format_.codePage->decode(group.value));
         const int code = group.code;
         group = salvage_.group([&](RecordWriter& writer) { writer.text(code, text); });
     }
@@ -169,12 +167,14 @@ class LinkMender {
 
     void mendHandles() {
         std::uint64_t largest = 0;
-        const auto note = [&largest](const Group& group) {
-            if (valueKind(group.code) == ValueKind::handle) largest = std::max(largest, parseHandle(group.value));
+        const auto note = [&largest](std::uint64_t handle) {
+            if (handle < kHandleLimit - kSpareHandles) largest = std::max(largest, handle);
         };
         salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
-            largest = std::max(largest, record.handle);
-            if (record.type != rtDimstyle) std::for_each(record.groups.begin(), record.groups.end(), note);
+            note(record.handle);
+            if (record.type == rtDimstyle) return;
+            for (const Group& group : record.groups)
+                if (valueKind(group.code) == ValueKind::handle) note(parseHandle(group.value));
         });
         salvage_.nextHandle = largest + 1;
         // Objects are found by them.
@@ -220,12 +220,10 @@ class LinkMender {
 
     // ---- sections and tables
 
-    SalvagedNode* missingSection(std::string_view name) {
-        if (salvage_.section(name)) return nullptr;
-        SalvagedNode& made = salvage_.madeSection(name);
-        closeSections();
+    void missingSection(std::string_view name) {
+        if (salvage_.section(name)) return;
+        madeSection(name);
         tell(nullptr, "the SECTION " + std::string(name) + " is missing; an empty one was added");
-        return &made;
     }
 
     void addMissing() {
@@ -239,13 +237,12 @@ class LinkMender {
 
     void addTable(std::string_view name) {
         if (salvage_.table(name)) return;
-        SalvagedNode& tables = *salvage_.section("TABLES");
-        SalvagedNode& table = tables.children.emplace_back();
-        table.record = salvage_.record(nullptr, [&](RecordWriter& writer) {
+        salvage_.addTable(salvage_.record(nullptr, [&](RecordWriter& writer) {
             writer.text(0, "TABLE");
             writer.text(2, name);
-        });
-        tell(tables.closer->place, "the TABLE " + std::string(name) + " is missing; an empty one was added");
+        }));
+        tell(salvage_.section("TABLES")->closer->place,
+             "the TABLE " + std::string(name) + " is missing; an empty one was added");
     }
 
     // Those that were put in.
@@ -268,24 +265,27 @@ class LinkMender {
             return;
         }
         root_ = newHandle();
+        std::unordered_set<std::uint64_t> dictionaries;
+        for (const SalvagedNode& object : objects.children)
+            if (object.record.type == rtDictionary) dictionaries.insert(object.record.handle);
         SalvagedNode& root = objects.children.emplace_front();
         root.record = salvage_.record(nullptr, [&](RecordWriter& writer) {
             writer.dictionary(root_, 0);
-            if (const std::uint64_t layouts = dictionaryOf(rtLayout, objects))
+            if (const std::uint64_t layouts = dictionaryOf(rtLayout, objects, dictionaries))
                 writer.dictionaryEntry("ACAD_LAYOUT", layouts);
-            if (const std::uint64_t groups = dictionaryOf(rtGroup, objects))
+            if (const std::uint64_t groups = dictionaryOf(rtGroup, objects, dictionaries))
                 writer.dictionaryEntry("ACAD_GROUP", groups);
         });
         tell(objects.record.place, "the dictionary that all objects hang on is missing; one was added");
     }
 
     // The one that lists objects of a kind: their owner.
-    std::uint64_t dictionaryOf(RecordType kind, const SalvagedNode& objects) {
+    static std::uint64_t dictionaryOf(RecordType kind, const SalvagedNode& objects,
+                                      const std::unordered_set<std::uint64_t>& dictionaries) {
         for (const SalvagedNode& object : objects.children) {
             if (object.record.type != kind) continue;
             const std::uint64_t owner = parseHandle(object.record.text(330));
-            for (const SalvagedNode& candidate : objects.children)
-                if (candidate.record.type == rtDictionary && candidate.record.handle == owner) return owner;
+            if (owner && dictionaries.contains(owner)) return owner;
         }
         return 0;
     }
@@ -294,29 +294,33 @@ class LinkMender {
 
     // Those of which the beginning is lost: the owner of what stands in one is its record.
     void nameBlocks() {
-        SalvagedNode* const records = salvage_.table("BLOCK_RECORD");
+        if (SalvagedNode* const blocks = salvage_.section("BLOCKS"))
+            for (SalvagedNode& block : blocks->children)
+                if (block.record.type == rtBlock) blocks_.emplace(folded(block.record.text(2)), &block);
+        if (salvage_.namelessBlocks.empty()) return;
+        std::unordered_map<std::uint64_t, const SalvagedRecord*> records;
+        if (const SalvagedNode* const table = salvage_.table("BLOCK_RECORD"))
+            for (const SalvagedNode& record : table->children) records.emplace(record.record.handle, &record.record);
         for (SalvagedNode& nameless : salvage_.namelessBlocks) {
             if (nameless.children.empty()) continue;
             const std::uint64_t owner = ownerOf(nameless.children.front().record);
             const char* const place = nameless.children.front().record.place;
-            SalvagedNode* record = nullptr;
-            if (records && owner)
-                for (SalvagedNode& candidate : records->children)
-                    if (candidate.record.handle == owner) record = &candidate;
-            if (record && isOfSpace(decoded(record->record.text(2)), false)) {
+            const auto found = owner ? records.find(owner) : records.end();
+            const SalvagedRecord* const record = found == records.end() ? nullptr : found->second;
+            const bool isNamed = record && !trimmed(record->text(2)).empty();
+            if (isNamed && isOfSpace(decoded(record->text(2)), false)) {
                 SalvagedNode& entities = *salvage_.section("ENTITIES");
                 entities.children.splice(entities.children.end(), nameless.children);
-            } else if (record) {
-                SalvagedNode* const block = blockNamed(folded(record->record.text(2)));
-                SalvagedNode& into = block ? *block : madeBlock(record->record.text(2), owner);
-                tell(place, "what stands from here on went into BLOCK " + std::string(record->record.text(2)));
-                into.children.splice(into.children.end(), nameless.children);
+            } else if (isNamed) {
+                SalvagedNode*& into = blocks_[folded(record->text(2))];
+                if (!into) into = &madeBlock(record->text(2), owner);
+                tell(place, "what stands from here on went into BLOCK " + std::string(record->text(2)));
+                into->children.splice(into->children.end(), nameless.children);
             } else {
                 tell(place, std::to_string(nameless.children.size()) +
                                 " entities were left out: the name of their block is lost");
             }
         }
-        if (salvage_.namelessBlocks.empty()) return;
         salvage_.namelessBlocks.clear();
         known_.clear();
         salvage_.forEach(
@@ -330,19 +334,10 @@ class LinkMender {
         return 0;
     }
 
-    SalvagedNode* blockNamed(const std::wstring& name) {
-        if (SalvagedNode* const blocks = salvage_.section("BLOCKS"))
-            for (SalvagedNode& block : blocks->children)
-                if (block.record.type == rtBlock && folded(block.record.text(2)) == name) return &block;
-        return nullptr;
-    }
-
     SalvagedNode& madeBlock(std::string_view rawName, std::uint64_t record) {
         const std::string name(trimmed(rawName));
         const bool paper = isOfSpace(decoded(name), true);
-        SalvagedNode& blocks = salvage_.madeSection("BLOCKS");
-        closeSections();
-        SalvagedNode& block = blocks.children.emplace_back();
+        SalvagedNode& block = madeSection("BLOCKS").children.emplace_back();
         block.record = salvage_.record(
             nullptr, [&](RecordWriter& writer) { writer.block(newHandle(), record, name, paper); });
         block.closer =
@@ -361,17 +356,13 @@ class LinkMender {
     // A block has a record and a record a block; from R13 on, the two spaces too.
     void pairBlocks() {
         SalvagedNode* const table = salvage_.table("BLOCK_RECORD");
-        SalvagedNode* const blocks = salvage_.section("BLOCKS");
-        if (blocks)
-            for (SalvagedNode& block : blocks->children)
-                if (block.record.type == rtBlock) blocks_.emplace(folded(block.record.text(2)), &block);
         if (!table) return;
         for (SalvagedNode& record : table->children)
             if (!trimmed(record.record.text(2)).empty())
-                recordOfBlock_.emplace(folded(record.record.text(2)), record.record.handle);
+                addRecordOfBlock(folded(record.record.text(2)), record.record.handle);
         for (const auto& [name, block] : blocks_) {
             if (recordOfBlock_.contains(name)) continue;
-            recordOfBlock_.emplace(name, madeBlockRecord(*table, block->record.text(2)));
+            addRecordOfBlock(name, madeBlockRecord(*table, block->record.text(2)));
             tell(block->record.place,
                  block->record.title() + " has no record in the TABLE BLOCK_RECORD; one was added");
         }
@@ -397,14 +388,14 @@ class LinkMender {
         SalvagedNode* const table = salvage_.table("BLOCK_RECORD");
         const std::wstring key = folded(name);
         std::uint64_t record = 0;
-        if (table) record = recordOfBlock_.emplace(key, madeBlockRecord(*table, name)).first->second;
+        if (table) addRecordOfBlock(key, record = madeBlockRecord(*table, name));
         blocks_.emplace(key, &madeBlock(name, record));
     }
 
-    std::uint64_t spaceRecord(bool paper) const {
-        for (const auto& [name, handle] : recordOfBlock_)
-            if (isOfSpace(name, paper)) return handle;
-        return 0;
+    void addRecordOfBlock(const std::wstring& name, std::uint64_t record) {
+        if (!recordOfBlock_.emplace(name, record).second) return;
+        for (const bool paper : {false, true})
+            if (!spaceRecords_[paper] && isOfSpace(name, paper)) spaceRecords_[paper] = record;
     }
 
     // Whom a record belongs to, by where it stands.
@@ -419,7 +410,7 @@ class LinkMender {
             case rtBlock:
                 return recordOf(owner->record);
             case rtSection:
-                if (sectionName(*owner) == "ENTITIES") return spaceRecord(trimmed(record.text(67)) == "1");
+                if (sectionName(*owner) == "ENTITIES") return spaceRecords_[trimmed(record.text(67)) == "1"];
                 return sectionName(*owner) == "OBJECTS" && record.handle != root_ ? root_ : 0;
             default:
                 return owner->record.handle;
@@ -557,7 +548,7 @@ class LinkMender {
         std::vector<std::uint64_t> lost;
         const char* place = nullptr;
         const auto lose = [&](const Group& group) {
-            if (!place) place = group.begin;
+            if (!place) place = salvage_.placeOf(group, record);
             lost.push_back(parseHandle(group.value));
             changed = true;
         };
@@ -592,8 +583,9 @@ class LinkMender {
                         ownerSeen = true;
                         if (!isLost(group)) break;
                         const std::uint64_t handle = trueOwner(record, owner);
-                        tell(group.begin, record.title() + ": its owner, " + handleText(parseHandle(group.value)) +
-                                              ", is not there; it is " + handleText(handle) + " now");
+                        tell(salvage_.placeOf(group, record),
+                             record.title() + ": its owner, " + handleText(parseHandle(group.value)) +
+                                 ", is not there; it is " + handleText(handle) + " now");
                         kept.push_back(salvage_.group([&](RecordWriter& writer) { writer.handle(330, handle); }));
                         changed = true;
                         continue;
@@ -630,6 +622,7 @@ class LinkMender {
     std::unordered_set<std::uint64_t> known_;
     std::unordered_map<std::wstring, SalvagedNode*> blocks_;         // by folded name
     std::unordered_map<std::wstring, std::uint64_t> recordOfBlock_;  // its handle
+    std::array<std::uint64_t, 2> spaceRecords_{};                    // of the model, of the paper
     std::uint64_t root_ = 0;
 };
 

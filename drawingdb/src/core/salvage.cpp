@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "base/text.h"
 #include "drawingdb/object_id.h"
@@ -14,7 +15,6 @@ namespace {
 constexpr int kLeastCode = -9, kLargestCode = 1071;
 // So many groups in a row are no accident.
 constexpr int kSoundGroups = 8;
-constexpr std::uint64_t kLargestHandle = std::uint64_t{1} << 62;
 
 bool isRecordName(std::string_view text) {
     constexpr std::size_t kLongest = 255;
@@ -30,7 +30,7 @@ bool isRecordName(std::string_view text) {
 
 bool isHandle(std::string_view text) {
     text = trimmed(text);
-    if (parseHandle(text) != 0) return parseHandle(text) < kLargestHandle;
+    if (parseHandle(text) != 0) return parseHandle(text) < kHandleLimit;
     return text.find_first_not_of('0') == std::string_view::npos;
 }
 
@@ -75,7 +75,8 @@ std::vector<OdDbWarning> Damages::warnings(const std::string& fileName) {
 
 std::string SalvagedRecord::title() const {
     std::string text(name.substr(0, 40));
-    if (type == rtSection || type == rtTable || type == rtBlock) text += " " + std::string(this->text(2).substr(0, 80));
+    const bool isNamed = (type == rtSection || type == rtTable || type == rtBlock) && find(2);
+    if (isNamed) text += " " + std::string(this->text(2).substr(0, 80));
     if (handle) text += " #" + OdDbHandle(handle).ascii();
     return text;
 }
@@ -98,6 +99,15 @@ std::size_t orderOf(std::string_view section) {
     return static_cast<std::size_t>(std::find(std::begin(kSections), std::end(kSections), section) - kSections);
 }
 
+// The reader takes two of the same key for the same section.
+std::string sectionKey(std::string_view name) {
+    constexpr std::size_t kLongest = 40;
+    std::string key(name.substr(0, kLongest));
+    for (char& c : key)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    return key;
+}
+
 }  // namespace
 
 std::string_view sectionName(const SalvagedRecord& section) {
@@ -108,9 +118,15 @@ std::string_view sectionName(const SalvagedRecord& section) {
 }
 
 SalvagedNode* Salvage::section(std::string_view name) {
-    for (SalvagedNode& node : sections)
-        if (sectionName(node) == name) return &node;
-    return nullptr;
+    const auto found = sectionOf_.find(sectionKey(name));
+    return found == sectionOf_.end() ? nullptr : found->second;
+}
+
+SalvagedNode& Salvage::addSection(SalvagedRecord section) {
+    SalvagedNode& node = sections.emplace_back();
+    node.record = std::move(section);
+    sectionOf_.emplace(sectionKey(sectionName(node)), &node);
+    return node;
 }
 
 SalvagedNode& Salvage::madeSection(std::string_view name) {
@@ -120,14 +136,20 @@ SalvagedNode& Salvage::madeSection(std::string_view name) {
     });
     const auto made = sections.emplace(next);
     made->record = record(nullptr, [&](RecordWriter& writer) { writer.open(name); });
+    sectionOf_.emplace(sectionKey(name), &*made);
     return *made;
 }
 
 SalvagedNode* Salvage::table(std::string_view name) {
-    if (SalvagedNode* const tables = section("TABLES"))
-        for (SalvagedNode& node : tables->children)
-            if (node.record.type == rtTable && trimmed(node.record.text(2)) == name) return &node;
-    return nullptr;
+    const auto found = tableOf_.find(name);
+    return found == tableOf_.end() ? nullptr : found->second;
+}
+
+SalvagedNode& Salvage::addTable(SalvagedRecord table) {
+    SalvagedNode& node = section("TABLES")->children.emplace_back();
+    node.record = std::move(table);
+    tableOf_.emplace(trimmed(node.record.text(2)), &node);
+    return node;
 }
 
 std::uint16_t Salvage::typeOf(std::string_view name) {
@@ -158,6 +180,12 @@ Group Salvage::group(const std::function<void(RecordWriter&)>& write) {
     Group group;
     GroupCursor(bytes, format).next(group);
     return group;
+}
+
+const char* Salvage::placeOf(const Group& group, const SalvagedRecord& record) const {
+    const std::less<const char*> before;
+    const bool isOfFile = !before(group.begin, file.data()) && before(group.begin, file.data() + file.size());
+    return isOfFile ? group.begin : record.place;
 }
 
 void Salvage::forEach(

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -31,6 +32,9 @@ class Damages {
     const FileFormat& format_;
     std::vector<std::pair<const char*, std::string>> all_;
 };
+
+/// A handle from there on is none. The handles below it that are kept free let there be room for new ones.
+constexpr std::uint64_t kHandleLimit = std::uint64_t{1} << 62, kSpareHandles = std::uint64_t{1} << 32;
 
 /// A stretch of a damaged file: a group, perhaps with a value that its code cannot have, or what is no group.
 struct Piece {
@@ -122,9 +126,13 @@ struct Salvage {
     std::uint64_t nextHandle = 1;
 
     SalvagedNode* section(std::string_view name);
-    /// The section, made at its place in the order of sections when there is none.
+    /// Behind the others; of several of a name the first is found by it.
+    SalvagedNode& addSection(SalvagedRecord record);
+    /// The section, made at its place in the order of sections when there is none. A made one has no end yet.
     SalvagedNode& madeSection(std::string_view name);
     SalvagedNode* table(std::string_view name);
+    /// The same for tables; the section of tables is there.
+    SalvagedNode& addTable(SalvagedRecord record);
     /// A number for the kind of record; kinds that only this file has are all one.
     std::uint16_t typeOf(std::string_view name);
     /// Of a drawing without handles 0.
@@ -133,8 +141,14 @@ struct Salvage {
     SalvagedRecord record(const char* place, const std::function<void(RecordWriter&)>& write);
     /// The same for a single group.
     Group group(const std::function<void(RecordWriter&)>& write);
+    /// Where a group stands in the file, or its record does when the group was put in.
+    const char* placeOf(const Group& group, const SalvagedRecord& record) const;
     /// All records in the order of the file.
     void forEach(const std::function<void(SalvagedNode& node, SalvagedRecord& record, SalvagedNode* owner)>& visit);
+
+  private:
+    std::unordered_map<std::string, SalvagedNode*> sectionOf_;     // by name as the reader compares them
+    std::unordered_map<std::string_view, SalvagedNode*> tableOf_;  // by name
 };
 
 /// The trees of sections out of the groups of a damaged file: what stands in the wrong place is put into the right one,

@@ -81,6 +81,8 @@ TEST(Recovery, TellsWhatWasLeftOutByRecordAndLine) {
          "LWPOLYLINE #65 has the handle of an earlier record"},
         {"a line too many", with(whole, "\n  5\n65\n", "\n  5\n65\nrubbish\n"),
          "plan.dxf:1161: CIRCLE #65: a line that belongs to no group was left out: \"rubbish\""},
+        {"zero bytes in the name of a table", with(whole, "\n  2\nLAYER\n", std::string("\n  2\nLA\0YER\n", 12)),
+         "TABLE: the text of group 2 has zero bytes, which were left out"},
         {"zero bytes", with(whole, "door", std::string("do\0or", 5)), "has zero bytes, which were left out"},
         {"no ENDSEC", with(whole, "ENDSEC\n  0\nSECTION\n  2\nENTITIES", "SECTION\n  2\nENTITIES"),
          "the ENDSEC of SECTION BLOCKS is missing before this"},
@@ -98,6 +100,7 @@ TEST(Recovery, TellsWhatWasLeftOutByRecordAndLine) {
          "TEXT #60: its owner, #FFF, is not there; it is #1F now"},
         {"member of a group", without(whole, "  0\nCIRCLE", "  0\nLWPOLYLINE"), "the reference was taken out"},
         {"no version", without(whole, "  9\n$ACADVER", "  9\n$DWG"), "$ACADVER is missing; read as AC1032"},
+        {"version without a value", with(whole, "\n  1\nAC1032\n", "\n"), "\"$ACADVER\" has no value; it was left out"},
         {"code page", with(with(whole, "AC1032", "AC1015"), "ANSI_1252", "KLINGON"), "unknown code page \"KLINGON\""},
         {"no UTF-8", with(whole, "\n  2\nWALLS\n", "\n  2\nW\xC4LLE\n"),
          "is not UTF-8; it was read in the drawing's code page"},
@@ -143,6 +146,19 @@ TEST(Recovery, KeepsWhatIsWhole) {
     // A bad byte in a text of a newer drawing is a letter of the code page.
     database = recovered(with(whole, "\n  2\nWALLS\n", "\n  2\nW\xC4LLE\n"));
     EXPECT_FALSE(database->findLayer(L"W\u00c4LLE").isNull());
+
+    // Two faults in a variable of the header cost it, not the one before it too.
+    database = recovered(with(whole, "\n 70\n     1\n  9\n$CLAYER\n", "\nno\n 70\n     1\nno\n  9\n$CLAYER\n"));
+    EXPECT_NE(database->writeBytes().find("$INSBASE"), std::string::npos);
+    EXPECT_EQ(database->writeBytes().find("$TILEMODE"), std::string::npos);
+}
+
+// Texts that look like handles, empty ones in a row, the largest of all.
+TEST(Recovery, GivesHandlesThatAreFree) {
+    const std::string lacking = with(sampleBytes(), "\n  5\n65\n", "\n  5\n\n");
+    recovered(with(lacking, "\n100\nAcDbCircle\n", "\n100\nAcDbCircle\n  5\nFFFFFFFFFFFFFFFF\n"));
+    recovered(with(lacking, "\n  5\n66\n", "\n  5\n3FFFFFFFFFFFFFFF\n"));
+    recovered("0\nSECTION\n2\nENTITIES\n0\nPOINT\n5\n\n5\n\n8\n0\n10\n0\n20\n0\n0\nENDSEC\n");
 }
 
 TEST(Recovery, CutAnywhere) {
