@@ -61,7 +61,7 @@ def check_debian(packages, work):
     for option in run(torvelhost, "--help").split():
         if option.startswith("--") and option.rstrip(",").replace("-", r"\-") not in page:
             sys.exit(f"the manual page lacks {option}")
-    run("bash", "-c", f"source '{root}/usr/share/bash-completion/completions/torvelhost'; COMP_WORDS=('{torvelhost}' --sc);"
+    run("bash", "-c", f"source '{root}/usr/share/bash-completion/completions/torvelhost'; COMP_WORDS=('{torvelhost}' --scr);"
         " COMP_CWORD=1; _torvelhost; [ \"${COMPREPLY[*]}\" = --script ]")
 
     run("dpkg-deb", "-x", view, root)
