@@ -1,6 +1,7 @@
 #include "torvelhost/window/command_line.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/text.h"
 
