@@ -182,6 +182,7 @@ bool Comparison::compare() {
     } catch (const base::CsvError& error) {
         fault(error.line(), base::fromUtf8(error.what()));
     }
+    cells_ = nullptr;  // they went with the table
     return faults_ == 0;
 }
 

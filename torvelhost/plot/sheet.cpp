@@ -181,7 +181,7 @@ Paper paperFor(const PlotSettings& settings) { return settings.paper.value_or(*p
 
 OdSmartPtr<OdDbLayout> findLayout(const OdDbDatabase& database, const std::wstring& name) {
     const auto layouts = database.layoutDictionaryId().openIf<OdDbDictionary>();
-    return layouts ? layouts->getAt(name.c_str()).openIf<OdDbLayout>() : OdSmartPtr<OdDbLayout>();
+    return layouts ? layouts->getAt(name).openIf<OdDbLayout>() : OdSmartPtr<OdDbLayout>();
 }
 
 }  // namespace
