@@ -118,8 +118,8 @@ std::optional<std::wstring> askPerson(const std::wstring& title, Ask ask) {
 }
 
 std::wstring titleOf(const std::wstring& caption, const std::wstring& text) {
-    const Run* const current = Process::instance().current;
-    return !caption.empty() ? caption : current ? Process::instance().current->root().title() : text;
+    Run* const current = Process::instance().current;
+    return !caption.empty() ? caption : current ? current->root().title() : text;
 }
 
 }  // namespace

@@ -223,34 +223,41 @@ TEST(ThinLines, HaveCornersWithoutGapsAndBlobs) {
     }
 }
 
-TEST(ThinLines, StayInTheirClipAndBuffer) {
-    // The row is longer than the picture is wide; what stands behind it is somebody else's.
-    constexpr int kWidth = 20, kHeight = 10, kStride = 24;
-    std::vector<std::uint32_t> pixels(kStride * kHeight, 0xFFFFFFFF);
+TEST(ThinLines, StayInTheirBuffer) {
+    // What stands before the first row and behind the last is somebody else's.
+    constexpr int kWidth = 20, kHeight = 10, kBeside = 100;
+    const std::vector<std::uint32_t> white(kWidth * kHeight + 2 * kBeside, 0xFFFFFFFF);
+    std::vector<std::uint32_t> pixels = white;
     ThinLines lines;
-    lines.attach(pixels.data(), kWidth, kHeight, kStride);
+    lines.attach(pixels.data() + kBeside, kWidth, kHeight);
     std::vector<Picture::Point> star;
     for (int i = 0; i < 40; ++i) {
         const auto angle = static_cast<float>(i);
         star.push_back({10 + 1000 * std::cos(angle), 5 + 1000 * std::sin(angle)});
         star.push_back({10, 5});
     }
-    const auto paintedBeside = [&](int left, int top, int right, int bottom) {
-        int inside = 0, outside = 0;
-        for (int y = 0; y < kHeight; ++y)
-            for (int x = 0; x < kStride; ++x)
-                if (pixels[static_cast<std::size_t>(y * kStride + x)] != 0xFFFFFFFF)
-                    ++(x >= left && x < right && y >= top && y < bottom ? inside : outside);
-        return std::pair(inside, outside);
+    lines.draw(star, 1.5, 0);
+    for (std::size_t i = 1; i < star.size(); ++i) lines.draw(std::span(star).subspan(i - 1, 2), 1.5, 0);
+    const auto painted = [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+        return to - from - std::count(pixels.begin() + from, pixels.begin() + to, 0xFFFFFFFF);
     };
-    lines.setClip(4, 3, 9, 8);
-    lines.draw(star, 1.5, 0);
-    for (std::size_t i = 1; i < star.size(); ++i) lines.draw(std::span(star).subspan(i - 1, 2), 1.5, 0);
-    EXPECT_EQ(paintedBeside(4, 3, 9, 8), std::pair(25, 0));
-    lines.setClip(-5, -5, 500, 500);
-    lines.draw(star, 1.5, 0);
-    for (std::size_t i = 1; i < star.size(); ++i) lines.draw(std::span(star).subspan(i - 1, 2), 1.5, 0);
-    EXPECT_EQ(paintedBeside(0, 0, kWidth, kHeight), std::pair(kWidth * kHeight, 0));
+    EXPECT_EQ(painted(kBeside, kBeside + kWidth * kHeight), kWidth * kHeight);
+    EXPECT_EQ(painted(0, kBeside) + painted(kBeside + kWidth * kHeight, std::ssize(pixels)), 0);
+
+    // Half over the right border, and over the left one: nothing comes into the next row's other end.
+    for (const float x : {0.0f, static_cast<float>(kWidth)}) {
+        pixels = white;
+        const Picture::Point upright[] = {{x, -5}, {x, 5}, {x, 50}};
+        lines.draw(upright, 1.5, 0);
+        lines.draw(std::span(upright).first(2), 1.5, 0);
+        int rows = 0;
+        for (int y = 0; y < kHeight; ++y) {
+            const auto row = std::span(pixels).subspan(static_cast<std::size_t>(kBeside + y * kWidth), kWidth);
+            EXPECT_EQ(x == 0 ? row.back() : row.front(), 0xFFFFFFFF) << x << " in row " << y;
+            rows += (x == 0 ? row.front() : row.back()) != 0xFFFFFFFF ? 1 : 0;
+        }
+        EXPECT_EQ(rows, kHeight) << x;
+    }
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ class Painter::Brush {
                        static_cast<unsigned>(into.height), into.width * 4);
         base_.reset_clipping(true);
         rasterizer_.clip_box(0, 0, into.width, into.height);
-        lines_.attach(into.pixels.data(), into.width, into.height, into.width);
+        lines_.attach(into.pixels.data(), into.width, into.height);
         for (const Picture::Shape& shape : picture.shapes()) {
             for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
                 const auto contour = picture.contour(shape.firstContour + i);

@@ -89,27 +89,17 @@ struct ThinLines::Gather {
     }
 };
 
-void ThinLines::attach(std::uint32_t* pixels, int width, int height, int stride) {
+void ThinLines::attach(std::uint32_t* pixels, int width, int height) {
     pixels_ = pixels;
     width_ = width;
     height_ = height;
-    stride_ = stride;
-    setClip(0, 0, width, height);
-}
-
-void ThinLines::setClip(int left, int top, int right, int bottom) {
-    left_ = std::max(left, 0);
-    top_ = std::max(top, 0);
-    right_ = std::min(right, width_);
-    bottom_ = std::min(bottom, height_);
 }
 
 void ThinLines::draw(std::span<const Picture::Point> line, double width, std::uint32_t color) {
-    if (left_ >= right_ || top_ >= bottom_) return;
     color &= 0xFFFFFF;
     const double half = width / 2;
     if (line.size() == 2) return addSegment(line[0], line[1], half, Blend{pixels_, color});
-    const std::size_t size = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
+    const std::size_t size = static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
     if (covered_.size() < size) covered_.resize(size);
     std::size_t count = 0;
     for (std::size_t i = 1; i < line.size(); ++i) {
@@ -134,18 +124,23 @@ void ThinLines::addSegment(const Picture::Point& from, const Picture::Point& to,
     const double slope = (upright ? x : y) / along;
     const Picture::Point& first = along > 0 ? from : to;
     const Picture::Point& last = along > 0 ? to : from;
-    Strip strip = {first.x, last.x, first.y, slope, half * std::sqrt(1 + slope * slope), left_,
-                   right_,  top_,   bottom_, 1,     static_cast<std::size_t>(stride_)};
+    Strip strip = {first.x,
+                   last.x,
+                   first.y,
+                   slope,
+                   half * std::sqrt(1 + slope * slope),
+                   width_,
+                   height_,
+                   1,
+                   static_cast<std::size_t>(width_)};
     if (upright)
-        strip = {first.y, last.y,  first.x, slope,  strip.reach,
-                 top_,    bottom_, left_,   right_, static_cast<std::size_t>(stride_),
-                 1};
-    if (!(strip.to > strip.begin) || !(strip.from < strip.end)) return;
+        strip = {first.y, last.y, first.x, slope, strip.reach, height_, width_, static_cast<std::size_t>(width_), 1};
+    if (!(strip.to > 0) || !(strip.from < strip.end)) return;
     const double other = strip.across + slope * (strip.to - strip.from), lean = strip.reach + 1;
     const auto [low, high] = std::minmax(strip.across, other);
-    if (low - lean >= strip.low && high + lean < strip.high)
+    if (low - lean >= 0 && high + lean < strip.high)
         addColumns<false>(strip, cover);
-    else if (low - lean < strip.high && high + lean >= strip.low)
+    else if (low - lean < strip.high && high + lean >= 0)
         addColumns<true>(strip, cover);
 }
 
@@ -162,7 +157,7 @@ void ThinLines::addColumns(const Strip& strip, const Cover& cover) {
     const auto add = [&](int column, std::int64_t middle, std::uint32_t part) {
         auto top = static_cast<int>((middle - lean) >> 32), bottom = static_cast<int>((middle + lean) >> 32);
         if constexpr (kCut) {
-            top = std::max(top, strip.low);
+            top = std::max(top, 0);
             bottom = std::min(bottom, strip.high - 1);
         }
         const std::int64_t height = middle - (static_cast<std::int64_t>(top) << 32) +
@@ -182,7 +177,7 @@ void ThinLines::addColumns(const Strip& strip, const Cover& cover) {
         // NOLINTNEXTLINE(bugprone-incorrect-roundings): it is never negative, and asked for each pixel.
         add(column, fixed((left + right) / 2), static_cast<std::uint32_t>((right - left) * 256 + 0.5));
     };
-    int first = static_cast<int>(std::floor(std::max<double>(strip.from, strip.begin)));
+    int first = static_cast<int>(std::floor(std::max(strip.from, 0.0)));
     int last = static_cast<int>(std::ceil(std::min<double>(strip.to, strip.end))) - 1;
     if (strip.from > first) addPart(first++);
     if (last >= first && strip.to < last + 1) addPart(last--);

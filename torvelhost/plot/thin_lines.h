@@ -16,12 +16,8 @@ class ThinLines {
     /// The widest pen, in pixels.
     static constexpr double kWidest = 1.5;
 
-    /// Rows of opaque pixels 0xFFRRGGBB from the top down, `stride` pixels from one row to the next. They are
-    /// referenced. The clip is all of them.
-    void attach(std::uint32_t* pixels, int width, int height, int stride);
-
-    /// Leaves alone what is not in columns `left` to `right` - 1 and rows `top` to `bottom` - 1.
-    void setClip(int left, int top, int right, int bottom);
+    /// Rows of opaque pixels 0xFFRRGGBB from the top down. They are referenced.
+    void attach(std::uint32_t* pixels, int width, int height);
 
     /// A polyline with butt ends, of two points or more. Where it meets itself, at its corners too, it is as dark as
     /// anywhere else. The pen is above 0 and at most kWidest pixels wide.
@@ -33,11 +29,11 @@ class ThinLines {
     struct Gather;
     /// A segment as a strip over columns of pixels, or over rows when it is steep.
     struct Strip {
-        double from, to;            // along it, `from` the smaller
-        double across, slope;       // its height at `from`; the slope is from -1 to 1
-        double reach;               // from its middle up and down
-        int begin, end, low, high;  // the clip
-        std::size_t step, pitch;    // pixels from one column to the next, and from one to the next in a column
+        double from, to;          // along it, `from` the smaller
+        double across, slope;     // its height at `from`; the slope is from -1 to 1
+        double reach;             // from its middle up and down
+        int end, high;            // the buffer's, along it and across
+        std::size_t step, pitch;  // pixels from one column to the next, and from one to the next in a column
     };
     template <class Cover>
     void addSegment(const Picture::Point& from, const Picture::Point& to, double half, const Cover& cover);
@@ -45,8 +41,7 @@ class ThinLines {
     void addColumns(const Strip& strip, const Cover& cover);
 
     std::uint32_t* pixels_ = nullptr;
-    int width_ = 0, height_ = 0, stride_ = 0;
-    int left_ = 0, top_ = 0, right_ = 0, bottom_ = 0;
+    int width_ = 0, height_ = 0;
     std::vector<std::uint16_t> covered_;  // of each pixel, while a line of several segments is drawn; otherwise 0
     std::vector<std::uint32_t> touched_;  // those that are not 0; longer than needed
 };

@@ -78,7 +78,7 @@ void Overlay::draw(PixelBuffer& into) const {
         };
         const Picture::Point band[] = {place(*bandFrom), place(*cursor)};
         ThinLines lines;
-        lines.attach(into.pixels.data(), into.width, into.height, into.width);
+        lines.attach(into.pixels.data(), into.width, into.height);
         lines.draw(band, 1.0, kBand);
     }
     const int x = whole(cursor->x), y = whole(cursor->y);
