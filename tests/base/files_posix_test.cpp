@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "base/files.h"
-#include "temporary_folder.h"
+#include "base/temporary_folder.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ class FileSizeLimit {
 };
 
 TEST(FilesPosix, AFullDiskLeavesTheTargetAndNoRemains) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     const std::wstring path = folder / L"plan.dxf";
     base::writeFile(path, "old");
     {
@@ -46,7 +46,7 @@ TEST(FilesPosix, AFullDiskLeavesTheTargetAndNoRemains) {
 
 // File names are bytes here, not text.
 TEST(FilesPosix, ANameThatIsNoUtf8IsAName) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     const std::string name = base::toPath(folder.path()).native() + "/gr\xFC\xDF.dxf";
     const std::wstring path = base::fromPath(name);
     base::writeFile(path, "plan");
@@ -65,7 +65,7 @@ TEST(FilesPosix, ADeviceIsWrittenDirectly) {
     }
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     const std::wstring pipe = folder / L"pipe";
     ASSERT_EQ(mkfifo(base::toPath(pipe).c_str(), 0600), 0);
     std::string read;
@@ -77,7 +77,7 @@ TEST(FilesPosix, ADeviceIsWrittenDirectly) {
 }
 
 TEST(FilesPosix, LinksAndPermissionsStay) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     fs::create_directory(base::toPath(folder / L"real"));
     const std::wstring target = base::joinPath(folder / L"real", L"plan.dxf");
     base::writeFile(target, "old");

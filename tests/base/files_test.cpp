@@ -6,7 +6,7 @@
 
 #include "base/line_buffer.h"
 #include "base/paths.h"
-#include "temporary_folder.h"
+#include "base/temporary_folder.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ std::size_t countIn(const std::wstring& folder) {
 }
 
 TEST(Files, ReadsWholeFilesWithZeroesBehind) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     const std::wstring path = folder / L"T\u00FCr \u4E2D.dxf";
     std::string bytes = "a\r\n\x1A\0b";
     bytes.append(300000, 'x');
@@ -34,7 +34,7 @@ TEST(Files, ReadsWholeFilesWithZeroesBehind) {
 }
 
 TEST(Files, LargeFilesAreReadPieceByPiece) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     std::string bytes;
     for (int i = 0; bytes.size() < (std::size_t{9} << 20); ++i) bytes += std::to_string(i) + '\n';
     for (const std::string& written : {bytes, bytes.substr(0, 100), std::string()}) {
@@ -60,13 +60,13 @@ TEST(Files, LargeFilesAreReadPieceByPiece) {
 }
 
 TEST(Files, TextEndsAtTheEndMark) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     base::writeFile(folder / L"a.txt", "\xEF\xBB\xBFone\r\ntwo\x1Athree\x1A");
     EXPECT_EQ(base::readTextFile(folder / L"a.txt"), "one\r\ntwo");
 }
 
 TEST(Files, ErrorsNameTheFile) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     for (const std::wstring& path : {folder / L"missing.dxf", folder.path()}) {
         try {
             base::FileReading(path).take();
@@ -83,7 +83,7 @@ TEST(Files, ErrorsNameTheFile) {
 }
 
 TEST(Files, WithoutCommitTheTargetStaysAsItWas) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     const std::wstring path = folder / L"plan.dxf";
     base::writeFile(path, "old");
     {

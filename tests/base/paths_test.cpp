@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/temporary_folder.h"
 #include "base/text.h"
-#include "temporary_folder.h"
 
 namespace {
 
@@ -46,7 +46,7 @@ TEST(Paths, Join) {
 }
 
 TEST(Paths, QuestionsToTheSystem) {
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     EXPECT_TRUE(base::isFolder(folder.path()));
     EXPECT_FALSE(base::isFile(folder.path()));
     EXPECT_FALSE(base::isFolder(folder / L"missing"));

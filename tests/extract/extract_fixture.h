@@ -5,8 +5,8 @@
 #include <string>
 
 #include "base/files.h"
+#include "base/temporary_folder.h"
 #include "drawingdb/database.h"
-#include "tests/base/temporary_folder.h"
 #include "torvelcmd2/extract/extract.h"
 
 /// "|" separates lines.
@@ -62,6 +62,6 @@ class ExtractTest : public testing::Test {
     std::wstring output() const { return folder_ / L"out.txt"; }
     std::string written() const { return std::string(base::readFile(output()).view()); }
 
-    TemporaryFolder folder_;
+    base::TemporaryFolder folder_;
     OdDbDatabasePtr database_;
 };

@@ -75,6 +75,51 @@ class CommandLine(unittest.TestCase):
             self.assertIn(screen.get("DISPLAY", "DISPLAY") if has_qt else "Qt", run.errors)
             self.assertFalse((self.folder / "out.dxf").exists())
 
+    def name_converter(self, *arguments):
+        """The program is its own converter here: what it reads as DWG is a script for it."""
+        words = " ".join(f'"{word}"' for word in (COMMAND[-1], "--profile", "none.ini", "-q", *arguments))
+        (self.folder / "profile.ini").write_text("[Converters]\ndwg=" + words.replace("\\", "\\\\") + "\n")
+
+    def test_drawings_in_dwg_come_from_a_converter(self):
+        dwg = self.folder / "the plan.DWG"
+        dwg.write_text("")
+        self.name_converter("plan.dxf", "-s", "%in", "-o", "%out")  # a drawing without a table of layers
+        self.assertEqual(self.run_program("the plan.DWG", "-c", "QUIT", "-o", "out.dxf").status, 0)
+        self.assertIn("DOOR", (self.folder / "out.dxf").read_text())
+        dwg.write_text("LAYER\nOFF\n*\n\nRay\n0,0\n1,1\n\n")
+        self.name_converter("-s", "%in", "-o", "%out")
+        run = self.run_program("the plan.DWG", "-c", "SETVAR|DWGNAME", "-o", "out.dxf")
+        self.assertEqual(run.status, 0, run.errors)
+        self.assertIn("the plan.DWG: the converter wrote 1 of 1 layers as off", run.errors)
+        self.assertIn("DWGNAME = the plan.DWG", run.output + run.errors)
+        self.assertIn("\nRAY\n", (self.folder / "out.dxf").read_text())
+        self.assertEqual(json.loads(self.run_program("the plan.DWG", "--summary=json").output)["file"], "the plan.DWG")
+
+        for arguments in ("-c", "", "-o", "new.dwg"), ("-c", "SAVE|"), ("-c", "SAVE|other.dwg"):
+            run = self.run_program("the plan.DWG", *arguments)
+            self.assertNotEqual(run.status, 0)
+            self.assertIn("drawings are saved as DXF; give a name that ends in .dxf", run.errors)
+        self.assertEqual(dwg.read_text()[:5], "LAYER")
+
+        for arguments, words in ((("-s", "%in", "-c", "NOTHING", "-o", "%out"), "ended with status 2: "),
+                                 (("-s", "%in", "-p", "%out.png"), "wrote no drawing and said nothing"),
+                                 (("-s", "%in"), "is not told what to read and where to write")):
+            self.name_converter(*arguments)
+            run = self.run_program("the plan.DWG", "-c", "", "-o", "out.dxf")
+            self.assertEqual(run.status, 3, arguments)
+            self.assertIn(words, run.errors)
+        (self.folder / "profile.ini").write_text("[Converters]\ndwg=no-such-program %in %out\n")
+        self.assertIn("the converter no-such-program cannot be started: ", self.run_program("the plan.DWG", "-c", "").errors)
+        if IS_NATIVE:
+            (self.folder / "profile.ini").write_text('[Converters]\nseconds=1\ndwg=sh -c "sleep 60" %in %out\n')
+            begun = time.monotonic()
+            self.assertIn("was ended after 1 seconds", self.run_program("the plan.DWG", "-c", "").errors)
+            self.assertLess(time.monotonic() - begun, 30)
+
+        # Some are called so and are none.
+        (self.folder / "misnamed.dwg").write_text(PLAN)
+        self.assertEqual(self.run_program("misnamed.dwg", "-c", "").status, 0)
+
     def test_help_and_version(self):
         run = self.run_program("--help")
         self.assertEqual(run.status, 0)
@@ -200,7 +245,8 @@ class CommandLine(unittest.TestCase):
         (self.folder / "plan.dwg").write_bytes(b"AC1032\0\0\0\0\x1b[31m" + bytes(range(256)))
         run = self.run_program("plan.dwg", "-c", "")
         self.assertEqual(run.status, 3)
-        self.assertRegex(run.errors, r"plan\.dwg:.*DWG.*AC1032.*save it as DXF")
+        self.assertRegex(run.errors, r"plan\.dwg:.*DWG.*AC1032.*save it as DXF, or name a converter in the settings, "
+                         r"profile.ini: below \[Converters\] a line dwg=COMMAND %in %out")
 
     def test_bytes_of_a_file_do_not_work_the_terminal(self):
         (self.folder / "evil.dxf").write_bytes(b"\x1b]0;title\x07\x9b31m\xc2\x9b31m\n")

@@ -5,8 +5,8 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/temporary_folder.h"
 #include "base/text.h"
-#include "tests/base/temporary_folder.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ class KeptAsideTest : public testing::Test {
   protected:
     KeptAsideTest() { drawing_->writeFile(plan_); }
 
-    const TemporaryFolder folder_;
+    const base::TemporaryFolder folder_;
     const std::wstring state_ = folder_ / L"state", plan_ = folder_ / L"plan \u00FC.dxf";
     const OdDbDatabasePtr drawing_ = OdDbDatabase::createNew();
 };

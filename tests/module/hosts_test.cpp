@@ -5,12 +5,12 @@
 #include <functional>
 
 #include "base/files.h"
+#include "base/temporary_folder.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "hostapi/input.h"
 #include "loaded_services.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/dialogs/script_lines.h"
 #include "torvelcmd2/attmanager/att_ip_edit.h"
 #include "torvelcmd2/attmanager/select_attributed_block.h"
@@ -144,7 +144,7 @@ TEST_F(StoppedByProgress, Burst) {
 
 TEST_F(StoppedByProgress, AttExtLeavesNoFile) {
     const OdDbObjectIdArray references = openLargePlan(kReferences);
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     const std::string templateFile = base::toUtf8(folder / L"doors.txt");
     const std::wstring output = folder / L"out.txt";
     std::filesystem::copy_file(TORVEL_SOURCE_DIR "/tests/attext/doors.txt", base::toPath(folder / L"doors.txt"));

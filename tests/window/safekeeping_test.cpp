@@ -5,8 +5,8 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/temporary_folder.h"
 #include "base/text.h"
-#include "tests/base/temporary_folder.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ class SafekeepingTest : public testing::Test {
         return count;
     }
 
-    const TemporaryFolder folder_;
+    const base::TemporaryFolder folder_;
     const std::wstring state_ = folder_ / L"state", plan_ = folder_ / L"plan.dxf";
     host::Terminal terminal_{true};
     static constexpr std::int64_t kInterval = Safekeeping::kInterval;

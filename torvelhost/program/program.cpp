@@ -22,6 +22,7 @@
 #include "torvelhost/program/summary.h"
 #include "torvelhost/program/view_window.h"
 #include "torvelhost/session/application.h"
+#include "torvelhost/session/drawing_files.h"
 
 namespace host {
 namespace {
@@ -68,15 +69,17 @@ auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const
     }
 }
 
-OdDbDatabasePtr readDrawing(const std::optional<std::wstring>& drawing, const Options& options, Terminal& terminal) {
+OdDbDatabasePtr readDrawing(const std::optional<std::wstring>& drawing, const Options& options, Terminal& terminal,
+                            Profile& profile) {
     if (!drawing) return OdDbDatabase::createNew();
-    return onFile(terminal, L"Reading", L"read the drawing", *drawing, [&] {
-        return options.recover ? OdDbDatabase::recoverFile(*drawing) : OdDbDatabase::readFile(*drawing);
-    });
+    return onFile(terminal, L"Reading", L"read the drawing", *drawing,
+                  [&] { return readDrawingFile(*drawing, options.recover, profile); });
 }
 
-OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, const Options& options, Terminal& terminal) {
-    OdDbDatabasePtr database = readDrawing(drawing, options, terminal);
+OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, const Options& options,
+                            Application& application) {
+    Terminal& terminal = application.terminal();
+    OdDbDatabasePtr database = readDrawing(drawing, options, terminal, application.profile());
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
     return database;
 }
@@ -158,6 +161,8 @@ void checkLayout(const Options& options, const OdDbDatabase& database) {
 void checkOptions(const Options& options) {
     if (options.output == L"-")
         throw UsageError("--output: a drawing is saved to a file, not to standard output; ./- is a file of that name");
+    if (options.output && isDwgName(*options.output))
+        throw UsageError("--output: drawings are saved as DXF; give a name that ends in .dxf");
     if (options.summary != Options::Summary::kNone && !options.isInteractive())
         throw UsageError("--summary: nothing else is done with the drawing; leave -s, -c, -o and -p out");
     if (options.plot && !isPlotFileName(*options.plot))
@@ -172,8 +177,9 @@ void checkOptions(const Options& options) {
 
 // Nothing of a session is needed for it, nor the command module.
 ExitStatus summarize(const Options& options, Terminal& terminal) {
+    Profile profile = Profile::of(options.profile);
     const OdDbDatabasePtr database =
-        readDrawing(options.drawing, options, terminal);  // its warnings stand in the summary
+        readDrawing(options.drawing, options, terminal, profile);  // its warnings stand in the summary
     printSummary(*database, options.summary == Options::Summary::kJson, terminal);
     return terminal.outputFailed() ? kFileFailed : kAllFinished;
 }
@@ -205,7 +211,7 @@ ExitStatus runAtTerminal(const Options& options, Terminal& terminal) {
     const std::unique_ptr<ReplySource> replies = makeReplies(options, terminal);
     Application application(options, terminal);
     loadCommandModule(terminal, replies->isScript());
-    application.open(openDrawing(options.drawing, options, terminal), *replies);
+    application.open(openDrawing(options.drawing, options, application), *replies);
     checkLayout(options, *application.session()->document.database());
     setVariables(options, application.session()->variables);
     DialogLines dialogLines(*replies, terminal);
@@ -223,9 +229,9 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
                                                                    [](CanvasView* view) { view->showNothing(); });
     loadCommandModule(terminal, true);
     std::optional<CanvasView::Opened> opened{
-        {openDrawing(options.drawing, options, terminal), options.drawing.value_or(std::wstring())}};
-    window.view().useOpen([&options, &terminal](const std::wstring& name) {
-        return openDrawing(name.empty() ? std::nullopt : std::optional(name), options, terminal);
+        {openDrawing(options.drawing, options, application), options.drawing.value_or(std::wstring())}};
+    window.view().useOpen([&options, &application](const std::wstring& name) {
+        return openDrawing(name.empty() ? std::nullopt : std::optional(name), options, application);
     });
     ExitStatus status = kAllFinished;
     window.open();

@@ -20,7 +20,7 @@ Application* g_current = nullptr;
 Application::Application(const Options& options, Terminal& terminal)
     : options_(options),
       terminal_(terminal),
-      profile_(options.profile ? Profile(*options.profile) : Profile::ofUser()),
+      profile_(Profile::of(options.profile)),
       messages_(terminal),
       help_(terminal),
       folders_(*this),

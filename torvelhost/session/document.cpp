@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "drawingdb/block.h"
 #include "drawingdb/viewport.h"
+#include "torvelhost/session/drawing_files.h"
 
 namespace host {
 Document::Document(OdDbDatabasePtr database) : database_(std::move(database)) {
@@ -113,10 +114,11 @@ EntityGrids& Document::grids() {
     return *grids_;
 }
 
-const Document::Protection* Document::protectionOf(const std::wstring& path) const {
+std::optional<std::wstring> Document::protectionOf(const std::wstring& path) const {
+    if (isDwgName(path)) return L"drawings are saved as DXF; give a name that ends in .dxf";
     const auto found = std::ranges::find_if(
         protections_, [&](const Protection& protection) { return base::isSameFile(path, protection.path); });
-    return found == protections_.end() ? nullptr : &*found;
+    return found == protections_.end() ? std::nullopt : std::optional(found->reason);
 }
 
 void Document::save(const std::wstring& path) {
@@ -124,7 +126,7 @@ void Document::save(const std::wstring& path) {
         throw base::FileError(path,
                               L"not saved: the drawing is damaged and was opened for reading alone; what "
                               L"torvelhost --recover reads of it can be saved under another name");
-    if (const Protection* const found = protectionOf(path)) throw base::FileError(path, L"not saved: " + found->reason);
+    if (const auto reason = protectionOf(path)) throw base::FileError(path, L"not saved: " + *reason);
     database_->writeFile(path);
     savedRevision_ = database_->revision();
     savedName_ = path;

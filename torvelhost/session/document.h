@@ -62,7 +62,7 @@ class Document final : public HostDocument {
     void markUnsaved() { savedRevision_ = ~std::uint64_t{0}; }
     /// From now on saving onto this file is refused: "not saved: " and the reason.
     void protectFile(const std::wstring& path, const std::wstring& reason) { protections_.push_back({path, reason}); }
-    bool isFileProtected(const std::wstring& path) const { return protectionOf(path) != nullptr; }
+    bool isFileProtected(const std::wstring& path) const { return protectionOf(path).has_value(); }
 
     /// ---- undo, a whole command at a time
     std::size_t undoPosition() { return database_->undoPosition(); }
@@ -83,8 +83,8 @@ class Document final : public HostDocument {
     struct Protection {
         std::wstring path, reason;
     };
-    /// Null: the file may be written.
-    const Protection* protectionOf(const std::wstring& path) const;
+    /// The reason; nothing: the file may be written.
+    std::optional<std::wstring> protectionOf(const std::wstring& path) const;
 
     OdDbDatabasePtr database_;
     std::optional<EntityGrids> grids_;  // once somebody asks

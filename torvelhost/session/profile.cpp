@@ -29,7 +29,8 @@ std::wstring unescaped(std::wstring_view value) {
 
 }  // namespace
 
-Profile Profile::ofUser() {
+Profile Profile::of(const std::optional<std::wstring>& fileName) {
+    if (fileName) return Profile(*fileName);
     // Without a width here the Block Attribute Manager shows no column before the user has chosen some.
     constexpr wchar_t kFirst[] =
         L"[Dialogs\\\\BAttMan]\n"

@@ -24,8 +24,9 @@ class Profile final : public IProfile {
     /// the file lacks them.
     explicit Profile(std::wstring fileName, std::wstring first = {})
         : fileName_(std::move(fileName)), first_(std::move(first)) {}
-    /// The user's own file, with what suits somebody who has none yet.
-    static Profile ofUser();
+    /// The file given; without one the user's own, with what suits somebody who has none yet.
+    static Profile of(const std::optional<std::wstring>& fileName);
+    const std::wstring& fileName() const { return fileName_; }
 
     bool readText(const wchar_t* section, const wchar_t* key, CXStringW& value) override;
     void writeText(const wchar_t* section, const wchar_t* key, const wchar_t* value) override;

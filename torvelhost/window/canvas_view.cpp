@@ -12,6 +12,7 @@
 #include "torvelhost/lines/reply.h"
 #include "torvelhost/lines/units.h"
 #include "torvelhost/plot/plot.h"
+#include "torvelhost/session/drawing_files.h"
 
 namespace host {
 namespace {
@@ -502,11 +503,11 @@ bool CanvasView::mayLoseChanges(const MenuMeaning& wanted) {
 
 bool CanvasView::save(bool underNewName) {
     std::wstring name = name_;
-    if (underNewName || name.empty()) {
+    if (underNewName || name.empty() || session_->document.isFileProtected(name)) {
         dialogs::FileRequest request;
         request.save = true;
         request.title = L"Save Drawing";
-        request.fileName = name;
+        request.fileName = isDwgName(name) ? base::joinPath(base::folderOf(name), base::stemOf(name) + L".dxf") : name;
         request.defaultExtension = L"dxf";
         request.filter = L"Drawings (*.dxf)|*.dxf|All files|*.*||";
         request.askOverwrite = true;
@@ -590,7 +591,7 @@ void CanvasView::doRequested() {
             if (!mayLoseChanges(wanted)) return;
             dialogs::FileRequest request;
             request.title = L"Open Drawing";
-            request.filter = L"Drawings (*.dxf)|*.dxf|All files|*.*||";
+            request.filter = L"Drawings (*.dxf;*.dwg)|*.dxf;*.dwg|All files|*.*||";
             request.mustExist = true;
             if (const auto chosen = askFile(request)) openDrawing(*chosen);
             return;

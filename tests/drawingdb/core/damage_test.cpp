@@ -3,10 +3,10 @@
 #include <random>
 
 #include "base/files.h"
+#include "base/temporary_folder.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
-#include "tests/base/temporary_folder.h"
 #include "tests/drawingdb/sample.h"
 
 namespace {
@@ -116,7 +116,7 @@ TEST(Damage, LargeFilesAreReadAsSmallOnesAre) {
         bytes.append(bytes.size() % 3000000, 'x');
         bytes += "\n10\n1.5\n";
     }
-    const TemporaryFolder folder;
+    const base::TemporaryFolder folder;
     for (const char* end :
          {"0\nENDSEC\n0\nEOF\n\x1A\nleft over", "0\nENDSEC\n0\nEOF\n", "0\nENDSEC\n\n\n", "no code\n1\n", "10"}) {
         base::writeFile(folder / L"large.dxf", bytes + end);

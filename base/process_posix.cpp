@@ -1,0 +1,75 @@
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "base/exact_utf8.h"
+#include "base/files.h"
+#include "base/process.h"
+#include "base/text.h"
+
+namespace base {
+namespace {
+
+// What the program begins with.
+class Streams {
+  public:
+    explicit Streams(const std::string& printed) {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, printed.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        posix_spawn_file_actions_adddup2(&actions_, STDOUT_FILENO, STDERR_FILENO);
+    }
+    ~Streams() { posix_spawn_file_actions_destroy(&actions_); }
+    Streams(const Streams&) = delete;
+    Streams& operator=(const Streams&) = delete;
+
+    const posix_spawn_file_actions_t* actions() const { return &actions_; }
+
+  private:
+    posix_spawn_file_actions_t actions_;
+};
+
+// Nothing once `end` is over.
+std::optional<int> waitFor(pid_t process, std::chrono::steady_clock::time_point end) {
+    std::chrono::milliseconds pause(1);
+    for (;;) {
+        int status = 0;
+        const pid_t ended = ::waitpid(process, &status, WNOHANG);
+        if (ended == process) return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        if (ended < 0 && errno != EINTR) return 255;
+        if (std::chrono::steady_clock::now() >= end) return std::nullopt;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, std::chrono::milliseconds(50));
+    }
+}
+
+}  // namespace
+
+std::optional<int> runProgram(const std::vector<std::wstring>& command, const std::wstring& printed,
+                              std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    std::vector<std::string> words;
+    for (const std::wstring& word : command) words.push_back(toUtf8Exact(word));
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    const Streams streams(toUtf8Exact(printed));
+    pid_t process = 0;
+    if (const int error = ::posix_spawnp(&process, arguments[0], streams.actions(), nullptr, arguments.data(), environ);
+        error != 0)
+        throw FileError(command[0], fromUtf8(std::strerror(error)));
+    const std::optional<int> status = waitFor(process, end);
+    if (!status) {
+        ::kill(process, SIGKILL);
+        while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    return status;
+}
+
+}  // namespace base
