@@ -48,8 +48,13 @@ class PlotTest(unittest.TestCase):
         return subprocess.run(COMMAND + ["--profile", "profile.ini", "--size", "800x600", *arguments], cwd=self.folder,
                               capture_output=True, timeout=120)
 
+    has_clips = False  # ezdxf has no class for them: they are written as extension records
+
     def plot(self, *commands, zoom=UNIT_IS_PIXEL):
         self.doc.saveas(self.folder / "plan.dxf")
+        if self.has_clips:
+            text = (self.folder / "plan.dxf").read_text()
+            (self.folder / "plan.dxf").write_text(text.replace("\nXRECORD\n", "\nSPATIAL_FILTER\n"))
         arguments = [part for command in [*commands, zoom] if command for part in ("-c", command)]
         run = self.run_program("plan.dxf", "-p", "plot.svg", *arguments)
         self.errors = run.stderr.decode("utf-8")
@@ -524,6 +529,38 @@ class PlotTest(unittest.TestCase):
         frames = [sorted(points[:4]) for points, _, _ in plot.lines() if len(points) == 5]
         self.assertIn(sorted([(100, 250), (100, 350), (300, 250), (300, 350)]), frames)
         self.assertEqual(plot.lines("#00ffff"), [])
+
+    def clip(self, reference, corners, scale=1, place=(0, 0), in_force=1):
+        """Clips it as if this were done where the block stands at `place`, in the world's coordinates."""
+        self.has_clips = True
+        back = [1 / scale, 0, 0, -place[0] / scale, 0, 1 / scale, 0, -place[1] / scale, 0, 0, 1 / scale, 0]
+        plane = [1, 0, 0, -5, 0, 1, 0, -7, 0, 0, 1, 0]  # the corners are written 5 to the left and 7 further down
+        filters = reference.new_extension_dict().dictionary.add_new_dict("ACAD_FILTER")
+        filters.add_xrecord("SPATIAL").reset(
+            [(70, len(corners))] + [(10, (x - 5, y - 7)) for x, y in corners] +
+            [(210, (0, 0, 1)), (11, (0, 0, 0)), (71, in_force), (72, 1), (40, 3.5), (73, 0)] + [(40, value) for value in back + plane])
+
+    def test_references_show_what_their_clip_leaves(self):
+        self.block("LINE", ((-100, 0), (100, 0)))
+        u = [(110, 0), (190, 0), (190, 600), (170, 600), (170, 20), (130, 20), (130, 600), (110, 600)]
+        scaled = {"xscale": 2, "yscale": 2}
+        self.clip(self.msp.add_blockref("LINE", (200, 500), scaled), [(150, 450), (260, 550)], 2, (200, 500))
+        # Moved since: the clip moves along.
+        self.clip(self.msp.add_blockref("LINE", (230, 400), scaled), [(150, 450), (260, 550)], 2, (200, 500))
+        self.clip(self.msp.add_blockref("LINE", (150, 300)), u, 1, (150, 300))
+        self.clip(self.msp.add_blockref("LINE", (150, 250)), u, 1, (150, 250), in_force=0)
+        # One within the other, both with a gap.
+        outer = self.doc.blocks.new("OUTER")
+        self.clip(outer.add_blockref("LINE", (150, 30)), u, 1, (150, 30))
+        outer.add_line((0, 5), (300, 5))
+        comb = [(115, 150), (185, 150), (185, 250), (155, 250), (155, 160), (145, 160), (145, 250), (115, 250)]
+        self.clip(self.msp.add_blockref("OUTER", (0, 200)), comb, 1, (0, 200))
+        plot = self.plot()
+        self.assertNotIn("not drawn", self.errors)
+        self.assertLines(plot, [
+            [(150, 500), (260, 500)], [(180, 400), (290, 400)], [(110, 300), (130, 300)], [(170, 300), (190, 300)],
+            [(50, 250), (250, 250)], [(115, 205), (145, 205)], [(155, 205), (185, 205)],
+            [(115, 230), (130, 230)], [(170, 230), (185, 230)]], tolerance=0.6)  # half a pen reaches over a clip
 
     def test_viewports_may_have_any_outline(self):
         self.msp.add_line((-100, 0), (100, 0), dxfattribs={"color": 3})

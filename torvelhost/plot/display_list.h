@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -44,6 +45,8 @@ class DisplayList {
         OdGeVector3d columnStep, rowStep;
         int columns = 1, rows = 1;
         std::uint32_t attributes = 0;  // as many items behind the reference stand in each cell as it does
+        /// What of the block shows, a polygon in the block's coordinates seen from above; null: all of it.
+        std::shared_ptr<const std::vector<OdGePoint3d>> clip;
     };
 
     /// Goes on in this style.

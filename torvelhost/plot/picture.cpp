@@ -130,6 +130,11 @@ void Picture::setClip(const Contour& polygon) {
     clipIsConvex_ = isConvex(clip_);
 }
 
+Picture::Contour Picture::clip() const {
+    if (!clip_.empty()) return clip_;
+    return {low_, {high_.x, low_.y}, high_, {low_.x, high_.y}};
+}
+
 void Picture::beginShape(std::uint32_t color, float width) {
     const auto contours = static_cast<std::uint32_t>(contourEnds_.size());
     // Lines in one pen look the same as one shape or several; overlapping areas do not.

@@ -70,6 +70,8 @@ class Picture {
     /// Cuts off what is drawn from now on at a polygon.
     void setClip(const Contour& polygon);
     void clearClip();
+    /// The polygon that it is cut off at now.
+    Contour clip() const;
     /// What can be seen of the picture: nothing outside this box shows.
     OdGePoint2d clipLow() const { return low_; }
     OdGePoint2d clipHigh() const { return high_; }

@@ -7,6 +7,7 @@
 #include "drawingdb/block_reference.h"
 #include "drawingdb/dictionary.h"
 #include "drawingdb/viewport.h"
+#include "torvelhost/plot/clip.h"
 #include "torvelhost/plot/cut.h"
 #include "torvelhost/plot/dashes.h"
 
@@ -30,12 +31,6 @@ OdGePoint2d flat(const OdGeMatrix3d& m, const OdGePoint3d& p) {
 double scaleOf(const OdGeMatrix3d& m) {
     return std::sqrt(
         std::max({m.xAxis().xy().lengthSquared(), m.yAxis().xy().lengthSquared(), m.zAxis().xy().lengthSquared()}));
-}
-
-// A reference may show a part of its block only; here it shows all of it.
-bool hasClip(const OdDbEntity& entity) {
-    const auto* const reference = drawingdb::as<OdDbBlockReference>(entity);
-    return reference && reference->isClipped();
 }
 
 // What the picture shows of a plane seen from above, or nothing when the plane is seen at an angle.
@@ -101,7 +96,8 @@ void Plotter::setUp(Shapes& shapes) const {
 
 void Plotter::add(Shapes& shapes, const OdDbEntity& entity) {
     if (!shapes.add(entity)) count(entity.objectId(), entity.dxfName());
-    if (hasClip(entity)) count(entity.objectId(), "clip of INSERT");
+    const auto* const reference = drawingdb::as<OdDbBlockReference>(entity);
+    if (reference && reference->isClipped() && !clipOf(*reference)) count(entity.objectId(), "clip of INSERT");
 }
 
 void Plotter::count(OdDbObjectId id, const std::string& kind) {
@@ -401,7 +397,7 @@ void Plotter::drawReference(const DisplayList& list, const DisplayList::Referenc
             const OdGeMatrix3d moved = toRow * OdGeMatrix3d::translation(reference.columnStep * column);
             const OdGeMatrix3d cell = moved * reference.transform;
             if (block.endless || !block.box.isValid() || isVisible(block.box, cell, size))
-                drawCell(reference.block, cell, style);
+                reference.clip ? drawClipped(reference, cell, style) : drawCell(reference.block, cell, style);
             if (!attributes.empty()) drawItems(list, attributes, moved, inside);
         }
     }
@@ -428,6 +424,23 @@ void Plotter::drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const S
     inside_.push_back(block);
     drawList(blockList(block, scale), toPixels, &style);
     inside_.pop_back();
+}
+
+// Where the clip lies within the one that holds already.
+void Plotter::drawClipped(const DisplayList::Reference& reference, const OdGeMatrix3d& toPixels, const Style& style) {
+    Picture::Contour corners;
+    for (const OdGePoint3d& corner : *reference.clip) corners.push_back(flat(toPixels, corner));
+    const Picture::Contour before = picture_.clip();
+    const auto parts = commonParts(before, corners);
+    if (!parts) {
+        ++notDrawn_["clip of INSERT"];
+        return drawCell(reference.block, toPixels, style);
+    }
+    for (const Picture::Contour& part : *parts) {
+        picture_.setClip(part);
+        drawCell(reference.block, toPixels, style);
+    }
+    picture_.setClip(before);
 }
 
 // ---- viewports of a layout

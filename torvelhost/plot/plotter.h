@@ -96,6 +96,7 @@ class Plotter {
                        std::span<const DisplayList::Item> attributes, const OdGeMatrix3d& toPixels, const Style& style,
                        const Style* inside);
     void drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style);
+    void drawClipped(const DisplayList::Reference& reference, const OdGeMatrix3d& toPixels, const Style& style);
     void drawLine(std::span<const OdGePoint2d> points, const Look& look);
     Look emphasized(Look look) const;
     void drawStroke(std::span<const OdGePoint2d> points, const Look& look);

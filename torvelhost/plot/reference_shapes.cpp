@@ -4,6 +4,7 @@
 #include "drawingdb/mtext.h"
 #include "drawingdb/reference_cells.h"
 #include "drawingdb/text.h"
+#include "torvelhost/plot/clip.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -29,6 +30,8 @@ DisplayList::Reference referenceOf(const OdDbBlockReference& reference) {
     item.rows = cells.rows();
     if (item.columns > 1) item.columnStep = cells.offset(0, 1);
     if (item.rows > 1) item.rowStep = cells.offset(1, 0);
+    if (const auto clip = clipOf(reference); clip && !clip->empty())
+        item.clip = std::make_shared<const std::vector<OdGePoint3d>>(*clip);
     return item;
 }
 
