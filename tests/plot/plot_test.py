@@ -562,6 +562,17 @@ class PlotTest(unittest.TestCase):
             [(50, 250), (250, 250)], [(115, 205), (145, 205)], [(155, 205), (185, 205)],
             [(115, 230), (130, 230)], [(170, 230), (185, 230)]], tolerance=0.6)  # half a pen reaches over a clip
 
+    def test_images_show_their_frames(self):
+        picture = self.doc.add_image_def("photo.png", (40, 20))
+        self.msp.add_image(picture, (100, 100), (80, 40), rotation=90)
+        cut = self.msp.add_image(picture, (200, 100), (80, 40))
+        cut.set_boundary_path([(9.5, 4.5), (19.5, 14.5)])  # in pixels, from its upper left corner
+        cut.dxf.clipping = 1
+        plot = self.plot()
+        self.assertIn("not drawn: 2 IMAGE", self.errors)
+        self.assertLines(plot, [[(60, 100), (60, 180), (100, 180), (100, 100), (60, 100)],
+                                [(220, 130), (240, 130), (240, 110), (220, 110), (220, 130)]])
+
     def test_viewports_may_have_any_outline(self):
         self.msp.add_line((-100, 0), (100, 0), dxfattribs={"color": 3})
         hatch = self.msp.add_hatch(color=1)

@@ -125,6 +125,8 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
         return addDimension(groupsOf(entity));
     else if (is("ACAD_TABLE"))
         return addTable(groupsOf(entity));
+    else if (is("IMAGE"))
+        return addImageFrame(groupsOf(entity));
     else if (is("LEADER"))
         addLeaderParts(drawingdb::leaderParts(entity));
     else if (is("MULTILEADER"))
@@ -169,6 +171,25 @@ bool Shapes::addTable(const std::vector<PlotGroup>& groups) {
     const OdGeVector3d along = pointOf(groups, 11, OdGePoint3d(1, 0, 0)).asVector().normal();
     return addBlockNamed(name->text,
                          OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
+}
+
+// 10 lower left corner   11, 12 a pixel's sides   13 size in pixels   14 what it is cut to, in pixels from -0.5 with y
+// downwards: two opposite corners of a rectangle, or a polygon. The picture itself is not drawn.
+bool Shapes::addImageFrame(const std::vector<PlotGroup>& groups) {
+    const OdGeVector3d u = pointOf(groups, 11).asVector(), v = pointOf(groups, 12).asVector();
+    const OdGePoint3d size = pointOf(groups, 13);
+    Corners corners;
+    if (groupOrZero(groups, 280).integer != 0)
+        for (const PlotGroup& group : groups)
+            if (group.code == 14) corners.push_back(group.point);
+    if (corners.empty()) corners = {{-0.5, -0.5, 0}, {size.x - 0.5, size.y - 0.5, 0}};
+    if (corners.size() == 2)
+        corners = {corners[0], {corners[1].x, corners[0].y, 0}, corners[1], {corners[0].x, corners[1].y, 0}};
+    for (OdGePoint3d& corner : corners)
+        corner = pointOf(groups, 10) + u * (corner.x + 0.5) + v * (size.y - corner.y - 0.5);
+    corners.push_back(corners.front());
+    list_.add(DisplayList::Kind::kPolyline, corners);
+    return false;
 }
 
 // The third and fourth corner are stored crosswise.

@@ -96,6 +96,7 @@ class Shapes {
     bool addBlockNamed(const OdString& name, const OdGeMatrix3d& placement);
     bool addDimension(const std::vector<PlotGroup>& groups);
     bool addTable(const std::vector<PlotGroup>& groups);
+    bool addImageFrame(const std::vector<PlotGroup>& groups);
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
 
