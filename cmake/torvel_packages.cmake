@@ -8,7 +8,6 @@
 # they lie at the top, with the runtime's libraries.
 include(GNUInstallDirs)
 
-set(program_targets torvelhost torvelcore torvelcmd2 dialogs drawingdb torvelfields torvelmtext)
 if(WIN32)
   set(folder .)
   set(documents .)
@@ -17,8 +16,8 @@ else()
   set(documents ${CMAKE_INSTALL_DOCDIR})
 endif()
 
-list(REMOVE_ITEM program_targets drawingdb torvelcmd2)  # exported below
-install(TARGETS ${program_targets} RUNTIME DESTINATION ${folder} COMPONENT program LIBRARY DESTINATION ${folder}
+# The module and the database are exported, further below.
+install(TARGETS torvelhost torvelcore dialogs torvelfields torvelmtext RUNTIME DESTINATION ${folder} COMPONENT program LIBRARY DESTINATION ${folder}
         COMPONENT program ARCHIVE DESTINATION lib COMPONENT dev)
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${documents} COMPONENT program)
 install(DIRECTORY docs examples DESTINATION ${documents} COMPONENT program PATTERN take_pictures EXCLUDE
