@@ -285,7 +285,7 @@ def compare_slides(programs, rounds, folder):
 def compare_plots(programs, references, rounds, folder):
     """The whole drawing by this program, and a small one by both: ezdxf's add-on would need most of an hour for it."""
     few = max(1, references // 50)
-    whole, small, svg, png = (folder / name for name in ("whole.dxf", "small.dxf", "plot.svg", "plot.png"))
+    whole, small, svg, png, pdf = (folder / name for name in ("whole.dxf", "small.dxf", "plot.svg", "plot.png", "plot.pdf"))
     make_drawing(programs, references, whole)
     make_drawing(programs, few, small)
     ezdxf = "/usr/bin/python3", HERE / "ezdxf_plot.py", small
@@ -296,6 +296,7 @@ def compare_plots(programs, references, rounds, folder):
         (few, "ezdxf png"): Job("ezdxf with matplotlib: load, plot PNG", *ezdxf, png, rounds=1),
         (references, "svg"): Job("torvelhost: load, plot SVG", *host(programs, whole, "-p", svg)),
         (references, "png"): Job("torvelhost: load, plot PNG", *host(programs, whole, "-p", png)),
+        (references, "pdf"): Job("torvelhost: load, plot PDF", *host(programs, whole, "-p", pdf)),
     }
     run_jobs(jobs.values(), rounds)
     print(f"\nPlots of 1600 x 1200 pixels; best of {rounds} rounds, ezdxf one\n")

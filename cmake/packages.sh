@@ -42,6 +42,7 @@ need_for_program() {
     need libagg-dev /usr/include/agg2/agg_basics.h
     need libedit-dev /usr/include/histedit.h
     need libstb-dev /usr/include/stb/stb_image_write.h
+    need zlib1g-dev /usr/include/zlib.h
 }
 
 # What its windows are shown with. Without it everything else is built all the same.

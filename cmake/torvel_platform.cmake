@@ -52,6 +52,14 @@ if(CMAKE_CROSSCOMPILING)
   target_include_directories(torvel_pictures SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
 endif()
 
+# zlib, which pictures are packed by; on Windows without a library file of its own.
+if(WIN32)
+  find_library(TORVEL_ZLIB libz.a REQUIRED)
+else()
+  find_library(TORVEL_ZLIB z REQUIRED)
+endif()
+target_link_libraries(torvel_pictures INTERFACE "${TORVEL_ZLIB}")
+
 # What Linux shows windows with. Everything else is built without it too.
 if(NOT WIN32)
   find_path(TORVEL_QT QtWidgets/QWidget PATH_SUFFIXES qt6)

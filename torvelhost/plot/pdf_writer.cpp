@@ -15,6 +15,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "drawingdb/stroke_font.h"
+#include "torvelhost/plot/deflate.h"
 
 namespace host {
 namespace {

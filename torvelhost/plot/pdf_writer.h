@@ -73,7 +73,4 @@ class PdfWriter {
     int opacity_ = 100;
 };
 
-/// In zlib's format.
-std::string deflated(std::string_view bytes);
-
 }  // namespace host

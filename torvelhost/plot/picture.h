@@ -116,6 +116,6 @@ class Picture {
 /// The file's contents.
 std::string svgText(const Picture& picture);
 std::string pngBytes(const Picture& picture);
-std::string pngBytes(PixelBuffer buffer);
+std::string pngBytes(const PixelBuffer& buffer);
 
 }  // namespace host
