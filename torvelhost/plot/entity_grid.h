@@ -97,6 +97,8 @@ class EntityGrids {
     /// Makes a part of a grid; returns how much of it there is: 1 when it is whole.
     double makeUntil(OdDbObjectId space, std::chrono::steady_clock::time_point end);
     BlockBounds& blocks() { return *blocks_; }
+    /// Those that the grids are made with; until the next update.
+    Styles& styles() { return *styles_; }
     /// Another number whenever the entries of all grids have got others.
     std::uint64_t numbering() const { return numbering_; }
 

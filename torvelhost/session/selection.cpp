@@ -86,21 +86,21 @@ bool isInsideViewport(OdDbObjectId id, const Rectangle& box) {
            box.high.y < middle.y + half.y;
 }
 
-bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle,
+bool anyShownAttributeMeets(const OdDbBlockReference& reference, const Rectangle& rectangle, Styles& styles,
                             drawingdb::LayerStates& layers) {
     for (OdDbObjectId id : reference.attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
-        if (attribute && isShown(*attribute, layers) && meetsRectangle(*attribute, OdGeMatrix3d::kIdentity, rectangle))
-            return true;
+        if (attribute && isShown(*attribute, layers) && meetsRectangle(*attribute, rectangle, styles)) return true;
     }
     return false;
 }
 
 // Attributes are part of what a reference shows.
-bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, drawingdb::LayerStates& layers) {
-    if (meetsRectangle(entity, OdGeMatrix3d::kIdentity, rectangle)) return true;
+bool meetsWithAttributes(const OdDbEntity& entity, const Rectangle& rectangle, Styles& styles,
+                         drawingdb::LayerStates& layers) {
+    if (meetsRectangle(entity, rectangle, styles)) return true;
     const auto* const reference = drawingdb::as<OdDbBlockReference>(entity);
-    return reference && anyShownAttributeMeets(*reference, rectangle, layers);
+    return reference && anyShownAttributeMeets(*reference, rectangle, styles, layers);
 }
 
 // Looks through records without opening them; what was asked of a name once is remembered.
@@ -172,20 +172,22 @@ OdDbObjectId Selection::entityIn(const Rectangle& box) {
     return top == found.rend() ? OdDbObjectId() : *top;
 }
 
-const EntityGrid& Selection::grid() {
+// As the drawing is now.
+EntityGrids& Selection::grids() {
     document_.grids().update();
-    return document_.grids().of(document_.activeSpaceId());
+    return document_.grids();
 }
 
 Selection::Entities Selection::entitiesIn(const Rectangle& rectangle, bool crossing) {
     Entities found;
     drawingdb::LayerStates layers;
-    for (const EntityGrid::Entry* entry : grid().meeting(rectangle)) {
+    EntityGrids& grids = this->grids();
+    for (const EntityGrid::Entry* entry : grids.of(document_.activeSpaceId()).meeting(rectangle)) {
         // What has no box (an infinite line) is in no window.
         if (!entry->hasBox && !crossing) continue;
         const auto entity = entry->id.openIf<OdDbEntity>();
         if (!entity || entity->isInvisibleEntity() || layers.isHidden(entity->layerId())) continue;
-        const bool hit = crossing ? meetsWithAttributes(*entity, rectangle, layers)
+        const bool hit = crossing ? meetsWithAttributes(*entity, rectangle, grids.styles(), layers)
                                   : rectangle.contains(entry->box.low) && rectangle.contains(entry->box.high);
         if (hit) found.push_back(entry->id);
     }
@@ -304,7 +306,7 @@ std::optional<hostapi::Pick> Selection::pickByName(const TypedObject& name, std:
 void Selection::goInto(hostapi::Pick& pick, const Rectangle& box) {
     if (!pick.entity.isKindOf(OdDbBlockReference::desc())) return;
     drawingdb::LayerStates layers;
-    const std::vector<NestedHit> hits = nestedHits(pick.entity, box, layers);
+    const std::vector<NestedHit> hits = nestedHits(pick.entity, box, grids().styles(), layers);
     if (hits.empty()) return;
     pick.nested = hits.front().entity;
     pick.containers = hits.front().containers;
@@ -373,7 +375,7 @@ std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
     if (pick.nested && pick.nested != pick.entity) found.push_back({pick.nested, pick.containers});
     if (pick.hasPoint && pick.entity.isKindOf(OdDbBlockReference::desc())) {
         drawingdb::LayerStates layers;
-        for (NestedHit& hit : nestedHits(pick.entity, pickRectangle(pick.point), layers))
+        for (NestedHit& hit : nestedHits(pick.entity, pickRectangle(pick.point), grids().styles(), layers))
             if (hit.entity != pick.nested || hit.containers != pick.containers) found.push_back(std::move(hit));
     }
     if (pick.entity) found.push_back({pick.entity, {}});

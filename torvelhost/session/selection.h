@@ -93,7 +93,7 @@ class Selection {
     void choose(hostapi::Pick& pick, HostGsSelectionReactor& reactor);
     /// False when the text is no selection.
     bool select(std::wstring_view text, Entities& entities, std::wstring& reason);
-    const EntityGrid& grid();
+    EntityGrids& grids();
     Entities entitiesIn(const Rectangle& rectangle, bool crossing);
     Entities allEntities();
     Entities lastEntity();

@@ -9,13 +9,10 @@
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/curves.h"
-#include "drawingdb/old_polyline.h"
 #include "drawingdb/reference_cells.h"
-#include "drawingdb/spline.h"
 #include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/wipeout.h"
-#include "torvelhost/plot/cut.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -23,7 +20,6 @@ namespace {
 
 using drawingdb::as;
 
-constexpr int kStepsPerTurn = 96;
 constexpr int kDeepestNesting = 32;
 // Blocks that hold blocks many times over show more than anyone can pick from.
 constexpr int kMostEntities = 200000;
@@ -64,70 +60,43 @@ std::vector<OdGePoint2d> boxCorners(const OdGeExtents3d& box, const OdGeMatrix3d
             (toWorld * OdGePoint3d(b.x, b.y, a.z)).xy(), (toWorld * OdGePoint3d(a.x, b.y, a.z)).xy()};
 }
 
-bool meetsCurve(const OdDbCurve& curve, const OdGeMatrix3d& toWorld, const Rectangle& rectangle, double from, double to,
-                int steps) {
-    OdGePoint2d last = (toWorld * curve.pointAtParam(from)).xy();
-    for (int i = 1; i <= steps; ++i) {
-        const OdGePoint2d next = (toWorld * curve.pointAtParam(from + (to - from) * i / steps)).xy();
-        if (rectangle.meets(last, next)) return true;
-        last = next;
-    }
-    return false;
-}
-
-bool meetsConstructionLine(const OdDbConstructionLine& line, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
-    const OdGePoint2d base = (toWorld * line.basePoint()).xy();
-    const OdGeVector2d direction = (toWorld * line.unitDir()).xy();
-    if (direction.isZeroLength()) return rectangle.contains(base);
-    // Long enough to reach past the rectangle from wherever it begins.
+// From the first point through the second, far enough to reach past the rectangle from wherever it begins.
+bool meetsEndless(const OdGePoint2d& base, const OdGeVector2d& along, bool bothWays, const Rectangle& rectangle) {
+    if (along.isZeroLength()) return rectangle.contains(base);
     const double reach = base.distanceTo(rectangle.low) + rectangle.low.distanceTo(rectangle.high) + 1.0;
-    const OdGeVector2d step = direction.normal() * reach;
-    const bool bothWays = line.isKindOf(OdDbXline::desc());
+    const OdGeVector2d step = along.normal() * reach;
     return rectangle.meets(bothWays ? base - step : base, base + step);
 }
 
-// How finely a smooth piece of a curve is looked at; pieces count from 0.
-int stepsOfPiece(const OdDbCurve& curve, std::size_t piece) {
-    constexpr int kStepsPerSpan = 24;
-    const auto stepsOfBulge = [](double bulge) { return bulge == 0 ? 1 : kStepsPerTurn / 2; };
-    if (const auto* const polyline = as<OdDbPolyline>(curve)) return stepsOfBulge(polyline->vertexAt(piece).bulge);
-    if (const auto* const old = as<OdDbOldPolyline>(curve)) return stepsOfBulge(old->vertices()[piece].bulge);
-    if (curve.isKindOf(OdDbLine::desc())) return 1;
-    return curve.isKindOf(OdDbSpline::desc()) ? kStepsPerSpan : kStepsPerTurn;
-}
-
-bool meetsCurve(const OdDbCurve& curve, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
-    const std::vector<double> breaks = curve.breakParams();
-    OdGeExtents3d box;
-    if (breaks.size() < 3 && !curve.geomExtents(box)) return false;  // without vertices, or damaged
-    if (rectangle.contains((toWorld * curve.pointAtParam(breaks.front())).xy())) return true;
-    for (std::size_t i = 1; i < breaks.size(); ++i)
-        if (meetsCurve(curve, toWorld, rectangle, breaks[i - 1], breaks[i], stepsOfPiece(curve, i - 1))) return true;
-    return false;
-}
-
-// A wipeout is picked by its frame.
-bool meetsFrame(const OdDbWipeout& wipeout, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
-    const std::vector<OdGePoint3d> corners = wipeout.boundary();
-    for (std::size_t i = 1; i < corners.size(); ++i)
-        if (rectangle.meets((toWorld * corners[i - 1]).xy(), (toWorld * corners[i]).xy())) return true;
-    return false;
+bool meetsContour(DisplayList::Kind kind, const std::vector<OdGePoint2d>& points, const Rectangle& rectangle) {
+    using enum DisplayList::Kind;
+    switch (kind) {
+        case kMask:  // a wipeout is picked by its frame
+            return false;
+        case kArea:
+        case kUnion:
+            return rectangle.meetsArea(points);
+        case kRay:
+        case kInfiniteLine:
+            return meetsEndless(points[0], points[1] - points[0], kind == kInfiniteLine, rectangle);
+        default:
+            for (std::size_t i = 1; i < points.size(); ++i)
+                if (rectangle.meets(points[i - 1], points[i])) return true;
+            return points.size() == 1 && rectangle.contains(points[0]);
+    }
 }
 
 class Meeting {
   public:
-    explicit Meeting(const Rectangle& rectangle) : rectangle_(rectangle) {}
+    Meeting(const Rectangle& rectangle, Styles& styles) : rectangle_(rectangle), styles_(styles) {}
 
     bool meets(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, int depth) {
         if (--budget_ < 0) return false;
         if (const auto* const reference = as<OdDbBlockReference>(entity))
             return meetsReference(*reference, toWorld, depth);
-        if (const auto* const line = as<OdDbConstructionLine>(entity))
-            return meetsConstructionLine(*line, toWorld, rectangle_);
-        if (const auto* const point = as<OdDbPoint>(entity))
-            return rectangle_.contains((toWorld * point->position()).xy());
-        if (const auto* const curve = as<OdDbCurve>(entity)) return meetsCurve(*curve, toWorld, rectangle_);
-        if (const auto* const wipeout = as<OdDbWipeout>(entity)) return meetsFrame(*wipeout, toWorld, rectangle_);
+        if (entity.isKindOf(OdDbCurve::desc()) || entity.isKindOf(OdDbPoint::desc()) ||
+            entity.isKindOf(OdDbWipeout::desc()))
+            return meetsShapes(entity, toWorld);
         // A definition of several lines shows its tag too.
         if (const auto* const text = as<OdDbText>(entity);
             text && (!drawingdb::isMultiLine(entity) || as<OdDbAttributeDefinition>(entity)))
@@ -163,11 +132,36 @@ class Meeting {
         return false;
     }
 
+    // As a plot shows it in which the rectangle is many pixels wide.
+    bool meetsShapes(const OdDbEntity& entity, const OdGeMatrix3d& toWorld) {
+        OdGeExtents3d box;
+        if (boxOf(entity, box) && !rectangle_.box().intersects(box.transformBy(toWorld))) return false;
+        constexpr double kPixels = 1000;
+        const OdGeVector2d size = rectangle_.high - rectangle_.low;
+        const double scale = std::max({toWorld.xAxis().length(), toWorld.yAxis().length(), toWorld.zAxis().length()});
+        list_.clear();
+        Shapes shapes(styles_, list_, std::max(size.x, size.y) / kPixels / scale);
+        shapes.setHiddenToo(true);
+        shapes.add(entity);
+        for (const DisplayList::Item& item : list_.items()) {
+            for (std::size_t i = 0; i < item.count; ++i) {
+                points_.clear();
+                for (const OdGePoint3d& point : list_.contour(item.first + i))
+                    points_.push_back((toWorld * point).xy());
+                if (meetsContour(item.kind, points_, rectangle_)) return true;
+            }
+        }
+        return false;
+    }
+
     const Rectangle& rectangle_;
+    Styles& styles_;
+    DisplayList list_;
+    std::vector<OdGePoint2d> points_;
     int budget_ = kMostEntities;
 };
 
-void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const Rectangle& rectangle,
+void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const Rectangle& rectangle, Styles& styles,
                    drawingdb::LayerStates& layers, std::vector<OdDbObjectId>& containers, int& budget,
                    std::vector<NestedHit>& hits) {
     const auto reference = referenceId.openIf<OdDbBlockReference>();
@@ -176,7 +170,7 @@ void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const 
     std::vector<NestedHit> found;
     for (OdDbObjectId id : reference->attributes()) {
         const auto attribute = id.openIf<OdDbAttribute>();
-        if (attribute && isShown(*attribute, layers) && Meeting(rectangle).meets(*attribute, toWorld, 0))
+        if (attribute && isShown(*attribute, layers) && Meeting(rectangle, styles).meets(*attribute, toWorld, 0))
             found.push_back({id, containers});
     }
     hits.insert(hits.end(), found.rbegin(), found.rend());
@@ -190,8 +184,8 @@ void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const 
                     const auto entity = id.openIf<OdDbEntity>();
                     if (!entity || !showsInReference(*entity)) continue;
                     if (entity->isKindOf(OdDbBlockReference::desc()))
-                        collectNested(id, toWorld * cell, rectangle, layers, containers, budget, found);
-                    else if (Meeting(rectangle).meets(*entity, toWorld * cell, 0))
+                        collectNested(id, toWorld * cell, rectangle, styles, layers, containers, budget, found);
+                    else if (Meeting(rectangle, styles).meets(*entity, toWorld * cell, 0))
                         found.push_back({id, containers});
                 }
                 return false;
@@ -203,19 +197,20 @@ void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const 
 
 }  // namespace
 
-bool meetsRectangle(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
-    return Meeting(rectangle).meets(entity, toWorld, 0);
+bool meetsRectangle(const OdDbEntity& entity, const Rectangle& rectangle, Styles& styles) {
+    return Meeting(rectangle, styles).meets(entity, OdGeMatrix3d::kIdentity, 0);
 }
 
 bool isShown(const OdDbAttribute& attribute, drawingdb::LayerStates& layers) {
     return !attribute.isInvisible() && !attribute.isInvisibleEntity() && !layers.isHidden(attribute.layerId());
 }
 
-std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, drawingdb::LayerStates& layers) {
+std::vector<NestedHit> nestedHits(OdDbObjectId reference, const Rectangle& rectangle, Styles& styles,
+                                  drawingdb::LayerStates& layers) {
     std::vector<NestedHit> hits;
     std::vector<OdDbObjectId> containers;
     int budget = kMostEntities;
-    collectNested(reference, OdGeMatrix3d::kIdentity, rectangle, layers, containers, budget, hits);
+    collectNested(reference, OdGeMatrix3d::kIdentity, rectangle, styles, layers, containers, budget, hits);
     return hits;
 }
 
