@@ -11,10 +11,8 @@
 #include "torvelhost/commands/host_commands.h"
 
 namespace host::commands {
-namespace {
 
-// Why a block cannot be called so, or nothing.
-std::wstring nameRefusal(const OdDbDatabase& database, const OdString& name) {
+std::wstring blockNameRefusal(const OdDbDatabase& database, const OdString& name) {
     const std::wstring quoted = L"\"" + name + L"\"";
     // What the spaces are called in old drawings.
     const bool isSpace = base::equalsNoCase(name, L"$MODEL_SPACE") || base::equalsNoCase(name, L"$PAPER_SPACE");
@@ -24,6 +22,13 @@ std::wstring nameRefusal(const OdDbDatabase& database, const OdString& name) {
     if (known ? known->isAnonymous() : !isRecordName(name)) return quoted + L" is no name for a block";
     return L"";
 }
+
+bool asksToRedefine(HostRun& run, const OdString& name) {
+    const std::wstring prompt = L"Block \"" + name + L"\" already exists. Redefine it? [%s] <No>";
+    return run.input.getKeyword(prompt.c_str(), L"Yes No", 0, 0, 0) == kFirstKeyword;
+}
+
+namespace {
 
 // Whether one of the entities is a reference to the block or to one that holds it.
 bool wouldHoldItself(OdDbObjectId block, const OdDbObjectIdArray& entities) {
@@ -89,16 +94,13 @@ CMD_RUNSTATUS block(HostRun& run) {
     const int named = run.input.ask(L"Enter block name", nullptr, L"a block name",
                                     [&](const Reply& reply, std::wstring& reason) {
                                         name = reply.text;
-                                        reason = nameRefusal(*run.database, name);
+                                        reason = blockNameRefusal(*run.database, name);
                                         return reason.empty();
                                     },
                                     {Expected::kText});
     if (named != kValue) return kCommandCancelled;
     OdDbObjectId block = run.database->findBlock(name);
-    if (block) {
-        const std::wstring prompt = L"Block \"" + name + L"\" already exists. Redefine it? [%s] <No>";
-        if (run.input.getKeyword(prompt.c_str(), L"Yes No", 0, 0, 0) != kFirstKeyword) return kCommandCancelled;
-    }
+    if (block && !asksToRedefine(run, name)) return kCommandCancelled;
     OdGePoint3d base;
     if (run.input.askPoint(L"Specify insertion base point", nullptr, base) != kValue) return kCommandCancelled;
     OdDbObjectIdArray entities;

@@ -39,5 +39,9 @@ inline CMD_RUNSTATUS statusOf(int inputResult) { return inputResult == kCancel ?
 bool isInteger(const Reply& reply);
 /// Whether a layer, a block or the like may be called so.
 bool isRecordName(std::wstring_view name);
+/// Why a block cannot be called so, or nothing.
+std::wstring blockNameRefusal(const OdDbDatabase& database, const OdString& name);
+/// Asks before a block that is there is made anew; Enter is No.
+bool asksToRedefine(HostRun& run, const OdString& name);
 
 }  // namespace host::commands

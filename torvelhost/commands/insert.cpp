@@ -1,15 +1,19 @@
-// INSERT: a reference to a block, with its attributes.
+// INSERT: a reference to a block, with its attributes; the block may come out of another drawing.
 #include <cmath>
 #include <optional>
 #include <vector>
 
 #include "base/modules.h"
+#include "base/paths.h"
+#include "base/text.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/field.h"
+#include "drawingdb/import.h"
 #include "hostapi/module_functions.h"
 #include "torvelhost/commands/host_commands.h"
+#include "torvelhost/session/drawing_files.h"
 
 namespace host::commands {
 namespace {
@@ -124,23 +128,115 @@ bool fillByDialog(HostRun& run, OdDbBlockReference& reference, const std::vector
     return true;
 }
 
+// What stands at the name's prompt: a block of this drawing, or one that another drawing makes.
+struct BlockSource {
+    std::wstring name;   // of the block here
+    std::wstring file;   // empty: the block is there
+    std::wstring inner;  // the block of that file; empty: its model space
+};
+
+// The file of "FILE", "FILE#BLOCK" or either in quotes, with its extension; empty when there is none.
+std::wstring fileOf(std::wstring_view path) {
+    if (base::isFile(path)) return std::wstring(path);
+    for (const wchar_t* const extension : {L".dxf", L".dwg"})
+        if (std::wstring longer = std::wstring(path) + extension; base::isFile(longer)) return longer;
+    return {};
+}
+
+// A block's name holds neither "=" nor a separator, so that these tell a file.
+BlockSource blockSource(std::wstring_view text) {
+    BlockSource source;
+    const std::size_t equals = text.find(L'=');
+    const bool isNamed = equals != text.npos;
+    source.name = isNamed ? text.substr(0, equals) : L"";
+    std::wstring_view path = isNamed ? text.substr(equals + 1) : text;
+    if (path.size() >= 2 && path.starts_with(L'"') && path.ends_with(L'"')) path = path.substr(1, path.size() - 2);
+    if (path.empty()) path = source.name;
+    source.file = fileOf(path);
+    if (const std::size_t mark = path.rfind(L'#'); source.file.empty() && mark != path.npos) {
+        source.inner = path.substr(mark + 1);
+        path = path.substr(0, mark);
+        source.file = fileOf(path);
+    }
+    if (source.file.empty()) source.file = path;
+    if (source.name.empty()) source.name = source.inner.empty() ? base::stemOf(path) : source.inner;
+    return source;
+}
+
+bool tellsFile(std::wstring_view text) {
+    const std::wstring extension = base::extensionOf(text.substr(0, text.rfind(L'#')));
+    return text.find_first_of(L"=/\\") != text.npos || base::equalsNoCase(extension, L".dxf") ||
+           base::equalsNoCase(extension, L".dwg");
+}
+
+// Makes the block; null when it is refused.
+OdDbObjectId makeFrom(HostRun& run, const BlockSource& source) {
+    const OdDbDatabasePtr drawing = readDrawingFile(source.file, false, run.application.profile());
+    if (drawing->isReadOnly()) {
+        const std::string why = drawing->warnings().empty() ? "" : drawing->warnings().front().text;
+        run.refused(base::fromUtf8(why) +
+                    L": the drawing is not whole; nothing was changed. Remedy: --recover makes a "
+                    L"whole one of it");
+        return {};
+    }
+    OdDbObjectId block = drawing->modelSpaceId();
+    if (!source.inner.empty()) {
+        block = drawing->findBlock(source.inner);
+        if (!block || block.openAs<OdDbBlockTableRecord>()->isLayout()) {
+            run.refused(source.file + L" has no block \"" + source.inner + L"\"");
+            return {};
+        }
+    }
+    if (block.isNull()) {
+        run.refused(source.file + L" has no model space");
+        return {};
+    }
+    try {
+        const OdDbImportedBlock made = importBlock(*run.database, source.name, block);
+        for (const OdString& kept : made.kept)
+            run.terminal().notice(L"the block \"" + kept + L"\" within it is the one that this drawing has");
+        for (const auto& [kind, count] : made.leftOut)
+            run.terminal().notice(std::to_wstring(count) + L" " + base::widen(kind) +
+                                  L" left out: the drawing's version holds none");
+        return made.block;
+    } catch (const OdError& error) {
+        run.refused(base::fromUtf8(error.what()));
+        return {};
+    }
+}
+
 }  // namespace
 
 CMD_RUNSTATUS insert(HostRun& run) {
     OdDbDatabase* const database = run.database;
     OdString name;
     OdDbObjectId block;
+    std::optional<BlockSource> source;
     const int named = run.input.ask(L"Enter block name", nullptr, L"a block name",
                                     [&](const Reply& reply, std::wstring& reason) {
                                         block = database->findBlock(reply.text);
+                                        if (!block && tellsFile(reply.text)) {
+                                            source = blockSource(reply.text);
+                                            reason = blockNameRefusal(*database, source->name);
+                                            if (reason.empty() && !base::isFile(source->file))
+                                                reason = L"there is no file " + source->file;
+                                            return reason.empty();
+                                        }
                                         if (!block) reason = L"the drawing has no block \"" + reply.text + L"\"";
                                         return !block.isNull();
                                     },
                                     {Expected::kText});
     if (named != kValue) return kCommandCancelled;
+    if (source) {
+        if (database->findBlock(source->name) && !asksToRedefine(run, source->name)) return kCommandCancelled;
+        block = makeFrom(run, *source);
+        if (!block) return kCommandCancelled;
+    }
 
     OdGePoint3d point;
-    if (run.input.askPoint(L"Specify insertion point", nullptr, point) != kValue) return kCommandCancelled;
+    const int pointed = run.input.askPoint(L"Specify insertion point", nullptr, point);
+    if (pointed == kEmpty && source) return kCommandFinished;  // the block is what was wanted
+    if (pointed != kValue) return kCommandCancelled;
     double x = 1, angle = 0;
     if (run.askNumber(L"Enter X scale factor <1>", x) == kCancel) return kCommandCancelled;
     double y = x;

@@ -5,7 +5,7 @@
 //   edit.cpp       appending, erasing with all that is owned, exchanging identities
 //   undo.cpp       the log
 //   touched.cpp    what changed, out of the log
-//   clone.cpp      deep clone
+//   import.cpp     blocks out of other drawings
 //   save.cpp       stubs -> file bytes
 //   recovery.cpp   damaged file bytes -> sound ones, before any of this sees them (recovery.h)
 #pragma once
@@ -32,6 +32,7 @@
 namespace drawingdb {
 
 class ClassDescription;
+class Importer;
 class Indexer;
 class Saver;
 
@@ -241,8 +242,21 @@ class Core {
         Stub *table, *record, *block, *end;
     };
     std::optional<NewBlock> linkBlock();
+    /// What the records of a block say beside its contents.
+    struct BlockHead {
+        OdGePoint3d origin;
+        std::int64_t flags = 0;
+        std::wstring path;  // of an external reference
+        std::int64_t units = 0;
+        std::int64_t explodable = 1, scalability = 0;
+    };
+    void writeBlockRecords(const NewBlock& block, std::wstring_view blockName, const BlockHead& head);
+    /// Erases what a block holds, and what was told of that: the order of drawing, its picture.
+    void emptyBlock(Stub& record, const OdDbObjectIdArray& entities);
+    void setBlockOrigin(Stub& record, const OdGePoint3d& origin, bool hasAttributes);
     /// The bytes of a record of a block, its BLOCK or its ENDBLK for an anonymous block of another name.
     Content ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t owner, std::string_view name);
+    friend class Importer;
     friend class Indexer;
     friend class Saver;
 

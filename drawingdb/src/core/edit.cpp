@@ -1,4 +1,6 @@
 // Appending, erasing with all that is owned, exchanging identities, copying, making blocks.
+#include "drawingdb/src/core/edit.h"
+
 #include <algorithm>
 
 #include "base/text.h"
@@ -15,7 +17,6 @@ namespace drawingdb {
 
 namespace {
 
-constexpr bool isOwnerCode(int code) { return code >= 350 && code < 370; }
 constexpr bool isPointerCode(int code) {
     return (code >= 320 && code < 350) || (code >= 390 && code < 400) || code == 480 || code == 481;
 }
@@ -26,14 +27,13 @@ bool ownsNothing(std::uint16_t type, std::string_view bytes) {
     return ownsOnlyItsDictionary(type) && bytes.find("{ACAD_XDICTIONARY") == std::string_view::npos;
 }
 
-// The owner that a record names: the first group 330 of its head.
+}  // namespace
+
 std::uint64_t ownerHandle(std::string_view bytes, const FileFormat& format) {
     for (RecordWalk walk(GroupCursor(bytes, format)); walk.next() && walk.inHead();)
         if (walk.part() == RecordPart::field && walk.group().code == 330) return parseHandle(walk.group().value);
     return 0;
 }
-
-}  // namespace
 
 void Core::linkChild(Stub& container, Stub& child) {
     Stub* anchor = anchorOf(container, true);
@@ -245,7 +245,8 @@ std::string_view dictionaryGroups(std::string_view bytes, const FileFormat& form
     return {};
 }
 
-// With another control string in its place; a new one stands behind the handle.
+}  // namespace
+
 std::string withDictionary(std::string_view bytes, std::string_view dictionary, const FileFormat& format) {
     std::size_t begin = 0, end = 0;
     if (const std::string_view old = dictionaryGroups(bytes, format); !old.empty()) {
@@ -258,8 +259,6 @@ std::string withDictionary(std::string_view bytes, std::string_view dictionary, 
     }
     return std::string(bytes.substr(0, begin)).append(dictionary).append(bytes.substr(end));
 }
-
-}  // namespace
 
 void Core::swapIdentity(Stub& a, Stub& b, bool extendedData, bool extensionDictionaries) {
     requireWritable();
@@ -460,6 +459,14 @@ Stub& Core::addBlock(std::wstring_view blockName) {
         throw OdError(OdResult::badFile, where(nullptr) +
                                              "the file has no place for blocks. Remedy: open it with a program that "
                                              "can make them");
+    BlockHead head;
+    head.units = database.headerInteger("$INSUNITS", 0);
+    writeBlockRecords(*made, blockName, head);
+    forgetNames();
+    return *made->record;
+}
+
+void Core::writeBlockRecords(const NewBlock& made, std::wstring_view blockName, const BlockHead& head) {
     const auto fill = [&](Stub& stub, const char* kind, std::uint64_t owner, const auto& write) {
         std::string bytes;
         GroupWriter writer(bytes, format);
@@ -469,35 +476,33 @@ Stub& Core::addBlock(std::wstring_view blockName) {
         write(writer);
         stub.content = Arena::contentOf(arena_.add(bytes, stub.type));
     };
-    if (made->table)
-        fill(*made->record, "BLOCK_RECORD", made->table->handle, [&](GroupWriter& writer) {
+    if (made.table)
+        fill(*made.record, "BLOCK_RECORD", made.table->handle, [&](GroupWriter& writer) {
             writer.marker("AcDbSymbolTableRecord");
             writer.marker("AcDbBlockTableRecord");
             writer.wide(2, blockName);
             if (format.version >= version::v2000) writer.handle(340, 0);
             if (format.version < version::v2007) return;
-            writer.integer(70, database.headerInteger("$INSUNITS", 0));
-            writer.integer(280, 1);
-            writer.integer(281, 0);
+            writer.integer(70, head.units);
+            writer.integer(280, head.explodable);
+            writer.integer(281, head.scalability);
         });
-    const std::uint64_t owner = made->table ? made->record->handle : 0;
-    fill(*made->block, "BLOCK", owner, [&](GroupWriter& writer) {
+    const std::uint64_t owner = made.table ? made.record->handle : 0;
+    fill(*made.block, "BLOCK", owner, [&](GroupWriter& writer) {
         writer.marker("AcDbEntity");
         writer.text(8, "0");
         writer.marker("AcDbBlockBegin");
         writer.wide(2, blockName);
-        writer.integer(70, 0);
-        writer.point(10, 0, 0, 0);
+        writer.integer(70, head.flags);
+        writer.point(10, head.origin.x, head.origin.y, head.origin.z);
         writer.wide(3, blockName);
-        writer.text(1, "");
+        writer.wide(1, head.path);
     });
-    fill(*made->end, "ENDBLK", owner, [&](GroupWriter& writer) {
+    fill(*made.end, "ENDBLK", owner, [&](GroupWriter& writer) {
         writer.marker("AcDbEntity");
         writer.text(8, "0");
         writer.marker("AcDbBlockEnd");
     });
-    forgetNames();
-    return *made->record;
 }
 
 namespace {
@@ -513,12 +518,21 @@ std::string withoutPreview(std::string_view record, const FileFormat& format) {
 }  // namespace
 
 void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbIdMapping& copies) {
-    constexpr std::int64_t kHasAttributes = 2;
     requireWritable();
     OdDbObjectIdArray before;
     for (const OdDbObjectId id : entitiesOf(record, true)) before.push_back(id);
     deepClone(entities, record, copies);
-    for (const OdDbObjectId id : before) erase(*id.stub(), true);
+    emptyBlock(record, before);
+    const bool hasAttributes = std::ranges::any_of(copies.pairs(), [](const OdDbIdMapping::Pair& pair) {
+        const auto definition = pair.copy.openIf<OdDbAttributeDefinition>();
+        return pair.primary && definition && !definition->isConstant();
+    });
+    setBlockOrigin(record, {0, 0, 0}, hasAttributes);
+    forgetNames();
+}
+
+void Core::emptyBlock(Stub& record, const OdDbObjectIdArray& entities) {
+    for (const OdDbObjectId id : entities) erase(*id.stub(), true);
     // The order of drawing and whatever else was told of the old entities.
     if (const OdDbObjectId dictionary = open(record, OdDb::forRead, false)->extensionDictionary(); dictionary) {
         erase(*dictionary.stub(), true);
@@ -526,10 +540,10 @@ void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbId
     }
     // Nor is the picture of it that lists of blocks show.
     if (record.type == rtBlockRecord) setBytes(record, withoutPreview(bytesOf(record), format));
-    const bool hasAttributes = std::ranges::any_of(copies.pairs(), [](const OdDbIdMapping::Pair& pair) {
-        const auto definition = pair.copy.openIf<OdDbAttributeDefinition>();
-        return pair.primary && definition && !definition->isConstant();
-    });
+}
+
+void Core::setBlockOrigin(Stub& record, const OdGePoint3d& origin, bool hasAttributes) {
+    constexpr std::int64_t kHasAttributes = 2;
     Stub& begin = *blockBegin(record);
     std::string bytes;
     GroupWriter writer(bytes, format);
@@ -537,7 +551,7 @@ void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbId
         const Group& group = walk.group();
         const bool isField = walk.part() == RecordPart::field;
         if (isField && (group.code == 10 || group.code == 20 || group.code == 30)) {
-            writer.real(group.code, 0);
+            writer.real(group.code, group.code == 10 ? origin.x : group.code == 20 ? origin.y : origin.z);
         } else if (isField && group.code == 70) {
             const std::int64_t flags = groupInteger(group, format.binary).value_or(0) & ~kHasAttributes;
             writer.integer(70, hasAttributes ? flags | kHasAttributes : flags);
@@ -546,7 +560,6 @@ void Core::redefineBlock(Stub& record, const OdDbObjectIdArray& entities, OdDbId
         }
     }
     setBytes(begin, bytes);
-    forgetNames();
 }
 
 void Core::registerApplication(std::string_view application) {

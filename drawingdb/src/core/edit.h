@@ -1,0 +1,21 @@
+// What copying and erasing have to know of the groups of a record.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "drawingdb/src/file/groups.h"
+
+namespace drawingdb {
+
+/// Groups that name objects which the record owns.
+constexpr bool isOwnerCode(int code) { return code >= 350 && code < 370; }
+
+/// The owner that a record names: the first group 330 of its head; 0 when there is none.
+std::uint64_t ownerHandle(std::string_view bytes, const FileFormat& format);
+
+/// With another control string of the extension dictionary in its place; a new one stands behind the handle.
+std::string withDictionary(std::string_view bytes, std::string_view dictionary, const FileFormat& format);
+
+}  // namespace drawingdb
