@@ -172,11 +172,9 @@ bool tellsFile(std::wstring_view text) {
 // Makes the block; null when it is refused.
 OdDbObjectId makeFrom(HostRun& run, const BlockSource& source) {
     const OdDbDatabasePtr drawing = readDrawingFile(source.file, false, run.application.profile());
+    for (const OdDbWarning& warning : drawing->warnings()) run.terminal().notice(base::fromUtf8(warning.text));
     if (drawing->isReadOnly()) {
-        const std::string why = drawing->warnings().empty() ? "" : drawing->warnings().front().text;
-        run.refused(base::fromUtf8(why) +
-                    L": the drawing is not whole; nothing was changed. Remedy: --recover makes a "
-                    L"whole one of it");
+        run.refused(source.file + L" is not whole; nothing was changed");
         return {};
     }
     OdDbObjectId block = drawing->modelSpaceId();
