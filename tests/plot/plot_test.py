@@ -26,6 +26,7 @@ import plots
 
 COMMAND = []
 RED, YELLOW, GREEN, BLUE, BLACK, WHITE = "#ff0000", "#ffff00", "#00ff00", "#0000ff", "#000000", "#ffffff"
+SEED_FONTS = pathlib.Path(__file__).resolve().parent.parent.parent / "fuzz" / "seeds" / "font"
 UNIT_IS_PIXEL = "ZOOM|C|400,300|600"
 
 
@@ -35,6 +36,8 @@ def box(points):
 
 
 class PlotTest(unittest.TestCase):
+    fonts = None  # a folder; those that are installed
+
     def setUp(self):
         self.temporary = tempfile.TemporaryDirectory()
         self.folder = pathlib.Path(self.temporary.name)
@@ -45,8 +48,9 @@ class PlotTest(unittest.TestCase):
         self.temporary.cleanup()
 
     def run_program(self, *arguments):
+        environment = {**os.environ, "TORVEL_FONTS": str(self.fonts)} if self.fonts else None
         return subprocess.run(COMMAND + ["--profile", "profile.ini", "--size", "800x600", *arguments], cwd=self.folder,
-                              capture_output=True, timeout=120)
+                              capture_output=True, timeout=120, env=environment)
 
     has_clips = False  # ezdxf has no class for them: they are written as extension records
 
@@ -379,6 +383,65 @@ class PlotTest(unittest.TestCase):
         self.assertBox(plot.lines(RED)[0][0], (104, 280, 104, 300), tolerance=6)
         self.assertAlmostEqual(box(plot.lines(BLACK)[0][0])[0], box(plot.lines(RED)[0][0])[0] + 5, delta=2)
         self.assertBox(plot.lines(GREEN)[0][0], (104, 246.7, 104, 266.7), tolerance=6)
+
+    def outlines(self, plot, color):
+        """The corners of what is filled in that colour."""
+        return [point for shape in plot.areas(color) for contour in shape.contours for point in contour]
+
+    def test_text_in_outlines_hangs_by_the_widths_of_its_font(self):
+        """Of the seed fonts A is 600 wide, of 700, B from 100 to 500, of 600; capitals are 700 high."""
+        self.fonts = SEED_FONTS
+        self.doc.styles.add("FILE", font="C:\\fonts\\SEED.TTF")
+        self.doc.styles.add("FAMILY", font="").set_extended_font_data("Seed Compact")
+        align = ezdxf.enums.TextEntityAlignment
+
+        def text(color, style, **attributes):
+            return self.msp.add_text("AB", height=70, dxfattribs={"style": style, "color": color, **attributes})
+        text(1, "FILE").set_placement((100, 100))
+        text(2, "FAMILY").set_placement((500, 100), align=align.RIGHT)
+        text(3, "FILE", width=0.5).set_placement((400, 200), align=align.CENTER)
+        text(4, "FILE").set_placement((100, 300), (360, 300), align.FIT)
+        text(5, "FILE", rotation=90, text_generation_flag=2).set_placement((700, 300))
+        plot = self.plot()
+        self.assertBox(self.outlines(plot, RED), (100, 100, 220, 170))
+        self.assertEqual([len(shape.contours) for shape in plot.areas(RED)], [3], "one is a hole")
+        self.assertBox(self.outlines(plot, YELLOW), (370, 100, 490, 170))
+        self.assertBox(self.outlines(plot, GREEN), (367.5, 200, 427.5, 270))
+        self.assertBox(self.outlines(plot, "#00ffff"), (100, 300, 340, 370))
+        self.assertBox(self.outlines(plot, BLUE), (630, 180, 700, 300))
+        plain = self.plot("SETVAR|PLOTFONTS|0")
+        self.assertEqual(plain.areas(), [])
+        self.assertGreater(len(plain.lines()), 10)
+
+    def test_characters_that_the_strokes_lack_are_taken_from_a_font(self):
+        self.fonts = SEED_FONTS
+        self.msp.add_text("I\u0416I", height=70, dxfattribs={"color": 1}).set_placement((100, 100))
+        self.msp.add_mtext(r"I{\fSeed;AA}\P\fSeed|b1|i1;C\U+4E00\U+4E01", dxfattribs={
+            "color": 3, "char_height": 70, "insert": (100, 500), "attachment_point": 1})
+        plot = self.plot()
+        self.assertEqual(len(plot.lines(RED)), 2, "both I")
+        x1, y1, x2, y2 = box(self.outlines(plot, RED))
+        self.assertAlmostEqual(x2 - x1, 70, delta=0.2)
+        self.assertAlmostEqual(600 - y2, 100, delta=0.2)
+        self.assertEqual([len(shape.contours) for shape in plot.areas(GREEN)], [4, 3])
+        self.assertIn("no font that is installed has 2 of the characters, drawn as boxes: U+4E00 U+4E01", self.errors)
+        self.plot("SETVAR|PLOTFONTS|0")
+        self.assertEqual(self.errors, "")
+
+    def test_every_alphabet_is_seen(self):
+        self.fonts = pathlib.Path("/usr/share/fonts/truetype/dejavu")
+        if not (self.fonts / "DejaVuSans.ttf").exists():
+            self.skipTest("DejaVu Sans is not installed")
+        self.doc.styles.add("SANS", font="dejavusans.ttf")
+        self.msp.add_text("HxH", height=100, dxfattribs={"style": "SANS", "color": 1}).set_placement((100, 100))
+        self.msp.add_text("\u041F\u0440\u03A9\u0627", height=50, dxfattribs={"color": 3}).set_placement((100, 300))
+        plot = self.plot()
+        # Capitals are 1493 high, of 2048 the em; H is 1540 wide and 201 from its left edge, x 1212.
+        self.assertBox(self.outlines(plot, RED), (100 + 20100 / 1493, 100, 100 + (2 * 1540 + 1212 - 201) * 100 / 1493, 200),
+                       tolerance=0.5)
+        self.assertEqual(plot.lines(GREEN), [])
+        self.assertGreater(len(self.outlines(plot, GREEN)), 30)
+        self.assertIn("1 character of scripts whose letters join", self.errors)
 
     def test_text_that_nobody_could_read_is_a_line(self):
         self.msp.add_text("NOTES", dxfattribs={"height": 1, "insert": (100, 100)})

@@ -34,19 +34,24 @@ class Drawing {
         Plotter plotter(database_, picture, nullptr, inks_);
         plotter.drawSpace(space, toPixels, scale);
         for (const auto& [kind, count] : plotter.notDrawn()) notDrawn_[kind] += count;
+        for (std::wstring& text : plotter.told())
+            if (std::find(told_.begin(), told_.end(), text) == told_.end()) told_.push_back(std::move(text));
     }
 
-    /// "not drawn: 3 BODY, 1 IMAGE", or empty.
-    std::wstring warning() const {
+    /// "not drawn: 3 BODY, 1 IMAGE", and what there is to say of fonts.
+    std::vector<std::wstring> warnings() const {
+        std::vector<std::wstring> warnings = told_;
         std::wstring text;
         for (const auto& [kind, count] : notDrawn_)
             text += (text.empty() ? L"not drawn: " : L", ") + std::to_wstring(count) + L" " + base::fromUtf8(kind);
-        return text;
+        if (!text.empty()) warnings.insert(warnings.begin(), std::move(text));
+        return warnings;
     }
 
   private:
     OdDbDatabase& database_;
     Inks inks_;
+    std::vector<std::wstring> told_;
     std::map<std::string, int> notDrawn_;  // entities of each kind that could not be drawn
 };
 
@@ -118,7 +123,7 @@ std::vector<std::wstring> plotToFile(Document& document, DocumentView& view, con
                      view.height() / seen.height);
         plotPicture(picture, settings, path);
     }
-    if (std::wstring warning = drawing.warning(); !warning.empty()) told.push_back(std::move(warning));
+    for (std::wstring& warning : drawing.warnings()) told.push_back(std::move(warning));
     return told;
 }
 

@@ -55,7 +55,7 @@ std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d
 }  // namespace
 
 Plotter::Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks, const Inks& inks)
-    : database_(database), picture_(picture), styles_(database, inks), bounds_(blocks) {
+    : database_(database), picture_(picture), styles_(database, inks), lettering_(database), bounds_(blocks) {
     if (!bounds_) bounds_ = &ownBounds_.emplace(styles_);
     readVariables();
 }
@@ -77,7 +77,14 @@ void Plotter::forgetAllLists() {
 
 void Plotter::readStyles() {
     styles_ = Styles(database_, styles_.inks());
+    lettering_.forgetStyles();
     forgetAllLists();
+}
+
+bool Plotter::lettersAnew() {
+    if (!lettering_.update()) return false;
+    forgetAllLists();
+    return true;
 }
 
 void Plotter::readVariables() {
@@ -88,9 +95,10 @@ void Plotter::readVariables() {
     wipeoutFrames_ = OdDbWipeoutVariables::showsFrames(database_);
 }
 
-void Plotter::setUp(Shapes& shapes) const {
+void Plotter::setUp(Shapes& shapes) {
     shapes.setAttributeMode(attributeMode_);
     shapes.setWipeoutFrames(wipeoutFrames_);
+    shapes.setLettering(&lettering_);
     shapes.setTexts(picture_.keepsTexts());
 }
 

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "torvelhost/plot/extents.h"
+#include "torvelhost/plot/lettering.h"
 #include "torvelhost/plot/picture.h"
 #include "torvelhost/plot/rectangle.h"
 
@@ -58,6 +59,10 @@ class Plotter {
     /// Forgets what blocks show.
     void forget(const std::unordered_set<OdDbObjectId>& blocks);
     void forgetAllLists();
+    /// True, and all lists are forgotten, when texts are drawn in other fonts than before.
+    bool lettersAnew();
+    /// What is to be told of the fonts.
+    std::vector<std::wstring> told() const { return lettering_.told(); }
     std::size_t bytes() const { return bytes_; }  // of the lists of blocks
     /// Reads the layers anew, and forgets all lists.
     void readStyles();
@@ -81,7 +86,7 @@ class Plotter {
         }
     };
 
-    void setUp(Shapes& shapes) const;
+    void setUp(Shapes& shapes);
     void add(Shapes& shapes, const OdDbEntity& entity);
     void drawSeen(OdDbObjectId space);
     void count(OdDbObjectId id, const std::string& kind);
@@ -111,6 +116,7 @@ class Plotter {
     OdDbDatabase& database_;
     Picture& picture_;
     Styles styles_;
+    Lettering lettering_;
     std::optional<BlockBounds> ownBounds_;
     BlockBounds* bounds_;
     OdGeMatrix3d toPixels_;

@@ -119,8 +119,10 @@ void Scene::Engine::forgetLists() {
 
 bool Scene::Engine::update() {
     grids_.update();
+    const bool otherFonts = plotter_.lettersAnew();
+    if (otherFonts) forgetLists();
     const OdDbTouched touched = grids_.database().takeTouched(mark_);
-    if (touched.empty()) return false;
+    if (touched.empty()) return otherFonts;
     bool everything = false, looks = false, any = !touched.entities.empty() || touched.header;
     if (std::exchange(numbering_, grids_.numbering()) != grids_.numbering()) everything = true;
     for (const OdDbObjectId id : touched.others) {
@@ -129,7 +131,7 @@ bool Scene::Engine::update() {
         looks |= concern == EntityGrids::Concern::kLooks;
         any |= concern != EntityGrids::Concern::kNothing;
     }
-    if (!any) return false;
+    if (!any) return otherFonts;
     stage_ = Stage::kFinished;
     plotter_.readVariables();
     if (looks || everything) {

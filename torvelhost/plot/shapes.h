@@ -18,6 +18,9 @@
 
 namespace host {
 
+class Lettering;
+class Typeface;
+
 /// The part of a reference that its block shows.
 DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
 
@@ -43,6 +46,8 @@ class Shapes {
     /// 0: no attribute shows, 1: all but invisible ones, 2: all.
     void setAttributeMode(int mode) { attributeMode_ = mode; }
     void setWipeoutFrames(bool shown) { wipeoutFrames_ = shown; }
+    /// What texts are drawn in, referenced; all in the built-in font without it.
+    void setLettering(Lettering* lettering) { lettering_ = lettering; }
     /// Whether what texts say is added beside their strokes.
     void setTexts(bool added) { texts_ = added; }
     /// Whether what is on layers that are off or frozen is added too.
@@ -85,6 +90,13 @@ class Shapes {
     void addText(const OdDbText& text, const OdString& shown);
     void addAttributeText(const OdDbAttributeText& text);
     void addMText(const OdDbMText& text);
+    /// False when all of it is in the built-in font.
+    bool addOutlineText(const OdDbText& text, const OdString& shown);
+    void addSaid(const OdString& shown, const OdGePoint3d& start, const OdGePoint3d& end, const OdGePoint3d& top);
+    bool isInStrokes(Typeface* font, const drawingdb::MTextLayout& layout) const;
+    /// `place` takes points of the row's plane to where they are drawn.
+    template <class Place>
+    void addRow(const drawingdb::TextRow& row, Typeface* font, const Place& place);
     bool isBesideWindow(const OdDbText& text, const OdString& shown) const;
     bool isTooSmall(double height) const { return height < 1.3 * pixel_; }
 
@@ -117,6 +129,7 @@ class Shapes {
     Styles& styles_;
     DisplayList& list_;
     double pixel_;
+    Lettering* lettering_ = nullptr;
     bool inBlock_ = false;
     int attributeMode_ = 1;
     bool wipeoutFrames_ = true;

@@ -1,5 +1,7 @@
 // Single-line and multi-line text.
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/text.h"
 #include "drawingdb/mtext.h"
@@ -8,6 +10,7 @@
 #include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "torvelhost/plot/extents.h"
+#include "torvelhost/plot/lettering.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -43,27 +46,28 @@ bool Shapes::isBesideWindow(const OdDbText& text, const OdString& shown) const {
            place.y + reach < window_->minPoint().y || place.y - reach > window_->maxPoint().y;
 }
 
+void Shapes::addSaid(const OdString& shown, const OdGePoint3d& start, const OdGePoint3d& end, const OdGePoint3d& top) {
+    DisplayList::Text said{{}, start, end, top};
+    // Who looks for a diameter types the letter.
+    constexpr char32_t kDiameterSign = U'\u2205', kDiameterLetter = U'\u00D8';
+    for (const drawingdb::TextCharacter& c : drawingdb::decodeControlCodes(shown))
+        said.characters += c.character == kDiameterSign ? kDiameterLetter : c.character;
+    list_.addText(std::move(said));
+}
+
 void Shapes::addText(const OdDbText& text, const OdString& shown) {
     if (shown.empty() || isBesideWindow(text, shown)) return;
+    if (lettering_ && !isTooSmall(text.height()) && addOutlineText(text, shown)) return;
     const drawingdb::TextGeometry geometry = geometryOf(text, shown);
     const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
     const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
-    const auto add = [&](const OdGePoint2d& point) {
-        list_.addPoint(plane * OdGePoint3d(point.x, point.y, elevation));
-    };
+    const auto at = [&](const OdGePoint2d& point) { return plane * OdGePoint3d(point.x, point.y, elevation); };
+    const auto add = [&](const OdGePoint2d& point) { list_.addPoint(at(point)); };
     if (texts_) {
-        DisplayList::Text said;
-        // Who looks for a diameter types the letter.
-        constexpr char32_t kDiameterSign = U'\u2205', kDiameterLetter = U'\u00D8';
-        for (const drawingdb::TextCharacter& c : drawingdb::decodeControlCodes(shown))
-            said.characters += c.character == kDiameterSign ? kDiameterLetter : c.character;
         const double width = drawingdb::textExtents(shown, geometry.height, geometry.widthFactor).width;
         const OdGeVector2d along(std::cos(geometry.rotation), std::sin(geometry.rotation)), up(-along.y, along.x);
-        const auto at = [&](const OdGePoint2d& point) { return plane * OdGePoint3d(point.x, point.y, elevation); };
-        said.start = at(geometry.position);
-        said.end = at(geometry.position + along * (geometry.mirroredInX ? -width : width));
-        said.top = at(geometry.position + up * (geometry.mirroredInY ? -geometry.height : geometry.height));
-        list_.addText(std::move(said));
+        addSaid(shown, at(geometry.position), at(geometry.position + along * (geometry.mirroredInX ? -width : width)),
+                at(geometry.position + up * (geometry.mirroredInY ? -geometry.height : geometry.height)));
     }
     list_.begin(DisplayList::Kind::kStrokes);
     if (isTooSmall(geometry.height)) {
@@ -77,6 +81,72 @@ void Shapes::addText(const OdDbText& text, const OdString& shown) {
             list_.endContour();
         }
     }
+    list_.end();
+}
+
+bool Shapes::addOutlineText(const OdDbText& text, const OdString& shown) {
+    const Lettering::Font font = lettering_->fontOf(text);
+    if (!font && lettering_->isInStrokes(shown)) return false;
+    const auto advance = [&](char32_t c) { return lettering_->letterOf(font, c).advance; };
+    std::vector<drawingdb::TextCharacter> characters = drawingdb::decodeControlCodes(shown);
+    double width = 0;
+    for (const drawingdb::TextCharacter& c : characters) width += advance(c.character);
+
+    drawingdb::TextGeometry geometry = text.textGeometry();
+    if (text.isJustified()) {
+        // It hangs as high as in the built-in font.
+        drawingdb::TextExtents extents = drawingdb::textExtents(shown, geometry.height, geometry.widthFactor);
+        extents.width = width * geometry.height * geometry.widthFactor;
+        geometry = drawingdb::alignText(extents, geometry);
+    }
+    width *= geometry.height * geometry.widthFactor;
+    const drawingdb::TextFrame frame(geometry, width);
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
+    const double elevation = (OdGeMatrix3d::worldToPlane(text.normal()) * text.position()).z;
+    const auto place = [&](const OdGePoint2d& point) {
+        const OdGePoint2d placed = frame(point);
+        return plane * OdGePoint3d(placed.x, placed.y, elevation);
+    };
+    if (texts_) addSaid(shown, place({0, 0}), place({width, 0}), place({0, geometry.height}));
+    const drawingdb::StrokePen pen{geometry.height, geometry.widthFactor, drawingdb::slantOf(geometry.oblique), {}};
+    addRow(drawingdb::textRow(std::move(characters), pen, 1.0, advance), font, place);
+    return true;
+}
+
+template <class Place>
+void Shapes::addRow(const drawingdb::TextRow& row, Lettering::Font font, const Place& place) {
+    // No polygon is farther from a curve than a quarter of a pixel.
+    constexpr int kFinest = 14;
+    int fineness = kFinest;
+    if (pixel_ > 0) std::frexp(4 * row.pen.height / pixel_, &fineness);
+    fineness = std::clamp(fineness, 2, kFinest);
+    std::vector<Lettering::Letter> letters;
+    letters.reserve(row.characters.size());
+    for (const drawingdb::TextCharacter& c : row.characters) letters.push_back(lettering_->letterOf(font, c.character));
+
+    bool hasOutlines = false;
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        if (!letters[i].typeface) continue;
+        if (!std::exchange(hasOutlines, true)) list_.begin(DisplayList::Kind::kUnion);
+        for (const auto& contour : letters[i].typeface->contoursOf(letters[i].glyph, fineness)) {
+            for (const OdGePoint2d& p : contour) list_.addPoint(place(row.pen(row.starts[i] + p.x, p.y)));
+            list_.endContour();
+        }
+    }
+    if (hasOutlines) list_.end();
+    list_.begin(DisplayList::Kind::kStrokes);
+    const auto addStroke = [&](const drawingdb::Polyline2d& stroke) {
+        for (const OdGePoint2d& point : stroke) list_.addPoint(place(point));
+        list_.endContour();
+    };
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        if (letters[i].typeface) continue;
+        for (const drawingdb::Polyline2d& stroke : drawingdb::strokeGlyph(row.characters[i].character).strokes) {
+            for (const OdGePoint2d& p : stroke) list_.addPoint(place(row.pen(row.starts[i] + p.x, p.y)));
+            list_.endContour();
+        }
+    }
+    for (const drawingdb::Polyline2d& rule : drawingdb::rulesOf(row)) addStroke(rule);
     list_.end();
 }
 
@@ -94,9 +164,26 @@ void Shapes::addAttributeText(const OdDbAttributeText& text) {
         addText(text, text.textString());
 }
 
+bool Shapes::isInStrokes(Lettering::Font font, const drawingdb::MTextLayout& layout) const {
+    for (const drawingdb::MTextLine& line : layout.lines)
+        for (const drawingdb::MTextPlacedRun& run : line.runs)
+            if (lettering_->fontOf(font, run.format) || !lettering_->isInStrokes(run.text) ||
+                !lettering_->isInStrokes(run.lower))
+                return false;
+    return true;
+}
+
 void Shapes::addMText(const OdDbMText& text) {
     const OdGeMatrix3d toWorld = text.layoutToWorld();
-    const drawingdb::MTextLayout layout = text.layout();
+    drawingdb::MTextLayout layout = text.layout();
+    const Lettering::Font font = lettering_ ? lettering_->fontOf(text) : nullptr;
+    const bool outlined = lettering_ && !isInStrokes(font, layout);
+    const auto fontOf = [&](const drawingdb::MTextFormat& format) { return lettering_->fontOf(font, format); };
+    // Where lines break follows from the font that is drawn.
+    if (outlined)
+        layout = text.layout([&](char32_t c, const drawingdb::MTextFormat& format) {
+            return lettering_->letterOf(fontOf(format), c).advance;
+        });
     const auto inWorld = [&](const OdGePoint2d& point) { return toWorld * OdGePoint3d(point.x, point.y, 0); };
     const Style own = list_.style();
 
@@ -137,6 +224,20 @@ void Shapes::addMText(const OdDbMText& text) {
         }
         for (const drawingdb::MTextPlacedRun& run : line.runs) {
             list_.setStyle(run.format.color ? styles_.colored(own, *run.format.color) : own);
+            if (outlined) {
+                const Lettering::Font inFormat = fontOf(run.format);
+                drawingdb::MTextPlacedRun upright = run;
+                // Its letters lean by themselves.
+                if (inFormat && inFormat->file().isItalic()) upright.format.italic = false;
+                const drawingdb::MTextRunRows parts =
+                    drawingdb::mtextRunRows(upright, [&](char32_t c, const drawingdb::MTextFormat&) {
+                        return lettering_->letterOf(inFormat, c).advance;
+                    });
+                for (const drawingdb::TextRow& row : parts.rows) addRow(row, inFormat, inWorld);
+                for (const drawingdb::Polyline2d& stroke : parts.lines)
+                    list_.add(DisplayList::Kind::kStrokes, Corners{inWorld(stroke.front()), inWorld(stroke.back())});
+                continue;
+            }
             list_.begin(DisplayList::Kind::kStrokes);
             for (const drawingdb::Polyline2d& stroke : drawingdb::mtextRunStrokes(run)) {
                 for (const OdGePoint2d& point : stroke) list_.addPoint(inWorld(point));

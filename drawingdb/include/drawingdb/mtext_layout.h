@@ -5,13 +5,18 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string_view>
 #include <vector>
 
 #include "drawingdb/mtext_parser.h"
 #include "drawingdb/stroke_font.h"
+#include "drawingdb/text_metrics.h"
 
 namespace drawingdb {
+
+/// How far it is from a character to the next in a format, in text heights.
+using MTextAdvance = std::function<double(char32_t, const MTextFormat&)>;
 
 /// What the text's style gives.
 struct MTextStyle {
@@ -19,6 +24,8 @@ struct MTextStyle {
     double oblique = 0.0;
     /// Lines stand as far apart as the nominal height says; otherwise a line with higher text takes more room.
     bool exactLineSpacing = false;
+    /// None: the built-in font.
+    MTextAdvance advance;
 };
 
 /// A run in its place. The origin is the text's location, x runs along its direction.
@@ -51,5 +58,12 @@ DRAWINGDB_API MTextLayout mtextLayout(std::wstring_view contents, double height,
 
 /// What to draw for a run, in the same coordinates as its position.
 DRAWINGDB_API std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run);
+
+/// The same for who draws it in another font: what is written, two rows of a stack, and the line between them.
+struct MTextRunRows {
+    std::vector<TextRow> rows;
+    std::vector<Polyline2d> lines;
+};
+DRAWINGDB_API MTextRunRows mtextRunRows(const MTextPlacedRun& run, const MTextAdvance& advance = {});
 
 }  // namespace drawingdb

@@ -1,7 +1,7 @@
 // The built-in font: one of single strokes, the same on every platform.
 //
 // Text styles name fonts that this machine need not have. So that a drawing is laid out alike everywhere, all text is
-// measured and drawn with this one font, whatever its style says.
+// measured with this one font, whatever its style says, and drawn with it unless a plot has a better one.
 #pragma once
 
 #include <vector>
@@ -22,5 +22,7 @@ struct StrokeGlyph {
 /// Covers ASCII, the letters and most signs of Latin-1, the diameter sign and some punctuation; any other character is
 /// a box. Control characters take no room, but a tab is a blank. The reference stays valid.
 DRAWINGDB_API const StrokeGlyph& strokeGlyph(char32_t character);
+/// Whether it is more than a box; so are control characters and blanks.
+DRAWINGDB_API bool hasStrokeGlyph(char32_t character);
 
 }  // namespace drawingdb

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -64,10 +65,59 @@ struct TextGeometry {
 /// is where descenders end.
 DRAWINGDB_API TextGeometry alignText(std::wstring_view text, const TextGeometry& geometry);
 
+/// The same for text that is as large as that at the geometry's height and width factor, in whatever font.
+DRAWINGDB_API TextGeometry alignText(const TextExtents& extents, const TextGeometry& geometry);
+
+/// From the unturned text, whose baseline begins at the origin, to its place.
+class DRAWINGDB_API TextFrame {
+  public:
+    /// `width` is that of the text.
+    TextFrame(const TextGeometry& geometry, double width);
+    OdGeVector2d turned(const OdGeVector2d& v) const;
+    OdGePoint2d operator()(const OdGePoint2d& p) const { return position_ + turned(p.asVector()); }
+
+  private:
+    OdGePoint2d position_;
+    double cosine_, sine_, xSign_, ySign_, shift_;
+};
+
 /// What to draw, for an up-to-date geometry.
 DRAWINGDB_API std::vector<Polyline2d> textStrokes(std::wstring_view text, const TextGeometry& geometry);
 /// The corners of the upright box around the unslanted text, turned with it: lower left, lower right, upper right,
 /// upper left as one reads it. From the text's start to its end and from its lowest to its highest stroke.
 DRAWINGDB_API std::array<OdGePoint2d, 4> textBoundingPoints(std::wstring_view text, const TextGeometry& geometry);
+
+// ---- rows of characters, for those who draw them in another font
+
+/// Where what is drawn goes: from units of the text height to the text's plane, with the origin at the start of the
+/// baseline.
+struct StrokePen {
+    double height = 1.0;
+    double widthFactor = 1.0;
+    double slant = 0.0;  // x per y: the tangent of the oblique angle
+    OdGePoint2d origin;
+
+    OdGePoint2d operator()(double x, double y) const {
+        return {origin.x + (x * widthFactor + y * slant) * height, origin.y + y * height};
+    }
+};
+
+/// The tangent of an oblique angle; one that would lay the text flat is limited to 85 degrees.
+DRAWINGDB_API double slantOf(double oblique);
+
+/// How far it is from a character to the next, in text heights.
+using CharacterAdvance = std::function<double(char32_t)>;
+
+struct TextRow {
+    std::vector<TextCharacter> characters;
+    std::vector<double> starts;  ///< of each character, and where the last one ends; in text heights
+    StrokePen pen;
+};
+
+/// In the built-in font unless an advance is given. Tracking widens the room of each character.
+DRAWINGDB_API TextRow textRow(std::vector<TextCharacter> characters, const StrokePen& pen, double tracking = 1.0,
+                              const CharacterAdvance& advance = {});
+/// Lines under, over and through it: one for each stretch of characters.
+DRAWINGDB_API std::vector<Polyline2d> rulesOf(const TextRow& row);
 
 }  // namespace drawingdb

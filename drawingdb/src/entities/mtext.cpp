@@ -312,12 +312,13 @@ void OdDbMText::copyMTextFrom(const OdDbMText& other) {
 // ---------------------------------------------------------------------------------------------------------------------
 // Geometry
 
-drawingdb::MTextLayout OdDbMText::layout() const {
+drawingdb::MTextLayout OdDbMText::layout(const drawingdb::MTextAdvance& advance) const {
     drawingdb::MTextStyle style;
     if (const auto record = textStyle().openIf<OdDbTextStyleTableRecord>()) {
         style.widthFactor = record->xScale();
         style.oblique = record->obliquingAngle();
     }
+    style.advance = advance;
     style.exactLineSpacing = lineSpacingStyle_ == kExactSpacing;
     return drawingdb::mtextLayout(contents(), height_, width_, attachment_, lineSpacingFactor_, style);
 }

@@ -20,17 +20,19 @@ constexpr double kDefaultTabWidth = 4.0;    // in nominal text heights
 constexpr double kStackLowerToUpper = 1.3;  // from the lower part's baseline to the upper's, in text heights
 constexpr double kFractionLine = 1.15;      // above the lower part's baseline, in text heights
 constexpr double kDiagonalLine = 0.5;       // the room between the parts of a slanted fraction, in text heights
-constexpr double kSlackInWidth = 1e-9;      // relative: a line may be that much too long, by rounding
+// There is one font; its italic is the upright one leaning.
+constexpr double kItalicLean = kPi / 12;
+constexpr double kSlackInWidth = 1e-9;  // relative: a line may be that much too long, by rounding
 
 template <typename Visit>
 void visitCharacters(std::wstring_view text, Visit visit) {
     for (std::size_t i = 0; i < text.size();) visit(base::nextCharacter(text, i));
 }
 
-double textWidth(std::wstring_view text, const MTextFormat& format) {
-    double advance = 0.0;
-    visitCharacters(text, [&](char32_t c) { advance += strokeGlyph(c).advance; });
-    return advance * format.height * format.widthFactor * format.tracking;
+double textWidth(std::wstring_view text, const MTextFormat& format, const MTextAdvance& advance) {
+    double width = 0.0;
+    visitCharacters(text, [&](char32_t c) { width += advance ? advance(c, format) : strokeGlyph(c).advance; });
+    return width * format.height * format.widthFactor * format.tracking;
 }
 
 double textDescent(std::wstring_view text, const MTextFormat& format) {
@@ -39,10 +41,10 @@ double textDescent(std::wstring_view text, const MTextFormat& format) {
     return -bottom * format.height;
 }
 
-double runWidth(const MTextRun& run) {
-    const double upper = textWidth(run.text, run.format);
+double runWidth(const MTextRun& run, const MTextAdvance& advance) {
+    const double upper = textWidth(run.text, run.format, advance);
     if (run.kind != MTextRunKind::Stack) return upper;
-    const double lower = textWidth(run.lower, run.format);
+    const double lower = textWidth(run.lower, run.format, advance);
     return run.separator == L'#' ? upper + lower + kDiagonalLine * run.format.height : std::max(upper, lower);
 }
 
@@ -68,12 +70,12 @@ struct Piece {
     bool breakBefore = false;
 };
 
-std::vector<Piece> cutIntoPieces(const MTextParagraph& paragraph) {
+std::vector<Piece> cutIntoPieces(const MTextParagraph& paragraph, const MTextAdvance& advance) {
     std::vector<Piece> pieces;
     for (std::size_t r = 0; r < paragraph.runs.size(); ++r) {
         const MTextRun& run = paragraph.runs[r];
         if (run.kind != MTextRunKind::Text) {
-            pieces.push_back({r, {}, runWidth(run), run.kind == MTextRunKind::Tab, false});
+            pieces.push_back({r, {}, runWidth(run, advance), run.kind == MTextRunKind::Tab, false});
             continue;
         }
         const std::wstring_view text = run.text;
@@ -88,7 +90,7 @@ std::vector<Piece> cutIntoPieces(const MTextParagraph& paragraph) {
                 i = next;
             }
             piece.text = text.substr(start, i - start);
-            piece.width = textWidth(piece.text, run.format);
+            piece.width = textWidth(piece.text, run.format, advance);
             pieces.push_back(piece);
         }
     }
@@ -103,7 +105,8 @@ class MTextLayouter {
           column_(attachment >= 1 && attachment <= 9 ? (attachment - 1) % 3 : 0),
           row_(attachment >= 1 && attachment <= 9 ? (attachment - 1) / 3 : 0),
           lineSpacing_(kLineSpacing * (lineSpacingFactor > 0.0 ? lineSpacingFactor : 1.0)),
-          exact_(style.exactLineSpacing) {}
+          exact_(style.exactLineSpacing),
+          advance_(style.advance) {}
 
     MTextLayout layOut(const std::vector<MTextParagraph>& paragraphs) {
         for (const MTextParagraph& paragraph : paragraphs) breakIntoLines(paragraph);
@@ -123,7 +126,7 @@ class MTextLayouter {
     };
 
     void breakIntoLines(const MTextParagraph& paragraph) {
-        const std::vector<Piece> pieces = cutIntoPieces(paragraph);
+        const std::vector<Piece> pieces = cutIntoPieces(paragraph, advance_);
         bool firstLine = true;
         std::size_t next = 0;
         do {
@@ -312,6 +315,7 @@ class MTextLayouter {
     int column_, row_;
     double lineSpacing_;
     bool exact_;
+    const MTextAdvance& advance_;
     double naturalWidth_ = 0.0;
     MTextLayout layout_;
     std::vector<LineRoom> rooms_;  // one for each line
@@ -339,42 +343,53 @@ MTextLayout mtextLayout(std::wstring_view contents, double height, double width,
 }
 
 std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run) {
+    const MTextRunRows parts = mtextRunRows(run);
     std::vector<Polyline2d> strokes;
-    const MTextFormat& f = run.format;
-    // There is one font; its italic is the upright one leaning.
-    constexpr double kItalicLean = kPi / 12;
-    const StrokePen pen{f.height, f.widthFactor, slantOf(f.oblique + (f.italic ? kItalicLean : 0.0)), run.position};
-    if (run.kind == MTextRunKind::Tab) return strokes;
-    if (run.kind == MTextRunKind::Text) {
-        appendStrokes(rowOf(run.text, f), f.tracking, pen, strokes);
-        return strokes;
-    }
+    for (const TextRow& row : parts.rows) appendStrokes(row, strokes);
+    strokes.insert(strokes.end(), parts.lines.begin(), parts.lines.end());
+    return strokes;
+}
 
-    const double upperWidth = textWidth(run.text, f), lowerWidth = textWidth(run.lower, f);
-    const auto penAt = [&](double dx, double dy) {
+MTextRunRows mtextRunRows(const MTextPlacedRun& run, const MTextAdvance& advance) {
+    MTextRunRows parts;
+    const MTextFormat& f = run.format;
+    if (run.kind == MTextRunKind::Tab) return parts;
+    const StrokePen pen{f.height, f.widthFactor, slantOf(f.oblique + (f.italic ? kItalicLean : 0.0)), run.position};
+    CharacterAdvance inFormat;
+    if (advance) inFormat = [&](char32_t c) { return advance(c, f); };
+    const auto add = [&](std::wstring_view text, double dx, double dy) {
         StrokePen moved = pen;
         moved.origin += OdGeVector2d(dx + dy * pen.slant, dy);
-        return moved;
+        parts.rows.push_back(textRow(rowOf(text, f), moved, f.tracking, inFormat));
     };
+    if (run.kind == MTextRunKind::Text) {
+        add(run.text, 0.0, 0.0);
+        return parts;
+    }
+
+    const double upperWidth = textWidth(run.text, f, advance), lowerWidth = textWidth(run.lower, f, advance);
     const double upperHeight = kStackLowerToUpper * f.height;
     if (run.separator == L'#') {
         const double lowerStart = upperWidth + kDiagonalLine * f.height;
-        appendStrokes(rowOf(run.text, f), f.tracking, penAt(0.0, upperHeight), strokes);
-        appendStrokes(rowOf(run.lower, f), f.tracking, penAt(lowerStart, 0.0), strokes);
-        strokes.push_back({penAt(upperWidth, 0.0)(0.0, 0.0), penAt(lowerStart, upperHeight + f.height)(0.0, 0.0)});
-        return strokes;
+        add(run.text, 0.0, upperHeight);
+        add(run.lower, lowerStart, 0.0);
+        const double top = upperHeight + f.height;
+        const OdGePoint2d& origin = run.position;
+        parts.lines.push_back(
+            {origin + OdGeVector2d(upperWidth, 0.0), origin + OdGeVector2d(lowerStart + top * pen.slant, top)});
+        return parts;
     }
     // A fraction's parts are centred on its line; a tolerance's begin together.
     const bool fraction = run.separator == L'/';
     const double room = std::max(upperWidth, lowerWidth);
-    appendStrokes(rowOf(run.text, f), f.tracking, penAt(fraction ? (room - upperWidth) / 2.0 : 0.0, upperHeight),
-                  strokes);
-    appendStrokes(rowOf(run.lower, f), f.tracking, penAt(fraction ? (room - lowerWidth) / 2.0 : 0.0, 0.0), strokes);
+    add(run.text, fraction ? (room - upperWidth) / 2.0 : 0.0, upperHeight);
+    add(run.lower, fraction ? (room - lowerWidth) / 2.0 : 0.0, 0.0);
     if (fraction) {
         const double line = kFractionLine * f.height;
-        strokes.push_back({penAt(0.0, line)(0.0, 0.0), penAt(room, line)(0.0, 0.0)});
+        const OdGePoint2d start = run.position + OdGeVector2d(line * pen.slant, line);
+        parts.lines.push_back({start, start + OdGeVector2d(room, 0.0)});
     }
-    return strokes;
+    return parts;
 }
 
 }  // namespace drawingdb

@@ -15,6 +15,7 @@
 #include "drawingdb/stroke_font.h"
 
 #include <algorithm>
+#include <bitset>
 #include <charconv>
 #include <memory>
 #include <string_view>
@@ -359,7 +360,9 @@ class Font {
         box_ = finished(DrawingReader(kBox).read());
         for (std::size_t c = U' '; c < latin_.size(); ++c) {
             const bool control = c >= 0x7F && c < 0xA0;
-            if (!control && latin_[c].advance == 0.0) latin_[c] = box_;
+            if (control || latin_[c].advance != 0.0) continue;
+            latin_[c] = box_;
+            latinBoxes_.set(c);
         }
     }
 
@@ -367,6 +370,10 @@ class Font {
         if (character < latin_.size()) return latin_[character];
         const auto found = others_.find(character);
         return found != others_.end() ? found->second : box_;
+    }
+
+    bool has(char32_t character) const {
+        return character < latin_.size() ? !latinBoxes_[character] : others_.count(character) != 0;
     }
 
   private:
@@ -382,15 +389,21 @@ class Font {
     }
 
     std::array<StrokeGlyph, 256> latin_;
+    std::bitset<256> latinBoxes_;
     std::unordered_map<char32_t, StrokeGlyph> others_;
     StrokeGlyph box_;
 };
 
 }  // namespace
 
-const StrokeGlyph& strokeGlyph(char32_t character) {
+namespace {
+const Font& builtInFont() {
     static const auto font = std::make_unique<const Font>();
-    return font->glyph(character);
+    return *font;
 }
+}  // namespace
+
+const StrokeGlyph& strokeGlyph(char32_t character) { return builtInFont().glyph(character); }
+bool hasStrokeGlyph(char32_t character) { return builtInFont().has(character); }
 
 }  // namespace drawingdb

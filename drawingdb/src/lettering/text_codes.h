@@ -24,23 +24,7 @@ struct ControlCode {
 /// The %% code that begins at the position; kind None when there is none.
 ControlCode controlCodeAt(std::wstring_view text, std::size_t position);
 
-/// Where strokes go: from units of the text height to the text's plane, with the origin at the start of the baseline.
-struct StrokePen {
-    double height = 1.0;
-    double widthFactor = 1.0;
-    double slant = 0.0;  // x per y: the tangent of the oblique angle
-    OdGePoint2d origin;
-
-    OdGePoint2d operator()(double x, double y) const {
-        return {origin.x + (x * widthFactor + y * slant) * height, origin.y + y * height};
-    }
-};
-
-/// The tangent of an oblique angle; one that would lay the text flat is limited to 85 degrees.
-double slantOf(double oblique);
-
-/// A row of characters at the pen's origin, with their underlines and such.
-void appendStrokes(const std::vector<TextCharacter>& row, double tracking, const StrokePen& pen,
-                   std::vector<Polyline2d>& strokes);
+/// What the built-in font draws of a row, with its underlines and such.
+void appendStrokes(const TextRow& row, std::vector<Polyline2d>& strokes);
 
 }  // namespace drawingdb

@@ -94,29 +94,6 @@ OdGeVector2d anchorOf(const TextGeometry& g, const TextExtents& extents) {
     return anchor;
 }
 
-// From the unturned text at the origin to its place.
-class TextFrame {
-  public:
-    TextFrame(const TextGeometry& g, double width)
-        : position_(g.position),
-          cosine_(std::cos(g.rotation)),
-          sine_(std::sin(g.rotation)),
-          xSign_(g.mirroredInX ? -1.0 : 1.0),
-          ySign_(g.mirroredInY ? -1.0 : 1.0),
-          // Backwards text runs to the left of its insertion point, unless it has two ends to stay between.
-          shift_(g.mirroredInX && spansBaseline(g) ? width : 0.0) {}
-
-    OdGeVector2d turned(const OdGeVector2d& v) const {
-        const double x = v.x * xSign_ + shift_, y = v.y * ySign_;
-        return {cosine_ * x - sine_ * y, sine_ * x + cosine_ * y};
-    }
-    OdGePoint2d operator()(const OdGePoint2d& p) const { return position_ + turned(p.asVector()); }
-
-  private:
-    OdGePoint2d position_;
-    double cosine_, sine_, xSign_, ySign_, shift_;
-};
-
 }  // namespace
 
 ControlCode controlCodeAt(std::wstring_view text, std::size_t position) {
@@ -158,30 +135,41 @@ double slantOf(double oblique) {
     return std::isfinite(oblique) ? std::tan(std::clamp(oblique, -kSteepest, kSteepest)) : 0.0;
 }
 
-void appendStrokes(const std::vector<TextCharacter>& row, double tracking, const StrokePen& pen,
-                   std::vector<Polyline2d>& strokes) {
-    std::vector<double> starts{0.0};
-    for (const TextCharacter& c : row) {
-        const StrokeGlyph& glyph = strokeGlyph(c.character);
-        for (const Polyline2d& stroke : glyph.strokes) {
-            Polyline2d& placed = strokes.emplace_back();
-            placed.reserve(stroke.size());
-            for (const OdGePoint2d& p : stroke) placed.push_back(pen(starts.back() + p.x, p.y));
-        }
-        starts.push_back(starts.back() + glyph.advance * tracking);
-    }
-    // One line under each stretch of underlined characters, and so on.
+TextRow textRow(std::vector<TextCharacter> characters, const StrokePen& pen, double tracking,
+                const CharacterAdvance& advance) {
+    TextRow row{std::move(characters), {0.0}, pen};
+    row.starts.reserve(row.characters.size() + 1);
+    for (const TextCharacter& c : row.characters)
+        row.starts.push_back(row.starts.back() +
+                             (advance ? advance(c.character) : strokeGlyph(c.character).advance) * tracking);
+    return row;
+}
+
+std::vector<Polyline2d> rulesOf(const TextRow& row) {
+    std::vector<Polyline2d> rules;
     const auto rule = [&](bool TextCharacter::*flag, double y) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            if (!(row[i].*flag)) continue;
+        for (std::size_t i = 0; i < row.characters.size(); ++i) {
+            if (!(row.characters[i].*flag)) continue;
             const std::size_t first = i;
-            while (i + 1 < row.size() && row[i + 1].*flag) ++i;
-            strokes.push_back({pen(starts[first], y), pen(starts[i + 1], y)});
+            while (i + 1 < row.characters.size() && row.characters[i + 1].*flag) ++i;
+            rules.push_back({row.pen(row.starts[first], y), row.pen(row.starts[i + 1], y)});
         }
     };
     rule(&TextCharacter::underlined, kUnderline);
     rule(&TextCharacter::overlined, kOverline);
     rule(&TextCharacter::struckThrough, kStrikeThrough);
+    return rules;
+}
+
+void appendStrokes(const TextRow& row, std::vector<Polyline2d>& strokes) {
+    for (std::size_t i = 0; i < row.characters.size(); ++i) {
+        for (const Polyline2d& stroke : strokeGlyph(row.characters[i].character).strokes) {
+            Polyline2d& placed = strokes.emplace_back();
+            placed.reserve(stroke.size());
+            for (const OdGePoint2d& p : stroke) placed.push_back(row.pen(row.starts[i] + p.x, p.y));
+        }
+    }
+    for (Polyline2d& rule : rulesOf(row)) strokes.push_back(std::move(rule));
 }
 
 std::vector<TextCharacter> decodeControlCodes(std::wstring_view text) {
@@ -220,10 +208,28 @@ TextExtents textExtents(std::wstring_view text, double height, double widthFacto
     return e;
 }
 
+TextFrame::TextFrame(const TextGeometry& g, double width)
+    : position_(g.position),
+      cosine_(std::cos(g.rotation)),
+      sine_(std::sin(g.rotation)),
+      xSign_(g.mirroredInX ? -1.0 : 1.0),
+      ySign_(g.mirroredInY ? -1.0 : 1.0),
+      // Backwards text runs to the left of its insertion point, unless it has two ends to stay between.
+      shift_(g.mirroredInX && spansBaseline(g) ? width : 0.0) {}
+
+OdGeVector2d TextFrame::turned(const OdGeVector2d& v) const {
+    const double x = v.x * xSign_ + shift_, y = v.y * ySign_;
+    return {cosine_ * x - sine_ * y, sine_ * x + cosine_ * y};
+}
+
 TextGeometry alignText(std::wstring_view text, const TextGeometry& geometry) {
+    if (geometry.horizontal == TextHorizontal::Left && geometry.vertical == TextVertical::Baseline) return geometry;
+    return alignText(textExtents(text, geometry.height, geometry.widthFactor), geometry);
+}
+
+TextGeometry alignText(const TextExtents& extents, const TextGeometry& geometry) {
     TextGeometry g = geometry;
     if (g.horizontal == TextHorizontal::Left && g.vertical == TextVertical::Baseline) return g;
-    const TextExtents extents = textExtents(text, g.height, g.widthFactor);
     if (spansBaseline(g)) {
         const OdGeVector2d baseline = g.alignmentPoint - g.position;
         const double ratio = baseline.length() / extents.width;
@@ -239,7 +245,7 @@ TextGeometry alignText(std::wstring_view text, const TextGeometry& geometry) {
 std::vector<Polyline2d> textStrokes(std::wstring_view text, const TextGeometry& geometry) {
     std::vector<Polyline2d> strokes;
     const StrokePen pen{geometry.height, geometry.widthFactor, slantOf(geometry.oblique), {}};
-    appendStrokes(decodeControlCodes(text), 1.0, pen, strokes);
+    appendStrokes(textRow(decodeControlCodes(text), pen), strokes);
     const TextFrame frame(geometry, textExtents(text, geometry.height, geometry.widthFactor).width);
     for (Polyline2d& stroke : strokes)
         for (OdGePoint2d& p : stroke) p = frame(p);

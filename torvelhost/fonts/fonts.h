@@ -1,0 +1,72 @@
+// The fonts that are installed: found by name, or by what they can write.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/mapped_file.h"
+#include "torvelhost/fonts/font_file.h"
+
+namespace host {
+
+/// A font in use: what was worked out of it is kept. Lengths are in heights of its capitals.
+class Typeface {
+  public:
+    using Contours = std::vector<std::vector<OdGePoint2d>>;
+
+    explicit Typeface(std::unique_ptr<FontFile> file) : file_(std::move(file)) {}
+
+    const FontFile& file() const { return *file_; }
+    std::uint32_t glyphOf(char32_t character);
+    /// None is wider than two.
+    double advanceOf(std::uint32_t glyph);
+    /// Closed polygons, no farther from the curves than a half to the power of `fineness`.
+    const Contours& contoursOf(std::uint32_t glyph, int fineness);
+
+  private:
+    std::unique_ptr<FontFile> file_;
+    std::unordered_map<char32_t, std::uint32_t> glyphs_;
+    std::unordered_map<std::uint32_t, double> advances_;
+    std::unordered_map<std::uint64_t, Contours> contours_;
+};
+
+class Fonts {
+  public:
+    /// Nothing is looked for before it is needed. Files that are no fonts, or damaged, are left out.
+    explicit Fonts(std::vector<std::wstring> folders) : folders_(std::move(folders)) {}
+    /// Those of the folders in the environment's TORVEL_FONTS, or else of the system. They are shared by all plots.
+    static Fonts& installed();
+
+    /// By a family's name, a full name, or the name of a file: the one that comes closest to being bold and italic as
+    /// wanted; when there is none of that name, one that resembles it. Null when nothing is installed.
+    Typeface* find(std::wstring_view name, bool bold, bool italic);
+    /// Any that has the character; null when none has.
+    Typeface* withCharacter(char32_t character);
+
+  private:
+    struct Wanted {
+        bool bold = false, italic = false;
+    };
+
+    void look();
+    void lookInto(const std::wstring& folder);
+    void add(const std::wstring& path);
+    Typeface* named(const std::wstring& plainName, Wanted wanted) const;
+    Typeface* first(std::span<const wchar_t* const> names, Wanted wanted) const;
+
+    std::vector<std::wstring> folders_;
+    bool looked_ = false;
+    std::deque<base::MappedFile> files_;
+    std::deque<Typeface> typefaces_;
+    std::unordered_multimap<std::wstring, Typeface*> byName_;
+    std::unordered_map<char32_t, Typeface*> byCharacter_;
+};
+
+}  // namespace host

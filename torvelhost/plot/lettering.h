@@ -1,0 +1,74 @@
+// Which font texts are drawn in: the built-in strokes, or outlines of the fonts that are installed.
+//
+// A style whose font is an outline font, by its file or by the family that it names, is drawn in outlines; where that
+// font is not installed in those of one that resembles it. Every other is drawn in strokes. A character that the font
+// does not have is taken from any that has it.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "base/text.h"
+#include "drawingdb/database.h"
+#include "drawingdb/mtext_layout.h"
+#include "torvelhost/fonts/fonts.h"
+
+namespace host {
+
+class Lettering {
+  public:
+    /// Null: the built-in strokes.
+    using Font = Typeface*;
+    struct Letter {
+        Typeface* typeface = nullptr;  // null: the stroke glyph of the character
+        std::uint32_t glyph = 0;
+        double advance = 0;
+    };
+
+    /// The database is referenced. It is on unless its host says of the variable PLOTFONTS that it is off, or does not
+    /// know it.
+    explicit Lettering(OdDbDatabase& database);
+
+    /// Reads the variable anew. True when texts look different.
+    bool update();
+    void forgetStyles();
+
+    /// Whether any style is drawn in outlines.
+    bool hasOutlineStyles();
+    /// What a text with the style is drawn in.
+    template <class Text>
+    Font fontOf(const Text& text) {
+        return hasOutlineStyles() ? fontOfStyle(text.textStyleName()) : nullptr;
+    }
+    /// Within a multi-line text in that font.
+    Font fontOf(Font ofStyle, const drawingdb::MTextFormat& format);
+    /// Whether the built-in font has all of it, or everything is drawn in it.
+    bool isInStrokes(std::wstring_view text) const;
+    Letter letterOf(Font font, char32_t character);
+
+    /// "no font has 3 of the characters: ..." and the like.
+    std::vector<std::wstring> told() const;
+
+  private:
+    struct Family {
+        std::wstring name;
+        bool bold = false, italic = false;
+        bool operator<(const Family& other) const {
+            return std::tie(name, bold, italic) < std::tie(other.name, other.bold, other.italic);
+        }
+    };
+    void readStyles();
+    Font fontOfStyle(const OdString& style) const;
+    Font fontOfFamily(const Family& family);
+
+    OdDbDatabase& database_;
+    bool on_ = false, styled_ = false;
+    std::map<std::wstring, Font, base::LessNoCase> styles_;  // those that are drawn in outlines
+    std::map<Family, Font> families_;
+    std::set<char32_t> missing_, unjoined_;
+};
+
+}  // namespace host
