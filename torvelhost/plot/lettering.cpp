@@ -102,8 +102,11 @@ bool Lettering::isInStrokes(std::wstring_view text) const {
     if (!on_) return true;
     for (std::size_t at = 0; at < text.size();)
         if (!drawingdb::hasStrokeGlyph(base::nextCharacter(text, at))) return false;
-    // Codes of characters by their number name nothing but what a byte can.
-    return true;
+    // A code may stand for any character.
+    if (text.find(L"%%") == text.npos) return true;
+    const std::vector<drawingdb::TextCharacter> shown = drawingdb::decodeControlCodes(text);
+    return std::all_of(shown.begin(), shown.end(),
+                       [](const drawingdb::TextCharacter& c) { return drawingdb::hasStrokeGlyph(c.character); });
 }
 
 Lettering::Letter Lettering::letterOf(Font font, char32_t character) {
