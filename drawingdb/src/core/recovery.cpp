@@ -159,13 +159,19 @@ class TreeBuilder {
             return;
         }
         if (piece.kind == Piece::badName) {
-            beginRecord(group);
+            beginRecord(group, group.begin);
             record_.name = "a record without a name";
             record_.isPartial = true;
             return;
         }
+        if (piece.kind == Piece::bareName) {
+            const std::string name(group.value);
+            beginRecord(salvage_.group([&](RecordWriter& writer) { writer.text(0, name); }), group.begin);
+            tell(group.begin, "the group 0 of a record " + name + " is damaged; it was put right");
+            return;
+        }
         if (group.code == 0) {
-            beginRecord(group);
+            beginRecord(group, group.begin);
             return;
         }
         if (!begun_) {
@@ -224,15 +230,15 @@ class TreeBuilder {
         return !record_.lacksHandle;
     }
 
-    void beginRecord(const Group& group) {
+    void beginRecord(const Group& group, const char* place) {
         finishRecord(false);
         if (!begun_ && !headTold_)
-            salvage_.head = {salvage_.file.data(), static_cast<std::size_t>(group.begin - salvage_.file.data())};
+            salvage_.head = {salvage_.file.data(), static_cast<std::size_t>(place - salvage_.file.data())};
         begun_ = true;
         record_ = {};
         record_.name = trimmed(group.value);
         record_.type = salvage_.typeOf(record_.name);
-        record_.place = group.begin;
+        record_.place = place;
         record_.groups.push_back(group);
         inLostVariable_ = behindMarker_ = false;
         variable_ = 0;
@@ -289,6 +295,7 @@ class TreeBuilder {
         if (!begun_) return;
         if (isCutOff) loseGroup();
         dropEmptyVariable();
+        closeControls();
         if (record_.isPartial && !record_.handle && record_.find(100)) record_.lacksHandle = true;
         const bool isEnd = record_.type == rtEndsec || record_.type == rtEndtab || record_.type == rtEndblk ||
                            record_.type == rtSeqend || record_.type == rtSection || record_.type == rtTable ||
@@ -303,6 +310,41 @@ class TreeBuilder {
             return;
         }
         place(std::move(record_));
+    }
+
+    // Everything behind a control string whose end is lost would count as in it. In extension records such groups may
+    // be anything.
+    void closeControls() {
+        if (record_.name == "XRECORD") return;
+        std::size_t open = 0;  // where one begins; 0: none is open
+        for (std::size_t i = 1; i < record_.groups.size(); ++i) {
+            const Group group = record_.groups[i];
+            const bool begins = group.code == 102 && trimmed(group.value).starts_with('{');
+            if (open != 0 && (begins || group.code == 100 || group.code >= 1000)) {
+                closeControl(open, i++);
+                open = 0;
+            }
+            if (group.code == 102) open = begins ? i : 0;
+        }
+        if (open != 0) closeControl(open, record_.groups.size());
+    }
+
+    // It ends before `end`: the owner, and what else is no reference to others, does not stand in it.
+    void closeControl(std::size_t open, std::size_t end) {
+        auto& groups = record_.groups;
+        const std::string_view name = trimmed(groups[open].value);
+        std::size_t place = end;
+        if (name == "{ACAD_REACTORS" || name == "{ACAD_XDICTIONARY") {
+            const int code = name == "{ACAD_REACTORS" ? 330 : 360;
+            place = open + 1;
+            while (place < end && groups[place].code == code) ++place;
+            const bool isBeforeMarker = end < groups.size() && groups[end].code == 100;
+            if (place == end && code == 330 && place > open + 1 && isBeforeMarker) --place;
+        }
+        tell(salvage_.placeOf(groups[open], record_),
+             record_.title() + ": the end of the control string " + quoted(name) + " is missing; it was added");
+        groups.insert(groups.begin() + static_cast<std::ptrdiff_t>(place),
+                      salvage_.group([](RecordWriter& writer) { writer.text(102, "}"); }));
     }
 
     // What follows a record that was left out as a part of it goes with it.

@@ -182,6 +182,7 @@ class LinkMender {
         salvage_.forEach([&](SalvagedNode&, SalvagedRecord& record, SalvagedNode*) {
             if (record.handle && !known_.insert(record.handle).second) {
                 const std::string before = record.title();
+                doubled_.insert(record.handle);
                 giveHandle(record);
                 tell(record.place,
                      before + " has the handle of an earlier record; it is " + handleText(record.handle) + " now");
@@ -542,8 +543,19 @@ class LinkMender {
         return handle != 0 && !known_.contains(handle);
     }
 
+    // Whether an owner is meant that had its handle from another record, and has one of its own now. Among objects
+    // nothing but the handle says who owns whom.
+    bool isDoubled(const Group& group, const SalvagedRecord& record, const SalvagedNode* owner) {
+        const std::uint64_t handle = parseHandle(group.value);
+        if (!doubled_.contains(handle)) return false;
+        if (owner && owner->record.type == rtSection && sectionName(*owner) == "OBJECTS") return false;
+        const std::uint64_t meant = trueOwner(record, owner);
+        return meant != 0 && meant != handle;
+    }
+
     void mendReferences(SalvagedRecord& record, const SalvagedNode* owner) {
-        std::vector<Group> kept;
+        std::vector<Group>& kept = kept_;
+        kept.clear();
         bool changed = false;
         std::vector<std::uint64_t> lost;
         const char* place = nullptr;
@@ -581,11 +593,13 @@ class LinkMender {
                 case RecordPart::field:
                     if (group.code == 330 && walk.inHead() && !ownerSeen) {
                         ownerSeen = true;
-                        if (!isLost(group)) break;
+                        const bool isNone = isLost(group);
+                        if (!isNone && !isDoubled(group, record, owner)) break;
                         const std::uint64_t handle = trueOwner(record, owner);
                         tell(salvage_.placeOf(group, record),
                              record.title() + ": its owner, " + handleText(parseHandle(group.value)) +
-                                 ", is not there; it is " + handleText(handle) + " now");
+                                 (isNone ? ", is not there; it is " : ", has another handle; it is ") +
+                                 handleText(handle) + " now");
                         kept.push_back(salvage_.group([&](RecordWriter& writer) { writer.handle(330, handle); }));
                         changed = true;
                         continue;
@@ -614,12 +628,14 @@ class LinkMender {
                  text + (lost.size() == 1 ? ", which it refers to, is not there; the reference was taken out"
                                           : ", which it refers to, are not there; the references were taken out"));
         }
-        record.groups = std::move(kept);
+        record.groups = kept;
     }
 
     Salvage& salvage_;
     FileFormat& format_;
     std::unordered_set<std::uint64_t> known_;
+    std::unordered_set<std::uint64_t> doubled_;                      // handles that later records had too
+    std::vector<Group> kept_;                                        // of the record whose references are looked at
     std::unordered_map<std::wstring, SalvagedNode*> blocks_;         // by folded name
     std::unordered_map<std::wstring, std::uint64_t> recordOfBlock_;  // its handle
     std::array<std::uint64_t, 2> spaceRecords_{};                    // of the model, of the paper

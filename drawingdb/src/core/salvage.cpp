@@ -153,9 +153,14 @@ SalvagedNode& Salvage::addTable(SalvagedRecord table) {
 }
 
 std::uint16_t Salvage::typeOf(std::string_view name) {
-    for (const Kind& kind : allKinds())
-        if (kind.type != rtNone && kind.name == name) return kind.type;
-    return rtFirstCarried;
+    static const auto types = [] {
+        std::unordered_map<std::string_view, std::uint16_t> all;
+        for (const Kind& kind : allKinds())
+            if (kind.type != rtNone) all.emplace(kind.name, kind.type);
+        return all;
+    }();
+    const auto found = types.find(name);
+    return found == types.end() ? static_cast<std::uint16_t>(rtFirstCarried) : found->second;
 }
 
 SalvagedRecord Salvage::record(const char* place, const std::function<void(RecordWriter&)>& write) {
@@ -291,9 +296,45 @@ bool DamagedGroups::isBadName(std::string_view bytes) const {
         return cursor.next(group) && group.code == 0;
     }
     const Line first = lineAt(bytes.data(), end);
-    if (readCode(first.text) != 0 || first.next == end) return false;
+    if (readCode(first.text) != 0) return false;
+    if (first.next == end) return !behindName_ && isHandleAt(end);  // the line of its name is lost
     const Line second = lineAt(first.next, end);
     return second.next == end && !readCode(second.text);
+}
+
+bool DamagedGroups::isHandleAt(const char* place) const {
+    const std::optional<Group> group = groupAt(place);
+    return group && (group->code == 5 || group->code == 105) && isHandle(group->value) && isSound(place);
+}
+
+bool DamagedGroups::takeBareName(Piece& piece) {
+    constexpr int kNear = 3;  // lines
+    if (format_.binary || behindName_) return false;
+    const char* place = at_;
+    bool isBehindZero = false;
+    for (int line = 0; line < kNear && place != end_; ++line) {
+        const Line read = lineAt(place, end_);
+        const std::string_view name = trimmed(read.text);
+        if (isKnownName(name) && isHandleAt(read.next)) {
+            if (isBehindZero) return false;  // a sound beginning behind what is none
+            piece.kind = Piece::bareName;
+            piece.read = {};
+            piece.read.value = name;
+            piece.read.begin = at_;
+            piece.read.end = at_ = read.next;
+            enterRecord(name);
+            return true;
+        }
+        isBehindZero = readCode(read.text) == 0;
+        place = read.next;
+    }
+    return false;
+}
+
+void DamagedGroups::enterRecord(std::string_view name) {
+    fiveIsHandle_ = name != "DIMSTYLE";
+    behindName_ = true;
+    names_.insert(name);
 }
 
 bool DamagedGroups::next(Piece& piece) {
@@ -309,17 +350,16 @@ bool DamagedGroups::next(Piece& piece) {
             piece.kind = good ? Piece::group : Piece::badValue;
             piece.read = *group;
             at_ = group->end;
-            if (group->code == 0) {
-                const std::string_view name = trimmed(group->value);
-                fiveIsHandle_ = name != "DIMSTYLE";
-                names_.insert(name);
-            } else if (group->code == 100) {
+            behindName_ = false;
+            if (group->code == 0)
+                enterRecord(trimmed(group->value));
+            else if (group->code == 100)
                 fiveIsHandle_ = false;
-            }
             return true;
         }
     }
     if (isBlankFrom(at_)) return false;
+    if (takeBareName(piece)) return true;
     piece.kind = Piece::garbage;
     piece.read = {};
     piece.read.begin = at_;

@@ -23,7 +23,6 @@ class Damages {
   public:
     Damages(std::string_view file, const FileFormat& format) : file_(file), format_(format) {}
     void tell(const char* place, std::string_view text) { all_.emplace_back(place, text); }
-    bool empty() const { return all_.empty(); }
     /// In the order of the file, with its name and the lines, ready to print.
     std::vector<OdDbWarning> warnings(const std::string& fileName);
 
@@ -38,7 +37,13 @@ constexpr std::uint64_t kHandleLimit = std::uint64_t{1} << 62, kSpareHandles = s
 
 /// A stretch of a damaged file: a group, perhaps with a value that its code cannot have, or what is no group.
 struct Piece {
-    enum Kind : std::uint8_t { group, badValue, badName, garbage };  // badName: a record begins, but which
+    enum Kind : std::uint8_t {
+        group,
+        badValue,
+        badName,   // a record begins, but which
+        bareName,  // a record begins with its name; what should stand before it is damaged
+        garbage
+    };
     Kind kind = group;
     Group read;  // of garbage and bad names only where they begin and end
 };
@@ -61,6 +66,12 @@ class DamagedGroups {
     bool isSound(const char* place) const;
     /// Whether what is no group is one that begins a record, but for its name.
     bool isBadName(std::string_view bytes) const;
+    /// Takes the lines up to the name of a record that stands near by without a sound 0 before it; false when none
+    /// does.
+    bool takeBareName(Piece& piece);
+    /// Whether the next group is a handle, with which records begin.
+    bool isHandleAt(const char* place) const;
+    void enterRecord(std::string_view name);
     /// Nothing but blank lines is left.
     bool isBlankFrom(const char* place) const { return place >= blanks_; }
     /// A kind of record that everybody knows, or that was met before.
@@ -72,6 +83,7 @@ class DamagedGroups {
     std::unordered_set<std::string_view> names_;
     const FileFormat& format_;
     bool fiveIsHandle_ = true;  // not in a DIMSTYLE, nor behind a marker
+    bool behindName_ = false;   // the group before began a record
 };
 
 struct SalvagedRecord {

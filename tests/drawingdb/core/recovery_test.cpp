@@ -153,6 +153,49 @@ TEST(Recovery, KeepsWhatIsWhole) {
     EXPECT_EQ(database->writeBytes().find("$TILEMODE"), std::string::npos);
 }
 
+// Where one record ends and the next begins is not seen any more: neither gets the other's groups.
+TEST(Recovery, KeepsRecordsApart) {
+    const std::string& whole = sampleBytes();
+    const std::string begin = "  0\nCIRCLE\n  5\n65\n";
+    for (const char* damaged : {"CIRCLE\n  5\n65\n", "x\nCIRCLE\n  5\n65\n", "  0\n7\nCIRCLE\n  5\n65\n"}) {
+        const auto database = recovered(with(whole, begin, damaged));
+        EXPECT_NE(toldOf(database).find("the group 0 of a record CIRCLE is damaged; it was put right"),
+                  std::string::npos);
+        // But for the seed of handles.
+        const std::string saved = database->writeBytes();
+        EXPECT_TRUE(saved.substr(saved.find("ENDSEC")) == whole.substr(whole.find("ENDSEC"))) << damaged;
+    }
+    const auto nameless = recovered(with(whole, begin, "  0\n  5\n65\n"));
+    EXPECT_NE(toldOf(nameless).find("a record without a name #65 was left out"), std::string::npos);
+    EXPECT_TRUE(objectOf(nameless, 0x65).isNull());
+    EXPECT_EQ(objectOf(nameless, 0x66).openAs<OdDbPolyline>()->numVerts(),
+              objectOf(sample(), 0x66).openAs<OdDbPolyline>()->numVerts());
+}
+
+TEST(Recovery, ClosesControlStrings) {
+    const std::string& whole = sampleBytes();
+    const std::string owner = "330\n1F\n100\nAcDbEntity\n";
+    const std::string begin = "\n  5\n65\n";
+    ASSERT_NE(whole.find(begin + owner), std::string::npos);
+    for (const char* control : {"102\n{ACAD_REACTORS\n330\n66\n", "102\n{ACAD_XDICTIONARY\n360\n66\n",
+                                "102\n{ACAD_REACTORS\n330\n66\n102\n{ACAD_XDICTIONARY\n360\n66\n102\n}\n"}) {
+        const auto database = recovered(with(whole, begin + owner, begin + control + owner));
+        EXPECT_NE(toldOf(database).find("CIRCLE #65: the end of the control string \"{ACAD_"), std::string::npos);
+        const auto circle = objectOf(database, 0x65).openAs<OdDbCircle>();
+        EXPECT_EQ(circle->radius(), 15);
+        EXPECT_EQ(circle->ownerId(), database->modelSpaceId());
+    }
+}
+
+// A record that had another one's handle is the owner of what stands in it all the same.
+TEST(Recovery, OwnersFollowTheirNewHandles) {
+    const auto database =
+        recovered(with(sampleBytes(), "  0\nBLOCK_RECORD\n  5\n30\n", "  0\nBLOCK_RECORD\n  5\n10\n"));
+    const OdDbObjectId door = database->findBlock(L"DOOR");
+    EXPECT_EQ(objectOf(database, 0x34).openAs<OdDbLine>()->ownerId(), door) << toldOf(database);
+    EXPECT_EQ(objectOf(database, 0x32).open()->ownerId(), door);
+}
+
 // Texts that look like handles, empty ones in a row, the largest of all.
 TEST(Recovery, GivesHandlesThatAreFree) {
     const std::string lacking = with(sampleBytes(), "\n  5\n65\n", "\n  5\n\n");
