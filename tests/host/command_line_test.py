@@ -111,10 +111,19 @@ class CommandLine(unittest.TestCase):
         (self.folder / "profile.ini").write_text("[Converters]\ndwg=no-such-program %in %out\n")
         self.assertIn("the converter no-such-program cannot be started: ", self.run_program("the plan.DWG", "-c", "").errors)
         if IS_NATIVE:
-            (self.folder / "profile.ini").write_text('[Converters]\nseconds=1\ndwg=sh -c "sleep 60" %in %out\n')
+            (self.folder / "profile.ini").write_text('[Converters]\nseconds=1\ndwg=sh -c "sleep 4711 & wait" %in %out\n')
             begun = time.monotonic()
             self.assertIn("was ended after 1 seconds", self.run_program("the plan.DWG", "-c", "").errors)
             self.assertLess(time.monotonic() - begun, 30)
+            sleeping = lambda: subprocess.run(["pgrep", "-x", "sleep", "-a"], capture_output=True).stdout.count(b"sleep 4711")
+            self.assertEqual(sleeping(), 0, "what the converter started")
+            (self.folder / "profile.ini").write_text('[Converters]\ndwg=sh -c "sleep 4711 & wait" %in %out\n')
+            run = subprocess.Popen(COMMAND + ["--profile", "profile.ini", "the plan.DWG", "-c", ""], cwd=self.folder)
+            while not sleeping():
+                time.sleep(0.05)
+            run.send_signal(signal.SIGINT)
+            self.assertEqual(run.wait(30), -signal.SIGINT)
+            self.assertEqual(sleeping(), 0)
 
         # Some are called so and are none.
         (self.folder / "misnamed.dwg").write_text(PLAN)

@@ -12,6 +12,7 @@
 #include "drawingdb/symbol_table.h"
 #include "torvelhost/commands/host_commands.h"
 #include "torvelhost/commands/value_list.h"
+#include "torvelhost/session/drawing_files.h"
 
 namespace host::commands {
 namespace {
@@ -132,7 +133,7 @@ CMD_RUNSTATUS valuesOut(HostRun& run) {
     const int selected = run.session.selection.pickSet(L"Select objects or [%s]", objects, L"Everywhere");
     if (selected == kCancel) return kCommandCancelled;
     if (selected == kValue && objects.empty()) return run.refused(L"VALUESOUT: nothing was selected");
-    if (base::isSameFile(name, run.database->fileName()) || drawingdb::isDrawingFile(name))
+    if (base::isSameFile(name, run.database->fileName()) || drawingdb::isDrawingFile(name) || isDwgName(name))
         return run.refused(name + L" is a drawing and is not overwritten");
 
     const OdDbObjectIdArray references =

@@ -17,10 +17,9 @@ constexpr PaperName kPapers[] = {
     {L"A4", 210, 297},         {L"A5", 148, 210},         {L"ANSI-A", 215.9, 279.4},  {L"ANSI-B", 279.4, 431.8},
     {L"ANSI-C", 431.8, 558.8}, {L"ANSI-D", 558.8, 863.6}, {L"ANSI-E", 863.6, 1117.6},
 };
-// The largest is what readers of PDF take.
-constexpr double kSmallestSide = 10, kLargestSide = 5000;
+constexpr double kSmallestSide = 10;
 
-bool isSide(const std::optional<double>& side) { return side && *side >= kSmallestSide && *side <= kLargestSide; }
+bool isSide(const std::optional<double>& side) { return side && *side >= kSmallestSide && *side <= kLargestPaperSide; }
 
 // Takes the word and what parts it from the rest off the end.
 bool takeEnd(std::wstring_view& text, std::wstring_view word) {

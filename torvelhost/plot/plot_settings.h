@@ -9,6 +9,9 @@
 
 namespace host {
 
+/// What readers of PDF take, in millimetres.
+constexpr double kLargestPaperSide = 5000;
+
 /// Lengths are millimetres.
 struct Paper {
     double width = 0, height = 0;

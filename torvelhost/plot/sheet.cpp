@@ -89,7 +89,8 @@ PageSetup pageSetup(const OdDbLayout& layout) {
 
     PageSetup page;
     page.paper = {real(44), real(45)};
-    if (!(page.paper.width > 0) || !(page.paper.height > 0) || page.paper.width > 1e4 || page.paper.height > 1e4)
+    if (!(page.paper.width > 0) || !(page.paper.height > 0) || page.paper.width > kLargestPaperSide ||
+        page.paper.height > kLargestPaperSide)
         page.paper = {};
     page.margins = {real(40), real(41), real(42), real(43)};
     page.offset = {real(46), real(47)};
