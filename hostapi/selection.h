@@ -20,6 +20,7 @@ struct Pick {
     bool hasPoint = false;  ///< false when the entity was named and no point was given
     OdDbObjectId nested;    ///< the innermost object under the cursor; `entity` itself when it has no parts
     std::vector<OdDbObjectId> containers;  ///< the references that hold `nested`, outermost first
+    bool isExact = false;                  ///< `nested` was named: nothing else that lies at the point is meant
 };
 
 }  // namespace hostapi

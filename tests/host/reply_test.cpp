@@ -106,14 +106,17 @@ TEST(Reply, PicksAndSets) {
     EXPECT_EQ(deep->point->value, OdGeVector3d(3, 4, 0));
     EXPECT_EQ(parsePick(L"#?12/#?3")->path, (std::vector<TypedObject>{{0, 12}, {0, 3}}));
     EXPECT_EQ(parsePick(L"#?12")->path.front().text(), L"#?12");
+    EXPECT_TRUE(parsePick(L"#1F/. 3,4")->isItself);
+    EXPECT_EQ(parsePick(L"#1F/#?2/.")->path, (std::vector<TypedObject>{{0x1F}, {0, 2}}));
+    EXPECT_FALSE(deep->isItself);
     EXPECT_TRUE(parsePick(L"None")->isNone);
     EXPECT_TRUE(parsePick(L"3,4")->path.empty());
-    for (const wchar_t* bad : {L"#", L"#0", L"#G1", L"1F", L"#1F/2A", L"#1F/", L"#?0", L"#?", L"#?-1", L"#1F x",
-                               L"#1 #2", L"#11111111111111111"})
+    for (const wchar_t* bad : {L"#", L"#0", L"#G1", L"1F", L"#1F/2A", L"#1F/", L"#1F/./#2", L"#/.", L"#?0", L"#?",
+                               L"#?-1", L"#1F x", L"#1 #2", L"#11111111111111111"})
         EXPECT_FALSE(parsePick(bad)) << bad;
 
     EXPECT_EQ(parseObjects(L"#1F  #20 #33")->size(), 3u);
-    for (const wchar_t* bad : {L"", L"#1F 20", L"#1F/#2A", L"all"}) EXPECT_FALSE(parseObjects(bad)) << bad;
+    for (const wchar_t* bad : {L"", L"#1F 20", L"#1F/#2A", L"#1F/.", L"all"}) EXPECT_FALSE(parseObjects(bad)) << bad;
 
     EXPECT_FALSE(parseWindow(L"W 0,0 9,9")->crossing);
     EXPECT_TRUE(parseWindow(L"c 0,0 9,9")->crossing);

@@ -559,6 +559,7 @@ TEST(Picks, ObjectsInsideReferences) {
              Case{L"#30 5.4,7.4", {0x30, 0x31}, true}, Case{L"5.4,7.4", {0x30, 0x31}, true},
              Case{L"#30 7,5", {0x30, 0x20}, false}, Case{L"7,5", {0x30, 0x20}, false},
              Case{L"#30 5.4,9.4", {0x30}, false},  // the attribute there is invisible
+             Case{L"#30/. 5.4,7.4", {0x30}, false}, Case{L"#30/#20 5.4,7.4", {0x30, 0x20}, false},
              Case{L"#32", {0x30, 0x32}, true}, Case{L"#40/#24", {0x40, 0x24}, false},
              Case{L"#40/#24/#20", {0x40, 0x24, 0x20}, false},
              Case{L"50,54", {0x40, 0x24, 0x20}, false},  // scaled, turned, two blocks deep

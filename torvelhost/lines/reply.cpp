@@ -151,7 +151,10 @@ std::optional<TypedPick> parsePick(std::wstring_view text) {
     if (pick.isNone) return pick;
     if (!text.empty() && text.front() == L'#') {
         const std::size_t end = std::min(text.find_first_of(L" \t"), text.size());
-        const auto path = parsePath(text.substr(0, end));
+        std::wstring_view names = text.substr(0, end);
+        pick.isItself = names.ends_with(L"/.");
+        if (pick.isItself) names.remove_suffix(2);
+        const auto path = parsePath(names);
         if (!path) return std::nullopt;
         pick.path = *path;
         text = base::trimmed(text.substr(end));

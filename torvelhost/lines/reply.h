@@ -4,6 +4,7 @@
 //   ^C                cancel
 //   3,4  3,4,5        a point; @ in front makes it relative to the last one; 2<45 is polar, in degrees
 //   #1F               an object by its handle; #1F/#2A an object inside it; #1F 3,4 picked at that point
+//   #1F/.             that object itself, whatever lies inside it there
 //   #?12              the twelfth object of its space, or of what it lies in: for one without a handle of its own
 //   none              a pick that meets nothing
 //   W 0,0 9,9         a window of a selection set; C a crossing one
@@ -79,6 +80,7 @@ struct TypedObject {
 
 struct TypedPick {
     std::vector<TypedObject> path;  // outermost first; empty when only a point was given
+    bool isItself = false;          // the path ends in "/.": nothing inside is meant
     std::optional<TypedPoint> point;
     bool isNone = false;
 };

@@ -260,7 +260,8 @@ std::wstring Selection::nameOf(OdDbObjectId entity) const {
 
 std::wstring Selection::nameOf(const hostapi::Pick& pick) const {
     if (!pick.entity) return L"none";
-    if (!pick.nested || pick.nested == pick.entity || pick.containers.empty()) return nameOf(pick.entity);
+    if (!pick.nested || pick.nested == pick.entity || pick.containers.empty())
+        return nameOf(pick.entity) + (pick.entity.isKindOf(OdDbBlockReference::desc()) ? L"/." : L"");
     const auto ownHandle = [&](OdDbObjectId id) {
         return !id.handle().isNull() && document_.database()->getObjectId(id.handle()) == id;
     };
@@ -337,6 +338,7 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
         pick.containers.push_back(pick.nested);
         pick.nested = inner;
     }
+    pick.isExact = typed.isItself || !pick.containers.empty();
     if (!typed.point) return pick;
     const auto world = document_.toWorld(*typed.point, reason);
     if (!world) return std::nullopt;
@@ -344,7 +346,7 @@ std::optional<hostapi::Pick> Selection::toPick(const TypedPick& typed, std::wstr
     pick.hasPoint = true;
     const Rectangle box = pickRectangle(pick.point);
     if (typed.path.empty()) pick.entity = pick.nested = entityIn(box);
-    if (pick.containers.empty()) goInto(pick, box);
+    if (!pick.isExact) goInto(pick, box);
     return pick;
 }
 
@@ -373,7 +375,7 @@ int Selection::pickEntity(const wchar_t* prompt, const wchar_t* keywords, hostap
 std::vector<NestedHit> Selection::candidates(const hostapi::Pick& pick) {
     std::vector<NestedHit> found;
     if (pick.nested && pick.nested != pick.entity) found.push_back({pick.nested, pick.containers});
-    if (pick.hasPoint && pick.entity.isKindOf(OdDbBlockReference::desc())) {
+    if (pick.hasPoint && !pick.isExact && pick.entity.isKindOf(OdDbBlockReference::desc())) {
         drawingdb::LayerStates layers;
         for (NestedHit& hit : nestedHits(pick.entity, pickRectangle(pick.point), grids().styles(), layers))
             if (hit.entity != pick.nested || hit.containers != pick.containers) found.push_back(std::move(hit));
