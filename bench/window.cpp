@@ -78,7 +78,7 @@ class TimedFrame final : public host::ViewFrame {
     }
     std::int64_t now() override { return skipped_ + static_cast<std::int64_t>(::now() * 1000); }
     bool breathe() override { return false; }
-    void showPicture(const host::PixelBuffer&, const host::PixelRectangle&) override {}
+    void showPicture(const host::PixelBuffer&) override {}
     void setCursor(Cursor) override {}
     void setTip(const std::wstring&, host::CanvasPoint) override {}
     void setTitle(const std::wstring&) override {}
@@ -227,7 +227,7 @@ int run(const std::wstring& path, int views) {
             begin = now();
             const auto entity = shown[random() % shown.size()]->id.openAs<OdDbEntity>();
             const OdDbEntity* const one = entity.get();
-            scene.drawOver(std::span(&one, 1), host::Scene::Emphasis::kHover, buffer);
+            scene.drawOver(std::span(&one, 1), host::Emphasis::kHover, buffer);
             over.push_back(now() - begin);
         }
         std::sort(over.begin(), over.end());

@@ -204,8 +204,8 @@ inline constexpr Service<bool(OdDbMText& text, const wchar_t* context)> editMTex
 inline constexpr Service<bool(HostDocument* document, OdDbObjectId style, const wchar_t* text, double width,
                               bool onScreen, OdSmartPtr<OdDbMText>& made)>
     newMTextAtt{kTextEditorModule, "newMTextAtt"};
-/// Edits a single-line text that lies in a drawing, an attribute too, fields included. False when the user left it
-/// alone.
+/// Edits a single-line text that lies in a drawing, an attribute too, fields included. It is not open for write while
+/// the user edits; what has changed is written then. False when the user left it alone.
 inline constexpr Service<bool(OdDbText& text, HostEdInput& input)> editText{kTextEditorModule, "editText"};
 
 // ---- the view

@@ -345,14 +345,14 @@ TEST(Scene, HidesAndDrawsOver) {
     const auto preview = OdDbCircle::createObject();
     preview->setRadius(40);
     const OdDbEntity* shown[] = {preview.get()};
-    scene.drawOver(shown, Scene::Emphasis::kPlain, buffer);
+    scene.drawOver(shown, host::Emphasis::kPlain, buffer);
     EXPECT_GT(inked(buffer), 200u);
     scene.hide(id, false);
     buffer = pictureOf(scene, sight);
     EXPECT_EQ(differences(before, buffer), 0u);
     const auto chosen = id.openAs<OdDbEntity>();
     shown[0] = chosen.get();
-    scene.drawOver(shown, Scene::Emphasis::kSelected, buffer);
+    scene.drawOver(shown, host::Emphasis::kSelected, buffer);
     const std::uint32_t* const row = buffer.pixels.data() + (kHeight / 2 - 1) * kWidth;
     const auto blue = std::count_if(row + 100, row + 200,
                                     [](std::uint32_t pixel) { return (pixel & 0xFF) > (pixel >> 16 & 0xFF) + 100; });

@@ -69,6 +69,8 @@ TEST_F(SafekeepingTest, OneWindowSavesADrawing) {
     const std::wstring copy = folder_ / L"copy.dxf";
     theirs.save(copy);
     second.work(copy, theirs, 1000);
+    EXPECT_THROW(ours.save(copy), base::FileError) << "the first time too";
+    EXPECT_FALSE(ours.isFileProtected(copy));
     first.work(copy, ours, 1000);
     EXPECT_TRUE(ours.isFileProtected(copy)) << "now that is the second window's";
     EXPECT_THROW(ours.save(copy), base::FileError);

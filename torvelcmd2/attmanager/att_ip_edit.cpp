@@ -33,7 +33,7 @@ CMD_RUNSTATUS editSingleLine(OdDbAttribute& attribute) {
     CapturedText value = captureText(attribute);
     {
         const ScratchEditing editing(attribute, WhileEdited::kHidden);
-        const auto edited = attribute.objectId().openAs<OdDbAttribute>(OdDb::forWrite);
+        const auto edited = attribute.objectId().openAs<OdDbAttribute>();
         if (!edit(*edited, *GetCurrentInput())) return kCommandFinished;
         value = captureText(*edited);
     }

@@ -67,7 +67,10 @@ ScratchEditing::Redraw::~Redraw() {
 ScratchEditing::ScratchEditing(const OdDbEntity& object, WhileEdited how) : group_(OdDbDatabasePtr(object.database())) {
     if (how == WhileEdited::kAsItIs || object.isInvisibleEntity() == (how == WhileEdited::kHidden)) return;
     redraw_.object = object.objectId();
-    object.objectId().openAs<OdDbEntity>(OdDb::forWrite)->setVisibility(how == WhileEdited::kShown);
+    // Whoever called has it open, too: for him, and while the user edits, it is not open for write.
+    const auto shown = object.objectId().openAs<OdDbEntity>(OdDb::forWrite);
+    shown->setVisibility(how == WhileEdited::kShown);
+    shown->downgradeOpen();
     redraw(redraw_.object);
 }
 
@@ -89,6 +92,7 @@ MultiLineEdit editMultiLine(const OdDbEntity& source, WhileEdited how, const OdG
     else
         group.emplace(OdDbDatabasePtr(database));
     const auto text = appendTemporary(source, *form, *database, transform, *value);
+    text->downgradeOpen();  // the editor opens it for write when there is something to write
     if (edit(*text, kEditorContext))
         result.value =
             MultiLineValue{captureText(*text), text->width() / scaleAlong(*form, transform), text->location()};

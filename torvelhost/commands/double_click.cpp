@@ -36,7 +36,6 @@ CMD_RUNSTATUS redefine(OdDbObjectId definition) {
 
 CMD_RUNSTATUS editText(OdDbEntity& text, HostRun& run) {
     if (drawingdb::isOnLockedLayer(text)) return run.refused(L"the layer " + text.layer() + L" is locked");
-    text.upgradeOpen();
     if (auto* const paragraphs = drawingdb::as<OdDbMText>(text)) {
         const base::ModuleFunction edit(hostapi::editMText);
         return statusOfEdit(edit && edit(*paragraphs, L"ATTIPE"));

@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 
+#include "base/files.h"
 #include "torvelhost/lines/terminal.h"
 
 namespace host {
@@ -52,5 +54,16 @@ class Progress {
     bool shown_ = false;
     std::thread thread_;  // last: it uses all of the above
 };
+
+/// A job on a file, with its progress. Where memory runs out, base::FileError says for what.
+template <class Job>
+auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const std::wstring& file, Job job) {
+    const Progress progress(terminal, doing + (L" " + file));
+    try {
+        return job();
+    } catch (const std::bad_alloc&) {
+        throw base::FileError(file, std::wstring(L"there is not enough memory to ") + verb);
+    }
+}
 
 }  // namespace host

@@ -15,11 +15,4 @@ struct PixelBuffer {
     void clear(int newWidth, int newHeight, std::uint32_t color);
 };
 
-/// A part of it; what is at `right` and `bottom` does not belong to it.
-struct PixelRectangle {
-    int left = 0, top = 0, right = 0, bottom = 0;
-
-    bool isEmpty() const { return left >= right || top >= bottom; }
-};
-
 }  // namespace host

@@ -18,6 +18,8 @@ using Kind = DisplayList::Kind;
 
 // Blocks that hold blocks many times over would never come to an end.
 constexpr std::size_t kMostCells = 20000000;
+// Of lists of blocks no more is kept.
+constexpr std::size_t kMostBytes = 192 << 20;
 
 constexpr std::uint32_t kHoverColor = 0x40A0FF, kSelectedColor = 0x1050D0;
 constexpr double kDashes[] = {5, -3};  // pixels
@@ -154,6 +156,7 @@ int Plotter::size() const {
 }
 
 void Plotter::draw(const OdDbEntity& entity) {
+    makeRoom();
     seen_.clear();
     Shapes shapes(styles_, seen_, 1 / spaceScale_);
     setUp(shapes);
@@ -171,10 +174,16 @@ void Plotter::addTo(DisplayList& list, OdDbObjectId id) {
 }
 
 void Plotter::draw(const DisplayList& list, std::span<const DisplayList::Item> items) {
+    makeRoom();
     drawItems(list, items, toPixels_, nullptr);
 }
 
 // ---- lists
+
+// Between the entities of a space: those inside one another draw by lists that have to stay.
+void Plotter::makeRoom() {
+    if (bytes_ > kMostBytes) forgetAllLists();
+}
 
 const DisplayList& Plotter::blockList(OdDbObjectId block, double scale) {
     int size = 0;

@@ -50,7 +50,6 @@ class Plotter {
     void drawFrame(const OdDbViewport& viewport);
 
     /// How everything stands out that is drawn from now on.
-    enum class Emphasis { kPlain, kHover, kSelected };
     void setEmphasis(Emphasis emphasis) { emphasis_ = emphasis; }
 
     /// ---- for a picture that is kept up to date
@@ -90,6 +89,7 @@ class Plotter {
     void add(Shapes& shapes, const OdDbEntity& entity);
     void drawSeen(OdDbObjectId space);
     void count(OdDbObjectId id, const std::string& kind);
+    void makeRoom();
     const DisplayList& blockList(OdDbObjectId block, double scale);
     void drawList(const DisplayList& list, const OdGeMatrix3d& toPixels, const Style* inside);
     void drawItem(const DisplayList& list, const DisplayList::Item& item, const OdGeMatrix3d& toPixels,

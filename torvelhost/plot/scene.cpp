@@ -198,7 +198,7 @@ void Scene::Engine::begin(OdDbObjectId space, const OdGeMatrix3d& toPixels, doub
     parts_.clear();
     part_ = entry_ = 0;
     ++pictures_;
-    plotter_.setEmphasis(Plotter::Emphasis::kPlain);
+    plotter_.setEmphasis(Emphasis::kPlain);
     plotter_.beginPicture();
 }
 
@@ -348,15 +348,14 @@ void Scene::Engine::drawOver(std::span<const OdDbEntity* const> entities, Emphas
                              OdDbObjectId viewport) {
     if (picture_.width() != into.width || picture_.height() != into.height)
         picture_ = Picture(into.width, into.height, Styles::kBackground);
-    plotter_.setEmphasis(emphasis == Emphasis::kHover      ? Plotter::Emphasis::kHover
-                         : emphasis == Emphasis::kSelected ? Plotter::Emphasis::kSelected
-                                                           : Plotter::Emphasis::kPlain);
+    plotter_.beginPicture();
+    plotter_.setEmphasis(emphasis);
     plotter_.measureBy(grids_.blocks());
     if (plotter_.enter({pass_.toPixels, pass_.pixelsPerUnit, viewport}))
         for (const OdDbEntity* const entity : entities) plotter_.draw(*entity);
     painter_.paint(picture_, into);
     picture_.clear();
-    plotter_.setEmphasis(Plotter::Emphasis::kPlain);
+    plotter_.setEmphasis(Emphasis::kPlain);
     // A picture that is still being made goes on where it was.
     if (stage_ == Stage::kParts && part_ < parts_.size()) plotter_.enter(parts_[part_].pass);
 }

@@ -10,6 +10,7 @@
 #include "drawingdb/database.h"
 #include "torvelhost/plot/entity_grid.h"
 #include "torvelhost/plot/painter.h"
+#include "torvelhost/plot/style.h"
 
 namespace host {
 
@@ -42,8 +43,6 @@ class Scene {
     /// Entities of a space that are not shown while they are hidden: moved in a preview.
     void hide(OdDbObjectId entity, bool hidden);
 
-    /// How entities stand out: as they are, under the cursor, chosen.
-    enum class Emphasis { kPlain, kHover, kSelected };
     /// Draws entities, also ones in no drawing (previews of trackers), over a finished picture of the view that was
     /// begun last; with a floating viewport of its space, as they are seen through that one.
     void drawOver(std::span<const OdDbEntity* const> entities, Emphasis emphasis, PixelBuffer& into,

@@ -187,6 +187,17 @@ OdSmartPtr<OdDbLayout> findLayout(const OdDbDatabase& database, const std::wstri
 
 }  // namespace
 
+std::optional<OdGeExtents3d> paperEdge(const OdDbDatabase& database) {
+    const std::wstring name = database.currentLayoutName();
+    const auto layout = isModel(name) ? OdSmartPtr<OdDbLayout>() : findLayout(database, name);
+    if (!layout) return std::nullopt;
+    const PageSetup page = pageSetup(*layout);
+    if (!(page.paper.width > 0)) return std::nullopt;
+    Sheet sheet{name, database.currentSpaceId(), {}, {}, 1, {}};
+    placeAsSetUp(sheet, page);
+    return boxOf(sheet);
+}
+
 std::wstring layoutList(const OdDbDatabase& database) {
     std::wstring list;
     for (const OdString& name : database.layoutNames()) list += (list.empty() ? L"" : L", ") + std::wstring(name);

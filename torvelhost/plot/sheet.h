@@ -1,6 +1,7 @@
 // Pages of a plot: which part of which space, how large, on what paper.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,8 @@ struct Sheet {
     std::wstring warning;
 };
 
+/// Where the paper of the current layout lies in its space; nothing in model space and where no paper is set up.
+std::optional<OdGeExtents3d> paperEdge(const OdDbDatabase& database);
 /// "Model, Layout1, Layout2".
 std::wstring layoutList(const OdDbDatabase& database);
 bool hasLayout(const OdDbDatabase& database, std::wstring_view name);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "hostapi/settings.h"
 #include "hostapi/slides.h"
@@ -18,11 +19,8 @@ class SlideView final : public HostSlideView {
     SlideView(int width, int height, IProfile& settings, std::function<bool()> isPaper)
         : width_(width), height_(height), settings_(settings), isPaper_(std::move(isPaper)) {}
 
-    /// For the slides that are shown from now on.
-    void setSize(int width, int height) {
-        width_ = width;
-        height_ = height;
-    }
+    /// The slide that is shown is fitted into it.
+    void setSize(int width, int height);
 
     void size(int& width, int& height) override;
     void prepare() override;
@@ -32,17 +30,29 @@ class SlideView final : public HostSlideView {
 
     /// The slide that is shown; null when the drawing is.
     const Picture* slide() const { return picture_ ? &*picture_ : nullptr; }
-    void showDrawing() { picture_.reset(); }
+    void showDrawing() {
+        picture_.reset();
+        drawn_.clear();
+    }
 
   private:
-    void toPicture(const OdGePoint3d* points, int count);
+    /// As the slide has drawn it: from the view's middle, y up.
+    struct Drawn {
+        std::vector<OdGePoint2d> points;
+        std::uint32_t color;
+        bool isArea;
+    };
+    void draw(const OdGePoint3d* points, int count, bool isArea);
+    void paint(const Drawn& drawn);
 
     int width_, height_;
     IProfile& settings_;
     std::function<bool()> isPaper_;
     std::uint32_t color_ = 0;
     std::optional<Picture> picture_;
-    Picture::Contour points_;  // of what is drawn, in the picture
+    std::vector<Drawn> drawn_;
+    OdGeVector2d reach_;       // how far that goes from the middle
+    Picture::Contour points_;  // of what is painted, in the picture
 };
 
 }  // namespace host

@@ -43,6 +43,9 @@ struct Look {
     double linetypeScale = 1.0;
 };
 
+/// How entities stand out: as they are, under the cursor, chosen.
+enum class Emphasis : std::uint8_t { kPlain, kHover, kSelected };
+
 /// What a picture makes of colours and lineweights.
 struct Inks {
     std::uint32_t foreground = 0x000000, background = 0xFFFFFF;

@@ -43,12 +43,7 @@ void loadCommandModule(Terminal& terminal, bool isNeeded) {
     static_cast<void>(module.release());
 }
 
-std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& terminal) {
-    if (options.isInteractive()) {
-        // Ctrl+C cancels a prompt and never loses the work of a person.
-        if (base::isTerminal(base::Stream::kInput)) base::keepInterrupts();
-        return std::make_unique<TypedReplies>(terminal);
-    }
+std::unique_ptr<ScriptReplies> makeScript(const Options& options, Terminal& terminal) {
     auto replies = std::make_unique<ScriptReplies>(terminal);
     for (const Options::Script& script : options.scripts)
         if (script.isFile)
@@ -58,15 +53,11 @@ std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& termi
     return replies;
 }
 
-// A job on a file, with its progress. Where memory runs out, the message says for what.
-template <class Job>
-auto onFile(Terminal& terminal, const wchar_t* doing, const wchar_t* verb, const std::wstring& file, Job job) {
-    const Progress progress(terminal, doing + (L" " + file));
-    try {
-        return job();
-    } catch (const std::bad_alloc&) {
-        throw base::FileError(file, std::wstring(L"there is not enough memory to ") + verb);
-    }
+std::unique_ptr<ReplySource> makeReplies(const Options& options, Terminal& terminal) {
+    if (!options.isInteractive()) return makeScript(options, terminal);
+    // Ctrl+C cancels a prompt and never loses the work of a person.
+    if (base::isTerminal(base::Stream::kInput)) base::keepInterrupts();
+    return std::make_unique<TypedReplies>(terminal);
 }
 
 OdDbDatabasePtr readDrawing(const std::optional<std::wstring>& drawing, const Options& options, Terminal& terminal,
@@ -121,19 +112,6 @@ void endWithoutMemory() {
                              "there is not enough memory to ", isRunning ? "go on\n" : "start\n"})
         base::writeTo(base::Stream::kError, part);
     std::_Exit(kFileFailed);
-}
-
-// What the view shows: the slide shown last, else the drawing.
-void plotShown(const Options& options, Application& application, Terminal& terminal) {
-    if (!options.plot) return;
-    onFile(terminal, L"Plotting", L"draw the picture", *options.plot, [&] {
-        const PlotSettings& settings = options.plotSettings;
-        if (const Picture* const slide = application.slideView()->slide(); slide && !settings.layout)
-            return plotPicture(*slide, settings, *options.plot);
-        Application::Session& session = *application.session();
-        for (const std::wstring& warning : plotToFile(session.document, session.view, settings, *options.plot))
-            terminal.warning(warning);
-    });
 }
 
 void checkPlotSettings(const PlotSettings& settings, const std::optional<std::wstring>& plot) {
@@ -194,7 +172,7 @@ void requireWindows() {
 // The end of a run: what the options ask for then.
 ExitStatus finish(const Options& options, Application& application, Terminal& terminal, ExitStatus status) {
     saveDrawing(options, *application.session(), terminal);
-    plotShown(options, application, terminal);
+    if (options.plot) application.plot(options.plotSettings, *options.plot);
     try {
         application.profile().save();
     } catch (const base::FileError& error) {
@@ -222,7 +200,7 @@ ExitStatus runAtTerminal(const Options& options, Terminal& terminal) {
 
 // One drawing after the other in the same window.
 ExitStatus runInWindow(const Options& options, Terminal& terminal) {
-    ViewWindow window(options, terminal);
+    ViewWindow window(options, makeScript(options, terminal), terminal);
     Application application(options, terminal);
     // However the run ends, the view lets go of the drawing before that goes.
     const std::unique_ptr<CanvasView, void (*)(CanvasView*)> shown(&window.view(),

@@ -9,7 +9,8 @@
 
 namespace host {
 
-ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(terminal) {
+ViewWindow::ViewWindow(const Options& options, std::unique_ptr<ScriptReplies> scripts, Terminal& terminal)
+    : scripts_(std::move(scripts)) {
     if (options.events) {
         auto headless = std::make_unique<HeadlessFrame>(readEvents(*options.events));
         headless_ = headless.get();
@@ -30,12 +31,7 @@ ViewWindow::ViewWindow(const Options& options, Terminal& terminal) : scripts_(te
         view_->useSafekeeping(safekeeping_.emplace(base::joinPath(base::userStateFolder(), L"torvelhost"), terminal));
     }
     if (options.record) view_->recording().open(*options.record);
-    for (const Options::Script& script : options.scripts)
-        if (script.isFile)
-            scripts_.addFile(script.text);
-        else
-            scripts_.addText(script.text);
-    view_->useScripts(scripts_, [this] {
+    view_->useScripts(*scripts_, [this] {
         if (!headless_) useWindows();
     });
     if (headless_) {

@@ -14,8 +14,9 @@ namespace host {
 
 class ViewWindow {
   public:
-    /// Throws UsageError where there is no screen, base::FileError and ScriptError for a script that cannot be used.
-    ViewWindow(const Options& options, Terminal& terminal);
+    /// `scripts` run first. Throws UsageError where there is no screen, base::FileError and ScriptError for a script of
+    /// events that cannot be used.
+    ViewWindow(const Options& options, std::unique_ptr<ScriptReplies> scripts, Terminal& terminal);
     ~ViewWindow();
     ViewWindow(const ViewWindow&) = delete;
     ViewWindow& operator=(const ViewWindow&) = delete;
@@ -36,8 +37,8 @@ class ViewWindow {
     std::unique_ptr<ViewFrame> frame_;
     HeadlessFrame* headless_ = nullptr;
     std::optional<Safekeeping> safekeeping_;
+    std::unique_ptr<ScriptReplies> scripts_;
     std::unique_ptr<CanvasView> view_;
-    ScriptReplies scripts_;
     std::unique_ptr<DialogLines> dialogLines_;
 };
 

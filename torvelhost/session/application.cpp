@@ -8,6 +8,8 @@
 #include "drawingdb/symbol_table.h"
 #include "drawingdb/text.h"
 #include "torvelhost/lines/help_text.h"
+#include "torvelhost/lines/progress.h"
+#include "torvelhost/plot/plot.h"
 #include "torvelhost/session/preview.h"
 
 namespace host {
@@ -121,6 +123,17 @@ void Application::regenerate(OdDbDatabase& database) {
 void Application::refresh() {
     slideView_.showDrawing();
     if (screen_) screen_();
+}
+
+void Application::plot(const PlotSettings& settings, const std::wstring& path) {
+    onFile(
+        terminal_, L"Plotting", L"draw the picture", path,
+        [&] {
+            if (const Picture* const slide = slideView_.slide(); slide && !settings.layout)
+                return plotPicture(*slide, settings, path);
+            for (const std::wstring& warning : plotToFile(session_->document, session_->view, settings, path))
+                terminal_.warning(warning);
+        });
 }
 
 void Application::redraw(OdDbObjectId entity) {

@@ -57,6 +57,9 @@ class Application final : public HostApplication {
     void refresh();
     /// An entity is to be shown as it is now.
     void redraw(OdDbObjectId entity);
+    /// Draws what the view shows, the slide shown last or else the drawing, into a file, and tells what could not be
+    /// drawn. Throws base::FileError.
+    void plot(const PlotSettings& settings, const std::wstring& path);
     /// Is told when a screen is to show the drawing as it is. Empty: there is none.
     void watchScreen(std::function<void()> watcher) { screen_ = std::move(watcher); }
     /// Host function 17: the view that slides are drawn into.

@@ -127,6 +127,8 @@ void Document::save(const std::wstring& path) {
                               L"not saved: the drawing is damaged and was opened for reading alone; what "
                               L"torvelhost --recover reads of it can be saved under another name");
     if (const auto reason = protectionOf(path)) throw base::FileError(path, L"not saved: " + *reason);
+    if (saveGuard_)
+        if (const auto reason = saveGuard_(path)) throw base::FileError(path, L"not saved: " + *reason);
     database_->writeFile(path);
     savedRevision_ = database_->revision();
     savedName_ = path;

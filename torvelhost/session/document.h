@@ -2,6 +2,7 @@
 // undone. What is seen of it is in document_view.h.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -63,6 +64,9 @@ class Document final : public HostDocument {
     /// From now on saving onto this file is refused: "not saved: " and the reason.
     void protectFile(const std::wstring& path, const std::wstring& reason) { protections_.push_back({path, reason}); }
     bool isFileProtected(const std::wstring& path) const { return protectionOf(path).has_value(); }
+    /// Is asked before each save, and gives the reason where one is to be refused.
+    using SaveGuard = std::function<std::optional<std::wstring>(const std::wstring& path)>;
+    void guardSaves(SaveGuard guard) { saveGuard_ = std::move(guard); }
 
     /// ---- undo, a whole command at a time
     std::size_t undoPosition() { return database_->undoPosition(); }
@@ -94,6 +98,7 @@ class Document final : public HostDocument {
     std::vector<Done> done_;
     std::wstring savedName_;
     std::vector<Protection> protections_;
+    SaveGuard saveGuard_;
     std::vector<std::wstring> undone_;  // the last is the next to be brought back
 };
 

@@ -4,6 +4,7 @@
 
 #include "drawingdb/viewport.h"
 #include "torvelhost/plot/extents.h"
+#include "torvelhost/plot/sheet.h"
 
 namespace host {
 namespace {
@@ -29,6 +30,7 @@ View DocumentView::current() {
             box = OdGeExtents3d(low, high);
         else
             box = extentsOfSpace(currentSpaceId());
+        if (!box) box = paperEdge(database);
         views.push_back(
             box ? showing(*box)
                 : View{OdGePoint2d(kEmptyViewHeight * aspect() / 2, kEmptyViewHeight / 2), kEmptyViewHeight});

@@ -249,7 +249,7 @@ void CanvasView::wordChosen(std::size_t index) {
     if (question_ && index < commandLine_.words().size()) reply(commandLine_.words()[index]);
 }
 
-void CanvasView::mousePressed(MouseButton button, CanvasPoint at, bool shift) {
+void CanvasView::mousePressed(MouseButton button, CanvasPoint at, bool) {
     cursor_ = at;
     if (button == MouseButton::kMiddle) {
         pan_ = at;
@@ -259,7 +259,7 @@ void CanvasView::mousePressed(MouseButton button, CanvasPoint at, bool shift) {
     if (button == MouseButton::kRight)
         enter();
     else
-        gestures_.pressed(at, shift);
+        gestures_.pressed(at);
 }
 
 void CanvasView::mouseReleased(MouseButton button, CanvasPoint at, bool shift) {
@@ -317,10 +317,11 @@ void CanvasView::wheelTurned(double notches, CanvasPoint at) {
 void CanvasView::follow(CanvasPoint at) {
     if (!isAsked(Expected::kPoint) || !question_->expected.follow) return;
     ViewMap map(session_->document, session_->view);
-    const auto point = map.pointAt(at);
+    const std::wstring text = map.pointText(at);
+    const auto point = map.pointOf(text);
     if (!point) return;
     question_->expected.follow(*point);
-    followed_ = map.pointText(at);
+    followed_ = text;
     if (!point->isEqualTo(session_->document.lastPoint())) followedAway_ = followed_;
     picture_.previewChanged();
 }
@@ -458,6 +459,10 @@ std::size_t CanvasView::selectedCount() const {
     return set ? set->size() : session_->selection.pickFirst().size();
 }
 
+OdDbObjectId CanvasView::openForWrite() const {
+    return session_ ? session_->document.database()->anyOpenForWrite() : OdDbObjectId();
+}
+
 CanvasPoint CanvasView::placeOf(const TypedPoint& point) {
     std::wstring reason;
     const auto world = session_ ? session_->document.toWorld(point, reason) : std::nullopt;
@@ -531,8 +536,7 @@ void CanvasView::plot() {
     if (!path) return;
     try {
         if (!isPlotFileName(*path)) throw base::FileError(*path, L"give a name that ends in .svg, .png or .pdf");
-        for (const std::wstring& warning : plotToFile(session_->document, session_->view, {}, *path))
-            terminal_.warning(warning);
+        application_->plot({}, *path);
     } catch (const base::FileError& error) {
         ask(dialogs::BoxKind::kError, base::fromUtf8(error.what()));
     }
@@ -597,7 +601,6 @@ void CanvasView::doRequested() {
             return;
         }
         case MenuAction::kCommand:
-        case MenuAction::kHelp:
             return;
     }
 }

@@ -92,6 +92,8 @@ class CanvasView final : public ViewEvents, public ReplySource {
     /// A line for the dialog that asks for one; false when none does.
     bool answerDialog(const std::wstring& line);
     std::size_t selectedCount() const;
+    /// An object of the drawing that a command holds in the middle of a change; null: as it must be here.
+    OdDbObjectId openForWrite() const;
     CanvasPoint placeOf(const TypedPoint& point);
     /// The exact picture is there.
     void settle();

@@ -60,25 +60,13 @@ void CanvasWindow::makeBitmap(int width, int height) {
     height_ = height;
 }
 
-void CanvasWindow::show(const PixelBuffer& picture, const PixelRectangle& changed) {
+void CanvasWindow::show(const PixelBuffer& picture) {
     if (picture.width <= 0 || picture.height <= 0) return;
-    PixelRectangle part = changed;
-    if (picture.width != width_ || picture.height != height_) {
-        makeBitmap(picture.width, picture.height);
-        part = {0, 0, picture.width, picture.height};
-    }
-    part.left = std::max(part.left, 0);
-    part.top = std::max(part.top, 0);
-    part.right = std::min(part.right, width_);
-    part.bottom = std::min(part.bottom, height_);
-    if (!pixels_ || part.isEmpty()) return;
+    if (picture.width != width_ || picture.height != height_) makeBitmap(picture.width, picture.height);
+    if (!pixels_) return;
     GdiFlush();
-    for (int y = part.top; y < part.bottom; ++y) {
-        const std::size_t row = static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
-        std::copy_n(picture.pixels.data() + row + part.left, part.right - part.left, pixels_ + row + part.left);
-    }
-    const RECT rectangle = {part.left, part.top, part.right, part.bottom};
-    InvalidateRect(window_, &rectangle, FALSE);
+    std::copy(picture.pixels.begin(), picture.pixels.end(), pixels_);
+    InvalidateRect(window_, nullptr, FALSE);
     UpdateWindow(window_);
 }
 

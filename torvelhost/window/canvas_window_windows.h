@@ -21,7 +21,7 @@ class CanvasWindow {
     void create(HWND parent, OnMouse onMouse);
     HWND window() const { return window_; }
 
-    void show(const PixelBuffer& picture, const PixelRectangle& changed);
+    void show(const PixelBuffer& picture);
     void setCursor(HCURSOR cursor);
 
   private:

@@ -144,7 +144,10 @@ void takeRest(Words& words, WindowEvent& event) {
         case WindowEvent::kDown:
         case WindowEvent::kUp:
             event.places = {words.place()};
-            return takeModifiers(words, event);
+            takeModifiers(words, event);
+            if (event.kind == WindowEvent::kRight && event.button == MouseButton::kMiddle)
+                refuse("the right button is not the middle one");
+            return;
         case WindowEvent::kDrag:
             event.places = {words.place()};
             if (!words.takeIf(L"to")) refuse("it is: drag PLACE to PLACE");

@@ -34,7 +34,7 @@ OdDbObjectId Gestures::under(CanvasPoint at) const {
     return point ? session_->selection.entityAt(*point) : OdDbObjectId();
 }
 
-void Gestures::pressed(CanvasPoint at, bool) {
+void Gestures::pressed(CanvasPoint at) {
     cursor_ = at;
     if (!session_) return;
     if (selects()) {
@@ -43,7 +43,7 @@ void Gestures::pressed(CanvasPoint at, bool) {
     }
     const std::wstring text = map().pointText(at);
     if (kind_ == Expected::kPoint) return reply_(text);
-    const auto point = map().pointAt(at);
+    const auto point = map().pointOf(text);
     if (!picks() || !point) return;
     const hostapi::Pick pick = session_->selection.pickAt(*point);
     reply_(pick.entity ? session_->selection.nameOf(pick) + L" " + text : L"none");
@@ -70,27 +70,23 @@ void Gestures::released(CanvasPoint at, bool shift) {
 void Gestures::doubleClicked(CanvasPoint at) {
     cursor_ = at;
     if (!session_) return;
-    if (kind_ != Expected::kCommand) return pressed(at, false);
+    if (kind_ != Expected::kCommand) return pressed(at);
     giveUp();
     const auto point = map().pointAt(at);
     const hostapi::Pick pick = point ? session_->selection.pickAt(*point) : hostapi::Pick();
     // In a layout the border of a viewport is no object to edit.
     if (pick.entity && !pick.entity.isKindOf(OdDbViewport::desc()))
         return reply_(L"DBLCLICK " + session_->selection.nameOf(pick) + L" " + map().pointText(at));
-    if (!enterViewport(at)) corner_.reset();
+    enterViewport(at);
 }
 
 // Into the viewport there, or out of the one that was entered.
-bool Gestures::enterViewport(CanvasPoint at) {
+void Gestures::enterViewport(CanvasPoint at) {
     const OdDbObjectId there = map().viewportAt(at), entered = session_->document.floatingViewportId();
-    if (there == entered) return false;
-    if (!there) {
-        reply_(L"PSPACE");
-        return true;
-    }
+    if (there == entered) return;
+    if (!there) return reply_(L"PSPACE");
     reply_(L"MSPACE");
     reply_(std::to_wstring(there.openAs<OdDbViewport>()->number()));
-    return true;
 }
 
 void Gestures::select(OdDbObjectId entity, bool takesAway) {

@@ -30,7 +30,7 @@ class Gestures {
     /// What is asked for from now on: a window that was begun is given up.
     void expect(Expected::Kind kind);
 
-    void pressed(CanvasPoint at, bool shift);
+    void pressed(CanvasPoint at);
     void moved(CanvasPoint at);
     void released(CanvasPoint at, bool shift);
     void doubleClicked(CanvasPoint at);
@@ -50,7 +50,7 @@ class Gestures {
     void select(OdDbObjectId entity, bool takesAway);
     void selectWindow(CanvasPoint from, CanvasPoint to, bool takesAway);
     void setPickFirst(const std::vector<OdDbObjectId>& added);
-    bool enterViewport(CanvasPoint at);
+    void enterViewport(CanvasPoint at);
 
     Reply reply_;
     Application::Session* session_ = nullptr;

@@ -51,6 +51,10 @@ void HeadlessFrame::setSize(const WindowEvent& event) {
 }
 
 void HeadlessFrame::waitForEvents(std::optional<std::int64_t>) {
+    // The view has looked at the drawing, and does so again at each event.
+    if (const OdDbObjectId open = view_->openForWrite())
+        refuse(L"the " + base::widen(open.objectClass()->name()) + L" #" + open.handle().text() +
+               L" is open for write where the window waits for the user");
     if (const auto second = std::exchange(secondClick_, std::nullopt)) {
         const CanvasPoint at = placeOf(second->places.front());
         events_->mouseDoubleClicked(second->button, at, second->shift);
@@ -67,7 +71,7 @@ std::optional<std::wstring> HeadlessFrame::peekDialogLine() const {
     return isNext ? std::optional(script_[done_].text) : std::nullopt;
 }
 
-void HeadlessFrame::showPicture(const PixelBuffer& picture, const PixelRectangle&) { picture_ = &picture; }
+void HeadlessFrame::showPicture(const PixelBuffer& picture) { picture_ = &picture; }
 
 void HeadlessFrame::setTabs(const std::vector<std::wstring>& names, std::size_t) { tabs_ = names; }
 
@@ -196,10 +200,7 @@ void HeadlessFrame::key(const std::wstring& name) {
 void HeadlessFrame::menu(const std::wstring& path) {
     for (const Menu& menu : menus_)
         for (const MenuEntry& entry : menu.entries)
-            if (!entry.path.empty() && base::equalsNoCase(path, entry.path)) {
-                if (!entry.enabled) refuse(quoted(path) + L" cannot be chosen now");
-                return events_->menuChosen(entry.path);
-            }
+            if (!entry.path.empty() && base::equalsNoCase(path, entry.path)) return events_->menuChosen(entry.path);
     refuse(quoted(path) + L" is in no menu");
 }
 

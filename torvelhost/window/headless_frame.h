@@ -27,7 +27,7 @@ class HeadlessFrame final : public ViewFrame {
     std::int64_t now() override { return now_; }
     bool breathe() override { return false; }
 
-    void showPicture(const PixelBuffer& picture, const PixelRectangle& changed) override;
+    void showPicture(const PixelBuffer& picture) override;
     void setCursor(Cursor) override {}
     void setTip(const std::wstring&, CanvasPoint) override {}
     void setTitle(const std::wstring& title) override { title_ = title; }

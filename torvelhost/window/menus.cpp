@@ -101,13 +101,13 @@ std::vector<Menu> windowMenus(const std::vector<std::wstring>& recent) {
                     const std::wstring number = std::to_wstring(i + 1);
                     menu.entries.push_back(
                         {L"&" + number + L" " + base::replaceAll(base::fileNameOf(recent[i]), L"&", L"&&"),
-                         kRecentPath + number, L"", recent[i], true, false});
+                         kRecentPath + number, L"", recent[i], false});
                 }
                 menu.entries.push_back({});
             }
             const bool isLine = *entry.text == L'\0';
             menu.entries.push_back({entry.text, isLine ? std::wstring() : pathOf(titled, entry), entry.shortcut,
-                                    entry.hint, true, entry.inToolbar});
+                                    entry.hint, entry.inToolbar});
         }
         menus.push_back(std::move(menu));
     }

@@ -10,7 +10,7 @@
 namespace host {
 
 /// What an entry does that is no command.
-enum class MenuAction { kCommand, kNew, kOpen, kSave, kSaveAs, kPlot, kRecent, kClose, kHelp };
+enum class MenuAction { kCommand, kNew, kOpen, kSave, kSaveAs, kPlot, kRecent, kClose };
 
 struct MenuMeaning {
     MenuAction action = MenuAction::kCommand;

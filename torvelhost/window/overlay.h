@@ -15,8 +15,10 @@ struct Overlay {
     struct Window {
         CanvasPoint from, to;
         bool crossing = false;
+        bool operator==(const Window&) const = default;
     };
     std::optional<Window> window;
+    bool operator==(const Overlay&) const = default;
 
     void draw(PixelBuffer& into) const;
 };

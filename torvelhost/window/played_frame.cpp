@@ -59,9 +59,9 @@ void PlayedFrame::Deeds::commandTextChanged(const std::wstring& text) {
 
 // ---- what is shown is shown in the window, and looked at by the script
 
-void PlayedFrame::showPicture(const PixelBuffer& picture, const PixelRectangle& changed) {
-    window_->showPicture(picture, changed);
-    script_.showPicture(picture, changed);
+void PlayedFrame::showPicture(const PixelBuffer& picture) {
+    window_->showPicture(picture);
+    script_.showPicture(picture);
 }
 
 void PlayedFrame::setTitle(const std::wstring& title) {

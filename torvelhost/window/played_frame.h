@@ -20,7 +20,7 @@ class PlayedFrame final : public ViewFrame {
     std::int64_t now() override { return script_.now(); }
     bool breathe() override { return window_->breathe(); }
 
-    void showPicture(const PixelBuffer& picture, const PixelRectangle& changed) override;
+    void showPicture(const PixelBuffer& picture) override;
     void setCursor(Cursor cursor) override { window_->setCursor(cursor); }
     void setTip(const std::wstring& text, CanvasPoint at) override { window_->setTip(text, at); }
     void setTitle(const std::wstring& title) override;

@@ -57,20 +57,14 @@ QSize QtCanvas::pixelSize() const {
     return {pixels(width()), pixels(height())};
 }
 
-void QtCanvas::show(const PixelBuffer& picture, const PixelRectangle& changed) {
+void QtCanvas::show(const PixelBuffer& picture) {
     const QSize size(picture.width, picture.height);
-    const bool isOther = picture_.size() != size;
-    if (isOther) picture_ = QImage(size, QImage::Format_RGB32);
-    const PixelRectangle part = isOther ? PixelRectangle{0, 0, picture.width, picture.height} : changed;
-    if (part.isEmpty()) return;
-    const auto width = static_cast<std::size_t>(part.right - part.left);
-    for (int y = part.top; y < part.bottom; ++y)
-        std::memcpy(reinterpret_cast<QRgb*>(picture_.scanLine(y)) + part.left,
-                    picture.pixels.data() + static_cast<std::size_t>(y) * picture.width + part.left,
+    if (picture_.size() != size) picture_ = QImage(size, QImage::Format_RGB32);
+    const auto width = static_cast<std::size_t>(picture.width);
+    for (int y = 0; y < picture.height; ++y)
+        std::memcpy(picture_.scanLine(y), picture.pixels.data() + static_cast<std::size_t>(y) * width,
                     width * sizeof(QRgb));
-    const double scale = devicePixelRatioF();
-    const QRectF shown(part.left / scale, part.top / scale, width / scale, (part.bottom - part.top) / scale);
-    update(shown.toAlignedRect());
+    update();
 }
 
 void QtCanvas::setTip(const QString& text, CanvasPoint at) {

@@ -17,7 +17,7 @@ class QtCanvas final : public QWidget {
 
     explicit QtCanvas(std::function<void(const Action&)> handOver);
 
-    void show(const PixelBuffer& picture, const PixelRectangle& changed);
+    void show(const PixelBuffer& picture);
     void setTip(const QString& text, CanvasPoint at);
     /// In pixels of the screen.
     QSize pixelSize() const;

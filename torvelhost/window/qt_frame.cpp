@@ -35,6 +35,7 @@
 
 #include "dialogs/qt/qt_text.h"
 #include "dialogs/qt/screen.h"
+#include "torvelhost/window/prompt_words.h"
 #include "torvelhost/window/qt_canvas.h"
 #include "torvelhost/window/window_hand.h"
 
@@ -91,29 +92,17 @@ bool isInput(QEvent::Type type) {
     }
 }
 
-// The prompt with its words as links: each is one behind the bracket.
+// The prompt with its words as links.
 QString linkText(const std::wstring& prompt, const std::vector<std::wstring>& words) {
     QString text;
-    std::size_t done = 0, from = prompt.rfind(L'[');
-    for (std::size_t i = 0; i < words.size() && from != prompt.npos; ++i) {
-        from = prompt.find(words[i], from);
-        if (from == prompt.npos) break;
-        text += toQt(prompt.substr(done, from - done)).toHtmlEscaped();
+    std::size_t done = 0;
+    const std::vector<std::size_t> places = wordPlaces(prompt, words);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        text += toQt(prompt.substr(done, places[i] - done)).toHtmlEscaped();
         text += QStringLiteral("<a href=\"%1\">%2</a>").arg(i).arg(toQt(words[i]).toHtmlEscaped());
-        done = from += words[i].size();
+        done = places[i] + words[i].size();
     }
     return text + toQt(prompt.substr(done)).toHtmlEscaped();
-}
-
-// Whether only what can be chosen is another.
-bool haveSameTexts(const std::vector<Menu>& a, const std::vector<Menu>& b) {
-    const auto isSameEntry = [](const MenuEntry& x, const MenuEntry& y) {
-        return x.text == y.text && x.path == y.path && x.shortcut == y.shortcut && x.hint == y.hint &&
-               x.inToolbar == y.inToolbar;
-    };
-    return std::ranges::equal(a, b, [&](const Menu& x, const Menu& y) {
-        return x.title == y.title && std::ranges::equal(x.entries, y.entries, isSameEntry);
-    });
 }
 
 class QtFrame final : public QMainWindow, public ViewFrame, public WindowHand {
@@ -126,9 +115,7 @@ class QtFrame final : public QMainWindow, public ViewFrame, public WindowHand {
     std::int64_t now() override;
     bool breathe() override;
 
-    void showPicture(const PixelBuffer& picture, const PixelRectangle& changed) override {
-        canvas_.show(picture, changed);
-    }
+    void showPicture(const PixelBuffer& picture) override { canvas_.show(picture); }
     void setCursor(Cursor cursor) override;
     void setTip(const std::wstring& text, CanvasPoint at) override { canvas_.setTip(toQt(text), at); }
 
@@ -425,7 +412,7 @@ bool QtFrame::eventFilter(QObject* watched, QEvent* event) {
 bool QtFrame::isShortcut(const QKeyEvent& event) const {
     const QKeySequence pressed(event.keyCombination());
     return std::ranges::any_of(actions_, [&](const QAction* action) {
-        return action->isEnabled() && !action->shortcut().isEmpty() && action->shortcut() == pressed;
+        return !action->shortcut().isEmpty() && action->shortcut() == pressed;
     });
 }
 
@@ -483,8 +470,6 @@ void QtFrame::setCursor(Cursor cursor) {
             return canvas_.setCursor(Qt::BlankCursor);
         case Cursor::kArrow:
             return canvas_.setCursor(Qt::ArrowCursor);
-        case Cursor::kHand:
-            return canvas_.setCursor(Qt::ClosedHandCursor);
         case Cursor::kWait:
             return canvas_.setCursor(Qt::WaitCursor);
     }
@@ -501,47 +486,38 @@ void QtFrame::setProgress(double part) {
 }
 
 void QtFrame::setMenus(const std::vector<Menu>& menus) {
-    const auto forEach = [&](const auto& doWith) {
-        std::size_t next = 0;
-        for (const Menu& menu : menus)
-            for (const MenuEntry& entry : menu.entries)
-                if (!entry.text.empty()) doWith(*actions_[next++], entry);
-    };
-    if (!haveSameTexts(menus, menus_)) {
-        menuBar()->clear();
-        toolbar_->clear();
-        qDeleteAll(std::exchange(actions_, {}));
-        for (const Menu& menu : menus) {
-            QMenu* const shown = menuBar()->addMenu(toQt(menu.title));
-            shown->setToolTipsVisible(true);
-            bool isFirst = true;
-            for (const MenuEntry& entry : menu.entries) {
-                if (entry.text.empty()) {
-                    shown->addSeparator();
-                    continue;
-                }
-                auto* const action = new QAction(toQt(entry.text), this);
-                action->setShortcut(QKeySequence(toQt(entry.shortcut)));
-                action->setStatusTip(toQt(entry.hint));
-                action->setToolTip(
-                    toQt(entry.shortcut.empty() ? entry.hint : entry.hint + L" (" + entry.shortcut + L")"));
-                connect(action, &QAction::triggered, this, [this, path = entry.path] {
-                    line_.setFocus(Qt::OtherFocusReason);
-                    handOver([path](ViewEvents& events) { events.menuChosen(path); });
-                });
-                actions_.push_back(action);
-                shown->addAction(action);
-                if (!entry.inToolbar) continue;
-                if (isFirst && !toolbar_->actions().isEmpty()) toolbar_->addSeparator();
-                isFirst = false;
-                toolbar_->addAction(action);
-            }
-        }
-        for (QWidget* const button : toolbar_->findChildren<QWidget*>()) button->setFocusPolicy(Qt::TabFocus);
-        toolbar_->setVisible(!toolbar_->actions().isEmpty());
-    }
-    forEach([](QAction& action, const MenuEntry& entry) { action.setEnabled(entry.enabled); });
+    if (menus == menus_) return;
     menus_ = menus;
+    menuBar()->clear();
+    toolbar_->clear();
+    qDeleteAll(std::exchange(actions_, {}));
+    for (const Menu& menu : menus) {
+        QMenu* const shown = menuBar()->addMenu(toQt(menu.title));
+        shown->setToolTipsVisible(true);
+        bool isFirst = true;
+        for (const MenuEntry& entry : menu.entries) {
+            if (entry.text.empty()) {
+                shown->addSeparator();
+                continue;
+            }
+            auto* const action = new QAction(toQt(entry.text), this);
+            action->setShortcut(QKeySequence(toQt(entry.shortcut)));
+            action->setStatusTip(toQt(entry.hint));
+            action->setToolTip(toQt(entry.shortcut.empty() ? entry.hint : entry.hint + L" (" + entry.shortcut + L")"));
+            connect(action, &QAction::triggered, this, [this, path = entry.path] {
+                line_.setFocus(Qt::OtherFocusReason);
+                handOver([path](ViewEvents& events) { events.menuChosen(path); });
+            });
+            actions_.push_back(action);
+            shown->addAction(action);
+            if (!entry.inToolbar) continue;
+            if (isFirst && !toolbar_->actions().isEmpty()) toolbar_->addSeparator();
+            isFirst = false;
+            toolbar_->addAction(action);
+        }
+    }
+    for (QWidget* const button : toolbar_->findChildren<QWidget*>()) button->setFocusPolicy(Qt::TabFocus);
+    toolbar_->setVisible(!toolbar_->actions().isEmpty());
 }
 
 void QtFrame::setTabs(const std::vector<std::wstring>& names, std::size_t current) {

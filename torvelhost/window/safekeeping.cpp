@@ -6,6 +6,11 @@
 #include "drawingdb/error.h"
 
 namespace host {
+namespace {
+
+constexpr wchar_t kOpenElsewhere[] = L"another window has the drawing open; save it under another name";
+
+}  // namespace
 
 Safekeeping::Safekeeping(const std::wstring& folder, Terminal& terminal) : terminal_(terminal) {
     try {
@@ -24,10 +29,14 @@ void Safekeeping::show(const std::wstring& drawing, Document& document) {
     due_.reset();
     if (kept_) kept_->show(drawing);
     hold_.reset();
+    document.guardSaves([this](const std::wstring& path) {
+        const bool isOwn = !drawing_.empty() && base::isSameFile(path, drawing_);
+        return isOwn || DrawingHold(path).isHeld() ? std::nullopt : std::optional<std::wstring>(kOpenElsewhere);
+    });
     if (drawing.empty()) return;
     hold_.emplace(drawing);
     if (hold_->isHeld()) return;
-    document.protectFile(drawing, L"another window has the drawing open; save it under another name");
+    document.protectFile(drawing, kOpenElsewhere);
     terminal_.notice(base::fileNameOf(drawing) +
                      L" is open in another window. Here it is for reading alone; save it under another name.");
 }

@@ -18,6 +18,7 @@ namespace host {
 
 struct CanvasPoint {
     double x = 0, y = 0;
+    bool operator==(const CanvasPoint&) const = default;
 };
 
 enum class MouseButton : std::uint8_t { kLeft, kMiddle, kRight };
@@ -61,12 +62,15 @@ struct MenuEntry {
     std::wstring path;      // "File/Save", which menuChosen gives
     std::wstring shortcut;  // "Ctrl+S", or empty
     std::wstring hint;      // a sentence for tooltips and status
-    bool enabled = true;
     bool inToolbar = false;
+
+    bool operator==(const MenuEntry&) const = default;
 };
 struct Menu {
     std::wstring title;  // "&File"
     std::vector<MenuEntry> entries;
+
+    bool operator==(const Menu&) const = default;
 };
 
 class ViewFrame {
@@ -83,10 +87,9 @@ class ViewFrame {
     virtual bool breathe() = 0;
 
     // ---- the canvas
-    /// The picture has the size that `resized` told last, or the frame waits for the next one. The frame copies what
-    /// it needs of `changed`.
-    virtual void showPicture(const PixelBuffer& picture, const PixelRectangle& changed) = 0;
-    enum class Cursor : std::uint8_t { kNone, kArrow, kHand, kWait };
+    /// The picture has the size that `resized` told last, or the frame waits for the next one. The frame copies it.
+    virtual void showPicture(const PixelBuffer& picture) = 0;
+    enum class Cursor : std::uint8_t { kNone, kArrow, kWait };
     /// Over the canvas. None where the view draws its own crosshair.
     virtual void setCursor(Cursor cursor) = 0;
     /// A text beside the cursor, in the system's font. Empty: none.

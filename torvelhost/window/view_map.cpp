@@ -29,7 +29,7 @@ double ViewMap::pixelsPerUnit() { return view_.height() / view_.current().height
 
 OdGeMatrix3d ViewMap::toPixels() {
     const View seen = view_.current();
-    const double scale = view_.height() / seen.height;
+    const double scale = pixelsPerUnit();
     // y runs down in pictures.
     return OdGeMatrix3d::coordSystem(
         OdGePoint3d(view_.width() / 2.0 - seen.center.x * scale, view_.height() / 2.0 + seen.center.y * scale, 0),
@@ -38,7 +38,7 @@ OdGeMatrix3d ViewMap::toPixels() {
 
 OdGePoint2d ViewMap::currentSpacePointAt(CanvasPoint at) {
     const View seen = view_.current();
-    const double scale = view_.height() / seen.height;
+    const double scale = pixelsPerUnit();
     return {seen.center.x + (at.x - view_.width() / 2.0) / scale,
             seen.center.y - (at.y - view_.height() / 2.0) / scale};
 }
@@ -76,9 +76,9 @@ std::wstring ViewMap::pointText(CanvasPoint at) {
     return text;
 }
 
-std::optional<OdGePoint3d> ViewMap::pointAt(CanvasPoint at) {
+std::optional<OdGePoint3d> ViewMap::pointOf(const std::wstring& text) {
     std::wstring reason;
-    const auto typed = parsePoint(pointText(at));
+    const auto typed = parsePoint(text);
     return typed ? document_.toWorld(*typed, reason) : std::nullopt;
 }
 
@@ -91,7 +91,7 @@ CanvasPoint ViewMap::placeOf(const OdGePoint3d& world) {
         shown.y = viewport->centerPoint().y + (seen.y - viewport->viewCenter().y) * scale;
     }
     const View seen = view_.current();
-    const double scale = view_.height() / seen.height;
+    const double scale = pixelsPerUnit();
     return {view_.width() / 2.0 + (shown.x - seen.center.x) * scale,
             view_.height() / 2.0 - (shown.y - seen.center.y) * scale};
 }

@@ -22,7 +22,8 @@ class ViewMap {
     /// which read back exactly.
     std::wstring pointText(CanvasPoint at);
     /// Where that line is, in world coordinates. Nothing for a place beyond all points.
-    std::optional<OdGePoint3d> pointAt(CanvasPoint at);
+    std::optional<OdGePoint3d> pointOf(const std::wstring& text);
+    std::optional<OdGePoint3d> pointAt(CanvasPoint at) { return pointOf(pointText(at)); }
     /// The same in the user coordinate system.
     OdGePoint3d userPointAt(CanvasPoint at);
     CanvasPoint placeOf(const OdGePoint3d& world);

@@ -6,7 +6,9 @@
 #include <cmath>
 
 #include "drawingdb/block.h"
+#include "torvelhost/plot/sheet.h"
 #include "torvelhost/plot/style.h"
+#include "torvelhost/plot/thin_lines.h"
 
 namespace host {
 namespace {
@@ -14,6 +16,7 @@ namespace {
 constexpr std::int64_t kQuick = 12;  // milliseconds that nobody notices
 constexpr std::int64_t kPause = 40;  // without anything done, after which the user looks
 constexpr std::chrono::milliseconds kSlice{8};
+constexpr std::uint32_t kPaperEdge = 0xB0B0B0;
 
 }  // namespace
 
@@ -83,6 +86,7 @@ void ViewPicture::setMarks(Marks marks) {
 }
 
 void ViewPicture::setOverlay(const Overlay& overlay) {
+    if (overlay == overlay_) return;
     overlay_ = overlay;
     isShown_ = false;
 }
@@ -110,9 +114,24 @@ void ViewPicture::begin(const Seen& seen) {
     building_.height = height_;
     building_.pixels.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
     scene_->begin(seen.space, map.toPixels(), map.pixelsPerUnit(), building_);
+    drawPaper(map.toPixels());
     buildingOf_ = seen;
     stale_ = false;
     spent_ = 0;
+}
+
+// The edge of a layout's paper, below all that is on it.
+void ViewPicture::drawPaper(const OdGeMatrix3d& toPixels) {
+    auto paper = paperEdge(*application_->session()->document.database());
+    if (!paper) return;
+    paper->transformBy(toPixels);
+    const auto inPicture = [](double pixel) { return static_cast<float>(std::clamp(pixel, -1e6, 1e6)); };
+    const float left = inPicture(paper->minPoint().x), right = inPicture(paper->maxPoint().x);
+    const float top = inPicture(paper->minPoint().y), bottom = inPicture(paper->maxPoint().y);
+    const Picture::Point edge[] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}, {left, top}};
+    ThinLines lines;
+    lines.attach(building_.pixels.data(), building_.width, building_.height);
+    lines.draw(edge, 1.0, kPaperEdge);
 }
 
 // True when the picture is finished.
@@ -193,7 +212,7 @@ void ViewPicture::mark() {
     std::vector<const OdDbEntity*> selected;
     selected.reserve(entities.size());
     for (const auto& entity : entities) selected.push_back(entity.get());
-    scene_->drawOver(selected, Scene::Emphasis::kSelected, marked_, exactOf_->viewport);
+    scene_->drawOver(selected, Emphasis::kSelected, marked_, exactOf_->viewport);
 }
 
 // The last picture as it would lie in another view: each pixel shows what lay in its middle.
@@ -233,17 +252,17 @@ void ViewPicture::present() {
             const auto hover = opened({marks_.hover});
             if (!hover.empty()) {
                 const OdDbEntity* const entity = hover.front().get();
-                scene_->drawOver({&entity, 1}, Scene::Emphasis::kHover, shown_, exactOf_->viewport);
+                scene_->drawOver({&entity, 1}, Emphasis::kHover, shown_, exactOf_->viewport);
             }
             const std::vector<const OdDbEntity*> preview(marks_.preview.begin(), marks_.preview.end());
-            if (!preview.empty()) scene_->drawOver(preview, Scene::Emphasis::kPlain, shown_, exactOf_->viewport);
+            if (!preview.empty()) scene_->drawOver(preview, Emphasis::kPlain, shown_, exactOf_->viewport);
         }
     } else {
         moveTo(seenNow());
         std::swap(shown_, moved_);
     }
     overlay_.draw(shown_);
-    frame_.showPicture(shown_, {0, 0, width_, height_});
+    frame_.showPicture(shown_);
     shownOf_ = seenNow();
     isShown_ = true;
 }

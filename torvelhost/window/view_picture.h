@@ -61,6 +61,7 @@ class ViewPicture {
     };
     Seen seenNow();
     void begin(const Seen& seen);
+    void drawPaper(const OdGeMatrix3d& toPixels);
     bool build(std::optional<std::int64_t> until);
     void mark();
     void moveTo(const Seen& seen);

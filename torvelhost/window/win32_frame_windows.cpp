@@ -19,6 +19,7 @@
 #include "dialogs/windows/themed.h"
 #include "torvelhost/window/canvas_window_windows.h"
 #include "torvelhost/window/make_frame.h"
+#include "torvelhost/window/prompt_words.h"
 #include "torvelhost/window/window_hand.h"
 
 namespace host {
@@ -81,7 +82,7 @@ std::optional<Key> keyOf(WPARAM code) {
     return std::nullopt;
 }
 
-// The text for a SysLink: each word of the prompt is one behind the bracket. It knows no entities and shows a `<` as it
+// The text for a SysLink: each word of the prompt is one. It knows no entities and shows a `<` as it
 // is, unless an anchor could begin or end there: a character without width keeps those two apart.
 std::wstring linkText(const std::wstring& prompt, const std::vector<std::wstring>& words) {
     std::wstring text;
@@ -93,13 +94,11 @@ std::wstring linkText(const std::wstring& prompt, const std::vector<std::wstring
             if (prompt[at] == L'<' && (after == L'a' || after == L'A' || after == L'/')) text += L'\x200B';
         }
     };
-    std::size_t from = prompt.rfind(L'[');
-    for (std::size_t i = 0; i < words.size() && from != prompt.npos; ++i) {
-        from = prompt.find(words[i], from);
-        if (from == prompt.npos) break;
-        copyTo(from);
+    const std::vector<std::size_t> places = wordPlaces(prompt, words);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        copyTo(places[i]);
         text += L"<a id=\"" + std::to_wstring(i) + L"\">" + words[i] + L"</a>";
-        at = from += words[i].size();
+        at = places[i] + words[i].size();
     }
     copyTo(prompt.size());
     return text;
@@ -121,9 +120,7 @@ class Win32Frame final : public ViewFrame, public WindowHand {
     void waitForEvents(std::optional<std::int64_t> until) override;
     std::int64_t now() override { return static_cast<std::int64_t>(GetTickCount64()); }
     bool breathe() override;
-    void showPicture(const PixelBuffer& picture, const PixelRectangle& changed) override {
-        canvas_.show(picture, changed);
-    }
+    void showPicture(const PixelBuffer& picture) override { canvas_.show(picture); }
     void setCursor(Cursor cursor) override;
     void setTip(const std::wstring& text, CanvasPoint at) override;
     void setTitle(const std::wstring& title) override { SetWindowTextW(window_, title.c_str()); }
@@ -459,13 +456,14 @@ bool Win32Frame::takeKey(const MSG& message) {
         // In the other controls Enter, blanks and arrows are theirs.
         const bool everywhere = key == Key::kEscape || key == Key::kHelp;
         bool taken = false;
-        if (inLine || everywhere) tell([&](ViewEvents& events) { taken = events.keyPressed(*key); });
+        const bool isBack = key == Key::kTab && GetKeyState(VK_SHIFT) < 0;  // to the control before
+        if ((inLine || everywhere) && !isBack) tell([&](ViewEvents& events) { taken = events.keyPressed(*key); });
         if (taken) {
             if (key == Key::kEscape) SetFocus(line_);
             return true;
         }
         if (key == Key::kTab) {
-            HWND const next = GetNextDlgTabItem(window_, focus, GetKeyState(VK_SHIFT) < 0);
+            HWND const next = GetNextDlgTabItem(window_, focus, isBack);
             SetFocus(next ? next : line_);
             return true;
         }
@@ -618,8 +616,6 @@ void Win32Frame::setCursor(Cursor cursor) {
             return canvas_.setCursor(nullptr);
         case Cursor::kArrow:
             return canvas_.setCursor(system(IDC_ARROW));
-        case Cursor::kHand:
-            return canvas_.setCursor(system(IDC_SIZEALL));
         case Cursor::kWait:
             return canvas_.setCursor(system(IDC_WAIT));
     }
@@ -666,9 +662,8 @@ void Win32Frame::setMenus(const std::vector<Menu>& menus) {
             }
             const auto id = static_cast<UINT>(kFirstCommand + entries_.size());
             const std::wstring text = entry.shortcut.empty() ? entry.text : entry.text + L"\t" + entry.shortcut;
-            AppendMenuW(popup, entry.enabled ? MF_STRING : MF_STRING | MF_GRAYED, id, text.c_str());
-            if (const auto accelerator = acceleratorOf(entry.shortcut, static_cast<WORD>(id));
-                accelerator && entry.enabled)
+            AppendMenuW(popup, MF_STRING, id, text.c_str());
+            if (const auto accelerator = acceleratorOf(entry.shortcut, static_cast<WORD>(id)))
                 accelerators.push_back(*accelerator);
             entries_.push_back(entry);
         }
@@ -709,7 +704,7 @@ void Win32Frame::showToolbar(const std::vector<Menu>& menus) {
             if (isFirst && !toolbarTexts_.empty()) add(0, TBSTATE_ENABLED, BTNS_SEP, scaled(8));
             isFirst = false;
             toolbarTexts_.push_back(plainText(entry.text));
-            add(own, entry.enabled ? TBSTATE_ENABLED : 0, BTNS_AUTOSIZE | BTNS_SHOWTEXT, 0);
+            add(own, TBSTATE_ENABLED, BTNS_AUTOSIZE | BTNS_SHOWTEXT, 0);
         }
     }
 }

@@ -112,6 +112,9 @@ class DRAWINGDB_API OdDbDatabase : public OdRxObject {
     /// What changed since this mark last asked, or was made. It comes out of the undo log: nothing is noted beside it
     /// while the drawing is changed, and taking changes back costs more only while there are marks.
     OdDbTouched takeTouched(OdDbTouchMark& mark);
+    /// An object that is open for write; null when none is. For those who must not look at a drawing in the middle of
+    /// a change; it goes through all objects while any is open.
+    OdDbObjectId anyOpenForWrite();
     /// "AC1032" and the like.
     std::string version() const;
     bool isBinary() const;

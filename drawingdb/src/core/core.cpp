@@ -441,6 +441,17 @@ void Core::closed(OdDbObject& object) {
 
 void Core::becomeDirty(OdDbObject& object) { dirty_.push_back(&object); }
 
+Stub* Core::openForWrite() {
+    std::size_t left = liveObjects_;
+    for (std::uint32_t i = 0; left > 0 && i < stubs.size(); ++i) {
+        const OdDbObject* const object = stubs[i].object();
+        if (!object) continue;
+        if (object->isWriteEnabled()) return &stubs[i];
+        --left;
+    }
+    return nullptr;
+}
+
 void Core::flush(OdDbObject& object) {
     if (!ObjectAccess::dirty(object)) return;
     // Objects are closed by destructors, which throw nothing: what cannot be stored stays as it was, and the next to

@@ -122,6 +122,7 @@ class Core {
     OdDbObjectPtr open(Stub& stub, OdDb::OpenMode mode, bool erasedToo);
     void closed(OdDbObject& object);  // the last pointer is gone
     void becomeDirty(OdDbObject& object);
+    Stub* openForWrite();
     /// Makes the object's changes part of the drawing; it stays open.
     void flush(OdDbObject& object);
     void flushAll();

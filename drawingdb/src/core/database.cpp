@@ -97,6 +97,7 @@ bool OdDbDatabase::isModified() const {
     core_->flushAll();
     return core_->modified();
 }
+OdDbObjectId OdDbDatabase::anyOpenForWrite() { return OdDbObjectId(core_->openForWrite()); }
 OdDbTouched OdDbDatabase::takeTouched(OdDbTouchMark& mark) { return core_->takeTouched(mark); }
 std::string OdDbDatabase::version() const { return core_->version(); }
 bool OdDbDatabase::isBinary() const { return core_->format.binary; }
