@@ -41,7 +41,7 @@ need_for_program() {
     need libboost-dev /usr/include/boost/format.hpp
     need libagg-dev /usr/include/agg2/agg_basics.h
     need libedit-dev /usr/include/histedit.h
-    need libstb-dev /usr/include/stb/stb_image_write.h
+    need libstb-dev /usr/include/stb/stb_truetype.h
     need zlib1g-dev /usr/include/zlib.h
 }
 

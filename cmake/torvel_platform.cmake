@@ -37,13 +37,13 @@ if(TORVEL_SANITIZE)
   add_link_options(-fsanitize=${sanitizers})
 endif()
 
-# Header-only libraries: parts of Boost, and what pictures are painted and written with. The cross compiler must not see
+# Header-only libraries: parts of Boost, and what pictures are painted with and fonts read. The cross compiler must not see
 # the other headers of the native include folder, so it gets a folder that holds links to these alone.
 add_library(torvel_boost INTERFACE)
 add_library(torvel_pictures INTERFACE)
 if(CMAKE_CROSSCOMPILING)
   file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
-  foreach(header boost/format.hpp agg2/agg_basics.h stb/stb_image_write.h)
+  foreach(header boost/format.hpp agg2/agg_basics.h stb/stb_truetype.h)
     cmake_path(GET header PARENT_PATH folder)
     find_path(TORVEL_HEADERS_${folder} ${header} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
     file(CREATE_LINK "${TORVEL_HEADERS_${folder}}/${folder}" "${CMAKE_BINARY_DIR}/include/${folder}" SYMBOLIC)

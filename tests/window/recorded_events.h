@@ -9,10 +9,9 @@
 
 /// Gives a window menus, tabs and a prompt with two words.
 inline void fill(host::ViewFrame& frame) {
-    frame.setMenus({{L"&File",
-                     {{L"&Save", L"File/Save", L"Ctrl+S", L"Saves the drawing", true},
-                      {L"", L"", L"", L"", false}}},
-                    {L"&Edit", {{L"&Undo", L"Edit/Undo", L"Ctrl+Z", L"", false}}}});
+    frame.setMenus(
+        {{L"&File", {{L"&Save", L"File/Save", L"Ctrl+S", L"Saves the drawing", true}, {L"", L"", L"", L"", false}}},
+         {L"&Edit", {{L"&Undo", L"Edit/Undo", L"Ctrl+Z", L"", false}}}});
     frame.setTabs({L"Model", L"Layout1"}, 0);
     frame.setPrompt(L"Specify a point <a b> or [Hor/Ver]:", {L"Hor", L"Ver"});
 }

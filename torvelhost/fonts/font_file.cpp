@@ -18,6 +18,7 @@ constexpr int kDeepest = 6;  // glyphs put together from glyphs
 constexpr int kMostParts = 256;
 constexpr std::size_t kMostMemory = 8 << 20;  // for one outline
 constexpr int kMostSteps = 40000;             // of the library for one outline: twice that of any real one
+constexpr int kLargestString = 65535;         // of an outline's instructions, as the format has it
 
 // What the library asks for while it unpacks one outline.
 class Workshop {
@@ -172,14 +173,29 @@ class FontFile::Outlines {
         workshop.begin();
         steps_.clear();
         parts_ = 0;
-        if (info_.cff.size != 0)
+        if (info_.cff.size != 0) {
+            checkString(info_.charstrings, static_cast<int>(glyph));
+            if (info_.fdselect.size != 0) checkStrings(stbtt__cid_get_glyph_subrs(&info_, static_cast<int>(glyph)));
+            workshop.begin();
             unpack(glyph, OdGeMatrix3d());
-        else
+        } else {
             add(glyph, OdGeMatrix3d(), 0);
+        }
         return std::move(steps_);
     }
 
   private:
+    // The library counts no steps within a string.
+    static void checkString(const stbtt__buf& index, int number) {
+        workshop.begin();
+        if (stbtt__cff_index_get(index, number).size > kLargestString) throw BadFont("an outline is too long");
+    }
+    static void checkStrings(stbtt__buf index) {
+        workshop.begin();
+        const int count = stbtt__cff_index_count(&index);
+        for (int i = 0; i < count; ++i) checkString(index, i);
+    }
+
     // As the library reads it, which takes the table for endless.
     void readCompact() {
         const Bytes& table = tables_.of("CFF ");
@@ -210,6 +226,8 @@ class FontFile::Outlines {
         }
         stbtt__buf_seek(&at, static_cast<int>(outlines));
         info_.charstrings = stbtt__cff_get_index(&at);
+        checkStrings(info_.gsubrs);
+        checkStrings(info_.subrs);
     }
 
     Bytes dataOf(std::uint32_t glyph) const {

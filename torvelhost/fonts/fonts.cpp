@@ -28,6 +28,11 @@ double Typeface::advanceOf(std::uint32_t glyph) {
 }
 
 const Typeface::Contours& Typeface::contoursOf(std::uint32_t glyph, int fineness) {
+    constexpr std::size_t kMostPoints = 2000000;  // of 16 bytes
+    if (points_ > kMostPoints) {
+        contours_.clear();
+        points_ = 0;
+    }
     const auto [known, isNew] = contours_.try_emplace(std::uint64_t{glyph} << 8 | static_cast<std::uint8_t>(fineness));
     Contours& contours = known->second;
     if (!isNew) return contours;
@@ -50,6 +55,7 @@ const Typeface::Contours& Typeface::contoursOf(std::uint32_t glyph, int fineness
         }
         contour.push_back(step.to);
     }
+    for (const std::vector<OdGePoint2d>& contour : contours) points_ += contour.size();
     return contours;
 }
 
@@ -144,7 +150,7 @@ void Fonts::add(const std::wstring& path) {
             for (const std::wstring& name : typefaces_.back().file().names()) names.push_back(plain(name));
             std::sort(names.begin(), names.end());
             names.erase(std::unique(names.begin(), names.end()), names.end());
-            for (std::wstring& name : names) byName_.emplace(std::move(name), &typefaces_.back());
+            for (std::wstring& name : names) byName_.emplace(std::move(name), typefaces_.size() - 1);
         }
         if (typefaces_.size() == before) files_.pop_back();
     } catch (const base::FileError&) {
@@ -152,24 +158,21 @@ void Fonts::add(const std::wstring& path) {
     }
 }
 
-Typeface* Fonts::named(const std::wstring& plainName, Wanted wanted) const {
-    Typeface* best = nullptr;
-    int least = 0;
+Typeface* Fonts::named(const std::wstring& plainName, Wanted wanted) {
+    // Of two that are equally near the one that was found first.
+    std::pair<int, std::size_t> best{0, typefaces_.size()};
     const auto [low, high] = byName_.equal_range(plainName);
     for (auto entry = low; entry != high; ++entry) {
-        const FontFile& file = entry->second->file();
+        const FontFile& file = typefaces_[entry->second].file();
         const int distance = std::abs(file.weight() - (wanted.bold ? 700 : 400)) / 100 +
                              4 * int{file.isItalic() != wanted.italic} + 3 * std::abs(file.width() - 5);
-        // Two that are equally near: the one that was found first.
-        if (!best || distance < least || (distance == least && entry->second < best)) {
-            best = entry->second;
-            least = distance;
-        }
+        const std::pair found{distance, entry->second};
+        if (best.second == typefaces_.size() || found < best) best = found;
     }
-    return best;
+    return best.second == typefaces_.size() ? nullptr : &typefaces_[best.second];
 }
 
-Typeface* Fonts::first(std::span<const wchar_t* const> names, Wanted wanted) const {
+Typeface* Fonts::first(std::span<const wchar_t* const> names, Wanted wanted) {
     for (const wchar_t* const name : names)
         if (Typeface* const typeface = named(name, wanted)) return typeface;
     return nullptr;

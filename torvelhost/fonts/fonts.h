@@ -27,14 +27,16 @@ class Typeface {
     std::uint32_t glyphOf(char32_t character);
     /// None is wider than two.
     double advanceOf(std::uint32_t glyph);
-    /// Closed polygons, no farther from the curves than a half to the power of `fineness`.
+    /// Closed polygons, no farther from the curves than a half to the power of `fineness`. They hold until others are
+    /// asked for.
     const Contours& contoursOf(std::uint32_t glyph, int fineness);
 
   private:
     std::unique_ptr<FontFile> file_;
     std::unordered_map<char32_t, std::uint32_t> glyphs_;
     std::unordered_map<std::uint32_t, double> advances_;
-    std::unordered_map<std::uint64_t, Contours> contours_;
+    std::unordered_map<std::uint64_t, Contours> contours_;  // forgotten when there are many
+    std::size_t points_ = 0;                                // in them
 };
 
 class Fonts {
@@ -58,14 +60,14 @@ class Fonts {
     void look();
     void lookInto(const std::wstring& folder);
     void add(const std::wstring& path);
-    Typeface* named(const std::wstring& plainName, Wanted wanted) const;
-    Typeface* first(std::span<const wchar_t* const> names, Wanted wanted) const;
+    Typeface* named(const std::wstring& plainName, Wanted wanted);
+    Typeface* first(std::span<const wchar_t* const> names, Wanted wanted);
 
     std::vector<std::wstring> folders_;
     bool looked_ = false;
     std::deque<base::MappedFile> files_;
     std::deque<Typeface> typefaces_;
-    std::unordered_multimap<std::wstring, Typeface*> byName_;
+    std::unordered_multimap<std::wstring, std::size_t> byName_;  // which of the typefaces
     std::unordered_map<char32_t, Typeface*> byCharacter_;
 };
 

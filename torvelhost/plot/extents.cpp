@@ -22,6 +22,19 @@ void addText(const OdDbText& text, const OdString& shown, OdGeExtents3d& box) {
     for (const OdGePoint3d& corner : cornersOf(text, shown)) box.addPoint(corner);
 }
 
+// From above: what a clip leaves of a box.
+void cutAt(const std::vector<OdGePoint3d>& clip, OdGeExtents3d& box) {
+    OdGeExtents3d around;
+    for (const OdGePoint3d& corner : clip) around.addPoint(corner);
+    if (!box.isValid()) return;
+    const OdGePoint3d low(std::max(box.minPoint().x, around.minPoint().x),
+                          std::max(box.minPoint().y, around.minPoint().y), box.minPoint().z);
+    const OdGePoint3d high(std::min(box.maxPoint().x, around.maxPoint().x),
+                           std::min(box.maxPoint().y, around.maxPoint().y), box.maxPoint().z);
+    box = OdGeExtents3d();
+    if (low.x <= high.x && low.y <= high.y) box.addPoint(low).addPoint(high);
+}
+
 }  // namespace
 
 void addShownText(const OdDbText& text, OdGeExtents3d& box) {
@@ -94,6 +107,7 @@ OdGeExtents3d inAllCells(const OdGeExtents3d& box, const DisplayList::Reference&
 
 Bounds BlockBounds::of(const DisplayList::Reference& reference) {
     Bounds bounds = of(reference.block);
+    if (reference.clip) cutAt(*reference.clip, bounds.box);
     bounds.box.transformBy(reference.transform);
     bounds.box = inAllCells(bounds.box, reference);
     return bounds;

@@ -61,7 +61,7 @@ void Lettering::readStyles() {
         Family family;
         // Behind the family stands what it is like.
         constexpr std::int64_t kItalic = 0x1000000, kBold = 0x2000000;
-        for (const OdDbGroup& group : style->xData()) {
+        for (const OdDbGroup& group : style->xData(L"ACAD")) {
             if (group.code == 1000 && family.name.empty()) family.name = group.text;
             if (group.code == 1071 && !family.name.empty()) {
                 family.bold = (group.integer & kBold) != 0;
@@ -71,7 +71,7 @@ void Lettering::readStyles() {
         }
         if (!isOutlineFile(file) && !(file.empty() && !family.name.empty())) continue;
         if (family.name.empty()) family.name = file;
-        if (const Font font = fontOfFamily(family)) styles_[style->name()] = font;
+        styles_[style->name()] = std::move(family);
     }
 }
 
@@ -81,9 +81,9 @@ Lettering::Font Lettering::fontOfFamily(const Family& family) {
     return known->second;
 }
 
-Lettering::Font Lettering::fontOfStyle(const OdString& style) const {
+Lettering::Font Lettering::fontOfStyle(const OdString& style) {
     const auto known = styles_.find(style);
-    return known == styles_.end() ? nullptr : known->second;
+    return known == styles_.end() ? nullptr : fontOfFamily(known->second);
 }
 
 bool Lettering::hasOutlineStyles() {
@@ -116,7 +116,7 @@ Lettering::Letter Lettering::letterOf(Font font, char32_t character) {
     const auto letterIn = [](Font typeface, std::uint32_t glyph) {
         return Letter{typeface, glyph, typeface->advanceOf(glyph)};
     };
-    if (isJoined(character)) unjoined_.insert(character);
+    if (isJoined(character)) odd_.unjoined.insert(character);
     if (font) {
         if (const std::uint32_t glyph = font->glyphOf(character)) return letterIn(font, glyph);
         if (character == kDiameterSign)
@@ -125,20 +125,20 @@ Lettering::Letter Lettering::letterOf(Font font, char32_t character) {
     if (const Font other = Fonts::installed().withCharacter(character))
         return letterIn(other, other->glyphOf(character));
     if (!hasStroke) {
-        missing_.insert(character);
-        unjoined_.erase(character);
+        odd_.missing.insert(character);
+        odd_.unjoined.erase(character);
     }
     return stroke;
 }
 
-std::vector<std::wstring> Lettering::told() const {
+std::vector<std::wstring> OddLetters::told() const {
     std::vector<std::wstring> told;
-    if (!missing_.empty()) {
-        std::wstring text = L"no font that is installed has " + std::to_wstring(missing_.size()) +
+    if (!missing.empty()) {
+        std::wstring text = L"no font that is installed has " + std::to_wstring(missing.size()) +
                             L" of the characters, drawn as boxes:";
         constexpr std::size_t kMostNamed = 5;
         std::size_t named = 0;
-        for (const char32_t c : missing_) {
+        for (const char32_t c : missing) {
             if (named++ == kMostNamed) {
                 text += L" ...";
                 break;
@@ -149,8 +149,8 @@ std::vector<std::wstring> Lettering::told() const {
         }
         told.push_back(std::move(text));
     }
-    if (!unjoined_.empty())
-        told.push_back(std::to_wstring(unjoined_.size()) + (unjoined_.size() == 1 ? L" character" : L" characters") +
+    if (!unjoined.empty())
+        told.push_back(std::to_wstring(unjoined.size()) + (unjoined.size() == 1 ? L" character" : L" characters") +
                        L" of scripts whose letters join, or run to the left, drawn one by one from the "
                        L"left");
     return told;

@@ -18,6 +18,19 @@
 
 namespace host {
 
+/// The characters that cannot be drawn, or not as they are written.
+struct OddLetters {
+    std::set<char32_t> missing;   // no font has them
+    std::set<char32_t> unjoined;  // they would join with those beside them, or run to the left
+
+    void add(const OddLetters& others) {
+        missing.insert(others.missing.begin(), others.missing.end());
+        unjoined.insert(others.unjoined.begin(), others.unjoined.end());
+    }
+    /// "no font has 3 of the characters: ..." and the like.
+    std::vector<std::wstring> told() const;
+};
+
 class Lettering {
   public:
     /// Null: the built-in strokes.
@@ -49,8 +62,7 @@ class Lettering {
     bool isInStrokes(std::wstring_view text) const;
     Letter letterOf(Font font, char32_t character);
 
-    /// "no font has 3 of the characters: ..." and the like.
-    std::vector<std::wstring> told() const;
+    const OddLetters& odd() const { return odd_; }
 
   private:
     struct Family {
@@ -61,14 +73,14 @@ class Lettering {
         }
     };
     void readStyles();
-    Font fontOfStyle(const OdString& style) const;
+    Font fontOfStyle(const OdString& style);
     Font fontOfFamily(const Family& family);
 
     OdDbDatabase& database_;
     bool on_ = false, styled_ = false;
-    std::map<std::wstring, Font, base::LessNoCase> styles_;  // those that are drawn in outlines
+    std::map<std::wstring, Family, base::LessNoCase> styles_;  // those that are drawn in outlines
     std::map<Family, Font> families_;
-    std::set<char32_t> missing_, unjoined_;
+    OddLetters odd_;
 };
 
 }  // namespace host

@@ -34,13 +34,12 @@ class Drawing {
         Plotter plotter(database_, picture, nullptr, inks_);
         plotter.drawSpace(space, toPixels, scale);
         for (const auto& [kind, count] : plotter.notDrawn()) notDrawn_[kind] += count;
-        for (std::wstring& text : plotter.told())
-            if (std::find(told_.begin(), told_.end(), text) == told_.end()) told_.push_back(std::move(text));
+        letters_.add(plotter.oddLetters());
     }
 
     /// "not drawn: 3 BODY, 1 IMAGE", and what there is to say of fonts.
     std::vector<std::wstring> warnings() const {
-        std::vector<std::wstring> warnings = told_;
+        std::vector<std::wstring> warnings = letters_.told();
         std::wstring text;
         for (const auto& [kind, count] : notDrawn_)
             text += (text.empty() ? L"not drawn: " : L", ") + std::to_wstring(count) + L" " + base::fromUtf8(kind);
@@ -51,7 +50,7 @@ class Drawing {
   private:
     OdDbDatabase& database_;
     Inks inks_;
-    std::vector<std::wstring> told_;
+    OddLetters letters_;
     std::map<std::string, int> notDrawn_;  // entities of each kind that could not be drawn
 };
 

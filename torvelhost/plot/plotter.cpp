@@ -375,13 +375,14 @@ void Plotter::drawMarker(const OdGePoint2d& center, const Look& look) {
     if (pointMode_ & 64) around(4, size / 2 * std::sqrt(2.0), drawingdb::kPi / 4);
 }
 
-bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size) const {
+bool Plotter::isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size) {
     OdGeExtents3d seen = box;
     seen.transformBy(toPixels);
     const OdGePoint3d &low = seen.minPoint(), &high = seen.maxPoint();
     size = std::max(high.x - low.x, high.y - low.y);
     // Pens and the marks of points reach farther than what they stand for.
-    const double reach = margin();
+    // Boxes hold texts as the built-in strokes have them; few fonts are twice as wide.
+    const double reach = margin() + (lettering_.hasOutlineStyles() ? size : 0);
     return high.x >= picture_.clipLow().x - reach && low.x <= picture_.clipHigh().x + reach &&
            high.y >= picture_.clipLow().y - reach && low.y <= picture_.clipHigh().y + reach;
 }
@@ -450,7 +451,7 @@ void Plotter::drawClipped(const DisplayList::Reference& reference, const OdGeMat
     const Picture::Contour before = picture_.clip();
     const auto parts = commonParts(before, corners);
     if (!parts) {
-        ++notDrawn_["clip of INSERT"];
+        count(reference.block, "clip of INSERT");
         return drawCell(reference.block, toPixels, style);
     }
     for (const Picture::Contour& part : *parts) {

@@ -61,7 +61,7 @@ class Plotter {
     /// True, and all lists are forgotten, when texts are drawn in other fonts than before.
     bool lettersAnew();
     /// What is to be told of the fonts.
-    std::vector<std::wstring> told() const { return lettering_.told(); }
+    const OddLetters& oddLetters() const { return lettering_.odd(); }
     std::size_t bytes() const { return bytes_; }  // of the lists of blocks
     /// Reads the layers anew, and forgets all lists.
     void readStyles();
@@ -111,7 +111,7 @@ class Plotter {
     void leave();
     std::vector<OdGePoint2d> viewportClip(const OdDbViewport& viewport, OdDbObjectId boundary,
                                           const OdGeMatrix3d& paperToPixels);
-    bool isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size) const;
+    bool isVisible(const OdGeExtents3d& box, const OdGeMatrix3d& toPixels, double& size);
 
     OdDbDatabase& database_;
     Picture& picture_;

@@ -105,9 +105,8 @@ struct SwitchVariable {
     const wchar_t* name;
     std::int64_t standard;
 };
-const SwitchVariable kSwitches[] = {{L"FILEDIA", 1}, {L"ATTIPE", 0}, {L"LWUNITS", 1},
-                                    {L"ATTREQ", 1},  {L"ATTDIA", 0}, {L"EXTRACTUTF8", 0},
-                                    {L"PLOTFONTS", 1}};
+const SwitchVariable kSwitches[] = {{L"FILEDIA", 1}, {L"ATTIPE", 0},      {L"LWUNITS", 1},  {L"ATTREQ", 1},
+                                    {L"ATTDIA", 0},  {L"EXTRACTUTF8", 0}, {L"PLOTFONTS", 1}};
 
 // ---- variables that the document works out
 
