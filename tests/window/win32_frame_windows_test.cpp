@@ -167,7 +167,7 @@ TEST_F(Win32Frame, EverythingIsReachedByKeys) {
 // No tool lies beyond the window's edge, and the canvas begins below the last of them.
 TEST_F(Win32Frame, TheToolbarBreaksIntoRows) {
     host::Menu menu{L"&Draw", {}};
-    for (int i = 0; i < 12; ++i) menu.entries.push_back({L"Infinite line", L"Draw/Line", L"", L"", true, true});
+    for (int i = 0; i < 12; ++i) menu.entries.push_back({L"Infinite line", L"Draw/Line", L"", L"", true});
     frame->setMenus({menu});
     HWND const window = static_cast<HWND>(frame->nativeWindow()), tools = child(L"ToolbarWindow32");
     for (const int width : {500, 1200, 350}) {
