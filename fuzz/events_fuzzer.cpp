@@ -32,6 +32,7 @@ class Harmless final : public host::ReplySource {
     void refused(const std::wstring& why) override { replies_.refused(why); }
     std::wstring place() const override { return replies_.place(); }
     bool isScript() const override { return replies_.isScript(); }
+    bool wantsToLeave() const override { return replies_.wantsToLeave(); }
 
   private:
     static bool touchesFiles(const std::wstring& line) {
