@@ -49,6 +49,8 @@ void CommandLine::set(const std::wstring& text) {
 
 std::wstring CommandLine::enter() {
     std::wstring line = text_;
+    // Pasted ones: no prompt knows them, and some of them end a script that is recorded.
+    std::erase_if(line, [](wchar_t c) { return c < L' ' && c != L'\t'; });
     if (!line.empty() && (entered_.empty() || entered_.back() != line)) entered_.push_back(line);
     recalled_ = entered_.size();
     set(L"");
