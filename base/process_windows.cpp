@@ -46,7 +46,7 @@ std::optional<int> runProgram(const std::vector<std::wstring>& command, const st
     for (const std::wstring& word : command) line += (line.empty() ? L"" : L" ") + quoted(word);
     const Handle nothing = openInherited(L"NUL", GENERIC_READ, OPEN_EXISTING);
     const Handle output = openInherited(printed, GENERIC_WRITE, CREATE_ALWAYS);
-    // What the program starts ends with it.
+    // With its time over, what it started ends too.
     const Handle job(CreateJobObjectW(nullptr, nullptr));
     STARTUPINFOW start = {};
     start.cb = sizeof start;

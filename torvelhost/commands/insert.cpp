@@ -212,6 +212,7 @@ CMD_RUNSTATUS insert(HostRun& run) {
     std::optional<BlockSource> source;
     const int named = run.input.ask(L"Enter block name", nullptr, L"a block name",
                                     [&](const Reply& reply, std::wstring& reason) {
+                                        source.reset();
                                         block = database->findBlock(reply.text);
                                         if (!block && tellsFile(reply.text)) {
                                             source = blockSource(reply.text);

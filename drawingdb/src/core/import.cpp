@@ -223,8 +223,8 @@ class Importer {
         const Facts& facts = factsOf(stub, isEntity);
         const Names names = facts.names;
         const bool isHeld = facts.since <= target_.format.version;
-        const bool marked = source_.format.hasMarkers(), toMarked = target_.format.hasMarkers();
-        bool inEntityZone = !marked;
+        const bool toMarked = target_.format.hasMarkers();
+        bool inEntityZone = true;  // before any marker: in the head there is no layer
         for (RecordWalk walk(GroupCursor(source_.bytesOf(stub), source_.format)); walk.next();) {
             const Group& group = walk.group();
             switch (walk.part()) {
@@ -387,7 +387,7 @@ class Importer {
         return false;
     }
 
-    // "*U" and the first number that neither drawing's blocks have.
+    // "*U" and the first number that no block of the target has, nor one made here.
     std::wstring freeName(const std::wstring& name) {
         std::wstring stem = name;
         while (!stem.empty() && stem.back() >= L'0' && stem.back() <= L'9') stem.pop_back();
@@ -463,6 +463,12 @@ class Importer {
         }
         if (known && target_.typeName(*known.stub()) == kind) {
             there_[source_.indexOf(&stub)] = known.stub();
+            return;
+        }
+        // What the target has by that name is something else, and stays.
+        if (known) {
+            isPlanned_[source_.indexOf(&stub)] = true;
+            ++leftOut_[kind];
             return;
         }
         static constexpr std::array<std::string_view, 3> kNeverBrought = {"MATERIAL", "VISUALSTYLE", "ACDBPLACEHOLDER"};

@@ -363,6 +363,7 @@ class RecordTranslator::Run {
         links_ = &links;
         isEntity_ = isEntity;
         addsMarkers_ = !t_.from_.hasMarkers() && t_.to_.hasMarkers();
+        cutOff_.clear();
         inEntityZone_ = isMarked_ = hasContent_ = isCut_ = isPictureCut_ = inRows_ = isTagSeen_ = false;
         flags_ = 0;
         pieces_.clear();
@@ -437,6 +438,23 @@ class RecordTranslator::Run {
         hasContent_ = true;
     }
 
+    // A long text is several groups, 3 and then 1, and cut anywhere, also within a character of two bytes: its first
+    // one goes with the next group then.
+    std::string piece(const Group& group) {
+        std::string raw = group.code == 1 || group.code == 3 ? std::exchange(cutOff_, {}) : std::string();
+        raw += group.value;
+        if (group.code == 1 || t_.sameText_ || t_.from_.utf8() || isAscii(raw)) return t_.text(raw);
+        constexpr wchar_t kUnknown = 0xFFFD;
+        const auto endsInUnknown = [&](std::string_view bytes) {
+            return t_.from_.codePage->decode(bytes).ends_with(kUnknown);
+        };
+        if (endsInUnknown(raw) && !endsInUnknown(std::string_view(raw).substr(0, raw.size() - 1))) {
+            cutOff_ = raw.back();
+            raw.pop_back();
+        }
+        return t_.text(raw);
+    }
+
     void field(bool inHead, const Group& group) {
         const bool marked = t_.from_.hasMarkers() || isMarked_;
         // Blocks say themselves where they are.
@@ -485,7 +503,10 @@ class RecordTranslator::Run {
             }
         // Arrows of styles are named in old versions, and pointed to in new ones.
         if (traits_->dimensionStyle && group.code >= 5 && group.code <= 7 && t_.to_.version >= version::v2000) return;
-        t_.value(writer, group);
+        if (valueKind(group.code) == ValueKind::text && group.code <= 3)
+            writer.text(group.code, piece(group));
+        else
+            t_.value(writer, group);
         noteForSpread(group);
         if (traits_->linetype && group.code == 49 && addsMarkers_) writer.integer(74, 0), noteForSpread(group);
     }
@@ -527,6 +548,7 @@ class RecordTranslator::Run {
     const RecordTranslator& t_;
     const KindTraits* traits_ = nullptr;
     const RecordLinks* links_ = nullptr;
+    std::string cutOff_;  // of the piece of a text before: the first byte of a character
     bool isEntity_ = false, addsMarkers_ = false, inEntityZone_ = false;
     std::string_view kind_;
     std::string controls_, control_, body_, name_, extended_, out_;
