@@ -633,6 +633,13 @@ class Importer {
             head.origin = source_.database.headerPoint("$INSBASE", {});
         }
         head.units = source_.database.headerInteger("$INSUNITS", 0);
+        if (begin && block.source->type == rtBlockRecord && source_.format.version >= version::v2007)
+            for (RecordWalk walk(GroupCursor(source_.bytesOf(*block.source), source_.format)); walk.next();) {
+                const Group& group = walk.group();
+                if (walk.part() != RecordPart::field || (group.code != 70 && group.code != 281)) continue;
+                (group.code == 70 ? head.units : head.scalability) =
+                    groupInteger(group, source_.format.binary).value_or(0);
+            }
         head.explodable = record->explodable() ? 1 : 0;
         if (block.hasAttributes) head.flags |= kHasAttributes;
         if (isAnonymousName(block.name)) head.flags |= kAnonymous;
