@@ -1,6 +1,7 @@
 #include "drawingdb/src/core/translate.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "base/number.h"
