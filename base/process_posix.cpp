@@ -98,6 +98,7 @@ std::optional<int> runProgram(const std::vector<std::wstring>& command, const st
                               std::chrono::milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     std::vector<std::string> words;
+    words.reserve(command.size());
     for (const std::wstring& word : command) words.push_back(toUtf8Exact(word));
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
