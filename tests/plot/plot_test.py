@@ -624,6 +624,11 @@ class PlotTest(unittest.TestCase):
             [(150, 500), (260, 500)], [(180, 400), (290, 400)], [(110, 300), (130, 300)], [(170, 300), (190, 300)],
             [(50, 250), (250, 250)], [(115, 205), (145, 205)], [(155, 205), (185, 205)],
             [(115, 230), (130, 230)], [(170, 230), (185, 230)]], tolerance=0.6)  # half a pen reaches over a clip
+        # And only there they are picked.
+        for x, y, is_there in [(120, 300, True), (150, 300, False), (180, 300, True), (60, 250, True), (170, 500, True),
+                               (100, 500, False), (120, 230, True), (150, 230, False), (120, 205, True), (150, 205, False)]:
+            run = self.run_program("plan.dxf", "-c", UNIT_IS_PIXEL, "-c", f"WHATIS|{x},{y}")
+            self.assertEqual(b"INSERT" in run.stdout, is_there, (x, y, run.stdout))
 
     def test_images_show_their_frames(self):
         picture = self.doc.add_image_def("photo.png", (40, 20))

@@ -13,6 +13,7 @@
 #include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/wipeout.h"
+#include "torvelhost/plot/clip.h"
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -34,6 +35,17 @@ bool anyCell(const OdDbBlockReference& reference, int& budget, const std::functi
         }
     }
     return false;
+}
+
+// Whether nothing of a cell is left there by the reference's clip. What lies beside the clip's edge is not looked at: a
+// pick is hardly larger than the line that it is at.
+bool isCutOff(const OdDbBlockReference& reference, const OdGeMatrix3d& toWorld, const Rectangle& rectangle) {
+    if (!reference.isClipped()) return false;
+    const auto clip = clipOf(reference);
+    if (!clip || clip->empty()) return false;
+    std::vector<OdGePoint2d> corners;
+    for (const OdGePoint3d& corner : *clip) corners.push_back((toWorld * corner).xy());
+    return !rectangle.meetsArea(corners);
 }
 
 // Attribute definitions show only in their references, and there only constant ones.
@@ -113,6 +125,7 @@ class Meeting {
         const auto block = reference.blockTableRecord().openIf<OdDbBlockTableRecord>();
         if (!block) return false;
         return anyCell(reference, budget_, [&](const OdGeMatrix3d& cell) {
+            if (isCutOff(reference, toWorld * cell, rectangle_)) return false;
             for (OdDbObjectId id : block->entities()) {
                 if (budget_ < 0) return false;
                 const auto inner = id.openIf<OdDbEntity>();
@@ -179,6 +192,7 @@ void collectNested(OdDbObjectId referenceId, const OdGeMatrix3d& toWorld, const 
         anyCell(
             *reference, budget,
             [&](const OdGeMatrix3d& cell) {
+                if (isCutOff(*reference, toWorld * cell, rectangle)) return false;
                 for (OdDbObjectId id : block->entities()) {
                     if (--budget < 0) return true;
                     const auto entity = id.openIf<OdDbEntity>();
