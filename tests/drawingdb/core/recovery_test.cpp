@@ -1,4 +1,5 @@
 // Recovery of damaged files: what is kept, what is told, and that what is saved is sound.
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -111,6 +112,24 @@ TEST(Recovery, TellsWhatWasLeftOutByRecordAndLine) {
         EXPECT_NE(toldOf(database).find(row.told), std::string::npos) << row.what << ":\n" << toldOf(database);
         EXPECT_EQ(toldOf(database).rfind("plan.dxf:", 0), 0u) << row.what;
     }
+}
+
+// One fault is told once: what follows from its mend is none.
+TEST(Recovery, TellsAFaultOnce) {
+    const std::string polyline =
+        "0\nSECTION\n2\nENTITIES\n0\nPOLYLINE\n8\n0\n66\n1\n0\nVERTEX\n8\n0\n10\n1\n20\n2\n"
+        "0\nVERTEX\n8\n0\n10\n3\n20\n4\n0\nLINE\n8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n"
+        "0\nENDSEC\n0\nEOF\n";
+    EXPECT_EQ(toldOf(recovered(polyline)),
+              "plan.dxf:27: the SEQEND of POLYLINE is missing before this; it was added\n");
+
+    const std::string twice = with(sampleBytes(), "  0\nTABLE\n  2\nSTYLE\n",
+                                   "  0\nENDSEC\n  0\nSECTION\n  2\nTABLES\n  0\nTABLE\n  2\nSTYLE\n");
+    const auto database = recovered(twice);
+    EXPECT_FALSE(database->findLayer(L"WALLS").isNull());
+    const std::string told = toldOf(database);
+    EXPECT_NE(told.find("a second SECTION TABLES; what it holds went into the first\n"), std::string::npos) << told;
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << told;
 }
 
 TEST(Recovery, KeepsWhatIsWhole) {
