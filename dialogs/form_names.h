@@ -21,7 +21,7 @@ using ControlTest = std::function<bool(const Control&)>;
 /// The caption as it is spoken: "Template File" for "&Template File...".
 std::wstring plainName(std::wstring_view caption);
 /// What the control is called in messages and forms; empty when it has no name.
-std::wstring nameOf(const Control& control);
+DIALOGS_API std::wstring nameOf(const Control& control);
 /// The number in "Name(2)", and the name without it.
 std::optional<std::size_t> takeNumber(std::wstring_view& name);
 /// The control of that name among those that are shown and pass the test. Null: none.

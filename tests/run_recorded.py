@@ -3,7 +3,8 @@
 
     run_recorded.py --program TORVELHOST --recorder LIBRARY [--option OPTION] CASE.scr...
 
-Both runs must print the same, but for the lines themselves, and leave the same files. Options are for the first run alone: windows are
+Both runs must print the same, but for the lines themselves, and leave the same files; and a screen reader must get a name
+of every control that can have the focus. Options are for the first run alone: windows are
 recorded, and forms replay. Cases are those of run_case.py; one whose run breaks off is left out.
 """
 
@@ -56,6 +57,8 @@ def recorded_script(script, notes):
         if kind == "recorded":
             made.append(line)
             continue
+        if kind == "nameless":
+            raise run_case.Failure(f"without a name for screen readers: {line}")
         taken = lines.index(line)
         made += lines[:taken] + ([line] if kind == "asked" else [])
         del lines[:taken + 1]

@@ -35,6 +35,7 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "dialogs/form_names.h"
 #include "dialogs/form_script.h"
 #include "dialogs/qt/control_widget.h"
 #include "dialogs/qt/qt_text.h"
@@ -175,6 +176,19 @@ void QtView::connectBuddies(Dialog& dialog) {
     }
 }
 
+// Buttons say what they show. Qt's drop-downs go by the label that they are the buddy of; the line of one does not.
+void QtView::nameControls() {
+    if (!std::exchange(namesAreOld_, false)) return;
+    for (const auto& [control, widget] : widgets_) {
+        if (!control->takesFocus() || qobject_cast<QAbstractButton*>(widget)) continue;
+        const std::wstring name = nameOf(*control);
+        const QString spoken = name.empty() ? root_->windowTitle() : toQt(name);
+        widget->setAccessibleName(spoken);
+        if (QLineEdit* const line = lineOf(widget)) line->setAccessibleName(spoken);
+        if (auto* const tabs = qobject_cast<QTabWidget*>(widget)) tabs->tabBar()->setAccessibleName(spoken);
+    }
+}
+
 template <class Action>
 auto QtView::byUser(Action action) {
     return [this, action](auto&&...) {
@@ -256,6 +270,8 @@ void QtView::changed(Control& control, Aspect aspect) {
     if (!widget) return;
     const Applying applying(*this);
     showAspect(control, widget, aspect);
+    namesAreOld_ |=
+        aspect == Aspect::kVisible || aspect == Aspect::kExtras || (aspect == Aspect::kText && !control.isText());
 }
 
 void QtView::pageShown(Control& tab) {
@@ -268,6 +284,7 @@ void QtView::pageShown(Control& tab) {
 }
 
 void QtView::showFocus(Control* control) {
+    nameControls();
     const Applying applying(*this);
     QWidget* const widget = control ? widgetOf(*control) : nullptr;
     QWidget* const target = widget ? widget : root_.get();
@@ -348,6 +365,7 @@ void QtView::work() {
     while (!run_.hasEnded()) {
         pump();
         if (run_.hasEnded()) break;
+        nameControls();
         if (script) {
             script->step();
             rethrow();

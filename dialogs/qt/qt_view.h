@@ -60,6 +60,8 @@ class QtView final : public QObject, public View {
     void makeControls(Dialog& dialog, QWidget* parent);
     void connectWidget(Control& control, QWidget* widget);
     void connectBuddies(Dialog& dialog);
+    /// For screen readers, where captions changed since.
+    void nameControls();
     void centerOnOwner();
 
     /// ---- events, before a widget gets them. True: the event is done with
@@ -104,6 +106,7 @@ class QtView final : public QObject, public View {
     std::unordered_map<const Control*, QWidget*> widgets_;
     double unitWidth_ = 0, unitHeight_ = 0;  // of a dialog unit
     bool isPlaced_ = false;
+    bool namesAreOld_ = false;
     int applying_ = 0;
     std::exception_ptr failure_;
 };

@@ -4,10 +4,14 @@
 //     took Tag = A        a line of the script that does something
 //     asked show          one that only shows something
 //     recorded Tag = A
+//     nameless 1004            a control that a screen reader would meet without a name
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fstream>
 #include <memory>
+#include <QAccessible>
+#include <QApplication>
+#include <QWidget>
 
 #include "base/text.h"
 #include "dialogs/process.h"
@@ -23,6 +27,25 @@ bool onlyShows(std::wstring_view line) {
     for (std::wstring_view verb : {L"show", L"tip ", L"help", L"width ", L"move ", L"picture "})
         if (line.starts_with(verb)) return true;
     return line.starts_with(L"menu ") && line.find(L':') == line.npos;
+}
+
+// What a screen reader asks for. A drop-down goes by its label.
+bool hasName(QWidget& widget) {
+    QAccessibleInterface* const asked = QAccessible::queryAccessibleInterface(&widget);
+    return asked && ((asked->role() != QAccessible::ComboBox && !asked->text(QAccessible::Name).trimmed().isEmpty()) ||
+                     !asked->relations(QAccessible::Label).isEmpty());
+}
+
+void noteNameless() {
+    QWidget* const dialog = qApp ? QApplication::activeModalWidget() : nullptr;
+    if (!dialog) return;
+    for (QWidget* const widget : dialog->findChildren<QWidget*>())
+        if (widget->isVisible() && widget->isEnabled() && widget->focusPolicy() != Qt::NoFocus &&
+            !widget->focusProxy() && !hasName(*widget))
+            note("nameless",
+                 base::fromUtf8(QStringLiteral("%1 %2 of \"%3\"")
+                                    .arg(widget->metaObject()->className(), widget->objectName(), dialog->windowTitle())
+                                    .toStdString()));
 }
 
 class NotedLines final : public dialogs::LineSource {
@@ -44,6 +67,7 @@ class NotedLines final : public dialogs::LineSource {
   private:
     static std::optional<std::wstring> noted(std::optional<std::wstring> line) {
         if (!line) return line;
+        noteNameless();
         const bool shows = onlyShows(*line);
         if (shows) const dialogs::HiddenWindows tellsWhatWaits;
         note(shows ? "asked" : "took", *line);

@@ -1,5 +1,6 @@
 // The window of Qt, worked by mouse and keys that come through its window as those of the system do.
 #include <gmock/gmock.h>
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
@@ -174,9 +175,14 @@ TEST_F(QtFrame, TabReachesEveryPart) {
         ASSERT_TRUE(focus);
         reached.insert(focus->objectName().isEmpty() ? focus->parentWidget()->objectName().toStdString()
                                                      : focus->objectName().toStdString());
-        EXPECT_FALSE(focus->accessibleName().isEmpty() && !qobject_cast<const QToolButton*>(focus));
     }
     EXPECT_THAT(reached, ElementsAre("Command line", "History", "Layouts", "Prompt", "Tools"));
+    for (QWidget* const widget : window().findChildren<QWidget*>()) {
+        if (!widget->isVisible() || (widget->focusPolicy() == Qt::NoFocus && widget != &canvas())) continue;
+        QAccessibleInterface* const asked = QAccessible::queryAccessibleInterface(widget);
+        EXPECT_TRUE(asked && !asked->text(QAccessible::Name).isEmpty())
+            << "for screen readers: " << widget->metaObject()->className();
+    }
 }
 
 TEST_F(QtFrame, WhileACommandWorksOnlyEscapeIsHeard) {
