@@ -163,6 +163,12 @@ TEST_F(QtFrame, MenusTabsAndWords) {
     settle();
     EXPECT_THAT(events.log, ElementsAre("tab 1", "word 0"));
     EXPECT_TRUE(line().hasFocus());
+    events.log.clear();
+    press(Qt::Key_Tab, Qt::ControlModifier);
+    settle();
+    press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    settle();
+    EXPECT_THAT(events.log, ElementsAre("tab 0", "tab 1"));
     EXPECT_EQ(window().findChildren<QToolButton*>(QString(), Qt::FindDirectChildrenOnly).size(), 0);
 }
 

@@ -420,6 +420,14 @@ bool QtFrame::isShortcut(const QKeyEvent& event) const {
 bool QtFrame::takeKey(QWidget& widget, QKeyEvent& event) {
     if (typing_ || QApplication::activePopupWidget() || qobject_cast<QMenuBar*>(&widget)) return false;
     if (isHeld(event.key())) return false;
+    if (event.modifiers().testFlag(Qt::ControlModifier) &&
+        (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab)) {
+        // All round, whatever has the focus.
+        handOver([this, step = event.key() == Qt::Key_Tab ? 1 : -1](ViewEvents&) {
+            if (const int count = tabs_.count()) tabs_.setCurrentIndex((tabs_.currentIndex() + step + count) % count);
+        });
+        return true;
+    }
     const bool isLine = &widget == &line_ || &widget == this || &widget == &canvas_;
     const auto key = keyOf(event);
     const bool isEverywhere = key == Key::kEscape || key == Key::kHelp;
