@@ -15,7 +15,7 @@ def check(case):
     assert [r.type for r in door] == ["LINE", "LINE", "INSERT", "INSERT", "TEXT", "ATTDEF"]
     assert {r.owner for r in door} == {record["TOR"].handle}
     begin = next(r for r in after.sections["BLOCKS"] if r.type == "BLOCK" and r.text(2) == "TOR")
-    assert begin.point(10) == (1, 0, 0) and begin.integer(70) == 2
+    assert begin.point(10) == (1, 0, 0) and begin.integer(70) == 2 and begin.text(4) == "eine Tür"
     sill, leaf = door[:2]
     # A handle of what came along, one of what did not, the layer.
     assert leaf.all(1005) == [sill.handle, "0"] and leaf.text(1000) == "öffnet" and leaf.text(1003) == "Türen"

@@ -64,7 +64,8 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     void setBackgroundTransparency(std::int32_t value);
     double actualHeight() const;
     double actualWidth() const;
-    /// The lines in their places: x along the direction, y across it in the plane of the normal, from the location.
+    /// The lines in their places and columns: x along the direction, y across it in the plane of the normal, from the
+    /// location.
     /// In another font than the built-in one where its advances are given.
     drawingdb::MTextLayout layout(const drawingdb::MTextAdvance& advance = {}) const;
     /// From the coordinates of layout() to the world's.
@@ -92,6 +93,7 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     /// Which of direction and rotation holds: the one that stands later behind that marker.
     void chooseDirection(std::string_view record, const char* marker);
     void copyMTextFrom(const OdDbMText& other);
+    drawingdb::MTextColumns columns() const;
     friend class OdDbField;
     friend class OdDbAttributeText;
     virtual void setTextFromField(const OdString& text);
@@ -124,5 +126,9 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     double columnsHeight_ = 0;
     double columnWidth_ = 0;
     double columnGutter_ = 0;
+    std::int16_t columnsKind_ = 0;  // 0 none, 1 as many as there are, 2 as many as it takes
+    std::int16_t columnCount_ = 0;
+    std::int16_t columnsAreEqual_ = 0;
+    std::int16_t columnsAreReversed_ = 0;
     std::vector<double> columnHeights_;
 };

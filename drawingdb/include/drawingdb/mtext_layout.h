@@ -18,7 +18,18 @@ namespace drawingdb {
 /// How far it is from a character to the next in a format, in text heights.
 using MTextAdvance = std::function<double(char32_t, const MTextFormat&)>;
 
-/// What the text's style gives.
+/// Columns side by side that lines fill one after the other.
+struct MTextColumns {
+    double width = 0.0;  ///< of each; 0: there are none
+    double gutter = 0.0;
+    /// Of each; the last one counts for all that follow. 0: as high as it takes.
+    std::vector<double> heights;
+    /// What the last one does not hold goes on below it. 0: as many as it takes.
+    int most = 0;
+    bool rightToLeft = false;
+};
+
+/// What the text's style and form give.
 struct MTextStyle {
     double widthFactor = 1.0;
     double oblique = 0.0;
@@ -26,6 +37,8 @@ struct MTextStyle {
     bool exactLineSpacing = false;
     /// None: the built-in font.
     MTextAdvance advance;
+    /// Where there are some, their width counts for lines.
+    MTextColumns columns;
 };
 
 /// A run in its place. The origin is the text's location, x runs along its direction.
@@ -45,7 +58,7 @@ struct MTextLine {
 struct MTextLayout {
     std::vector<MTextLine> lines;
     double width = 0.0;   ///< of the longest line, which may be more or less than the width asked for
-    double height = 0.0;  ///< from the top of the first line to the lowest stroke of the last
+    double height = 0.0;  ///< from the top of the first line to the lowest stroke of the last, of the longest column
     /// Of the text itself: top left, top right, bottom left, bottom right.
     std::array<OdGePoint2d, 4> boundingPoints;
 };

@@ -74,6 +74,7 @@ struct MTextParagraph {
     MTextParagraphFormat format;
     std::vector<MTextRun> runs;
     MTextFormat endFormat;  ///< in force at its end; gives an empty paragraph its height
+    bool beginsColumn = false;
 };
 
 /// Always at least one paragraph. The initial format gives the nominal height, to which \H2x; relates.

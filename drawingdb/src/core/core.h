@@ -248,6 +248,7 @@ class Core {
         OdGePoint3d origin;
         std::int64_t flags = 0;
         std::wstring path;  // of an external reference
+        std::wstring description;
         std::int64_t units = 0;
         std::int64_t explodable = 1, scalability = 0;
     };

@@ -497,6 +497,7 @@ void Core::writeBlockRecords(const NewBlock& made, std::wstring_view blockName, 
         writer.point(10, head.origin.x, head.origin.y, head.origin.z);
         writer.wide(3, blockName);
         writer.wide(1, head.path);
+        if (!head.description.empty() && format.version >= version::v2000) writer.wide(4, head.description);
     });
     fill(*made.end, "ENDBLK", owner, [&](GroupWriter& writer) {
         writer.marker("AcDbEntity");

@@ -629,6 +629,7 @@ class Importer {
                 if (walk.part() == RecordPart::field && walk.group().code == 70)
                     head.flags = groupInteger(walk.group(), source_.format.binary).value_or(0) & kKept;
             if (head.flags != 0) head.path = source_.groupWide(*begin, 1);
+            head.description = source_.groupWide(*begin, 4);
         } else {
             head.origin = source_.database.headerPoint("$INSBASE", {});
         }

@@ -20,6 +20,8 @@ namespace {
 constexpr std::int32_t kFill = 1;         // bits of the background: it is filled,
 constexpr std::int32_t kWindowColor = 2;  // with the colour of the drawing's window
 constexpr std::int16_t kExactSpacing = 2;
+constexpr std::int16_t kDynamicColumns = 2;  // as many as the text takes
+constexpr int kMostColumns = 1000;
 
 // The contents with the heights that stand in them (\H2.5;) multiplied. Relative ones (\H2x;) stay.
 OdString withScaledHeights(const OdString& contents, double factor) {
@@ -93,6 +95,10 @@ void OdDbMText::describe(Describer& d) {
     d.required().real(43, columns.columnsHeight_);
     d.real(44, columns.columnWidth_);
     d.real(45, columns.columnGutter_);
+    d.int16(71, columns.columnsKind_);
+    d.int16(72, columns.columnCount_);
+    d.int16(73, columns.columnsAreEqual_);
+    d.int16(74, columns.columnsAreReversed_);
     d.run({46});
     self.columns_.reset();
 }
@@ -312,6 +318,19 @@ void OdDbMText::copyMTextFrom(const OdDbMText& other) {
 // ---------------------------------------------------------------------------------------------------------------------
 // Geometry
 
+// In files before 2018 each column is a text of its own.
+drawingdb::MTextColumns OdDbMText::columns() const {
+    drawingdb::MTextColumns columns;
+    if (!columns_ || columns_->columnsKind_ == 0) return columns;
+    columns.width = columns_->columnWidth_;
+    columns.gutter = columns_->columnGutter_;
+    columns.most = std::clamp<int>(columns_->columnCount_, 0, kMostColumns);
+    columns.rightToLeft = columns_->columnsAreReversed_ != 0;
+    const bool haveTheirOwn = columns_->columnsKind_ == kDynamicColumns && columns_->columnsAreEqual_ == 0;
+    columns.heights = haveTheirOwn ? columnHeights_ : std::vector{columns_->definedHeight_};
+    return columns;
+}
+
 drawingdb::MTextLayout OdDbMText::layout(const drawingdb::MTextAdvance& advance) const {
     drawingdb::MTextStyle style;
     if (const auto record = textStyle().openIf<OdDbTextStyleTableRecord>()) {
@@ -320,6 +339,7 @@ drawingdb::MTextLayout OdDbMText::layout(const drawingdb::MTextAdvance& advance)
     }
     style.advance = advance;
     style.exactLineSpacing = lineSpacingStyle_ == kExactSpacing;
+    style.columns = columns();
     return drawingdb::mtextLayout(contents(), height_, width_, attachment_, lineSpacingFactor_, style);
 }
 OdGeMatrix3d OdDbMText::layoutToWorld() const {

@@ -106,7 +106,8 @@ class MTextLayouter {
           row_(attachment >= 1 && attachment <= 9 ? (attachment - 1) / 3 : 0),
           lineSpacing_(kLineSpacing * (lineSpacingFactor > 0.0 ? lineSpacingFactor : 1.0)),
           exact_(style.exactLineSpacing),
-          advance_(style.advance) {}
+          advance_(style.advance),
+          columns_(style.columns) {}
 
     MTextLayout layOut(const std::vector<MTextParagraph>& paragraphs) {
         for (const MTextParagraph& paragraph : paragraphs) breakIntoLines(paragraph);
@@ -123,6 +124,8 @@ class MTextLayouter {
         double rightIndent = 0.0;
         MTextJustification justification = MTextJustification::Left;
         bool lastOfParagraph = false;
+        bool beginsColumn = false;
+        int column = 0;
     };
 
     void breakIntoLines(const MTextParagraph& paragraph) {
@@ -135,6 +138,7 @@ class MTextLayouter {
                 (paragraph.format.leftIndent + (firstLine ? paragraph.format.firstIndent : 0.0)) * nominalHeight_;
             room.rightIndent = paragraph.format.rightIndent * nominalHeight_;
             room.justification = justificationOf(paragraph.format);
+            room.beginsColumn = firstLine && paragraph.beginsColumn;
             next = fillLine(paragraph, pieces, next, room);
             firstLine = false;
         } while (next < pieces.size());
@@ -275,12 +279,33 @@ class MTextLayouter {
         line.width += spare;
     }
 
-    // Baselines from the top down, with y = 0 at the top.
+    double columnHeight(int column) const {
+        if (columns_.heights.empty()) return 0.0;
+        return columns_.heights[std::min(static_cast<std::size_t>(column), columns_.heights.size() - 1)];
+    }
+
+    // Whether a line that would stand there belongs to the next column, where there may be another.
+    bool endsColumn(const LineRoom& room, int column, double baseline) const {
+        if (!(columns_.width > 0.0) || (columns_.most > 0 && column + 1 >= columns_.most)) return false;
+        const double height = columnHeight(column);
+        return room.beginsColumn || (height > 0.0 && -baseline > height * (1.0 + kSlackInWidth));
+    }
+
+    // Baselines from the top down, with y = 0 at the top of each column.
     void stackLines() {
         double baseline = 0.0;
+        bool firstOfColumn = true;
         for (std::size_t i = 0; i < layout_.lines.size(); ++i) {
             MTextLine& line = layout_.lines[i];
-            baseline -= i == 0 ? line.height : lineSpacing_ * (exact_ ? nominalHeight_ : line.height);
+            const double lineStep = lineSpacing_ * (exact_ ? nominalHeight_ : line.height);
+            baseline -= firstOfColumn ? line.height : lineStep;
+            if (!firstOfColumn && endsColumn(rooms_[i], lastColumn_, baseline)) {
+                layout_.height = std::max(layout_.height, layout_.lines[i - 1].descent - baseline - lineStep);
+                ++lastColumn_;
+                baseline = -line.height;
+            }
+            firstOfColumn = false;
+            rooms_[i].column = lastColumn_;
             line.position.y = baseline;
             for (MTextPlacedRun& run : line.runs) {
                 const double spare = line.height - runHeight(run);
@@ -291,16 +316,21 @@ class MTextLayouter {
                 line.descent = std::max(line.descent, runDescent(run) - raise);
             }
         }
-        layout_.height = layout_.lines.back().descent - baseline;
+        layout_.height = std::max(layout_.height, layout_.lines.back().descent - baseline);
     }
 
     void placeAboutLocation() {
-        const double boxWidth = boxWidth_ > 0.0 ? boxWidth_ : naturalWidth_;
+        const int columns = columns_.width > 0.0 ? std::max(lastColumn_ + 1, columns_.most) : 1;
+        const double step = boxWidth_ + columns_.gutter;
+        const double boxWidth = (boxWidth_ > 0.0 ? boxWidth_ : naturalWidth_) + (columns - 1) * step;
         const OdGeVector2d shift(-boxWidth * column_ / 2.0, layout_.height * row_ / 2.0);
         double left = std::numeric_limits<double>::max(), right = -left;
-        for (MTextLine& line : layout_.lines) {
-            line.position += shift;
-            for (MTextPlacedRun& run : line.runs) run.position += shift;
+        for (std::size_t i = 0; i < layout_.lines.size(); ++i) {
+            MTextLine& line = layout_.lines[i];
+            const int column = columns_.rightToLeft ? columns - 1 - rooms_[i].column : rooms_[i].column;
+            const OdGeVector2d inColumn = shift + OdGeVector2d(column * step, 0.0);
+            line.position += inColumn;
+            for (MTextPlacedRun& run : line.runs) run.position += inColumn;
             left = std::min(left, line.position.x);
             right = std::max(right, line.position.x + line.width);
         }
@@ -316,6 +346,8 @@ class MTextLayouter {
     double lineSpacing_;
     bool exact_;
     const MTextAdvance& advance_;
+    const MTextColumns& columns_;
+    int lastColumn_ = 0;
     double naturalWidth_ = 0.0;
     MTextLayout layout_;
     std::vector<LineRoom> rooms_;  // one for each line
@@ -338,7 +370,8 @@ MTextLayout mtextLayout(std::wstring_view contents, double height, double width,
     initial.height = height > 0.0 && std::isfinite(height) ? height : 1.0;
     initial.widthFactor = style.widthFactor > 0.0 && std::isfinite(style.widthFactor) ? style.widthFactor : 1.0;
     initial.oblique = style.oblique;
-    return MTextLayouter(initial.height, width, attachment, lineSpacingFactor, style)
+    const double lineWidth = style.columns.width > 0.0 ? style.columns.width : width;
+    return MTextLayouter(initial.height, lineWidth, attachment, lineSpacingFactor, style)
         .layOut(parseMText(contents, initial));
 }
 

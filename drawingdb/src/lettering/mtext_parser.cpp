@@ -164,7 +164,10 @@ class MTextParser {
                 return true;
             case L'N':
                 // At the end it only says that a column ended there.
-                if (at_ < text_.size()) nextParagraph();
+                if (at_ < text_.size()) {
+                    nextParagraph();
+                    paragraphs_.back().beginsColumn = true;
+                }
                 return true;
             case L'L':
             case L'l':

@@ -193,6 +193,53 @@ TEST(MTextLayout, HangsOnItsAttachment) {
         }
 }
 
+TEST(MTextLayout, FillsColumns) {
+    // Lines of height 1 stand 5/3 apart: two in a column of 3, three in one of 5. Where each line begins:
+    const struct {
+        const char* what;
+        MTextColumns columns;
+        const wchar_t* contents;
+        int attachment;
+        std::vector<OdGePoint2d> starts;
+    } cases[] = {
+        {"equal ones",
+         {4, 1, {3}, 0, false},
+         L"a\\Pb\\Pc\\Pd\\Pe",
+         1,
+         {{0, -1}, {0, -8 / 3.0}, {5, -1}, {5, -8 / 3.0}, {10, -1}}},
+        {"of their own heights",
+         {4, 1, {3, 5, 0}, 3, false},
+         L"a\\Pb\\Pc\\Pd\\Pe\\Pf",
+         1,
+         {{0, -1}, {0, -8 / 3.0}, {5, -1}, {5, -8 / 3.0}, {5, -13 / 3.0}, {10, -1}}},
+        {"the last one runs over", {4, 1, {1}, 2, false}, L"a\\Pb\\Pc", 1, {{0, -1}, {5, -1}, {5, -8 / 3.0}}},
+        {"by a code", {4, 1, {0}, 3, false}, L"a\\Nb\\Pc\\N", 1, {{0, -1}, {5, -1}, {5, -8 / 3.0}}},
+        {"from the right", {4, 1, {1}, 3, true}, L"a\\Pb", 1, {{10, -1}, {5, -1}}},
+        {"a line higher than its column", {4, 1, {0.5}, 0, false}, L"a\\Pb", 1, {{0, -1}, {5, -1}}},
+        {"hung at its lower right",
+         {4, 1, {3}, 2, false},
+         L"\\pql;a\\Pb\\Pc",
+         9,
+         {{-9, 5 / 3.0}, {-9, 0}, {-4, 5 / 3.0}}},
+        {"none", {0, 1, {1}, 3, true}, L"a\\Nb", 1, {{0, -1}, {0, -8 / 3.0}}},
+    };
+    for (const auto& c : cases) {
+        MTextStyle style;
+        style.columns = c.columns;
+        const MTextLayout layout = mtextLayout(c.contents, 1.0, 50.0, c.attachment, 1.0, style);
+        ASSERT_EQ(layout.lines.size(), c.starts.size()) << c.what;
+        for (std::size_t i = 0; i < c.starts.size(); ++i)
+            EXPECT_LT(layout.lines[i].position.distanceTo(c.starts[i]), 1e-9)
+                << c.what << ", line " << i << ": " << layout.lines[i].position.x << ',' << layout.lines[i].position.y;
+        EXPECT_NEAR(layout.boundingPoints[0].y - layout.boundingPoints[2].y, layout.height, 1e-9) << c.what;
+    }
+    // As long as its longest column, and lines are as wide as a column.
+    MTextStyle style;
+    style.columns = {4, 1, {3}, 0, false};
+    EXPECT_NEAR(mtextLayout(L"a\\Pb\\Pc", 1.0, 0, 1, 1.0, style).height, 8 / 3.0, 1e-9);
+    EXPECT_EQ(mtextLayout(L"word word word", 1.0, 50, 1, 1.0, style).lines.size(), 3U);
+}
+
 TEST(MTextLayout, PlacesRunsInALine) {
     // Tabs lead to the next stop; runs follow each other.
     const MTextLayout tabs = mtextLayout(L"\\pl1,t6,10;a\tb\t{\\C1;c}d\te", 2.0, 0, 1);
