@@ -127,6 +127,9 @@ TEST_F(Win32Frame, MenusTabsAndWords) {
     SendMessageW(child(L"SysTabControl32"), 0x130A /* TCM_GETITEMRECT */, 1, reinterpret_cast<LPARAM>(&tab));
     click(child(L"SysTabControl32"), (tab.left + tab.right) / 2, (tab.top + tab.bottom) / 2);
     EXPECT_THAT(logged("tab"), ElementsAre("tab 1"));
+    hand::press(Key::kTab, Held::kControl);
+    settle();
+    EXPECT_THAT(logged("tab"), ElementsAre("tab 1", "tab 0"));
 
     HWND const prompt = child(L"SysLink");
     SIZE whole = {}, before = {};

@@ -450,6 +450,14 @@ bool Win32Frame::takeKey(const MSG& message) {
     MSG copy = message;
     if (accelerators_ && TranslateAcceleratorW(window_, accelerators_, &copy)) return true;
     const bool alt = message.message == WM_SYSKEYDOWN, control = GetKeyState(VK_CONTROL) < 0;
+    if (const int tabs = TabCtrl_GetItemCount(tabs_); tabs > 0 && control && !alt && message.wParam == VK_TAB) {
+        // All round, whatever has the focus.
+        const int step = GetKeyState(VK_SHIFT) < 0 ? tabs - 1 : 1;
+        const int next = (TabCtrl_GetCurSel(tabs_) + step) % tabs;
+        TabCtrl_SetCurSel(tabs_, next);
+        tell([&](ViewEvents& events) { events.tabChosen(static_cast<std::size_t>(next)); });
+        return true;
+    }
     HWND const focus = GetFocus();
     const bool inLine = focus == line_ || focus == window_;
     if (const auto key = keyOf(message.wParam); key && !alt && !control) {
