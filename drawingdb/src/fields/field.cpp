@@ -761,6 +761,7 @@ bool OdDbField::evaluateCode(Evaluation& run, const std::vector<FieldPtr>& child
     if (!evaluator) return hasCache() || fail(noEvaluator);
 
     std::vector<OdDbFieldValue> values;
+    values.reserve(children.size());
     for (const FieldPtr& child : children) values.push_back(child ? child->value_ : OdDbFieldValue());
     std::vector<OdDbObjectId> objects;
     for (const HandleRef& object : objectRefs_)
