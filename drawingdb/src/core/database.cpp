@@ -67,6 +67,10 @@ OdDbDatabasePtr OdDbDatabase::recoverBytes(const std::string& bytes, const std::
     database->core_->warnings = std::move(recovered.damages);
     base::FileReading reading{base::FileBuffer(recovered.bytes)};
     database->core_->readIndex(reading);
+    // Where the recovery finds no record, the bytes come as they were; the reader may still see the head of a drawing.
+    if (database->isReadOnly())
+        throw OdError(OdResult::badFile, database->core_->where(nullptr) +
+                                             "this is no drawing: not a single section of it can be recovered");
     return database;
 }
 

@@ -265,7 +265,8 @@ TEST(Recovery, RandomDamage) {
 
 TEST(Recovery, RefusesWhatIsNoDrawing) {
     for (const std::string& bytes : {std::string(), std::string("Dear reader,\n\nhello\n"), std::string(5000, '\0'),
-                                     std::string("AC1032\0\0\0\0\0\0\0", 13)})
+                                     std::string("AC1032\0\0\0\0\0\0\0", 13),
+                                     std::string("DRAWING Binary DXF\r\n\x1A\0\0SECTION\0\2HE\1\0\0SECTI", 42)})
         EXPECT_THROW(OdDbDatabase::recoverBytes(bytes, L"letter.dxf"), OdError);
 }
 
