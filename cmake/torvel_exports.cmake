@@ -25,6 +25,10 @@ function(torvel_exports target list_file)
   else()
     # Everything is visible to the linker, which then keeps the listed names alone.
     set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+      # It takes no compiled header that was made where names are hidden.
+      set_target_properties(${target} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)
+    endif()
     string(JOIN ";\n    " text ${names})
     if(type STREQUAL "EXECUTABLE")
       set(file "${stem}.dynlist")

@@ -21,10 +21,10 @@ endfunction()
 # torvel_standard_headers(TARGET)
 #
 # What nearly every source of the large rooms includes of the standard library and Boost, compiled once for TARGET.
-# Headers of the project are not among them: a change of one would compile everything again. Not for the fuzzers, so
+# Headers of the project are not among them: a change of one would compile everything again. Not with the sanitizers, so
 # that one of the builds shows whether a source includes what it uses.
 function(torvel_standard_headers target)
-  if(NOT TORVEL_FUZZ)
+  if(NOT TORVEL_SANITIZE)
     target_precompile_headers(${target} PRIVATE
       <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <optional> <span> <stdexcept> <string>
       <string_view> <unordered_map> <utility> <vector> <boost/format.hpp>)

@@ -11,8 +11,9 @@ if(TORVEL_TESTS AND NOT TORVEL_GOOGLETEST_SOURCES)
   message(STATUS "GoogleTest's sources are not installed: the tests are not built.")
   set(TORVEL_TESTS OFF)
 endif()
-# What is tested is compiled as the preset says; the tests themselves run once and need no long optimising.
-set(TORVEL_TEST_OPTIONS $<$<CONFIG:Release>:-Og>)
+# What is tested is compiled as the preset says; the tests themselves run once and need no long optimising. Clang is twice as
+# fast without any, GCC is not.
+set(TORVEL_TEST_OPTIONS $<IF:$<CXX_COMPILER_ID:Clang>,-O0,$<$<CONFIG:Release>:-Og>>)
 if(TORVEL_TESTS)
   set(INSTALL_GTEST OFF CACHE INTERNAL "")
   set(gtest_force_shared_crt ON CACHE INTERNAL "")

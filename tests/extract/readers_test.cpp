@@ -83,8 +83,8 @@ TEST(AttributeReader, SaysWhatTheObjectSays) {
 // data.
 TEST(ReferenceReader, UnderstandsUnusualRecords) {
     const char* const records[] = {
-        "100|AcDbEntity|8|WALLS|100|AcDbBlockReference|2|A|10|1.5|20|-2|30|3|41|2|42|-1|43|0.5|50|30|210|0|220|0|230|-"
-        "1|",
+        ("100|AcDbEntity|8|WALLS|100|AcDbBlockReference|2|A|10|1.5|20|-2|30|3|41|2|42|-1|43|0.5|50|30|210|0|220|0|230|-"
+         "1|"),
         "100|AcDbEntity|8|T\\U+00FCr|100|AcDbBlockReference|2|*U1|10|1|10|2|20|5|8|late|",
         "100|AcDbEntity|102|{VENDOR|8|no|102|}|8|yes|100|AcDbBlockReference|2|a|10|1|20|1|210|0.3|220|0.4|230|0.5|",
         "102|{VENDOR|8|no|102|}|100|AcDbEntity|8||100|AcDbBlockReference|2|NOWHERE|50|1e1|",
