@@ -42,11 +42,18 @@ make_prefix() {
     touch "$prefix/ready"
 }
 
-# A server that stays for a while, so that no program meets one that is just ending. What it starts stays as long and
-# must not hold the caller's pipes open, so the first program of all is one without any.
-start_server() {
-    if "$WINESERVER" -p60; then
-        "$wine" wineboot
+# What Wine starts beside a program holds that program's pipes, and who reads them waits for it too: the server's services,
+# and the desktop, which comes with the first window and goes a second after the last program. So both are started before,
+# without pipes, and stay for a while; a command line without input counts as a program. On a screen a desktop would be seen.
+keep_server() {
+    local is_new=
+    "$WINESERVER" -p60 && is_new=yes
+    if [ -n "${ON_SCREEN:-}" ]; then
+        [ -z "$is_new" ] || "$wine" wineboot
+    elif [ -n "$is_new" ] || [ -z "$(find "$prefix.desktop" -newermt '-30 seconds' 2>/dev/null)" ]; then
+        touch "$prefix.desktop"
+        sleep 60 | "$wine" cmd &
+        "$wine" explorer.exe /desktop </dev/null &
     fi
 }
 
@@ -55,7 +62,7 @@ mkdir -p "$prefix"
     flock 9
     [ -e "$prefix/ready" ] || make_prefix 9>&-
     if [ -n "${WINESERVER:-}" ]; then
-        start_server </dev/null >/dev/null 2>&1 9>&-
+        keep_server </dev/null >/dev/null 2>&1 9>&-
     fi
 ) 9>"$prefix.lock"
 exec "$wine" "$@"
