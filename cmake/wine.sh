@@ -53,7 +53,7 @@ keep_server() {
     elif [ -n "$is_new" ] || [ -z "$(find "$prefix.desktop" -newermt '-30 seconds' 2>/dev/null)" ]; then
         touch "$prefix.desktop"
         sleep 60 | "$wine" cmd &
-        "$wine" explorer.exe /desktop </dev/null &
+        "$wine" start explorer.exe /desktop </dev/null
     fi
 }
 
