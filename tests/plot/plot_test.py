@@ -553,12 +553,29 @@ class PlotTest(unittest.TestCase):
                                 [(220, 120), (200, 120)], [(200, 120), (200, 100)]], GREEN)
         self.assertLines(plot, [[(300, y), (400, y)] for y in (100, 90)], BLUE)
 
+    def test_meshes_that_can_be_subdivided_show_each_edge_once(self):
+        cube = [(x, y, z) for z in (0, 50) for x, y in ((100, 100), (150, 100), (150, 150), (100, 150))]
+        faces = [(0, 1, 2, 3), (4, 5, 6, 7), (0, 1, 5, 4), (1, 2, 6, 5), (2, 3, 7, 6), (3, 0, 4, 7)]
+
+        def add(faces, color, smooth=0):
+            mesh = self.msp.add_mesh({"color": color, "subdivision_levels": smooth})
+            with mesh.edit_data() as data:
+                data.vertices, data.faces = cube, faces
+                data.add_edge_crease(0, 1, 2.0)
+
+        add(faces, 1, smooth=2)
+        add([(0, 1, 2), (0, 2, 99), (4, 5, 6)], 5)
+        plot = self.plot()
+        self.assertIn("not drawn: 1 MESH", self.errors)
+        self.assertEqual((len(plot.lines(RED)), len(plot.areas(RED))), (8, 4))  # four are seen from their end
+        self.assertLines(plot, [[(100, 100), (150, 100)], [(150, 100), (150, 150)], [(150, 150), (100, 100)]], BLUE)
+
     def test_what_cannot_be_drawn_is_counted_once(self):
         block = self.block("PART")
         block.add_body()
         for x in range(3):
             self.msp.add_blockref("PART", (x, 0))
-            self.msp.add_mesh()
+            self.msp.add_region()
         self.doc.add_xref_def("other.dxf", "OTHER")
         self.msp.add_blockref("OTHER", (0, 0))
         # What they show is not there.
@@ -569,7 +586,7 @@ class PlotTest(unittest.TestCase):
         clipped.dictionary.add_new_dict("ACAD_FILTER").add_xrecord("SPATIAL")
         self.plot()
         self.assertEqual(self.errors.count("not drawn"), 1)
-        self.assertIn("not drawn: 1 BODY, 1 DIMENSION, 1 HATCH, 1 INSERT, 3 MESH, 1 clip of INSERT, 1 external reference", self.errors)
+        self.assertIn("not drawn: 1 BODY, 1 DIMENSION, 1 HATCH, 1 INSERT, 3 REGION, 1 clip of INSERT, 1 external reference", self.errors)
 
     # ---- layouts
 

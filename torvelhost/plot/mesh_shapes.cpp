@@ -1,4 +1,6 @@
-// Meshes of the old kind: polylines whose vertices are a grid, or corners and faces.
+// Meshes: polylines whose vertices are a grid, or corners and faces, and the kind that can be subdivided.
+#include <algorithm>
+
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
@@ -72,6 +74,42 @@ void Shapes::addPolyfaceMesh(const OdDbEntity& polyline) {
             }
         }
     }
+}
+
+// 91 how often it is subdivided   92 so many corners: 10...   93 so many numbers (90), of each face how many corners it
+// has and which   94 so many edges, 95 so many creases of them. The faces show as they are before they are subdivided,
+// an edge between two of them once.
+bool Shapes::addSubdivisionMesh(const std::vector<PlotGroup>& groups) {
+    Corners corners;
+    std::vector<std::int64_t> faces;
+    std::int64_t size = 0;
+    bool inFaces = false;
+    for (const PlotGroup& group : groups) {
+        if (group.code == 10) corners.push_back(group.point);
+        if (group.code == 93) size = group.integer;
+        if (group.code == 90 && inFaces) faces.push_back(group.integer);
+        inFaces = group.code == 93 || (inFaces && group.code == 90);
+    }
+    const auto count = static_cast<std::int64_t>(corners.size());
+    std::vector<std::pair<std::size_t, std::size_t>> edges;
+    bool isSound = size == static_cast<std::int64_t>(faces.size());
+    for (std::span<const std::int64_t> rest = faces; isSound && !rest.empty();) {
+        const std::int64_t number = rest[0];
+        rest = rest.subspan(1);
+        isSound = number > 0 && number <= static_cast<std::int64_t>(rest.size());
+        if (!isSound) break;
+        const auto face = rest.first(static_cast<std::size_t>(number));
+        rest = rest.subspan(face.size());
+        isSound = std::ranges::all_of(face, [count](std::int64_t corner) { return corner >= 0 && corner < count; });
+        for (std::size_t i = 0; isSound && i < face.size(); ++i) {
+            const auto [low, high] = std::minmax(face[i], face[(i + 1) % face.size()]);
+            if (low != high) edges.emplace_back(low, high);
+        }
+    }
+    std::ranges::sort(edges);
+    edges.erase(std::ranges::unique(edges).begin(), edges.end());
+    for (const auto& [from, to] : edges) list_.add(DisplayList::Kind::kPolyline, Corners{corners[from], corners[to]});
+    return isSound;
 }
 
 }  // namespace host

@@ -135,6 +135,8 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
         addMultiLine(groupsOf(entity));
     else if (is("POLYLINE"))
         return addMesh(entity, groupsOf(entity));
+    else if (is("MESH"))
+        return addSubdivisionMesh(groupsOf(entity));
     else
         return false;
     return true;

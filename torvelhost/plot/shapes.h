@@ -122,6 +122,8 @@ class Shapes {
     bool addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups);
     void addPolygonMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups, std::int64_t flags);
     void addPolyfaceMesh(const OdDbEntity& polyline);
+    /// False when its faces are damaged; those before the damage are drawn.
+    bool addSubdivisionMesh(const std::vector<PlotGroup>& groups);
 
     /// hatch_shapes.cpp
     bool addHatch(const std::vector<PlotGroup>& groups);
