@@ -2,7 +2,7 @@
 """compare_plots.py A.svg B.svg [--tolerance PIXELS]
 
 Whether two plots show the same: every line of one lies on lines of the other in the same colour and width, every edge
-of an area on such edges, and the reverse. How lines are cut into pieces, and the order of drawing, do not count.
+of an area on such edges, and the reverse; images lie in the same places. How lines are cut into pieces, and the order of drawing, do not count.
 Ends with 0 when they do, 1 with a list of places where they do not.
 """
 
@@ -80,6 +80,10 @@ def differences(a, b, tolerance=0.5):
         for here, there, which in ((looks_a, looks_b, "first"), (looks_b, looks_a, "second")):
             for x, y in missing(here.get(look, []), there.get(look, []), tolerance):
                 yield f"only in the {which}: {name} at {x:.1f},{y:.1f}"
+    points = [[point for image in plot.images for point in sum(image.clip, [image.corner, image.right, image.low])]
+              for plot in (a, b)]
+    if len(points[0]) != len(points[1]) or any(math.dist(*ends) > tolerance for ends in zip(*points)):
+        yield f"the images are {a.images} and {b.images}"
 
 
 def main():

@@ -19,6 +19,9 @@ import ezdxf
 import compare_plots
 import plots
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
+import png_file  # noqa: E402
+
 COMMAND = []
 EMULATED = False
 ALPHABETS = ["Größe Ø50", "Русский", "Ελληνικά", "日本語", "שלום עולם", "😀"]
@@ -149,6 +152,13 @@ class PdfTest(unittest.TestCase):
         hatch = self.msp.add_hatch(color=5)
         hatch.paths.add_polyline_path([(140, 20), (160, 20), (150, 35)], is_closed=True)
         hatch.paths.add_polyline_path([(146, 22), (154, 22), (150, 30)], is_closed=True)
+        half = [[(0, 0, 0, 255)] * 40 + [(0, 0, 0, 0)] * 40] * 15 + [[(255, 0, 0, 128)] * 80] * 15
+        (self.folder / "half.png").write_bytes(png_file.written(half))
+        picture = self.doc.add_image_def("half.png", (80, 30))
+        self.msp.add_image(picture, (30, 85), (40, 15), 20).dxf.flags = 3 + 8
+        cut = self.msp.add_image(picture, (140, 85), (40, 15))
+        cut.set_boundary_path([(5, 5), (70, 5), (40, 28)])
+        cut.dxf.clipping = 1
         self.doc.layers.add("OFF").off()
         self.msp.add_text("NOT SHOWN", height=5, dxfattribs={"layer": "OFF"})
 

@@ -24,6 +24,9 @@ import ezdxf.enums
 import compare_plots
 import plots
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
+import png_file  # noqa: E402
+
 COMMAND = []
 RED, YELLOW, GREEN, BLUE, BLACK, WHITE = "#ff0000", "#ffff00", "#00ff00", "#0000ff", "#000000", "#ffffff"
 SEED_FONTS = pathlib.Path(__file__).resolve().parent.parent.parent / "fuzz" / "seeds" / "font"
@@ -647,16 +650,142 @@ class PlotTest(unittest.TestCase):
             run = self.run_program("plan.dxf", "-c", UNIT_IS_PIXEL, "-c", f"WHATIS|{x},{y}")
             self.assertEqual(b"INSERT" in run.stdout, is_there, (x, y, run.stdout))
 
-    def test_images_show_their_frames(self):
-        picture = self.doc.add_image_def("photo.png", (40, 20))
-        self.msp.add_image(picture, (100, 100), (80, 40), rotation=90)
-        cut = self.msp.add_image(picture, (200, 100), (80, 40))
-        cut.set_boundary_path([(9.5, 4.5), (19.5, 14.5)])  # in pixels, from its upper left corner
-        cut.dxf.clipping = 1
+    def write(self, name, content):
+        (self.folder / name).write_bytes(content)
+
+    def image(self, name, place, space=None, size=(80, 40), pixels=(40, 20), **attributes):
+        definition = self.doc.add_image_def(name, pixels)
+        image = (self.msp if space is None else space).add_image(definition, place, size, attributes.pop("rotation", 0))
+        image.dxf.update(attributes)
+        return image
+
+    def colors(self, *places, commands=()):
+        """The pixels of the PNG plot at these points of the drawing."""
+        run = self.run_program("plan.dxf", "-p", "plot.png", *commands, "-c", UNIT_IS_PIXEL)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        rows = png_file.read(self.folder / "plot.png")
+        return [rows[600 - y][x] for x, y in places]
+
+    FOUR = [[(255, 0, 0)] * 20 + [(0, 255, 0)] * 20] * 10 + [[(0, 0, 255)] * 20 + [(255, 255, 0)] * 20] * 10
+
+    def test_images_show_their_pictures_as_they_lie(self):
+        red, green, blue, yellow = ((255, 0, 0), (0, 255, 0), (0, 0, 255), (255, 255, 0))
+        self.write("four.png", png_file.written(self.FOUR))
+        self.image("four.png", (100, 100))
+        self.image("C:\\elsewhere\\four.png", (300, 100), rotation=90)
+        # Seen from behind, and small: drawn from a copy of another size.
+        block = self.doc.blocks.new("MIRRORED")
+        self.image("four.png", (0, 0), block)
+        self.msp.add_blockref("MIRRORED", (500, 100), {"xscale": -1})
+        self.msp.add_blockref("MIRRORED", (600, 100), {"xscale": -0.2, "yscale": 0.2})
+        large = [[color for color in row for _ in range(20)] for row in self.FOUR for _ in range(20)]
+        self.write("large.bmp", b"BM" + struct.pack("<IIIIiiHHIIiiII", 54 + 800 * 400 * 3, 0, 54, 40, 800, 400, 1, 24, 0, 0, 0, 0, 0, 0) +
+                   bytes(part for row in reversed(large) for color in row for part in reversed(color)))
+        self.image("large.bmp", (100, 300), pixels=(800, 400))
         plot = self.plot()
-        self.assertIn("not drawn: 2 IMAGE", self.errors)
-        self.assertLines(plot, [[(60, 100), (60, 180), (100, 180), (100, 100), (60, 100)],
-                                [(220, 130), (240, 130), (240, 110), (220, 110), (220, 130)]])
+        self.assertEqual(self.errors.count("warning"), 0, self.errors)
+        self.assertEqual(plot.lines(), [], "frames that the drawing does not want")
+
+        def around(x, y, width, height):
+            return [(x - width, y + height), (x + width, y + height), (x - width, y - height), (x + width, y - height)]
+
+        for x, y, width, height, expected in [(140, 120, 30, 15, [red, green, blue, yellow]), (280, 140, 15, 30, [green, yellow, red, blue]),
+                                              (460, 120, 30, 15, [green, red, yellow, blue]), (592, 104, 4, 2, [green, red, yellow, blue]),
+                                              (140, 320, 30, 15, [red, green, blue, yellow])]:
+            self.assertEqual(self.colors(*around(x, y, width, height)), expected, (x, y))
+        self.assertEqual([(image.corner, image.right, image.low) for image in plot.images[:3]], [
+            ((100, 460), (180, 460), (100, 500)), ((260, 500), (260, 420), (300, 500)), ((500, 460), (420, 460), (500, 500))])
+        # Only where a viewport shows it.
+        self.doc.layout("Layout1").add_viewport(center=(400, 300), size=(40, 80), view_center_point=(120, 120), view_height=80)
+        self.doc.saveas(self.folder / "plan.dxf")
+        self.assertEqual(self.colors((400, 305), (385, 305), (415, 305), (425, 305), commands=("-c", "LAYOUT|Layout1")),
+                         [red, red, red, (255, 255, 255)])
+
+    def test_images_are_cut_and_look_as_they_want(self):
+        self.write("gray.png", png_file.written([[(100, 100, 100, 255)] * 20 + [(100, 100, 100, 0)] * 20] * 20))
+        self.msp.add_line((0, 112), (800, 112), dxfattribs={"color": 1, "lineweight": 50})
+        cut = [(9.5, 4.5), (19.5, 14.5)]  # in pixels, from its upper left corner
+        for x, clip_mode in ((0, 0), (100, 1)):
+            self.image("gray.png", (x, 100), clipping=1, clip_mode=clip_mode).set_boundary_path(cut)
+        # The left half, the right half, and one pixel of the line.
+        gray, white, red = ((level,) * 3 for level in (100, 255, 0))
+        red = (255, 0, 0)
+        looks = [({}, gray, white), ({"flags": 3 + 8}, gray, red), ({"brightness": 60}, (151,) * 3, white),
+                 ({"contrast": 25}, (114,) * 3, (191,) * 3), ({"fade": 50}, (178,) * 3, white), ({"flags": 2}, red, red)]
+        for i, (look, _, _) in enumerate(looks):
+            self.image("gray.png", (200 + 100 * i, 100), **look)
+        self.doc.set_raster_variables(frame=1)
+        plot = self.plot()
+        self.assertEqual(self.errors.count("warning"), 0, self.errors)
+        self.assertEqual(self.colors((10, 112), (30, 112), (50, 112), (110, 112), (130, 112), (130, 105), (150, 112)),
+                         [red, gray, red, gray, red, gray, white])
+        for i, (look, left, right) in enumerate(looks):
+            self.assertEqual(self.colors((210 + 100 * i, 112), (270 + 100 * i, 112)), [left, right], look)
+        self.assertEqual(plot.images[0].clip, [[(20, 470), (40, 470), (40, 490), (20, 490)]])
+        frame = [(x, y) for x, y in ((20, 130), (40, 130), (40, 110), (20, 110), (20, 130))]
+        self.assertIn(frame, [[(x, 600 - y) for x, y in points] for points, _, _ in plot.lines()])
+        self.assertEqual(len(plot.lines()), 2 + 7 + 1, "a frame around each, and inside where the clip leaves the outside")
+
+    @staticmethod
+    def jpeg(names, values, codes=1):
+        """A square of eight pixels in one colour; `values` are how much its components are above the middle, 32 to 63."""
+        def segment(marker, content):
+            return bytes((0xFF, marker)) + struct.pack(">H", len(content) + 2) + content
+        def table(which, symbol):
+            return segment(0xC4, bytes((which, codes)) + bytes(15) + bytes((symbol,)) * codes)
+        components = b"".join(bytes((name, 0x11, 0)) for name in names)
+        bits = "".join(f"0{value:06b}0" for value in values)
+        return (b"\xFF\xD8" + segment(0xDB, b"\0" + b"\x08" * 64) + segment(0xC0, struct.pack(">BHHB", 8, 8, 8, len(names)) + components) +
+                table(0, 6) + table(0x10, 0) +
+                segment(0xDA, bytes((len(names),)) + b"".join(bytes((name, 0)) for name in names) + b"\0\x3F\0") +
+                bytes(int(bits[i:i + 8], 2) for i in range(0, len(bits), 8)) + b"\xFF\xD9")
+
+    def test_jpeg_files_go_into_pdf_as_they_are_where_readers_show_them_alike(self):
+        for names, values, is_kept, color in ((b"\1", [40], True, (168, 168, 168)), (b"\1\2\3", [40, 35, 33], True, (214, 132, 230)),
+                                              (b"RGB", [40, 50, 60], False, (168, 178, 188)), (b"\1\2\3\4", [40, 40, 40, 40], False, None)):
+            content = self.jpeg(names, values)
+            self.write("square.jpg", content)
+            self.msp.delete_all_entities()
+            self.image("square.jpg", (100, 100), size=(80, 80), pixels=(8, 8))
+            self.plot()
+            self.assertNotIn("warning", self.errors)
+            if color:
+                for got, wanted in zip(self.colors((140, 140))[0], color):
+                    self.assertAlmostEqual(got, wanted, delta=2, msg=names)
+            self.assertEqual(self.run_program("plan.dxf", "-p", "plot.pdf", "-c", UNIT_IS_PIXEL).returncode, 0)
+            pdf = (self.folder / "plot.pdf").read_bytes()
+            self.assertEqual((content in pdf, b"DCTDecode" in pdf), (is_kept, is_kept), names)
+            self.assertEqual(b"DeviceGray" in pdf, len(names) == 1)
+
+    def test_of_images_that_cannot_be_read_the_frames_are_drawn(self):
+        whole = png_file.written(self.FOUR)
+        faults = {
+            "gone.png": (None, "is not there"),
+            "text.png": (b"no picture", "is no PNG, JPEG or BMP file"),
+            "cut.png": (whole[:-40], "is damaged"),
+            "empty.png": (b"", "is no PNG"),
+            "huge.png": (png_file.written(self.FOUR, (10000, 10000)), "is too large: the pictures of a drawing have 64 million pixels"),
+            "more.png": (png_file.written(self.FOUR, (50000, 50000)), "is no PNG, JPEG or BMP file, is damaged, or is far too large"),
+            "codes.jpg": (self.jpeg(b"\1", [40], codes=255)[:-60].replace(b"\x10\xFF" + bytes(15), b"\x10" + b"\xFF" * 16), "is a damaged JPEG file"),
+            "folder.png": ("folder", "is not there"),
+        }
+        for i, (name, (content, _)) in enumerate(faults.items()):
+            if content == "folder":
+                (self.folder / name).mkdir()
+            elif content is not None:
+                self.write(name, content)
+            for y in (100, 200):
+                self.image(name, (100 * i, y))
+        unloaded = self.image("unloaded.png", (0, 300))
+        unloaded.image_def.dxf.loaded = 0
+        plot = self.plot()
+        self.assertIn(f"not drawn: {2 * len(faults)} IMAGE", self.errors)
+        for name, (_, message) in faults.items():
+            (told,) = [line for line in self.errors.splitlines() if name in line]
+            self.assertIn(f"the picture {name} {message}", told)
+            self.assertIn("its frame is drawn", told)
+        self.assertEqual((len(plot.images), len(plot.lines())), (0, 2 * len(faults) + 1))
+        self.assertNotIn("unloaded", self.errors)
 
     def test_viewports_may_have_any_outline(self):
         self.msp.add_line((-100, 0), (100, 0), dxfattribs={"color": 3})

@@ -17,12 +17,21 @@ class Shape:
 
 
 @dataclasses.dataclass
+class Image:
+    corner: tuple  # the upper left one
+    right: tuple   # the upper right one
+    low: tuple     # the lower left one
+    clip: list     # contours
+
+
+@dataclasses.dataclass
 class Plot:
     width: float
     height: float
     background: str
     shapes: list  # in the order in which they are drawn
     texts: int = 0  # that can be searched
+    images: list = dataclasses.field(default_factory=list)
 
     def lines(self, color=None):
         """Every polyline by itself, as (points, colour, width)."""
@@ -45,14 +54,22 @@ def read_contours(path):
 def read_plot(path):
     root = xml.etree.ElementTree.parse(path).getroot()
     background = root.find(SVG + "rect").get("fill")
+    clips = {clip.get("id"): read_contours(clip[0].get("d")) for clip in root.iter(SVG + "clipPath")}
+    images = []
+    for group in root.iter(SVG + "g"):
+        if group.get("clip-path"):
+            a, b, c, d, x, y = map(float, re.findall(r"-?[\d.]+", group[0].get("transform")))
+            images.append(Image((x, y), (x + a, y + b), (x + c, y + d), clips[group.get("clip-path")[5:-1]]))
     shapes = []
     for element in root.iter(SVG + "path"):
+        if element.get("clip-rule"):
+            continue
         contours = read_contours(element.get("d"))
         if element.get("stroke"):
             shapes.append(Shape(element.get("stroke"), float(element.get("stroke-width")), contours))
         else:
             shapes.append(Shape(element.get("fill"), 0.0, contours, float(element.get("fill-opacity", 1))))
-    return Plot(float(root.get("width")), float(root.get("height")), background, shapes)
+    return Plot(float(root.get("width")), float(root.get("height")), background, shapes, images=images)
 
 
 def read_pdf(path, unit=1.0):
@@ -84,13 +101,22 @@ def read_page(body, content, unit):
     opacities = {name.decode(): float(value) for name, value in re.findall(rb"(/O\d+) << /ca ([\d.]+) >>", body)}
     page = Plot(round(width, 2), round(height, 2), "#ffffff", [])
     scale, dx, dy = 1 / points_per_unit, 0.0, 0.0
-    colors, line_width, opacity, contours, operands = {}, 0.0, 1.0, [], []
+    colors, line_width, opacity, contours, operands, clip = {}, 0.0, 1.0, [], [], None
     for word in content.decode("ascii").split():
         if not word[0].isalpha():
             operands.append(word)
             continue
-        numbers = [] if word in ("gs", "Tf", "Tj") else [float(operand) for operand in operands]
-        if word == "cm":
+        numbers = [] if word in ("gs", "Tf", "Tj", "Do") else [float(operand) for operand in operands]
+        if word == "cm" and clip is not None:
+            a, b, c, d, x, y = numbers
+        elif word == "Do":
+            place = lambda x, y: (dx + x * scale, dy + y * scale)
+            page.images.append(Image(place(x + c, y + d), place(x + a + c, y + b + d), place(x, y), clip))
+        elif word == "Q":
+            clip = None
+        elif word == "W*":
+            clip, contours = contours, []
+        elif word == "cm":
             scale, dx, dy = numbers[0] / points_per_unit, numbers[4] / points_per_unit, height - numbers[5] / points_per_unit
         elif word in ("RG", "rg"):
             colors[word] = "#" + "".join(f"{round(255 * number):02x}" for number in numbers)

@@ -28,34 +28,17 @@ import os
 import pathlib
 import shlex
 import shutil
-import struct
 import subprocess
 import sys
 import tempfile
 import types
-import zlib
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
 import dxf_groups  # noqa: E402
+import png_file  # noqa: E402
 from run_case import Failure, directives, said  # noqa: E402
 
 TIME_LIMIT = 120
-
-
-def picture(path):
-    """The rows of an RGB picture without interlacing and filters, as the host writes it."""
-    data = path.read_bytes()
-    width, height = struct.unpack(">II", data[16:24])
-    parts, at = b"", 8
-    while at < len(data):
-        length, kind = struct.unpack(">I4s", data[at:at + 8])
-        if kind == b"IDAT":
-            parts += data[at + 8:at + 8 + length]
-        at += 12 + length
-    raw = zlib.decompress(parts)
-    rows = [raw[y * (3 * width + 1):(y + 1) * (3 * width + 1)] for y in range(height)]
-    assert all(row[0] == 0 for row in rows), "a filtered picture"
-    return [[tuple(row[1 + 3 * x:4 + 3 * x]) for x in range(width)] for row in rows]
 
 
 def lines_of(path, folder):
@@ -119,7 +102,7 @@ def run_window(events, program, on_screen, update):
         if beside(".check.py").exists():
             case = types.SimpleNamespace(
                 before=dxf_groups.read(drawing) if drawing else None, after=dxf_groups.read(folder / "out.dxf"),
-                output=output, errors=errors, folder=folder, picture=lambda file: picture(folder / file))
+                output=output, errors=errors, folder=folder, picture=lambda file: png_file.read(folder / file))
             loader = importlib.util.spec_from_file_location("case_check", beside(".check.py"))
             module = importlib.util.module_from_spec(loader)
             loader.loader.exec_module(module)

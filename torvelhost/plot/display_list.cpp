@@ -41,6 +41,12 @@ void DisplayList::addText(Text text) {
     texts_.push_back(std::move(text));
 }
 
+void DisplayList::addImage(Image image) {
+    items_.push_back(
+        {Kind::kImage, static_cast<std::uint32_t>(styles_.size() - 1), static_cast<std::uint32_t>(images_.size()), 0});
+    images_.push_back(std::move(image));
+}
+
 std::size_t DisplayList::addReference(const Reference& reference) {
     items_.push_back({Kind::kReference, static_cast<std::uint32_t>(styles_.size() - 1),
                       static_cast<std::uint32_t>(references_.size()), 0});
@@ -60,6 +66,7 @@ void DisplayList::clear() {
     points_.clear();
     contourEnds_.clear();
     texts_.clear();
+    images_.clear();
     references_.clear();
 }
 
@@ -71,7 +78,8 @@ std::span<const OdGePoint3d> DisplayList::contour(std::size_t index) const {
 std::size_t DisplayList::bytes() const {
     return items_.capacity() * sizeof(Item) + styles_.capacity() * sizeof(Style) +
            points_.capacity() * sizeof(OdGePoint3d) + contourEnds_.capacity() * sizeof(std::uint32_t) +
-           texts_.capacity() * sizeof(Text) + references_.capacity() * sizeof(Reference);
+           texts_.capacity() * sizeof(Text) + images_.capacity() * sizeof(Image) +
+           references_.capacity() * sizeof(Reference);
 }
 
 OdGeExtents3d DisplayList::box() const {

@@ -9,6 +9,7 @@
 
 #include "drawingdb/ge.h"
 #include "drawingdb/object_id.h"
+#include "torvelhost/plot/raster.h"
 #include "torvelhost/plot/style.h"
 
 namespace host {
@@ -27,11 +28,12 @@ class DisplayList {
         kInfiniteLine,
         kMarker,  // a point
         kText,    // what a text says, for those who search; its strokes are drawn by themselves
+        kImage,
         kReference,
     };
     struct Item {
         Kind kind;
-        std::uint32_t style, first, count;  // contours; of a reference or a text: which one
+        std::uint32_t style, first, count;  // contours; of a reference, a text or an image: which one
         double ink = 0;                     // of a tint: the length of the lines in a unit of area
     };
     struct Text {
@@ -49,6 +51,13 @@ class DisplayList {
         std::shared_ptr<const std::vector<OdGePoint3d>> clip;
     };
 
+    struct Image {
+        std::shared_ptr<const Raster> raster;
+        OdGePoint3d corner;                              // the upper left one
+        OdGeVector3d along, down;                        // its sides
+        std::vector<std::vector<OdGePoint3d>> outlines;  // what shows of it, even-odd
+    };
+
     /// Goes on in this style.
     void setStyle(const Style& style);
     const Style& style() const { return styles_.back(); }
@@ -62,6 +71,8 @@ class DisplayList {
     /// Makes of the tint added last one for each of these lengths of lines in a unit of area, one over the other.
     void setInk(std::span<const double> lengths);
     void addText(Text text);
+    /// What it covers does not count for the box around the list.
+    void addImage(Image image);
     /// Returns its number; what is added from here to endAttributes belongs to its attributes.
     std::size_t addReference(const Reference& reference);
     void endAttributes(std::size_t reference);
@@ -70,6 +81,7 @@ class DisplayList {
     const std::vector<Item>& items() const { return items_; }
     const std::vector<Style>& styles() const { return styles_; }
     const Text& text(const Item& item) const { return texts_[item.first]; }
+    const Image& image(const Item& item) const { return images_[item.first]; }
     const Reference& reference(const Item& item) const { return references_[item.first]; }
     std::span<const OdGePoint3d> contour(std::size_t index) const;
     std::size_t bytes() const;
@@ -82,6 +94,7 @@ class DisplayList {
     std::vector<OdGePoint3d> points_;
     std::vector<std::uint32_t> contourEnds_;
     std::vector<Text> texts_;
+    std::vector<Image> images_;
     std::vector<Reference> references_;
 };
 

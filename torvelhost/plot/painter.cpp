@@ -5,6 +5,8 @@
 #include <agg2/agg_rasterizer_scanline_aa_nogamma.h>
 #include <agg2/agg_renderer_scanline.h>
 #include <agg2/agg_scanline_p.h>
+#include <agg2/agg_span_allocator.h>
+#include <algorithm>
 #include <cmath>
 
 #include "torvelhost/plot/thin_lines.h"
@@ -16,6 +18,65 @@ void PixelBuffer::clear(int newWidth, int newHeight, std::uint32_t color) {
     height = newHeight;
     pixels.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFF000000 | color);
 }
+
+namespace {
+
+// The colours of a raster along a row of pixels: between the middles of its own pixels they change evenly. Seen small,
+// it is its copy that is hardly larger.
+class RasterSpans {
+  public:
+    explicit RasterSpans(const Picture::Image& image) {
+        const auto& [corner, along, down] = image.place;
+        const double area = along.crossProduct(down);
+        const Raster& raster = *image.raster;
+        const OdGeVector2d x = OdGeVector2d(down.y, -along.y) * (1 / area),
+                           y = OdGeVector2d(-down.x, along.x) * (1 / area);
+        const auto stepOf = [&](const OdGeVector2d& pixel) {
+            return std::max(std::fabs(pixel.x) * raster.width(), std::fabs(pixel.y) * raster.height());
+        };
+        const double step = std::max(stepOf(x), stepOf(y));
+        std::size_t level = 0;
+        while (level + 1 < raster.grids.size() && std::ldexp(1.5, static_cast<int>(level)) < step) ++level;
+        grid_ = &raster.grids[level];
+        x_.set(x.x * grid_->width, x.y * grid_->height);
+        y_.set(y.x * grid_->width, y.y * grid_->height);
+        corner_ = corner;
+    }
+
+    void prepare() {}
+    void generate(agg::rgba8* span, int x, int y, unsigned length) const {
+        OdGePoint2d at = OdGePoint2d(-0.5, -0.5) + x_ * (x + 0.5 - corner_.x) + y_ * (y + 0.5 - corner_.y);
+        for (; length != 0; --length, at += x_) *span++ = colorAt(at);
+    }
+
+  private:
+    agg::rgba8 colorAt(const OdGePoint2d& at) const {
+        const double x = std::clamp(at.x, 0.0, grid_->width - 1.0), y = std::clamp(at.y, 0.0, grid_->height - 1.0);
+        const int left = static_cast<int>(x), above = static_cast<int>(y);
+        const int right = std::min(left + 1, grid_->width - 1), below = std::min(above + 1, grid_->height - 1);
+        const auto u = static_cast<float>(x - left), v = static_cast<float>(y - above);
+        float sums[4] = {};
+        const auto add = [&](int column, int row, float weight) {
+            const std::uint32_t pixel = grid_->pixels[static_cast<std::size_t>(row) * grid_->width + column];
+            const float alpha = weight * static_cast<float>(pixel >> 24);
+            for (int i = 0; i < 3; ++i) sums[i] += alpha * static_cast<float>(pixel >> (8 * i) & 255);
+            sums[3] += alpha;
+        };
+        add(left, above, (1 - u) * (1 - v));
+        add(right, above, u * (1 - v));
+        add(left, below, (1 - u) * v);
+        add(right, below, u * v);
+        if (!(sums[3] > 0)) return agg::rgba8(0, 0, 0, 0);
+        const auto part = [&](int i) { return static_cast<unsigned>(sums[i] / sums[3] + 0.5F); };
+        return agg::rgba8(part(2), part(1), part(0), static_cast<unsigned>(sums[3] + 0.5F));
+    }
+
+    const Raster::Grid* grid_;
+    OdGePoint2d corner_;
+    OdGeVector2d x_, y_;  // pixels of the grid for one of the picture
+};
+
+}  // namespace
 
 class Painter::Brush {
   public:
@@ -37,7 +98,10 @@ class Painter::Brush {
             }
             if (shape.width > 0) continue;
             rasterizer_.filling_rule(shape.rule == FillRule::kNonZero ? agg::fill_non_zero : agg::fill_even_odd);
-            fill(shape.color, shape.opacity);
+            if (const Picture::Image* const image = picture.image(shape))
+                fill(*image);
+            else
+                fill(shape.color, shape.opacity);
         }
     }
 
@@ -47,6 +111,13 @@ class Painter::Brush {
     void fill(std::uint32_t color, double opacity = 1) {
         agg::rgba8 paint = colorOf(color);
         agg::render_scanlines_aa_solid(rasterizer_, scanline_, base_, paint.opacity(opacity));
+        rasterizer_.reset();
+        corners_ = 0;
+    }
+
+    void fill(const Picture::Image& image) {
+        RasterSpans spans(image);
+        agg::render_scanlines_aa(rasterizer_, scanline_, base_, allocator_, spans);
         rasterizer_.reset();
         corners_ = 0;
     }
@@ -105,6 +176,7 @@ class Painter::Brush {
     agg::renderer_base<agg::pixfmt_bgrx32> base_{format_};
     agg::rasterizer_scanline_aa_nogamma<> rasterizer_;
     agg::scanline_p8 scanline_;
+    agg::span_allocator<agg::rgba8> allocator_;
     int corners_ = 0;
     ThinLines lines_;
 };

@@ -1,6 +1,7 @@
 // PDF: objects one after the other, each at a place that the table at the end tells.
 //
 //   3 0 obj << /Length 12 /Filter /FlateDecode >> stream ... endstream endobj     a piece of a page
+//   4 0 obj << /Type /XObject /Subtype /Image ... >> stream ...                       a picture of images
 //   5 0 obj << /Type /Page /Contents [3 0 R 4 0 R] ... >> endobj
 //   1 0 obj << /Type /Catalog /Pages 2 0 R >> endobj
 //   xref ... trailer << /Root 1 0 R >>
@@ -155,11 +156,14 @@ void PdfWriter::write(std::string_view bytes) {
 }
 
 void PdfWriter::writeStream(int object, std::string_view entries, std::string_view bytes) {
-    const std::string packed = deflated(bytes);
+    writePacked(object, entries, "FlateDecode", deflated(bytes));
+}
+
+void PdfWriter::writePacked(int object, std::string_view entries, std::string_view filter, std::string_view bytes) {
     beginObject(object);
-    write("<< " + std::string(entries) + "/Length " + std::to_string(packed.size()) +
-          " /Filter /FlateDecode >>\nstream\n");
-    write(packed);
+    write("<< " + std::string(entries) + "/Length " + std::to_string(bytes.size()) + " /Filter /" +
+          std::string(filter) + " >>\nstream\n");
+    write(bytes);
     write("\nendstream\n");
     endObject();
 }
@@ -170,6 +174,7 @@ void PdfWriter::beginPage(const Page& page) {
     page_ = page;
     contents_.clear();
     opacities_.clear();
+    images_.clear();
     lineColor_ = areaColor_ = -1;
     width_ = -1;
     opacity_ = 100;
@@ -198,13 +203,14 @@ void PdfWriter::beginPage(const Page& page) {
 
 void PdfWriter::endPage() {
     flushContent();
-    std::string contents, states;
+    std::string contents, states, images;
     for (const int piece : contents_) contents += (contents.empty() ? "" : " ") + reference(piece);
     for (const int opacity : opacities_) {
         states += "/O" + std::to_string(opacity) + " << /ca ";
         appendNumber(states, opacity / 100.0);
         states += " >> ";
     }
+    for (const int image : images_) images += "/I" + std::to_string(image) + " " + reference(image) + " ";
     const int object = newObject();
     beginObject(object);
     std::string page = "<< /Type /Page /Parent " + reference(kPages) + " /MediaBox [0 0 ";
@@ -213,6 +219,7 @@ void PdfWriter::endPage() {
     appendNumber(page, page_.paper.height * kPointsPerMillimetre);
     page += "]\n/Contents [" + contents + "] /Resources << /Font << /F " + reference(kFont) + " >>";
     if (!states.empty()) page += " /ExtGState << " + states + ">>";
+    if (!images.empty()) page += " /XObject << " + images + ">>";
     write(page + " >> >>\n");
     endObject();
     pages_.push_back({object, page_.name});
@@ -263,6 +270,7 @@ void PdfWriter::add(const Picture& picture) {
 
 void PdfWriter::addShape(const Picture& picture, const Picture::Shape& shape) {
     const bool isArea = shape.width == 0;
+    if (const Picture::Image* const image = picture.image(shape)) return addImage(picture, shape, *image);
     setColor(shape.color, isArea);
     if (isArea) {
         const int opacity = std::clamp(static_cast<int>(std::lround(shape.opacity * 100)), 1, 100);
@@ -289,6 +297,63 @@ void PdfWriter::addShape(const Picture& picture, const Picture::Shape& shape) {
         if (isLast || (!isArea && i % kLinesInPath == kLinesInPath - 1)) content_ += paint;
         if (!isArea && content_.size() > kPiece) flushContent();
     }
+}
+
+// What shows of it is cut out of the square of 1, from the lower left corner up, that it is in PDF.
+void PdfWriter::addImage(const Picture& picture, const Picture::Shape& shape, const Picture::Image& image) {
+    const auto [entry, isNew] = rasters_.try_emplace(image.raster, 0);
+    if (isNew) entry->second = writeRaster(*image.raster);
+    images_.insert(entry->second);
+    if (opacity_ != 100) content_ += "/O100 gs\n";
+    opacities_.insert(100);
+    opacity_ = 100;
+    content_ += "q\n";
+    for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
+        char command = 'm';
+        for (const Picture::Point& corner : picture.contour(shape.firstContour + i)) {
+            point(corner);
+            content_ += command;
+            content_ += '\n';
+            command = 'l';
+        }
+    }
+    content_ += "W* n\n";
+    const auto& [corner, along, down] = image.place;
+    const OdGePoint2d low = corner + down;
+    for (const double value : {along.x, along.y, -down.x, -down.y, low.x, low.y}) exactNumber(value * kSteps);
+    content_ += "cm\n/I" + std::to_string(entry->second) + " Do\nQ\n";
+}
+
+int PdfWriter::writeRaster(const Raster& raster) {
+    const auto entries = [&](std::string_view colors) {
+        return "/Type /XObject /Subtype /Image /Width " + std::to_string(raster.width()) + " /Height " +
+               std::to_string(raster.height()) + " /BitsPerComponent 8 /ColorSpace /" + std::string(colors) + " ";
+    };
+    const std::vector<std::uint32_t>& pixels = raster.grids.front().pixels;
+    const int object = newObject();
+    if (!raster.jpeg.empty()) {
+        writePacked(object, entries(raster.isJpegGray ? "DeviceGray" : "DeviceRGB"), "DCTDecode", raster.jpeg);
+        return object;
+    }
+    const auto packed = [&](std::initializer_list<int> shifts) {
+        Deflater deflater;
+        std::string row;
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            for (const int shift : shifts) row += static_cast<char>(pixels[i] >> shift);
+            if ((i + 1) % static_cast<std::size_t>(raster.width()) != 0) continue;
+            deflater.add(row);
+            row.clear();
+        }
+        return deflater.end();
+    };
+    std::string mask;
+    if (!raster.isOpaque) {
+        const int covers = newObject();
+        writePacked(covers, entries("DeviceGray"), "FlateDecode", packed({24}));
+        mask = "/SMask " + reference(covers) + " ";
+    }
+    writePacked(object, entries("DeviceRGB") + mask, "FlateDecode", packed({16, 8, 0}));
+    return object;
 }
 
 void PdfWriter::addText(const Picture::Text& text) {

@@ -47,10 +47,13 @@ class PdfWriter {
     void endObject() { write("endobj\n"); }
     void write(std::string_view bytes);
     void writeStream(int object, std::string_view entries, std::string_view bytes);
+    void writePacked(int object, std::string_view entries, std::string_view filter, std::string_view bytes);
     void flushContent();
     void setColor(std::uint32_t color, bool isArea);
     void addShape(const Picture& picture, const Picture::Shape& shape);
     void addText(const Picture::Text& text);
+    void addImage(const Picture& picture, const Picture::Shape& shape, const Picture::Image& image);
+    int writeRaster(const Raster& raster);
     void writeFont();
 
     void number(double value);  // a whole one
@@ -61,13 +64,15 @@ class PdfWriter {
     std::size_t size_ = 0;
     std::vector<std::size_t> offsets_;  // of objects, from 1; 0: not written yet
     std::vector<Written> pages_;
-    std::map<char32_t, int> codes_;     // of the characters, in the font
-    std::vector<char32_t> characters_;  // by code, from 1
+    std::map<char32_t, int> codes_;                         // of the characters, in the font
+    std::vector<char32_t> characters_;                      // by code, from 1
+    std::map<std::shared_ptr<const Raster>, int> rasters_;  // their objects
 
     Page page_;
     std::string content_;
     std::vector<int> contents_;  // of the page
     std::set<int> opacities_;    // in hundredths
+    std::set<int> images_;       // objects
     std::int64_t lineColor_ = -1, areaColor_ = -1;
     double width_ = -1;
     int opacity_ = 100;

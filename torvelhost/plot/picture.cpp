@@ -93,6 +93,7 @@ void Picture::clear() {
     contourEnds_.clear();
     points_.clear();
     texts_.clear();
+    images_.clear();
 }
 
 void Picture::giveAway() {
@@ -139,7 +140,7 @@ void Picture::beginShape(std::uint32_t color, float width) {
     const auto contours = static_cast<std::uint32_t>(contourEnds_.size());
     // Lines in one pen look the same as one shape or several; overlapping areas do not.
     if (width > 0 && !shapes_.empty() && shapes_.back().color == color && shapes_.back().width == width) return;
-    shapes_.push_back({color, width, FillRule::kEvenOdd, 1, contours, 0});
+    shapes_.push_back({color, width, FillRule::kEvenOdd, 1, 0, contours, 0});
 }
 
 void Picture::addPoint(const OdGePoint2d& point) {
@@ -283,6 +284,19 @@ void Picture::addTint(std::span<const Contour> contours, std::uint32_t color, do
     const std::size_t before = shapes_.size();
     addArea(contours, color);
     if (shapes_.size() > before) shapes_.back().opacity = static_cast<float>(opacity);
+}
+
+void Picture::addImage(std::span<const Contour> contours, const Image& image) {
+    const auto& [corner, along, down] = image.place;
+    if (!canBeCut(corner) || !canBeCut(corner + along) || !canBeCut(corner + down) ||
+        !(std::fabs(along.crossProduct(down)) > kSame * kSame))
+        return;
+    giveAwayMuch();
+    const std::size_t before = shapes_.size();
+    addArea(contours, 0);
+    if (shapes_.size() == before) return;
+    images_.push_back(image);
+    shapes_.back().image = static_cast<std::uint32_t>(images_.size());
 }
 
 void Picture::addText(Text text) {

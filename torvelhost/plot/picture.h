@@ -13,6 +13,7 @@
 
 #include "drawingdb/ge.h"
 #include "torvelhost/plot/pixel_buffer.h"
+#include "torvelhost/plot/raster.h"
 
 namespace host {
 
@@ -38,10 +39,15 @@ class Picture {
         std::uint32_t color;
         float width;
         FillRule rule;
-        float opacity;  // of an area: the part of what is under it that it covers
+        float opacity;        // of an area: the part of what is under it that it covers
+        std::uint32_t image;  // 0, or the number of the one that an area shows in place of its colour, from 1
         std::uint32_t firstContour, contourCount;
     };
     using Contour = std::vector<OdGePoint2d>;
+    struct Image {
+        std::shared_ptr<const Raster> raster;
+        RasterPlace place;
+    };
     /// What a text says and where, for those who search; it does not show.
     struct Text {
         std::u32string characters;
@@ -63,6 +69,9 @@ class Picture {
 
     /// An area that lets what is under it be seen; even-odd. The opacity is from 0 to 1.
     void addTint(std::span<const Contour> contours, std::uint32_t color, double opacity);
+
+    /// What lies in these contours of a raster; even-odd. One that is seen from its edge is not drawn.
+    void addImage(std::span<const Contour> contours, const Image& image);
 
     /// Kept where texts are.
     void addText(Text text);
@@ -87,6 +96,8 @@ class Picture {
     void clear();
     const std::vector<Shape>& shapes() const { return shapes_; }
     const std::vector<Text>& texts() const { return texts_; }
+    /// What a shape shows; null for one colour.
+    const Image* image(const Shape& shape) const { return shape.image == 0 ? nullptr : &images_[shape.image - 1]; }
     std::span<const Point> contour(std::uint32_t index) const;
 
   private:
@@ -110,6 +121,7 @@ class Picture {
     std::vector<std::uint32_t> contourEnds_;
     std::vector<Point> points_;
     std::vector<Text> texts_;
+    std::vector<Image> images_;
     std::function<void(const Picture&)> taker_;
 };
 
@@ -117,5 +129,6 @@ class Picture {
 std::string svgText(const Picture& picture);
 std::string pngBytes(const Picture& picture);
 std::string pngBytes(const PixelBuffer& buffer);
+std::string pngBytes(const Raster& raster);
 
 }  // namespace host

@@ -23,20 +23,36 @@ void appendChunk(std::string& bytes, std::string_view name, std::string_view con
         bytes, static_cast<std::uint32_t>(crc32_z(0, reinterpret_cast<const Bytef*>(checked.data()), checked.size())));
 }
 
-std::string packedRows(const PixelBuffer& buffer) {
+std::string packedRows(int columns, std::span<const std::uint32_t> pixels, bool withAlpha) {
     Deflater deflater;
-    const auto width = static_cast<std::size_t>(buffer.width);
-    std::string row(1 + 3 * width, '\0');  // begins with its filter: none
-    for (std::size_t begin = 0; begin < buffer.pixels.size(); begin += width) {
+    const auto width = static_cast<std::size_t>(columns);
+    const std::size_t size = withAlpha ? 4 : 3;
+    std::string row(1 + size * width, '\0');  // begins with its filter: none
+    for (std::size_t begin = 0; begin < pixels.size(); begin += width) {
         for (std::size_t x = 0; x < width; ++x) {
-            const std::uint32_t pixel = buffer.pixels[begin + x];
-            row[1 + 3 * x] = static_cast<char>(pixel >> 16);
-            row[2 + 3 * x] = static_cast<char>(pixel >> 8);
-            row[3 + 3 * x] = static_cast<char>(pixel);
+            const std::uint32_t pixel = pixels[begin + x];
+            char* const to = &row[1 + size * x];
+            to[0] = static_cast<char>(pixel >> 16);
+            to[1] = static_cast<char>(pixel >> 8);
+            to[2] = static_cast<char>(pixel);
+            if (withAlpha) to[3] = static_cast<char>(pixel >> 24);
         }
         deflater.add(row);
     }
     return deflater.end();
+}
+
+std::string fileOf(int width, int height, std::span<const std::uint32_t> pixels, bool withAlpha) {
+    std::string head;
+    appendNumber(head, static_cast<std::uint32_t>(width));
+    appendNumber(head, static_cast<std::uint32_t>(height));
+    // Eight bits for each of red, green and blue, and of what it covers; not interlaced.
+    head += withAlpha ? std::string_view("\x08\x06\0\0\0", 5) : std::string_view("\x08\x02\0\0\0", 5);
+    std::string bytes = "\x89PNG\r\n\x1A\n";
+    appendChunk(bytes, "IHDR", head);
+    appendChunk(bytes, "IDAT", packedRows(width, pixels, withAlpha));
+    appendChunk(bytes, "IEND", {});
+    return bytes;
 }
 
 }  // namespace
@@ -48,16 +64,10 @@ std::string pngBytes(const Picture& picture) {
     return pngBytes(buffer);
 }
 
-std::string pngBytes(const PixelBuffer& buffer) {
-    std::string head;
-    appendNumber(head, static_cast<std::uint32_t>(buffer.width));
-    appendNumber(head, static_cast<std::uint32_t>(buffer.height));
-    head += std::string_view("\x08\x02\0\0\0", 5);  // eight bits for each of red, green and blue; not interlaced
-    std::string bytes = "\x89PNG\r\n\x1A\n";
-    appendChunk(bytes, "IHDR", head);
-    appendChunk(bytes, "IDAT", packedRows(buffer));
-    appendChunk(bytes, "IEND", {});
-    return bytes;
+std::string pngBytes(const PixelBuffer& buffer) { return fileOf(buffer.width, buffer.height, buffer.pixels, false); }
+
+std::string pngBytes(const Raster& raster) {
+    return fileOf(raster.width(), raster.height(), raster.grids.front().pixels, !raster.isOpaque);
 }
 
 }  // namespace host

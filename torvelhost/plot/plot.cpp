@@ -21,7 +21,8 @@ std::wstring_view endOf(std::wstring_view path) { return path.substr(path.size()
 
 class Drawing {
   public:
-    Drawing(OdDbDatabase& database, const Inks& inks) : database_(database), inks_(inks) {}
+    Drawing(OdDbDatabase& database, const Inks& inks)
+        : database_(database), inks_(inks), rasters_(database.fileName()) {}
 
     /// With a place of the space in the picture's middle.
     void draw(Picture& picture, OdDbObjectId space, const OdGePoint2d& middle, const OdGePoint2d& center,
@@ -32,14 +33,16 @@ class Drawing {
             OdGeMatrix3d::coordSystem(OdGePoint3d(middle.x - center.x * scale, middle.y + center.y * scale, 0),
                                       OdGeVector3d(scale, 0, 0), OdGeVector3d(0, -scale, 0), OdGeVector3d());
         Plotter plotter(database_, picture, nullptr, inks_);
+        plotter.takeRasters(rasters_);
         plotter.drawSpace(space, toPixels, scale);
         for (const auto& [kind, count] : plotter.notDrawn()) notDrawn_[kind] += count;
         letters_.add(plotter.oddLetters());
     }
 
-    /// "not drawn: 3 BODY, 1 IMAGE", and what there is to say of fonts.
+    /// "not drawn: 3 BODY, 1 IMAGE", and what there is to say of pictures and fonts.
     std::vector<std::wstring> warnings() const {
-        std::vector<std::wstring> warnings = letters_.told();
+        std::vector<std::wstring> warnings = rasters_.told();
+        for (std::wstring& told : letters_.told()) warnings.push_back(std::move(told));
         std::wstring text;
         for (const auto& [kind, count] : notDrawn_)
             text += (text.empty() ? L"not drawn: " : L", ") + std::to_wstring(count) + L" " + base::fromUtf8(kind);
@@ -51,6 +54,7 @@ class Drawing {
     OdDbDatabase& database_;
     Inks inks_;
     OddLetters letters_;
+    Rasters rasters_;
     std::map<std::string, int> notDrawn_;  // entities of each kind that could not be drawn
 };
 

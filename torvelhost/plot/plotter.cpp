@@ -54,10 +54,24 @@ std::optional<OdGeExtents3d> windowOf(const Picture& picture, const OdGeMatrix3d
     return window;
 }
 
+// Unless the drawing says that they do not show.
+bool showsImageFrames(const OdDbDatabase& database) {
+    const auto named = database.namedObjectsDictionaryId().openIf<OdDbDictionary>();
+    const auto variables = named ? named->getAt(L"ACAD_IMAGE_VARS").openIf<OdDbObject>() : OdSmartPtr<OdDbObject>();
+    const std::vector<PlotGroup> groups = variables ? groupsOf(*variables) : std::vector<PlotGroup>();
+    const PlotGroup* const frames = findGroup(groups, 70);
+    return !frames || frames->integer != 0;
+}
+
 }  // namespace
 
 Plotter::Plotter(OdDbDatabase& database, Picture& picture, BlockBounds* blocks, const Inks& inks)
-    : database_(database), picture_(picture), styles_(database, inks), lettering_(database), bounds_(blocks) {
+    : database_(database),
+      picture_(picture),
+      styles_(database, inks),
+      lettering_(database),
+      bounds_(blocks),
+      ownRasters_(database.fileName()) {
     if (!bounds_) bounds_ = &ownBounds_.emplace(styles_);
     readVariables();
 }
@@ -95,12 +109,14 @@ void Plotter::readVariables() {
     pointSize_ = database_.headerReal("$PDSIZE", 0.0);
     attributeMode_ = static_cast<int>(database_.headerInteger("$ATTMODE", 1));
     wipeoutFrames_ = OdDbWipeoutVariables::showsFrames(database_);
+    imageFrames_ = showsImageFrames(database_);
 }
 
 void Plotter::setUp(Shapes& shapes) {
     shapes.setAttributeMode(attributeMode_);
     shapes.setWipeoutFrames(wipeoutFrames_);
     shapes.setLettering(&lettering_);
+    shapes.setRasters(rasters_, imageFrames_);
     shapes.setTexts(picture_.keepsTexts());
 }
 
@@ -288,9 +304,27 @@ void Plotter::drawItem(const DisplayList& list, const DisplayList::Item& item, c
             return picture_.addText(
                 {text.characters, flat(toPixels, text.start), flat(toPixels, text.end), flat(toPixels, text.top)});
         }
+        case Kind::kImage:
+            return drawImage(list.image(item), toPixels, look);
         case Kind::kReference:
             return;
     }
+}
+
+// What stands out does so by its outline.
+void Plotter::drawImage(const DisplayList::Image& image, const OdGeMatrix3d& toPixels, const Look& look) {
+    std::vector<Picture::Contour> contours;
+    for (const auto& outline : image.outlines) {
+        Picture::Contour& contour = contours.emplace_back();
+        for (const OdGePoint3d& point : outline) contour.push_back(flat(toPixels, point));
+        if (emphasis_ == Emphasis::kPlain) continue;
+        contour.push_back(contour.front());
+        drawStroke(contour, look);
+    }
+    if (emphasis_ == Emphasis::kPlain)
+        picture_.addImage(
+            contours, {image.raster,
+                       {flat(toPixels, image.corner), (toPixels * image.along).xy(), (toPixels * image.down).xy()}});
 }
 
 void Plotter::drawLine(std::span<const OdGePoint2d> points, const Look& look) {

@@ -24,6 +24,9 @@ class Plotter {
     /// Entities of each kind that could not be drawn; one in a block counts once.
     const std::map<std::string, int>& notDrawn() const { return notDrawn_; }
 
+    /// Whoever reads pictures for images from now on; it is referenced.
+    void takeRasters(Rasters& rasters) { rasters_ = &rasters; }
+
     /// ---- piece by piece
     /// A space as it is seen, itself or through a floating viewport of the paper that it says it of.
     struct Pass {
@@ -102,6 +105,7 @@ class Plotter {
                        const Style* inside);
     void drawCell(OdDbObjectId block, const OdGeMatrix3d& toPixels, const Style& style);
     void drawClipped(const DisplayList::Reference& reference, const OdGeMatrix3d& toPixels, const Style& style);
+    void drawImage(const DisplayList::Image& image, const OdGeMatrix3d& toPixels, const Look& look);
     void drawLine(std::span<const OdGePoint2d> points, const Look& look);
     Look emphasized(Look look) const;
     void drawStroke(std::span<const OdGePoint2d> points, const Look& look);
@@ -138,6 +142,9 @@ class Plotter {
     std::vector<OdGePoint2d> points_;
     DisplayList seen_;  // of the entity that is being drawn
     Emphasis emphasis_ = Emphasis::kPlain;
+    Rasters ownRasters_;
+    Rasters* rasters_ = &ownRasters_;
+    bool imageFrames_ = true;
 };
 
 }  // namespace host

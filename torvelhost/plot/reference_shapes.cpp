@@ -1,4 +1,6 @@
 // Block references, and the kinds that the database carries without understanding them.
+#include <algorithm>
+
 #include "drawingdb/block.h"
 #include "drawingdb/block_reference.h"
 #include "drawingdb/mtext.h"
@@ -9,6 +11,9 @@
 
 namespace host {
 namespace {
+
+// Of images.
+constexpr std::int64_t kShown = 1, kTransparent = 8;
 
 OdGePoint3d pointOf(const std::vector<PlotGroup>& groups, int code, const OdGePoint3d& fallback = {}) {
     const PlotGroup* group = findGroup(groups, code);
@@ -126,7 +131,7 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     else if (is("ACAD_TABLE"))
         return addTable(groupsOf(entity));
     else if (is("IMAGE"))
-        return addImageFrame(groupsOf(entity));
+        return addImage(groupsOf(entity));
     else if (is("LEADER"))
         addLeaderParts(drawingdb::leaderParts(entity));
     else if (is("MULTILEADER"))
@@ -175,23 +180,53 @@ bool Shapes::addTable(const std::vector<PlotGroup>& groups) {
                          OdGeMatrix3d::coordSystem(pointOf(groups, 10), along, normal.crossProduct(along), normal));
 }
 
+// How the picture is to look; null when it cannot be shown.
+std::shared_ptr<const Raster> Shapes::rasterOf(const std::vector<PlotGroup>& image, const OdDbObject& definition) {
+    const auto percent = [&](int code, int standard) {
+        const PlotGroup* group = findGroup(image, code);
+        return group ? static_cast<int>(std::clamp<std::int64_t>(group->integer, 0, 100)) : standard;
+    };
+    RasterLook look{percent(281, 50), percent(282, 50), percent(283, 0)};
+    look.isTransparent = (groupOrZero(image, 70).integer & kTransparent) != 0;
+    look.isGray = styles_.inks().mono;
+    look.paper = styles_.inks().background;
+    return rasters_->read(groupOrZero(groupsOf(definition), 1).text, look);
+}
+
 // 10 lower left corner   11, 12 a pixel's sides   13 size in pixels   14 what it is cut to, in pixels from -0.5 with y
-// downwards: two opposite corners of a rectangle, or a polygon. The picture itself is not drawn.
-bool Shapes::addImageFrame(const std::vector<PlotGroup>& groups) {
+// downwards: two opposite corners of a rectangle, or a polygon   280 whether it is   290 whether what is inside is cut
+// out   340 the definition, which names the file (1) and tells whether it is loaded (280)
+bool Shapes::addImage(const std::vector<PlotGroup>& groups) {
     const OdGeVector3d u = pointOf(groups, 11).asVector(), v = pointOf(groups, 12).asVector();
     const OdGePoint3d size = pointOf(groups, 13);
-    Corners corners;
+    std::vector<Corners> outlines = {{{-0.5, -0.5, 0}, {size.x - 0.5, size.y - 0.5, 0}}};
+    Corners clip;
     if (groupOrZero(groups, 280).integer != 0)
         for (const PlotGroup& group : groups)
-            if (group.code == 14) corners.push_back(group.point);
-    if (corners.empty()) corners = {{-0.5, -0.5, 0}, {size.x - 0.5, size.y - 0.5, 0}};
-    if (corners.size() == 2)
-        corners = {corners[0], {corners[1].x, corners[0].y, 0}, corners[1], {corners[0].x, corners[1].y, 0}};
-    for (OdGePoint3d& corner : corners)
-        corner = pointOf(groups, 10) + u * (corner.x + 0.5) + v * (size.y - corner.y - 0.5);
-    corners.push_back(corners.front());
-    list_.add(DisplayList::Kind::kPolyline, corners);
-    return false;
+            if (group.code == 14) clip.push_back(group.point);
+    if (clip.size() > 1) {
+        if (groupOrZero(groups, 290).integer == 0) outlines.clear();
+        outlines.push_back(std::move(clip));
+    }
+    for (Corners& corners : outlines) {
+        if (corners.size() == 2)
+            corners = {corners[0], {corners[1].x, corners[0].y, 0}, corners[1], {corners[0].x, corners[1].y, 0}};
+        for (OdGePoint3d& corner : corners)
+            corner = pointOf(groups, 10) + u * (corner.x + 0.5) + v * (size.y - corner.y - 0.5);
+    }
+    const auto definition = groupOrZero(groups, 340).id.openIf<OdDbObject>();
+    const PlotGroup* const loaded = definition ? findGroup(groupsOf(*definition), 280) : nullptr;
+    const bool isShown = (groupOrZero(groups, 70).integer & kShown) != 0 && (!loaded || loaded->integer != 0);
+    std::shared_ptr<const Raster> raster;
+    if (isShown && rasters_ && definition) raster = rasterOf(groups, *definition);
+    if (raster) list_.addImage({raster, pointOf(groups, 10) + v * size.y, u * size.x, v * -size.y, outlines});
+    if (imageFrames_ || !raster) {
+        for (Corners& corners : outlines) {
+            corners.push_back(corners.front());
+            list_.add(DisplayList::Kind::kPolyline, corners);
+        }
+    }
+    return raster || !isShown;
 }
 
 // The third and fourth corner are stored crosswise.

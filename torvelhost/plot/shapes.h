@@ -48,6 +48,11 @@ class Shapes {
     void setWipeoutFrames(bool shown) { wipeoutFrames_ = shown; }
     /// What texts are drawn in, referenced; all in the built-in font without it.
     void setLettering(Lettering* lettering) { lettering_ = lettering; }
+    /// What images show, referenced; their frames alone without it.
+    void setRasters(Rasters* rasters, bool withFrames) {
+        rasters_ = rasters;
+        imageFrames_ = withFrames;
+    }
     /// Whether what texts say is added beside their strokes.
     void setTexts(bool added) { texts_ = added; }
     /// Whether what is on layers that are off or frozen is added too.
@@ -108,7 +113,8 @@ class Shapes {
     bool addBlockNamed(const OdString& name, const OdGeMatrix3d& placement);
     bool addDimension(const std::vector<PlotGroup>& groups);
     bool addTable(const std::vector<PlotGroup>& groups);
-    bool addImageFrame(const std::vector<PlotGroup>& groups);
+    bool addImage(const std::vector<PlotGroup>& groups);
+    std::shared_ptr<const Raster> rasterOf(const std::vector<PlotGroup>& image, const OdDbObject& definition);
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
 
@@ -134,7 +140,8 @@ class Shapes {
     Lettering* lettering_ = nullptr;
     bool inBlock_ = false;
     int attributeMode_ = 1;
-    bool wipeoutFrames_ = true;
+    Rasters* rasters_ = nullptr;
+    bool wipeoutFrames_ = true, imageFrames_ = true;
     bool texts_ = false;
     bool hiddenToo_ = false;
     bool missesBlock_ = false;
