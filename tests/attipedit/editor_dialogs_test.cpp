@@ -125,10 +125,11 @@ TEST(MultiLineValue, BringsItsWidth) {
     const double width = attribute->getMTextAttribute()->width();
     const OdString text = attribute->textString();
     for (const double wanted : {width + 2.5, 0.0, width}) {
-        torvel::applyMultiLine({torvel::captureText(*attribute), wanted, {}}, *attribute);
+        EXPECT_TRUE(torvel::applyMultiLine({torvel::captureText(*attribute), wanted, {}}, *attribute)) << "changed";
         EXPECT_EQ(attribute->getMTextAttribute()->width(), wanted);
         EXPECT_EQ(attribute->textString(), text);
     }
+    EXPECT_FALSE(torvel::applyMultiLine({torvel::captureText(*attribute), width, {}}, *attribute)) << "left alone";
     torvel::applyMultiLine({{false, L"new\\Ptext", {}}, 8, {}}, *attribute);
     EXPECT_EQ(attribute->getMTextAttribute()->width(), 8);
     EXPECT_EQ(attribute->textString(), L"new\\Ptext");

@@ -45,7 +45,7 @@ const Typeface::Contours& Typeface::contoursOf(std::uint32_t glyph, int fineness
             const double bend = std::max(((a - b) + (c - b)).length(), ((b - c) + (d - c)).length());
             constexpr double kMostPieces = 64;
             const double pieces = std::clamp(std::ceil(std::sqrt(0.75 * bend / tolerance)), 1.0, kMostPieces);
-            for (double i = 1; i < pieces; ++i) {
+            for (int i = 1; i < pieces; ++i) {
                 const double t = i / pieces, u = 1 - t;
                 const auto mixed = [&](double p, double q, double r, double s) {
                     return u * u * u * p + 3 * u * u * t * q + 3 * u * t * t * r + t * t * t * s;

@@ -61,7 +61,7 @@ class Drawing {
 std::vector<Sheet> sheetsOf(Document& document, DocumentView& view, const PlotSettings& settings) {
     const OdDbDatabase& database = *document.database();
     if (settings.layout) return layoutSheets(database, settings);
-    if (!view.isChosen()) return {layoutSheet(database, database.currentLayoutName().c_str(), settings)};
+    if (!view.isChosen()) return {layoutSheet(database, database.currentLayoutName(), settings)};
     const View seen = view.current();
     const OdGeVector2d half(seen.height / 2 * view.width() / view.height(), seen.height / 2);
     const OdGePoint2d low = seen.center - half, high = seen.center + half;

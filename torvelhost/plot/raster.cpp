@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -24,6 +25,7 @@ thread_local std::uint64_t mostBytes = 0;  // of one piece of memory
 
 void* allocateWithin(std::size_t size) { return size <= mostBytes ? std::malloc(size) : nullptr; }
 void* reallocateWithin(void* memory, std::size_t size) {
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the library owns it.
     return size <= mostBytes ? std::realloc(memory, size) : nullptr;
 }
 
@@ -89,7 +91,7 @@ struct Curve {
             const double paper = (look.paper >> (8 * i) & 255) / 255.0;
             for (int value = 0; value < 256; ++value) {
                 const double strength = std::clamp((value / 255.0 - 0.5) * contrast + 0.5 + shift, 0.0, 1.0);
-                of[i][value] = static_cast<std::uint8_t>((strength + (paper - strength) * fade) * 255 + 0.5);
+                of[i][value] = static_cast<std::uint8_t>(std::lround((strength + (paper - strength) * fade) * 255));
             }
         }
     }

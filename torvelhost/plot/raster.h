@@ -34,6 +34,7 @@ struct RasterLook {
     bool isGray = false;
     std::uint32_t paper = 0xFFFFFF;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): what is compared with 0 is no pointer.
     auto operator<=>(const RasterLook&) const = default;
 };
 

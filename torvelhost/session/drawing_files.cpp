@@ -39,7 +39,7 @@ std::wstring placeIn(const Profile& profile) {
 std::vector<std::wstring> converterOf(Profile& profile) {
     CXStringW command;
     profile.readText(kSection, kKey, command);
-    return wordsOf(command.c_str());
+    return wordsOf(command);
 }
 
 // What a failed converter said last.
@@ -115,8 +115,7 @@ OdDbDatabasePtr readDrawingFile(const std::wstring& path, bool recover, Profile&
     const std::wstring output = folder / L"drawing.dxf";
     convert(converter, path, output, folder / L"printed", profile);
     const std::string bytes(base::readFile(output).view());
-    const OdDbDatabasePtr database =
-        recover ? OdDbDatabase::recoverBytes(bytes, path) : OdDbDatabase::readBytes(bytes, path);
+    OdDbDatabasePtr database = recover ? OdDbDatabase::recoverBytes(bytes, path) : OdDbDatabase::readBytes(bytes, path);
     warnOfLayersOff(*database);
     return database;
 }
