@@ -72,6 +72,10 @@ OdDbDatabasePtr openDrawing(const std::optional<std::wstring>& drawing, const Op
     Terminal& terminal = application.terminal();
     OdDbDatabasePtr database = readDrawing(drawing, options, terminal, application.profile());
     for (const OdDbWarning& warning : database->warnings()) terminal.warning(base::fromUtf8(warning.text));
+    if (!database->modelSpaceId())
+        throw base::FileError(*drawing,
+                              L"no model space is left of it, so there is nothing to show and nothing to draw "
+                              L"in. Remedy: --recover adds an empty one");
     return database;
 }
 

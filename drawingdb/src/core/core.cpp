@@ -319,9 +319,9 @@ Stub* Core::findRecord(std::string_view table, const std::wstring& recordName) {
         decltype(names_)::mapped_type map;
         Stub* container = tableNamed(table);
         int wanted = -1;
-        if (!container && table == "BLOCK_RECORD") {
-            container = section(Section::blocks);
-            wanted = rtBlock;
+        if (table == "BLOCK_RECORD") {  // nothing else can be opened as a block
+            wanted = container ? rtBlockRecord : rtBlock;
+            if (!container) container = section(Section::blocks);
         }
         if (container) {
             for (Stub* stub = nextChild(*container, nullptr); stub; stub = nextChild(*container, stub)) {

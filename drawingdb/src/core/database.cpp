@@ -213,8 +213,10 @@ OdDbObjectId OdDbDatabase::currentSpaceId() const {
     const OdString name = currentLayoutName();
     if (base::equalsNoCase(name, kModel)) return modelSpaceId();
     if (const auto layout = findLayout(*this, name))
-        if (const OdDbObjectId block = layout->blockTableRecordId(); block.isValid()) return block;
-    return paperSpaceId();
+        if (const OdDbObjectId block = layout->blockTableRecordId(); block.isKindOf(OdDbBlockTableRecord::desc()))
+            return block;
+    // A damaged layout may have no block.
+    return paperSpaceId().isNull() ? modelSpaceId() : paperSpaceId();
 }
 
 bool OdDbDatabase::setCurrentLayout(const OdString& name) {

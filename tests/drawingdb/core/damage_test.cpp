@@ -75,6 +75,25 @@ TEST(Damage, RandomBytesAreChanged) {
     }
 }
 
+// Whoever draws or shows anything relies on it.
+TEST(Damage, EveryLayoutHasABlock) {
+    const std::string record = "  0\nBLOCK_RECORD\n";
+    const std::string& whole = sampleBytes();
+    std::size_t damaged = 0;
+    for (std::size_t at = whole.find(record); at != whole.npos; at = whole.find(record, at + 1)) {
+        std::string bytes = whole;
+        bytes.replace(at, record.size(), "  0\nVIEW\n");
+        const auto database = OdDbDatabase::readBytes(bytes, L"damaged.dxf");
+        EXPECT_TRUE(database->modelSpaceId().openIf<OdDbBlockTableRecord>()) << damaged;
+        for (const OdString& layout : database->layoutNames()) {
+            ASSERT_TRUE(database->setCurrentLayout(layout));
+            EXPECT_TRUE(database->currentSpaceId().openIf<OdDbBlockTableRecord>()) << damaged;
+        }
+        ++damaged;
+    }
+    EXPECT_GT(damaged, 2u);
+}
+
 TEST(Damage, ReadOnlyDrawingsCannotBeChanged) {
     const auto database =
         OdDbDatabase::readBytes(sampleBytes().substr(0, sampleBytes().find("OBJECTS") - 20), L"cut.dxf");
