@@ -93,6 +93,7 @@ MultiLineEdit editMultiLine(const OdDbEntity& source, WhileEdited how, const OdG
         group.emplace(OdDbDatabasePtr(database));
     const auto text = appendTemporary(source, *form, *database, transform, *value);
     text->downgradeOpen();  // the editor opens it for write when there is something to write
+    value.reset();          // its fields are the text's now, and would stay open for write
     if (edit(*text, kEditorContext))
         result.value =
             MultiLineValue{captureText(*text), text->width() / scaleAlong(*form, transform), text->location()};
