@@ -96,4 +96,24 @@ TEST_F(SafekeepingTest, AnOpenedCopyIsReplacedByItsOwn) {
     EXPECT_EQ(copies(), 1u);
 }
 
+// A window that ends by an error has not asked for its changes.
+TEST_F(SafekeepingTest, AWindowThatFailsLeavesItsChanges) {
+    for (const bool isModified : {true, false}) {
+        {
+            Safekeeping keeping(state_, terminal_);
+            Document document(OdDbDatabase::readFile(plan_));
+            keeping.show(plan_, document);
+            if (isModified) document.database()->setHeaderReal("$LTSCALE", 40, 7);
+            EXPECT_EQ(keeping.leave(document), isModified);
+        }
+        EXPECT_EQ(copies(), isModified ? 1u : 0u);
+        Safekeeping next(state_, terminal_);
+        const std::vector<host::LeftCopy> left = next.takeLeft();
+        ASSERT_EQ(left.size(), copies());
+        if (!isModified) continue;
+        EXPECT_EQ(OdDbDatabase::readFile(left[0].copy)->headerReal("$LTSCALE", 1), 7);
+        next.dropLeft(left[0]);
+    }
+}
+
 }  // namespace

@@ -102,6 +102,11 @@ char g_drawingName[1024] = "";
 
 std::terminate_handler g_terminateBefore = nullptr;
 
+void nameDrawing(const std::wstring& drawing) {
+    std::snprintf(g_drawingName, sizeof g_drawingName, "%s",
+                  drawing.empty() ? "the new drawing" : base::toUtf8(visible(drawing)).c_str());
+}
+
 void endWithoutMemory() {
     if (const std::exception_ptr exception = std::current_exception()) {
         try {
@@ -219,12 +224,20 @@ ExitStatus runInWindow(const Options& options, Terminal& terminal) {
     window.open();
     for (; opened; opened = window.view().takeOpened()) {
         window.view().showNothing();
+        nameDrawing(opened->name);
         application.open(std::move(opened->database), window.view());
         if (status == kAllFinished) checkLayout(options, *application.session()->document.database());
         setVariables(options, application.session()->variables);
         if (opened->isUnsaved) application.session()->document.markUnsaved();
         window.view().show(application, opened->name);
-        status = std::max(status, CommandLoop(application).run());
+        try {
+            status = std::max(status, CommandLoop(application).run());
+        } catch (...) {
+            window.view().showNothing();  // its pictures take much of the memory that may be short
+            if (window.leave(application.session()->document))
+                terminal.error(L"what was not saved is kept aside; the next window offers it");
+            throw;
+        }
     }
     window.view().showNothing();
     return finish(options, application, terminal, status);
@@ -240,8 +253,7 @@ std::string helpText(const std::wstring& topic) {
 ExitStatus run(const Options& options, Terminal& terminal) {
     checkOptions(options);
     if (options.windows) requireWindows();
-    std::snprintf(g_drawingName, sizeof g_drawingName, "%s",
-                  options.drawing ? base::toUtf8(visible(*options.drawing)).c_str() : "the new drawing");
+    nameDrawing(options.drawing.value_or(std::wstring()));
     if (options.summary != Options::Summary::kNone) return summarize(options, terminal);
     return options.hasWindow() ? runInWindow(options, terminal) : runAtTerminal(options, terminal);
 }

@@ -23,6 +23,8 @@ class ViewWindow {
 
     CanvasView& view() { return *view_; }
     void open();
+    /// The window ends by an error: what is not saved is kept for the next one. False: nothing is.
+    bool leave(Document& document) { return safekeeping_ && safekeeping_->leave(document); }
 
   private:
     /// Dialogs take the lines of events as those of a script.

@@ -48,7 +48,10 @@ KeptAside::KeptAside(std::wstring folder)
 }
 
 KeptAside::~KeptAside() {
-    drop();
+    if (isLeft_ && hasCopy())
+        record_->leaveFile();
+    else
+        drop();
     for (const Taken& taken : taken_) taken.record->leaveFile();
 }
 

@@ -29,7 +29,7 @@ class KeptAside {
   public:
     /// Records are kept in `folder`, which is made. Throws base::FileError.
     explicit KeptAside(std::wstring folder);
-    /// The copy and the record go.
+    /// The copy and the record go, but for those that were left.
     ~KeptAside();
     KeptAside(const KeptAside&) = delete;
     KeptAside& operator=(const KeptAside&) = delete;
@@ -47,6 +47,8 @@ class KeptAside {
     /// The drawing is saved: the copy goes.
     void drop();
     bool hasCopy() const { return !copy_.empty(); }
+    /// The window does not end in order: its copy is for the next one.
+    void leaveCopy() { isLeft_ = true; }
 
   private:
     void writeRecord();
@@ -55,6 +57,7 @@ class KeptAside {
     std::wstring extension_;  // of the copies of this window: no other window of anybody has it
     std::unique_ptr<base::FileHold> record_;
     std::wstring drawing_, copy_;
+    bool isLeft_ = false;
     struct Taken {
         std::unique_ptr<base::FileHold> record;
         LeftCopy left;

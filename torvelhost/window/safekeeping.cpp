@@ -64,4 +64,15 @@ void Safekeeping::work(const std::wstring& drawing, Document& document, std::int
     }
 }
 
+bool Safekeeping::leave(Document& document) {
+    if (!kept_ || !document.isModified()) return false;
+    try {
+        kept_->keep(*document.database());
+    } catch (const std::exception& error) {
+        terminal_.warning(L"the unsaved drawing is not kept aside as it is now: " + base::fromUtf8(error.what()));
+    }
+    kept_->leaveCopy();
+    return kept_->hasCopy();
+}
+
 }  // namespace host

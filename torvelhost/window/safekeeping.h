@@ -33,6 +33,9 @@ class Safekeeping {
     void show(const std::wstring& drawing, Document& document);
     /// To be called at the command prompt: keeps what is to be kept at that time, and drops what was saved.
     void work(const std::wstring& drawing, Document& document, std::int64_t now);
+    /// The window ends by an error: what is not saved is kept as it is now, or as it was kept last, for the next
+    /// window. False: there is nothing of it.
+    bool leave(Document& document);
     /// When work() has something to do without anything happening.
     std::optional<std::int64_t> dueAt() const { return due_; }
 
