@@ -355,6 +355,12 @@ std::optional<hostapi::Pick> Selection::pickByText(std::wstring_view text, std::
     return typed ? toPick(*typed, reason) : std::nullopt;
 }
 
+std::optional<hostapi::Pick> Selection::pickTyped(std::wstring_view text, std::wstring& reason) {
+    std::optional<hostapi::Pick> pick = pickByText(text, reason);
+    if (reactor_ && pick && pick->entity) choose(*pick, *reactor_);
+    return pick;
+}
+
 int Selection::askPick(const wchar_t* prompt, const wchar_t* keywords, Expected::Kind kind, hostapi::Pick& pick) {
     const auto accept = [&](const Reply& reply, std::wstring& reason) {
         std::optional<hostapi::Pick> found;

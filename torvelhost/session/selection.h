@@ -32,6 +32,8 @@ class Selection {
 
     /// ---- what a window shows and says
 
+    /// As pickByText, with what the prompt that is open takes of what lies there.
+    std::optional<hostapi::Pick> pickTyped(std::wstring_view text, std::wstring& reason);
     /// What a click at a point meets, as the prompt that is open goes into references.
     hostapi::Pick pickAt(const OdGePoint3d& point);
     OdDbObjectId entityAt(const OdGePoint3d& point);

@@ -203,10 +203,10 @@ void CanvasView::queueCommand(const std::vector<std::wstring>& lines, bool isRep
 void CanvasView::enter() {
     const std::wstring text = commandLine_.enter();
     if (!question_ || isAsked(Expected::kDialog)) return;
-    if (!isAsked(Expected::kCommand)) return reply(text);
+    if (!isAsked(Expected::kCommand)) return reply(gestures_.named(text));
     if (base::equalsNoCase(base::trimmed(text), L"QUIT")) return closeAsked();
     if (!base::trimmed(text).empty())
-        reply(text);
+        reply(gestures_.named(text));
     else if (!lastCommand_.empty())
         reply(lastCommand_);
 }

@@ -4,12 +4,15 @@
 #include <cmath>
 #include <unordered_set>
 
+#include "base/text.h"
 #include "drawingdb/viewport.h"
+#include "torvelhost/lines/reply.h"
 
 namespace host {
 namespace {
 
 constexpr double kStill = 4;  // pixels that a hand moves while it clicks
+constexpr std::wstring_view kDoubleClick = L"DBLCLICK ";
 
 }  // namespace
 
@@ -49,6 +52,26 @@ void Gestures::pressed(CanvasPoint at) {
     reply_(pick.entity ? session_->selection.nameOf(pick) + L" " + text : L"none");
 }
 
+std::wstring Gestures::named(const std::wstring& line) const {
+    if (!session_ || !picks()) return line;
+    std::wstring command;
+    std::wstring_view text = base::trimmed(line);
+    if (kind_ == Expected::kCommand) {
+        if (!base::startsWithNoCase(text, kDoubleClick)) return line;
+        command = kDoubleClick;
+        text = base::trimmed(text.substr(command.size()));
+    }
+    const auto typed = parsePick(text);
+    if (!typed || !typed->point) return line;
+    std::wstring reason;
+    const auto pick = session_->selection.pickTyped(text, reason);
+    if (!pick) return line;
+    if (!pick->entity) return command + L"none";
+    if (kind_ == Expected::kSet) return session_->selection.nameOf(pick->entity);
+    if (!typed->path.empty()) text = base::trimmed(text.substr(text.find_first_of(L" \t")));
+    return command + session_->selection.nameOf(*pick) + L" " + std::wstring(text);
+}
+
 void Gestures::moved(CanvasPoint at) { cursor_ = at; }
 
 void Gestures::released(CanvasPoint at, bool shift) {
@@ -76,7 +99,7 @@ void Gestures::doubleClicked(CanvasPoint at) {
     const hostapi::Pick pick = point ? session_->selection.pickAt(*point) : hostapi::Pick();
     // In a layout the border of a viewport is no object to edit.
     if (pick.entity && !pick.entity.isKindOf(OdDbViewport::desc()))
-        return reply_(L"DBLCLICK " + session_->selection.nameOf(pick) + L" " + map().pointText(at));
+        return reply_(std::wstring(kDoubleClick) + session_->selection.nameOf(pick) + L" " + map().pointText(at));
     enterViewport(at);
 }
 

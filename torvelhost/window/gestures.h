@@ -34,6 +34,9 @@ class Gestures {
     void moved(CanvasPoint at);
     void released(CanvasPoint at, bool shift);
     void doubleClicked(CanvasPoint at);
+    /// The line, where a place in it picks something: by name, as a click says it, so that it means the same with any
+    /// other view.
+    std::wstring named(const std::wstring& line) const;
     /// False when there was nothing to give up.
     bool giveUp();
 
