@@ -77,7 +77,9 @@ CMD_RUNSTATUS zoom(HostRun& run) {
         case kFirstKeyword + kCenter:
             return zoomCenter(run);
         case kFirstKeyword + kPrevious:
-            return run.view.setPrevious() ? kCommandFinished : run.refused(L"There is no view before this one");
+            // Not refused: a recording has none of the views that a wheel has left behind.
+            if (!run.view.setPrevious()) run.terminal().notice(L"There is no view before this one.");
+            return kCommandFinished;
         case kFirstKeyword + kWindow:
             return zoomWindow(run, std::nullopt);
         default:

@@ -1,0 +1,3 @@
+def check(case):
+    before, near, again = (case.picture(f"{name}.png") for name in ("before", "near", "again"))
+    assert near != before and again == before
