@@ -165,6 +165,7 @@ class QtFrame final : public QMainWindow, public ViewFrame, public WindowHand {
     void send(QEvent&& event);
     template <class MakeEvent>
     void sendAt(CanvasPoint at, MakeEvent makeEvent);
+    void sendToCanvas(QEvent&& event);
     bool mustWait() const { return !waiting_ || doing_ || handedOver_ || !row_.empty(); }
 
     /// ---- events, before the widgets get them. True: the event is done with
@@ -200,6 +201,7 @@ class QtFrame final : public QMainWindow, public ViewFrame, public WindowHand {
     double toldScale_ = 0;
     std::exception_ptr failure_;
     Qt::MouseButtons held_;  // by a hand that a script moves
+    bool isSecondClick_ = false;
 };
 
 // ---- making it
@@ -589,11 +591,17 @@ void QtFrame::mouse(Mouse what, MouseButton button, CanvasPoint at, bool shift) 
     const Qt::MouseButton pressed = kButtons[static_cast<int>(button)];
     if (what == Mouse::kPress || what == Mouse::kDoubleClick) held_ |= pressed;
     if (what == Mouse::kRelease) held_ &= ~pressed;
-    sendAt(at, [&](const QPointF& place) {
+    const auto makeEvent = [&](const QPointF& place) {
         return QMouseEvent(kTypes[static_cast<int>(what)], place, mapToGlobal(place),
                            what == Mouse::kMove ? Qt::NoButton : pressed, held_,
                            shift ? Qt::ShiftModifier : Qt::NoModifier);
-    });
+    };
+    // A window drops a release that no press came before, and the second press of a double click is none.
+    if (what == Mouse::kRelease && isSecondClick_)
+        sendToCanvas(makeEvent(QPointF(at.x, at.y) / devicePixelRatioF()));
+    else
+        sendAt(at, makeEvent);
+    if (what != Mouse::kMove) isSecondClick_ = what == Mouse::kDoubleClick;
 }
 
 // Windows round what lies between two pixels, where no hand comes but a script does.
@@ -602,16 +610,14 @@ void QtFrame::sendAt(CanvasPoint at, MakeEvent makeEvent) {
     const QPointF place = QPointF(at.x, at.y) / devicePixelRatioF();
     const QPointF inWindow = canvas_.mapTo(this, place);
     if (inWindow == inWindow.toPoint()) return send(makeEvent(inWindow));
-    auto event = makeEvent(place);
+    sendToCanvas(makeEvent(place));
+}
+
+void QtFrame::sendToCanvas(QEvent&& event) {
     work([&] { QCoreApplication::sendEvent(&canvas_, &event); });
 }
 
-void QtFrame::leaveCanvas() {
-    work([this] {
-        QEvent leave(QEvent::Leave);
-        QCoreApplication::sendEvent(&canvas_, &leave);
-    });
-}
+void QtFrame::leaveCanvas() { sendToCanvas(QEvent(QEvent::Leave)); }
 
 void QtFrame::turnWheel(double notches, CanvasPoint at) {
     constexpr int kNotch = 120;
