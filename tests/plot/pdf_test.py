@@ -159,6 +159,7 @@ class PdfTest(unittest.TestCase):
         cut = self.msp.add_image(picture, (140, 85), (40, 15))
         cut.set_boundary_path([(5, 5), (70, 5), (40, 28)])
         cut.dxf.clipping = 1
+        self.msp.new_entity("TOLERANCE", {"insert": (200, 90), "content": "{\\Fgdt;j}%%v{\\Fgdt;n}0.5{\\Fgdt;m}%%vA", "dimstyle": "Standard"})
         self.doc.layers.add("OFF").off()
         self.msp.add_text("NOT SHOWN", height=5, dxfattribs={"layer": "OFF"})
 
@@ -176,6 +177,7 @@ class PdfTest(unittest.TestCase):
         for text in [*ALPHABETS, "IN BLOCK", "Two words", "DN1/2"]:
             self.assertIn(text, found.replace("\u202b", "").replace("\u202c", ""))
         self.assertEqual(found.count("BLOCK"), 6, "in every direction")
+        self.assertIn("⌖ ⌀0.5Ⓜ", found)
         self.assertNotIn("NOT SHOWN", found)
         # Only what is on the paper, and where it stands there: 20 millimetres from the left and the upper edge.
         self.plot("--paper", "100x100", "--scale", "1:1", "-c", "ZOOM|C|30,0|50")

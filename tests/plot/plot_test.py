@@ -573,6 +573,45 @@ class PlotTest(unittest.TestCase):
         self.assertEqual((len(plot.lines(RED)), len(plot.areas(RED))), (8, 4))  # four are seen from their end
         self.assertLines(plot, [[(100, 100), (150, 100)], [(150, 100), (150, 150)], [(150, 150), (100, 100)]], BLUE)
 
+    def test_tolerances_are_cells_in_rows(self):
+        style = self.doc.dimstyles.get("Standard")
+        style.dxf.update({"dimtxt": 10, "dimgap": 2.5, "dimscale": 2, "dimclrd": 1, "dimclrt": 5})
+
+        def add(place, content, **attributes):
+            return self.msp.new_entity("TOLERANCE", {"insert": place, "content": content, "dimstyle": "Standard", **attributes})
+
+        def cells(color=RED):
+            boxes = [box(points) for points, _, _ in self.plot().lines(color) if len(points) == 5]
+            return [tuple(round(edge, 1) for edge in (x1, 600 - y2, x2, 600 - y1)) for x1, y1, x2, y2 in boxes]
+
+        add((100, 300), "{\\Fgdt;j}%%v{\\Fgdt;n}0.5%%v%%vA^J{\\Fgdt;j}%%v{\\Fgdt;n}0.1^J%%vD")
+        sign, first, datum, second, third = cells()
+        # Text and a gap on both sides; the sign of both rows stands once.
+        self.assertEqual((sign[:2], sign[3]), ((100, 255), 315))
+        for left, right in ((sign, first), (first, datum), (sign, second)):
+            self.assertEqual(left[2], right[0], "side by side, and nothing for an empty cell")
+        self.assertEqual([(cell[1], cell[3]) for cell in (first, datum, second, third)], [(285, 315), (285, 315), (255, 285), (225, 255)])
+        self.assertEqual(third[0], 100)
+        ink = self.plot().lines(BLUE)
+        for x1, y1, x2, y2 in (sign, first, datum, second, third):
+            inside = [(x, 600 - y) for points, _, _ in ink for x, y in points if x1 < x < x2 and y1 < 600 - y < y2]
+            low, high = (limit(y for _, y in inside) for limit in (min, max))
+            self.assertAlmostEqual((low + high) / 2, (y1 + y2) / 2, delta=1.5, msg="in the middle")
+            self.assertAlmostEqual(sum(limit(x for x, _ in inside) for limit in (min, max)) / 2, (x1 + x2) / 2, delta=1)
+            self.assertLessEqual(high - low, 20.1)
+        # Turned, and with sizes of its own: its extended data override the style.
+        self.msp.delete_all_entities()
+        turned = add((100, 100), "0.1", x_axis_vector=(0, 1, 0))
+        turned.set_xdata("ACAD", [(1000, "DSTYLE"), (1002, "{"), (1070, 40), (1040, 1.0), (1070, 176), (1070, 3), (1002, "}")])
+        (cell,) = cells(GREEN)
+        self.assertEqual((cell[0], cell[1], cell[2]), (92.5, 100, 107.5))
+        # No text, and texts that are none.
+        self.msp.delete_all_entities()
+        for content in ("", "%%v%%v", "^J^J", "{\\Fgdt", "{\\Fgdt;", "}}{{"):
+            add((100, 100), content)
+        self.plot()
+        self.assertNotIn("not drawn", self.errors)
+
     def test_what_cannot_be_drawn_is_counted_once(self):
         block = self.block("PART")
         block.add_body()

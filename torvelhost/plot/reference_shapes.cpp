@@ -136,6 +136,8 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
         addLeaderParts(drawingdb::leaderParts(entity));
     else if (is("MULTILEADER"))
         addMultiLeader(groupsOf(entity));
+    else if (is("TOLERANCE"))
+        addTolerance(entity, groupsOf(entity));
     else if (is("MLINE"))
         addMultiLine(groupsOf(entity));
     else if (is("POLYLINE"))

@@ -95,6 +95,12 @@ class Shapes {
     void addText(const OdDbText& text, const OdString& shown);
     void addAttributeText(const OdDbAttributeText& text);
     void addMText(const OdDbMText& text);
+    struct SetText {
+        drawingdb::MTextLayout layout;  // in the fonts that it is drawn in
+        Typeface* font = nullptr;       // of its style
+        bool outlined = false;
+    };
+    SetText set(const OdDbMText& text);
     /// False when all of it is in the built-in font.
     bool addOutlineText(const OdDbText& text, const OdString& shown);
     void addSaid(const OdString& shown, const OdGePoint3d& start, const OdGePoint3d& end, const OdGePoint3d& top);
@@ -123,6 +129,9 @@ class Shapes {
     void addMultiLeader(const std::vector<PlotGroup>& groups);
     void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
     void addMultiLine(const std::vector<PlotGroup>& groups);
+
+    /// tolerance_shapes.cpp
+    void addTolerance(const OdDbEntity& tolerance, const std::vector<PlotGroup>& groups);
 
     /// mesh_shapes.cpp. False for another kind of polyline.
     bool addMesh(const OdDbEntity& polyline, const std::vector<PlotGroup>& groups);

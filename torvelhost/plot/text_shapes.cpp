@@ -173,17 +173,20 @@ bool Shapes::isInStrokes(Lettering::Font font, const drawingdb::MTextLayout& lay
     return true;
 }
 
+// Where lines break follows from the font that is drawn.
+Shapes::SetText Shapes::set(const OdDbMText& text) {
+    SetText set{text.layout(), lettering_ ? lettering_->fontOf(text) : nullptr};
+    set.outlined = lettering_ && !isInStrokes(set.font, set.layout);
+    if (set.outlined)
+        set.layout = text.layout([&](char32_t c, const drawingdb::MTextFormat& format) {
+            return lettering_->letterOf(lettering_->fontOf(set.font, format), c).advance;
+        });
+    return set;
+}
+
 void Shapes::addMText(const OdDbMText& text) {
     const OdGeMatrix3d toWorld = text.layoutToWorld();
-    drawingdb::MTextLayout layout = text.layout();
-    const Lettering::Font font = lettering_ ? lettering_->fontOf(text) : nullptr;
-    const bool outlined = lettering_ && !isInStrokes(font, layout);
-    const auto fontOf = [&](const drawingdb::MTextFormat& format) { return lettering_->fontOf(font, format); };
-    // Where lines break follows from the font that is drawn.
-    if (outlined)
-        layout = text.layout([&](char32_t c, const drawingdb::MTextFormat& format) {
-            return lettering_->letterOf(fontOf(format), c).advance;
-        });
+    const auto [layout, font, outlined] = set(text);
     const auto inWorld = [&](const OdGePoint2d& point) { return toWorld * OdGePoint3d(point.x, point.y, 0); };
     const Style own = list_.style();
 
@@ -225,7 +228,7 @@ void Shapes::addMText(const OdDbMText& text) {
         for (const drawingdb::MTextPlacedRun& run : line.runs) {
             list_.setStyle(run.format.color ? styles_.colored(own, *run.format.color) : own);
             if (outlined) {
-                const Lettering::Font inFormat = fontOf(run.format);
+                const Lettering::Font inFormat = lettering_->fontOf(font, run.format);
                 drawingdb::MTextPlacedRun upright = run;
                 // Its letters lean by themselves.
                 if (inFormat && inFormat->file().isItalic()) upright.format.italic = false;

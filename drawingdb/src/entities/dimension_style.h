@@ -13,7 +13,8 @@ namespace drawingdb {
 
 /// Codes of groups of a style.
 namespace dimension_style {
-inline constexpr int overallScale = 40, arrowSize = 41, measurementFactor = 144, leaderArrow = 341;
+inline constexpr int overallScale = 40, arrowSize = 41, textHeight = 140, measurementFactor = 144, textGap = 147,
+                     lineColor = 176, textColor = 178, textStyle = 340, leaderArrow = 341;
 }
 
 /// Gives the groups of the style that an entity of a database names (3), and behind them those that it overrides: of a

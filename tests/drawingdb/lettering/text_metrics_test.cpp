@@ -26,7 +26,10 @@ std::u32string charactersOf(std::wstring_view text) {
 }
 
 TEST(StrokeFont, GlyphsKeepToTheirRoom) {
-    for (char32_t c = U'!'; c <= 0x17F; ++c) {
+    std::u32string characters = U"∠⟂⏥⌓○∥⌭↗⌯⌖⌒ⓁⓂⓅ◎Ⓢ⌰⏤";
+    for (const char32_t c : characters) EXPECT_TRUE(hasStrokeGlyph(c)) << static_cast<unsigned>(c);
+    for (char32_t c = U'!'; c <= 0x17F; ++c) characters += c;
+    for (const char32_t c : characters) {
         const StrokeGlyph& glyph = strokeGlyph(c);
         if (c >= 0x7F && c <= 0xA0) {
             EXPECT_TRUE(glyph.strokes.empty()) << static_cast<unsigned>(c);
