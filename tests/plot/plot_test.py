@@ -20,6 +20,8 @@ import unittest
 
 import ezdxf
 import ezdxf.enums
+import ezdxf.math
+import ezdxf.render
 
 import compare_plots
 import plots
@@ -539,6 +541,32 @@ class PlotTest(unittest.TestCase):
         self.assertBox(plot.lines(YELLOW)[0][0], (500, 100, 600, 160), tolerance=3)
         self.assertEqual(len(plot.areas(YELLOW)), 1)
         self.assertNotIn("not drawn", self.errors)
+
+    def test_leaders_along_splines(self):
+        corners = [(100, 100), (150, 200), (220, 120), (300, 160)]
+        self.doc.dimstyles.get("Standard").dxf.dimasz = 20
+        self.msp.add_leader(corners, dxfattribs={"color": 1, "path_type": 1})
+        builder = self.msp.add_multileader_mtext("Standard")
+        builder.set_content("", char_height=10)
+        builder.set_leader_properties(color=5, leader_type=2)
+        builder.add_leader_line(ezdxf.render.ConnectionSide.left, [(400, 100), (450, 200)])
+        builder.build(insert=ezdxf.math.Vec2(500, 150))
+        self.msp.add_leader([(0, 0)] * 3, dxfattribs={"path_type": 1})  # nowhere
+        plot = self.plot()
+        self.assertNotIn("not drawn", self.errors)
+        ((line, _, _),), (head,) = plot.lines(RED), plot.areas(RED)
+        line = [(x, 600 - y) for x, y in line]
+        for corner in corners:
+            self.assertLess(min(math.dist(corner, point) for point in line), 0.1, "through all corners")
+        directions = [math.atan2(y2 - y1, x2 - x1) for (x1, y1), (x2, y2) in zip(line, line[1:])]
+        self.assertLess(max(abs(a - b) for a, b in zip(directions, directions[1:])), 0.2, "and without a bend")
+        tip, *base = [(x, 600 - y) for x, y in head.contours[0]]
+        middle = [sum(values) / 2 for values in zip(*base)]
+        self.assertEqual((tip, round(math.dist(tip, middle), 1)), ((100, 100), 20))
+        self.assertAlmostEqual(math.atan2(middle[1] - 100, middle[0] - 100), directions[0], delta=0.02)
+        self.assertNotAlmostEqual(directions[0], math.atan2(100, 50), delta=0.05)
+        (curve,) = [points for points, _, _ in plot.lines(BLACK) if len(points) > 10]
+        self.assertEqual([(x, 600 - y) for x, y in curve[:1]], [(400, 100)])
 
     def test_meshes_and_multiple_lines(self):
         grid = self.msp.add_polymesh((2, 3), dxfattribs={"color": 1})

@@ -25,12 +25,10 @@ OdCmColor colorOf(std::int64_t number) {
 void Shapes::addLeaderParts(const drawingdb::LeaderParts& parts) {
     if (parts.line.size() < 2) return;
     if (!parts.head.empty()) list_.add(DisplayList::Kind::kArea, parts.head);
-    list_.add(DisplayList::Kind::kPolyline, parts.line);
-}
-
-// The head is closed and filled, whatever arrow is asked for.
-void Shapes::addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow) {
-    addLeaderParts(drawingdb::leaderParts(std::move(corners), normal, arrow));
+    if (parts.curve)
+        addCurve(*parts.curve);
+    else
+        list_.add(DisplayList::Kind::kPolyline, parts.line);
 }
 
 //   300 CONTEXT_DATA{   41 text height  140 arrowhead   290 text: 304 contents  11 normal  12 place  13 direction
@@ -38,7 +36,8 @@ void Shapes::addLeaderLine(Corners corners, const OdGeVector3d& normal, double a
 //                        46 rotation
 //   302 LEADER{         10 end of its lines  11 direction of the landing  40 its length
 //   304 LEADER_LINE{    10 corner...
-//   305 } 303 } 301 }   170 kind of line, 0 none
+//   305 } 303 } 301 }   170 kind of line, 0 none, 1 straight, 2 a spline
+// The head is closed and filled, whatever arrow is asked for.
 void Shapes::addMultiLeader(const std::vector<PlotGroup>& groups) {
     std::size_t end = 0, firstLeader = groups.size();
     for (std::size_t i = 0; i < groups.size(); ++i) {
@@ -78,9 +77,11 @@ void Shapes::addMultiLeader(const std::vector<PlotGroup>& groups) {
                 if (groups[i].code == 40 && !isLine) landingEnd = landing + direction * groups[i].real;
             }
             if (isLine) {
+                const bool splined = kind && kind->integer == 2, lands = !landingEnd.isEqualTo(landing);
                 line.push_back(landing);
-                if (!landingEnd.isEqualTo(landing)) line.push_back(landingEnd);
-                addLeaderLine(line, normal, real(140, 0));
+                if (lands && !splined) line.push_back(landingEnd);
+                addLeaderParts(drawingdb::leaderParts(line, normal, real(140, 0), splined));
+                if (lands && splined) list_.add(DisplayList::Kind::kPolyline, Corners{landing, landingEnd});
             }
             --i;
         }

@@ -127,7 +127,6 @@ class Shapes {
     /// leader_shapes.cpp
     void addLeaderParts(const drawingdb::LeaderParts& parts);
     void addMultiLeader(const std::vector<PlotGroup>& groups);
-    void addLeaderLine(Corners corners, const OdGeVector3d& normal, double arrow);
     void addMultiLine(const std::vector<PlotGroup>& groups);
 
     /// tolerance_shapes.cpp

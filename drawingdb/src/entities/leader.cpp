@@ -1,6 +1,7 @@
 #include "drawingdb/leader.h"
 
 #include "drawingdb/database.h"
+#include "drawingdb/error.h"
 #include "drawingdb/src/core/core.h"
 #include "drawingdb/src/entities/dimension_style.h"
 #include "drawingdb/src/entities/leader_groups.h"
@@ -58,13 +59,22 @@ LeaderGroups leaderGroups(const OdDbEntity& entity) {
 
 namespace drawingdb {
 
-LeaderParts leaderParts(std::vector<OdGePoint3d> corners, const OdGeVector3d& normal, double arrowSize) {
-    LeaderParts parts{{}, std::move(corners)};
+LeaderParts leaderParts(std::vector<OdGePoint3d> corners, const OdGeVector3d& normal, double arrowSize, bool splined) {
+    LeaderParts parts{{}, std::move(corners), {}};
+    if (splined && parts.line.size() > 2) {
+        parts.curve = OdDbSpline::createObject();
+        try {
+            parts.curve->setFitPoints(parts.line);
+        } catch (const OdError&) {  // all corners are one
+            parts.curve = {};
+        }
+    }
     if (parts.line.size() < 2 || !(arrowSize > 0)) return parts;
     const OdGePoint3d tip = parts.line[0];
     const OdGeVector3d along = parts.line[1] - tip;
     if (!(along.length() > 2 * arrowSize)) return parts;
-    const OdGeVector3d unit = along.normal();
+    const OdGeVector3d unit =
+        (parts.curve ? parts.curve->firstDerivAtParam(parts.curve->startParam()) : along).normal();
     const OdGeVector3d side = normal.normal().crossProduct(unit) * (arrowSize / 6);
     const OdGePoint3d base = tip + unit * arrowSize;
     parts.head = {tip, base + side, base - side};
@@ -74,7 +84,7 @@ LeaderParts leaderParts(std::vector<OdGePoint3d> corners, const OdGeVector3d& no
 
 LeaderParts leaderParts(const OdDbEntity& leader) {
     const drawingdb::LeaderGroups groups = drawingdb::leaderGroups(leader);
-    return leaderParts(groups.corners, groups.normal, groups.arrowSize());
+    return leaderParts(groups.corners, groups.normal, groups.arrowSize(), groups.splined);
 }
 
 }  // namespace drawingdb

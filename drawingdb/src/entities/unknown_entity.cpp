@@ -34,6 +34,7 @@ void explodeLeader(const OdDbEntity& leader, std::vector<OdDbEntityPtr>& pieces)
         const auto corner = [&](std::size_t i) { return toPlane * parts.head[i]; };
         add(newSolid(normal, 0, {corner(0), corner(1), corner(2), corner(2)}));
     }
+    if (parts.curve) return add(OdDbEntityPtr(parts.curve.get()));
     for (std::size_t i = 1; i < parts.line.size(); ++i) {
         const OdSmartPtr<OdDbLine> line = OdDbLine::createObject();
         line->setStartPoint(parts.line[i - 1]);
