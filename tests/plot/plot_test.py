@@ -640,6 +640,55 @@ class PlotTest(unittest.TestCase):
         self.plot()
         self.assertNotIn("not drawn", self.errors)
 
+    def test_kinds_that_nobody_knows_look_as_their_graphics_say(self):
+        def record(kind, *values):
+            parts = [struct.pack("<I", value) if isinstance(value, int) else value if isinstance(value, bytes) else
+                     struct.pack(f"<{len(value)}d", *value) for value in values]
+            content = b"".join(parts)
+            return struct.pack("<II", len(content) + 8, kind) + content
+
+        def add(kind, *records):
+            content = b"".join(records)
+            entity = self.msp.new_entity(kind, {"color": 3})
+            entity.proxy_graphic = struct.pack("<II", len(content) + 8, len(records)) + content
+            return content
+
+        up, corners = (0.0, 0.0, 1.0), [(0.0, 0.0, 0.0), (10.0, 0.0, 0.0), (10.0, 10.0, 5.0), (0.0, 10.0, 5.0)]
+        square = sum(corners, ())
+        color = record(14, 1)
+        add("REGION", record(1, (0.0,) * 6), record(6, 2, (100.0, 100.0, 0.0, 150.0, 120.0, 0.0)), color, record(18, 5),
+            record(32, 2, (100.0, 200.0, 0.0, 150.0, 220.0, 0.0), up), record(22, 0xC20000FF), record(7, 4, square))
+        add("BODY", color, record(2, (300.0, 300.0, 0.0), (50.0,), up),
+            record(4, (300.0, 300.0, 0.0), (20.0,), up, (0.0, 1.0, 0.0), (math.pi / 2,), 0))
+        add("3DSOLID", record(14, 5), record(9, 4, square, 9, 3, 0, 1, 2, 4, 0, 1, 2, 3))
+        wide = "Ø 5\0".encode("utf-16-le")
+        add("SURFACE", record(14, 6), record(36, (400.0, 100.0, 0.0), up, (0.0, 1.0, 0.0), (12.0, 1.0, 0.0), wide),
+            record(20, 1), record(14, 2), record(7, 4, square))
+        plot = self.plot()
+        self.assertNotIn("not drawn", self.errors)
+        square = [(0, 0), (10, 0), (10, 10), (0, 10), (0, 0)]
+        self.assertLines(plot, [[(100, 100), (150, 120)]], GREEN)
+        reds = [points for points, _, _ in plot.lines(RED)]
+        self.assertEqual([(x, 600 - y) for x, y in reds[0]], [(100, 200), (150, 220)])
+        self.assertBox(reds[1], (250, 250, 350, 350), tolerance=0.2)
+        self.assertBox(reds[2], (280, 300, 300, 320), tolerance=0.2)
+        blue = [sorted((round(x), round(600 - y)) for x, y in points) for points, _, _ in plot.lines(BLUE)]
+        triangle = square[:3] + square[:1]
+        self.assertEqual(blue, [sorted(line) for line in (square, triangle, square)])
+        letters = sum((points for points, _, _ in plot.lines("#ff00ff")), [])
+        self.assertBox(letters, (387, 100, 401, 128), tolerance=3)
+        self.assertEqual(len(plot.areas(YELLOW)), 1)
+        # What is not known, or cut off, counts as not drawn; the rest is.
+        self.msp.delete_all_entities()
+        whole = record(6, 2, (100.0, 100.0, 0.0, 150.0, 120.0, 0.0))
+        damaged = [record(99), whole[:-10], record(6, 4000000000, (0.0,)), record(8, 4000000000, 0), record(9, 1, (0.0,) * 3, 2, 1, 7),
+                   record(9, 0, 2, 0x80000000, 0), record(36), b"\1\0\0\0\6", record(2, (math.nan,) * 7), record(29, (1.0,) * 16)]
+        for part in damaged:
+            add("BODY", whole, part)
+        plot = self.plot()
+        self.assertIn(f"not drawn: {len(damaged)} BODY", self.errors)
+        self.assertLines(plot, [[(100, 100), (150, 120)]] * len(damaged), GREEN)
+
     def test_what_cannot_be_drawn_is_counted_once(self):
         block = self.block("PART")
         block.add_body()

@@ -43,7 +43,9 @@ class GroupRecorder final : public OdDbDxfFiler {
     void wrVector2d(int code, const OdGeVector2d& value) override { add(code).point.set(value.x, value.y, 0); }
     void wrVector3d(int code, const OdGeVector3d& value) override { add(code).point.set(value.x, value.y, value.z); }
     void wrScale3d(int code, const OdGeScale3d& value) override { add(code).point.set(value.sx, value.sy, value.sz); }
-    void wrBinaryChunk(int code, std::span<const std::uint8_t>) override { add(code); }
+    void wrBinaryChunk(int code, std::span<const std::uint8_t> value) override {
+        add(code).text.assign(value.begin(), value.end());
+    }
 
   private:
     PlotGroup& add(int code) {
@@ -61,6 +63,20 @@ std::vector<PlotGroup> groupsOf(const OdDbObject& object) {
     const OdSmartPtr<GroupRecorder> recorder(new GroupRecorder(object.database()));
     object.dxfOutFields(*recorder);
     return std::move(recorder->groups);
+}
+
+OdCmColor colorOf(std::int64_t number) {
+    const auto bits = static_cast<std::uint32_t>(number);
+    switch (bits >> 24) {
+        case OdCmEntityColor::kByLayer:
+            return OdCmColor::fromIndex(256);
+        case OdCmEntityColor::kByRgb:
+            return OdCmColor::fromRgb(bits & 0xFFFFFF);
+        case OdCmEntityColor::kByIndex:
+            return OdCmColor::fromIndex(static_cast<int>(bits & 0xFF));
+        default:
+            return OdCmColor::fromIndex(0);
+    }
 }
 
 const PlotGroup* findGroup(std::span<const PlotGroup> groups, int code) {

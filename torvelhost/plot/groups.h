@@ -4,12 +4,14 @@
 #include <span>
 #include <vector>
 
+#include "drawingdb/color.h"
 #include "drawingdb/ge.h"
 #include "drawingdb/object.h"
 
 namespace host {
 
-/// A group as the file has it; a point is one group, and angles (50 to 58) are radians.
+/// A group as the file has it; a point is one group, angles (50 to 58) are radians, and a chunk is a text with a
+/// character for each byte.
 struct PlotGroup {
     int code = 0;
     double real = 0.0;
@@ -21,6 +23,9 @@ struct PlotGroup {
 
 /// In the order of the file; subclass markers (100) are among them, the object's own handle and its extended data too.
 std::vector<PlotGroup> groupsOf(const OdDbObject& object);
+
+/// A colour that is one number: a method above the red, green and blue, or a colour number.
+OdCmColor colorOf(std::int64_t number);
 
 /// The first with the code; null when there is none.
 const PlotGroup* findGroup(std::span<const PlotGroup> groups, int code);

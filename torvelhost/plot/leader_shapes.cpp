@@ -3,25 +3,6 @@
 #include "torvelhost/plot/shapes.h"
 
 namespace host {
-namespace {
-
-// Colours of the kind that is one number: a method above the red, green and blue, or a colour number.
-OdCmColor colorOf(std::int64_t number) {
-    const auto bits = static_cast<std::uint32_t>(number);
-    switch (bits >> 24) {
-        case OdCmEntityColor::kByLayer:
-            return OdCmColor::fromIndex(256);
-        case OdCmEntityColor::kByRgb:
-            return OdCmColor::fromRgb(bits & 0xFFFFFF);
-        case OdCmEntityColor::kByIndex:
-            return OdCmColor::fromIndex(static_cast<int>(bits & 0xFF));
-        default:
-            return OdCmColor::fromIndex(0);
-    }
-}
-
-}  // namespace
-
 void Shapes::addLeaderParts(const drawingdb::LeaderParts& parts) {
     if (parts.line.size() < 2) return;
     if (!parts.head.empty()) list_.add(DisplayList::Kind::kArea, parts.head);

@@ -145,7 +145,7 @@ bool Shapes::addCarried(const OdDbEntity& entity, const std::string& kind) {
     else if (is("MESH"))
         return addSubdivisionMesh(groupsOf(entity));
     else
-        return false;
+        return addProxyGraphics(groupsOf(entity));
     return true;
 }
 

@@ -19,6 +19,7 @@
 namespace host {
 
 class Lettering;
+class ProxyBytes;
 class Typeface;
 
 /// The part of a reference that its block shows.
@@ -128,6 +129,10 @@ class Shapes {
     void addLeaderParts(const drawingdb::LeaderParts& parts);
     void addMultiLeader(const std::vector<PlotGroup>& groups);
     void addMultiLine(const std::vector<PlotGroup>& groups);
+
+    /// proxy_shapes.cpp. False when there are none, or some that are not known, or damaged.
+    bool addProxyGraphics(const std::vector<PlotGroup>& groups);
+    bool addProxyRecord(std::uint32_t kind, ProxyBytes& record, bool isFilled);
 
     /// tolerance_shapes.cpp
     void addTolerance(const OdDbEntity& tolerance, const std::vector<PlotGroup>& groups);
