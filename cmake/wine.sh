@@ -62,7 +62,7 @@ mkdir -p "$prefix"
     flock 9
     [ -e "$prefix/ready" ] || make_prefix 9>&-
     if [ -n "${WINESERVER:-}" ]; then
-        keep_server </dev/null >/dev/null 2>&1 9>&-
+        keep_server </dev/null >/dev/null 2>&1 9>&- || true
     fi
 ) 9>"$prefix.lock"
 exec "$wine" "$@"

@@ -107,7 +107,7 @@ bool Shapes::addSubdivisionMesh(const std::vector<PlotGroup>& groups) {
         }
     }
     std::ranges::sort(edges);
-    edges.erase(std::ranges::unique(edges).begin(), edges.end());
+    edges.erase(std::unique(edges.begin(), edges.end()), edges.end());  // clang 14 takes no subrange
     for (const auto& [from, to] : edges) list_.add(DisplayList::Kind::kPolyline, Corners{corners[from], corners[to]});
     return isSound;
 }

@@ -67,8 +67,11 @@ class RasterSpans {
         add(left, below, (1 - u) * v);
         add(right, below, u * v);
         if (!(sums[3] > 0)) return agg::rgba8(0, 0, 0, 0);
-        const auto part = [&](int i) { return static_cast<unsigned>(sums[i] / sums[3] + 0.5F); };
-        return agg::rgba8(part(2), part(1), part(0), static_cast<unsigned>(sums[3] + 0.5F));
+        // None is below zero, and std::lround would be a call for each.
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings)
+        const auto rounded = [](float value) { return static_cast<unsigned>(value + 0.5F); };
+        const auto part = [&](int i) { return rounded(sums[i] / sums[3]); };
+        return agg::rgba8(part(2), part(1), part(0), rounded(sums[3]));
     }
 
     const Raster::Grid* grid_;

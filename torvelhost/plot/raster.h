@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "drawingdb/ge.h"
@@ -43,6 +45,14 @@ struct RasterPlace {
     OdGePoint2d corner;
     OdGeVector2d along, down;
 };
+
+/// Says behind the name of a file why it shows nothing.
+struct BadPicture : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Of a PNG, JPEG or BMP file with so many pixels at most. Throws BadPicture.
+Raster readRaster(std::string_view bytes, const RasterLook& look, std::uint64_t mostPixels);
 
 /// The pictures of a drawing: PNG, JPEG and BMP files, each read once.
 class Rasters {
