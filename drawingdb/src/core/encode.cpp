@@ -12,11 +12,25 @@ namespace {
 
 constexpr std::size_t kChunk = 250;
 
+bool isFirstOfTwo(char byte, const FileFormat& format) {
+    constexpr wchar_t kUnknown = 0xFFFD;
+    return static_cast<unsigned char>(byte) >= 0x80 && format.codePage->decode({&byte, 1}).front() == kUnknown;
+}
+
 // Where a text of bytes may be cut at the latest, `limit` at most: not inside a character or an escape sequence.
 std::size_t cutPlace(std::string_view text, std::size_t limit, const FileFormat& format) {
     if (text.size() <= limit) return text.size();
-    std::size_t cut = format.utf8() ? std::max<std::size_t>(1, base::utf8Prefix(text, limit)) : limit;
-    const std::size_t escape = text.find_last_of("\\^", cut - 1);
+    std::size_t cut = limit, escape = std::string_view::npos;
+    if (format.utf8()) {
+        cut = std::max<std::size_t>(1, base::utf8Prefix(text, limit));
+        escape = text.find_last_of("\\^", cut - 1);
+    } else {
+        // A second byte may look like anything, so characters are told apart from the beginning on only.
+        for (std::size_t next = 0; next <= limit; next += isFirstOfTwo(text[next], format) ? 2 : 1) {
+            cut = next;
+            if (next < limit && (text[next] == '\\' || text[next] == '^')) escape = next;
+        }
+    }
     if (escape != std::string_view::npos && escape > 0 && cut - escape < 8) cut = escape;
     return cut;
 }

@@ -125,6 +125,32 @@ TEST(RoundTrip, LongMultiLineTextIsReadWholeAndCutAgain) {
               text);
 }
 
+// Each group is a text of its own for who reads the file: whole characters, also where a second byte is a backslash.
+TEST(RoundTrip, LongTextIsNotCutWithinCharactersOfTwoBytes) {
+    for (const std::size_t before : {0u, 1u, 2u}) {
+        std::string bytes = sampleBytes();
+        bytes.replace(bytes.find("AC1032"), 6, "AC1015");
+        bytes.replace(bytes.find("ANSI_1252"), 9, "ANSI_932");
+        const auto database = OdDbDatabase::readBytes(bytes, L"");
+        std::wstring text(before, L'a');
+        for (int i = 0; i < 200; ++i) text += L"\u8868\u65e5";  // 95 5C, 93 FA
+        objectOf(database, 0x61).openAs<OdDbMText>(OdDb::forWrite)->setContents(text);
+        const std::string saved = database->writeBytes();
+        EXPECT_EQ(objectOf(OdDbDatabase::readBytes(saved, L""), 0x61).openAs<OdDbMText>()->contents(), text);
+        const std::string pair = "\x95\x5C\x93\xFA";
+        std::size_t groups = 0;
+        for (std::size_t at = saved.find(pair); at != std::string::npos; ++groups) {
+            const std::size_t begin = saved.rfind('\n', at) + 1, end = saved.find('\n', at);
+            std::size_t place = begin;
+            for (; place < end; place += static_cast<unsigned char>(saved[place]) >= 0x80 ? 2 : 1) continue;
+            EXPECT_EQ(place, end) << "after " << before;
+            EXPECT_LE(end - begin, 250u);
+            at = saved.find(pair, end);
+        }
+        EXPECT_EQ(groups, 4u) << "after " << before;
+    }
+}
+
 TEST(RoundTrip, ANewDrawingIsComplete) {
     const auto database = OdDbDatabase::createNew();
     EXPECT_TRUE(database->warnings().empty());
