@@ -256,6 +256,8 @@ class Core {
     /// Erases what a block holds, and what was told of that: the order of drawing, its picture.
     void emptyBlock(Stub& record, const OdDbObjectIdArray& entities);
     void setBlockOrigin(Stub& record, const OdGePoint3d& origin, bool hasAttributes);
+    /// The same, with the units, the description and the like of a block that is made anew.
+    void describeBlock(Stub& record, const BlockHead& head, bool hasAttributes);
     /// The bytes of a record of a block, its BLOCK or its ENDBLK for an anonymous block of another name.
     Content ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t owner, std::string_view name);
     friend class Importer;

@@ -17,11 +17,6 @@ namespace drawingdb {
 
 namespace {
 
-constexpr bool isPointerCode(int code) {
-    return (code >= 320 && code < 350) || (code >= 390 && code < 400) || code == 480 || code == 481;
-}
-constexpr bool isReferenceCode(int code) { return isOwnerCode(code) || isPointerCode(code) || code == 1005; }
-
 // Whether a record can own nothing: looking for one word is quicker than reading the groups.
 bool ownsNothing(std::uint16_t type, std::string_view bytes) {
     return ownsOnlyItsDictionary(type) && bytes.find("{ACAD_XDICTIONARY") == std::string_view::npos;
@@ -207,9 +202,10 @@ std::string Core::rewritten(std::string_view bytes, std::uint64_t handle, std::u
             spaceDone = true;
             if (paperSpace) writer.integer(67, 1);
         } else {
-            const std::uint64_t old = isReferenceCode(group.code) ? parseHandle(group.value) : 0;
-            const std::uint64_t now = isReferenceCode(group.code) ? map(old, isReactor) : 0;
-            if (isReactor && isReferenceCode(group.code) && now == 0) continue;
+            const bool isReference = isReferenceCode(group.code) || group.code == kHandleInData;
+            const std::uint64_t old = isReference ? parseHandle(group.value) : 0;
+            const std::uint64_t now = isReference ? map(old, isReactor) : 0;
+            if (isReactor && isReference && now == 0) continue;
             GroupWriter place(isReactor ? list : out, format);
             now == 0 || now == old ? place.raw(group.bytes()) : place.handle(group.code, now);
             if (isReactor) isListEmpty = false;
@@ -508,11 +504,22 @@ void Core::writeBlockRecords(const NewBlock& made, std::wstring_view blockName, 
 
 namespace {
 
-std::string withoutPreview(std::string_view record, const FileFormat& format) {
+// With `groups` behind all fields, in place of those with the codes.
+std::string withFields(std::string_view record, std::initializer_list<int> codes, std::string_view groups,
+                       const FileFormat& format) {
     std::string bytes;
     GroupWriter writer(bytes, format);
-    for (RecordWalk walk(GroupCursor(record, format)); walk.next();)
-        if (walk.part() != RecordPart::field || walk.group().code != 310) writer.raw(walk.group().bytes());
+    bool isWritten = false;
+    const auto write = [&] {
+        if (!std::exchange(isWritten, true)) writer.raw(groups);
+    };
+    for (RecordWalk walk(GroupCursor(record, format)); walk.next();) {
+        if (walk.part() == RecordPart::extendedData) write();
+        const bool isReplaced =
+            walk.part() == RecordPart::field && std::ranges::find(codes, walk.group().code) != codes.end();
+        if (!isReplaced) writer.raw(walk.group().bytes());
+    }
+    write();
     return bytes;
 }
 
@@ -540,7 +547,7 @@ void Core::emptyBlock(Stub& record, const OdDbObjectIdArray& entities) {
         setBytes(record, withDictionary(bytesOf(record), {}, format));
     }
     // Nor is the picture of it that lists of blocks show.
-    if (record.type == rtBlockRecord) setBytes(record, withoutPreview(bytesOf(record), format));
+    if (record.type == rtBlockRecord) setBytes(record, withFields(bytesOf(record), {310}, {}, format));
 }
 
 void Core::setBlockOrigin(Stub& record, const OdGePoint3d& origin, bool hasAttributes) {
@@ -561,6 +568,23 @@ void Core::setBlockOrigin(Stub& record, const OdGePoint3d& origin, bool hasAttri
         }
     }
     setBytes(begin, bytes);
+}
+
+void Core::describeBlock(Stub& record, const BlockHead& head, bool hasAttributes) {
+    setBlockOrigin(record, head.origin, hasAttributes);
+    std::string groups;
+    GroupWriter writer(groups, format);
+    if (format.version >= version::v2000) {
+        if (!head.description.empty()) writer.wide(4, head.description);
+        Stub& begin = *blockBegin(record);
+        setBytes(begin, withFields(bytesOf(begin), {4}, groups, format));
+    }
+    if (record.type != rtBlockRecord || format.version < version::v2007) return;
+    groups.clear();
+    writer.integer(70, head.units);
+    writer.integer(280, head.explodable);
+    writer.integer(281, head.scalability);
+    setBytes(record, withFields(bytesOf(record), {70, 280, 281}, groups, format));
 }
 
 void Core::registerApplication(std::string_view application) {

@@ -23,10 +23,8 @@ namespace drawingdb {
 
 namespace {
 
-constexpr bool isHardPointer(int code) { return (code >= 340 && code < 350) || (code >= 390 && code < 400); }
-
-// Handles of a record that stand in its extended data.
-constexpr int kHandleInData = 1005, kLayerInData = 1003, kApplication = 1001;
+// What extended data names.
+constexpr int kLayerInData = 1003, kApplication = 1001;
 
 // What the texts of a kind's records name.
 struct Names {
@@ -169,7 +167,7 @@ class Importer {
         for (RecordWalk walk(GroupCursor(source_.bytesOf(record), source_.format)); walk.next();) {
             const Group& group = walk.group();
             if (walk.part() == RecordPart::inControl && walk.control() == ControlString::dictionary)
-                planOwned(group, record, kNone);
+                planOwned(group, record, kNone, b);
             if (walk.part() == RecordPart::extendedData) lookAtData(group);
         }
     }
@@ -242,7 +240,7 @@ class Importer {
                         lookAtName(group, names, inEntityZone);
                     else if (toMarked && isOwnerCode(group.code))
                         planOwned(group, stub, index);
-                    else if (toMarked && isHardPointer(group.code))
+                    else if (toMarked && isHardPointerCode(group.code))
                         planPointed(parseHandle(group.value));
                     else if (stub.type == rtLtype && group.code == 74 && !toMarked &&
                              groupInteger(group, source_.format.binary).value_or(0) != 0)
@@ -398,7 +396,8 @@ class Importer {
         return free;
     }
 
-    void planOwned(const Group& group, Stub& owner, std::uint32_t index) {
+    // Of an item, or of the record of block `b` when `index` is kNone.
+    void planOwned(const Group& group, Stub& owner, std::uint32_t index, std::uint32_t b = 0) {
         Stub* const owned = source_.byHandle(parseHandle(group.value));
         if (!owned || owned->gone() || source_.isEntity(*owned) || isPlanned_[source_.indexOf(owned)]) return;
         if (!owned->owner || &source_.stubs[owned->owner] != source_.section(Section::objects)) return;
@@ -412,13 +411,7 @@ class Importer {
             return;
         }
         const std::uint32_t item = add(*owned, index, Place::object);
-        if (index == kNone) recordObjects_[item] = static_cast<std::uint32_t>(blockOfRecord(owner));
-    }
-
-    std::size_t blockOfRecord(const Stub& record) const {
-        std::size_t b = 0;
-        while (blocks_[b].source != &record) ++b;
-        return b;
+        if (index == kNone) recordObjects_[item] = b;
     }
 
     // Records of tables, and objects that the drawing has by a name.
@@ -439,6 +432,9 @@ class Importer {
 
     void planNamed(Stub& stub) {
         constexpr std::size_t kDeepest = 8;
+        if (isLookedUp_.empty()) isLookedUp_.resize(source_.stubs.size());
+        if (isLookedUp_[source_.indexOf(&stub)]) return;
+        isLookedUp_[source_.indexOf(&stub)] = true;
         const OdDbObjectId root = source_.database.namedObjectsDictionaryId();
         std::vector<OdString> path;
         for (Stub* inner = &stub; OdDbObjectId(inner) != root;) {
@@ -645,7 +641,7 @@ class Importer {
         if (block.hasAttributes) head.flags |= kHasAttributes;
         if (isAnonymousName(block.name)) head.flags |= kAnonymous;
         if (!block.records)
-            target_.setBlockOrigin(*block.made, head.origin, block.hasAttributes);
+            target_.describeBlock(*block.made, head, block.hasAttributes);
         else
             target_.writeBlockRecords(*block.records, block.name, head);
         hangOn(block);
@@ -779,6 +775,7 @@ class Importer {
     std::unordered_map<std::uint32_t, std::uint32_t> recordObjects_;  // items that hang on a block's record: the block
     std::vector<Stub*> there_;                 // what stands in the target for a stub of the source, by its index
     std::vector<bool> isPlanned_;              // whether it comes along, or is known to be left out
+    std::vector<bool> isLookedUp_;             // whether it was looked for in the dictionaries of both drawings
     std::vector<std::optional<Facts>> facts_;  // by type in the source, twice: as object, as entity
     // Names as the source spells them, which nearly always are those of the record before.
     struct Seen {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/number.h"
+#include "drawingdb/src/core/edit.h"
 #include "drawingdb/src/core/record_walk.h"
 
 namespace drawingdb {
@@ -152,6 +153,8 @@ constexpr GroupSince kGroups[] = {
     {"DIMSTYLE", 346, version::v2007},
     {"DIMSTYLE", 347, version::v2007},
     {"LTYPE", 74, version::r13},
+    {"DICTIONARY", 280, version::v2000},
+    {"DICTIONARY", 281, version::v2000},
     {"APPID", 71, version::r13},
 };
 
@@ -254,10 +257,6 @@ std::vector<OldZone> zonesOf(std::string_view kind, std::int64_t flags, bool inR
     return zones;
 }
 
-constexpr bool isReference(int code) {
-    return (code >= 320 && code < 370) || (code >= 390 && code < 400) || code == 480 || code == 481;
-}
-
 bool isAscii(std::string_view text) {
     return std::ranges::all_of(
         text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -339,7 +338,7 @@ bool RecordTranslator::isHeld(std::string_view kind, bool inEntityZone, const Gr
 }
 
 void RecordTranslator::extended(GroupWriter& writer, const Group& group, const RecordLinks& links) const {
-    if (group.code == 1005)
+    if (group.code == kHandleInData)
         writer.handle(1005, links.object(parseHandle(group.value)));
     else
         value(writer, group);
@@ -427,7 +426,7 @@ class RecordTranslator::Run {
 
     void inControl(ControlString control, const Group& group) {
         GroupWriter writer(control_, t_.to_);
-        if (isReference(group.code)) {
+        if (isReferenceCode(group.code)) {
             const std::uint64_t handle = links_->object(parseHandle(group.value));
             if (handle == 0) return;
             writer.handle(group.code, handle);
@@ -479,7 +478,7 @@ class RecordTranslator::Run {
             t_.value(name, group);
             return;
         }
-        if (isReference(group.code)) {
+        if (isReferenceCode(group.code)) {
             const std::uint64_t old = parseHandle(group.value);
             const std::uint64_t now = links_->object(old);
             const bool isEntry = !name_.empty();
@@ -506,6 +505,8 @@ class RecordTranslator::Run {
         if (traits_->dimensionStyle && group.code >= 5 && group.code <= 7 && t_.to_.version >= version::v2000) return;
         if (valueKind(group.code) == ValueKind::text && group.code <= 3)
             writer.text(group.code, piece(group));
+        else if (traits_->dimensionStyle && group.code == 5)
+            writer.text(group.code, t_.text(group.value));  // an arrow's name, where other kinds have their handle
         else
             t_.value(writer, group);
         noteForSpread(group);
