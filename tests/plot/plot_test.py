@@ -766,6 +766,24 @@ class PlotTest(unittest.TestCase):
             run = self.run_program("plan.dxf", "-c", UNIT_IS_PIXEL, "-c", f"WHATIS|{x},{y}")
             self.assertEqual(b"INSERT" in run.stdout, is_there, (x, y, run.stdout))
 
+    def test_what_is_drawn_can_be_picked(self):
+        self.msp.add_solid([(100, 100), (150, 100), (100, 150), (150, 150)])
+        self.msp.add_3dface([(200, 100), (250, 100), (250, 150), (200, 150)])
+        self.msp.add_hatch().paths.add_polyline_path([(300, 100), (350, 100), (350, 150), (300, 150)])
+        self.msp.add_leader([(400, 100), (450, 150)])
+        self.msp.add_linear_dim(base=(500, 150), p1=(500, 100), p2=(560, 100), override={"dimtxt": 10}).render()
+        self.image("gone.png", (100, 200))
+        block = self.doc.blocks.new("BLOCK")
+        block.add_solid([(0, 0), (10, 0), (0, 10), (10, 10)])
+        self.msp.add_blockref("BLOCK", (300, 300), {"xscale": 5, "yscale": 5, "rotation": 45})
+        self.plot()  # writes the drawing
+        for x, y, kind in [(125, 125, "SOLID"), (225, 100, "3DFACE"), (225, 125, None), (325, 125, "HATCH"), (425, 125, "LEADER"),
+                           (500, 125, "DIMENSION"), (530, 110, None), (100, 220, "IMAGE"), (120, 220, None),
+                           (300, 335, "INSERT"), (330, 305, None)]:
+            run = self.run_program("plan.dxf", "-c", UNIT_IS_PIXEL, "-c", f"WHATIS|{x},{y}")
+            self.assertIn(f"kind: {kind}\n".encode() if kind else b"", run.stdout.replace(b"\r\n", b"\n"))
+            self.assertEqual(b"kind: " in run.stdout, kind is not None, (x, y, run.stdout))
+
     def write(self, name, content):
         (self.folder / name).write_bytes(content)
 

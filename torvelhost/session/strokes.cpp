@@ -108,13 +108,14 @@ class Meeting {
             return meetsReference(*reference, toWorld, depth);
         if (entity.isKindOf(OdDbCurve::desc()) || entity.isKindOf(OdDbPoint::desc()) ||
             entity.isKindOf(OdDbWipeout::desc()))
-            return meetsShapes(entity, toWorld);
+            return meetsShapes(entity, toWorld, depth);
         // A definition of several lines shows its tag too.
         if (const auto* const text = as<OdDbText>(entity);
             text && (!drawingdb::isMultiLine(entity) || as<OdDbAttributeDefinition>(entity)))
             return rectangle_.meetsArea(textCorners(*text, toWorld));
         OdGeExtents3d box;
-        return entity.geomExtents(box) && rectangle_.meetsArea(boxCorners(box, toWorld));
+        if (entity.geomExtents(box)) return rectangle_.meetsArea(boxCorners(box, toWorld));
+        return meetsShapes(entity, toWorld, depth);
     }
 
   private:
@@ -125,14 +126,17 @@ class Meeting {
         const auto block = reference.blockTableRecord().openIf<OdDbBlockTableRecord>();
         if (!block) return false;
         return anyCell(reference, budget_, [&](const OdGeMatrix3d& cell) {
-            if (isCutOff(reference, toWorld * cell, rectangle_)) return false;
-            for (OdDbObjectId id : block->entities()) {
-                if (budget_ < 0) return false;
-                const auto inner = id.openIf<OdDbEntity>();
-                if (inner && showsInReference(*inner) && meets(*inner, toWorld * cell, depth + 1)) return true;
-            }
-            return false;
+            return !isCutOff(reference, toWorld * cell, rectangle_) && meetsBlock(*block, toWorld * cell, depth);
         });
+    }
+
+    bool meetsBlock(const OdDbBlockTableRecord& block, const OdGeMatrix3d& toWorld, int depth) {
+        for (OdDbObjectId id : block.entities()) {
+            if (budget_ < 0) return false;
+            const auto inner = id.openIf<OdDbEntity>();
+            if (inner && showsInReference(*inner) && meets(*inner, toWorld, depth + 1)) return true;
+        }
+        return false;
     }
 
     bool anyAttributeMeets(const OdDbBlockReference& reference, const OdGeMatrix3d& toWorld, int depth) {
@@ -145,8 +149,8 @@ class Meeting {
         return false;
     }
 
-    // As a plot shows it in which the rectangle is many pixels wide.
-    bool meetsShapes(const OdDbEntity& entity, const OdGeMatrix3d& toWorld) {
+    // As a plot shows it in which the rectangle is many pixels wide; a dimension shows a block.
+    bool meetsShapes(const OdDbEntity& entity, const OdGeMatrix3d& toWorld, int depth) {
         OdGeExtents3d box;
         if (boxOf(entity, box) && !rectangle_.box().intersects(box.transformBy(toWorld))) return false;
         constexpr double kPixels = 1000;
@@ -156,13 +160,23 @@ class Meeting {
         Shapes shapes(styles_, list_, std::max(size.x, size.y) / kPixels / scale);
         shapes.setHiddenToo(true);
         shapes.add(entity);
+        std::vector<DisplayList::Reference> shown;
         for (const DisplayList::Item& item : list_.items()) {
+            if (item.kind == DisplayList::Kind::kReference) {
+                shown.push_back(list_.reference(item));
+                continue;
+            }
             for (std::size_t i = 0; i < item.count; ++i) {
                 points_.clear();
                 for (const OdGePoint3d& point : list_.contour(item.first + i))
                     points_.push_back((toWorld * point).xy());
                 if (meetsContour(item.kind, points_, rectangle_)) return true;
             }
+        }
+        for (const DisplayList::Reference& reference : shown) {
+            const auto block = reference.block.openIf<OdDbBlockTableRecord>();
+            if (block && depth < kDeepestNesting && meetsBlock(*block, toWorld * reference.transform, depth))
+                return true;
         }
         return false;
     }
