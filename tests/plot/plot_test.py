@@ -770,6 +770,10 @@ class PlotTest(unittest.TestCase):
         self.msp.add_solid([(100, 100), (150, 100), (100, 150), (150, 150)])
         self.msp.add_3dface([(200, 100), (250, 100), (250, 150), (200, 150)])
         self.msp.add_hatch().paths.add_polyline_path([(300, 100), (350, 100), (350, 150), (300, 150)])
+        dense = self.msp.add_hatch()  # its lines cannot be told apart; it has a hole
+        dense.set_pattern_fill("ANSI31", scale=0.001)
+        dense.paths.add_polyline_path([(300, 200), (350, 200), (350, 250), (300, 250)], flags=1)
+        dense.paths.add_polyline_path([(310, 210), (340, 210), (340, 240), (310, 240)], flags=16)
         self.msp.add_leader([(400, 100), (450, 150)])
         self.msp.add_linear_dim(base=(500, 150), p1=(500, 100), p2=(560, 100), override={"dimtxt": 10}).render()
         self.image("gone.png", (100, 200))
@@ -777,7 +781,8 @@ class PlotTest(unittest.TestCase):
         block.add_solid([(0, 0), (10, 0), (0, 10), (10, 10)])
         self.msp.add_blockref("BLOCK", (300, 300), {"xscale": 5, "yscale": 5, "rotation": 45})
         self.plot()  # writes the drawing
-        for x, y, kind in [(125, 125, "SOLID"), (225, 100, "3DFACE"), (225, 125, None), (325, 125, "HATCH"), (425, 125, "LEADER"),
+        for x, y, kind in [(125, 125, "SOLID"), (225, 100, "3DFACE"), (225, 125, None), (325, 125, "HATCH"),
+                           (305, 225, "HATCH"), (325, 225, None), (425, 125, "LEADER"),
                            (500, 125, "DIMENSION"), (530, 110, None), (100, 220, "IMAGE"), (120, 220, None),
                            (300, 335, "INSERT"), (330, 305, None)]:
             run = self.run_program("plan.dxf", "-c", UNIT_IS_PIXEL, "-c", f"WHATIS|{x},{y}")

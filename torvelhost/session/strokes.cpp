@@ -85,7 +85,6 @@ bool meetsContour(DisplayList::Kind kind, const std::vector<OdGePoint2d>& points
     switch (kind) {
         case kMask:  // a wipeout is picked by its frame
             return false;
-        case kArea:
         case kUnion:
             return rectangle.meetsArea(points);
         case kRay:
@@ -96,6 +95,12 @@ bool meetsContour(DisplayList::Kind kind, const std::vector<OdGePoint2d>& points
                 if (rectangle.meets(points[i - 1], points[i])) return true;
             return points.size() == 1 && rectangle.contains(points[0]);
     }
+}
+
+bool meetsEdge(const std::vector<OdGePoint2d>& corners, const Rectangle& rectangle) {
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        if (rectangle.meets(corners[i], corners[(i + 1) % corners.size()])) return true;
+    return false;
 }
 
 class Meeting {
@@ -166,12 +171,7 @@ class Meeting {
                 shown.push_back(list_.reference(item));
                 continue;
             }
-            for (std::size_t i = 0; i < item.count; ++i) {
-                points_.clear();
-                for (const OdGePoint3d& point : list_.contour(item.first + i))
-                    points_.push_back((toWorld * point).xy());
-                if (meetsContour(item.kind, points_, rectangle_)) return true;
-            }
+            if (meetsItem(item, toWorld)) return true;
         }
         for (const DisplayList::Reference& reference : shown) {
             const auto block = reference.block.openIf<OdDbBlockTableRecord>();
@@ -179,6 +179,18 @@ class Meeting {
                 return true;
         }
         return false;
+    }
+
+    bool meetsItem(const DisplayList::Item& item, const OdGeMatrix3d& toWorld) {
+        const bool isEvenOdd = item.kind == DisplayList::Kind::kArea || item.kind == DisplayList::Kind::kTint;
+        bool isInside = false;  // an odd number of contours
+        for (std::size_t i = 0; i < item.count; ++i) {
+            points_.clear();
+            for (const OdGePoint3d& point : list_.contour(item.first + i)) points_.push_back((toWorld * point).xy());
+            if (isEvenOdd ? meetsEdge(points_, rectangle_) : meetsContour(item.kind, points_, rectangle_)) return true;
+            isInside ^= isEvenOdd && rectangle_.meetsArea(points_);
+        }
+        return isInside;
     }
 
     const Rectangle& rectangle_;
