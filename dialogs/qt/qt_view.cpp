@@ -494,7 +494,7 @@ bool QtView::takeText(const QKeyEvent& event) {
         return isText;
     }
     if (!isText || text.front() == u' ' || (!alt && focus && focus->isField())) return false;
-    return userPressedMnemonic(fromQt(text).front());
+    return userPressedMnemonic(fromQt(text).front()) || alt;  // a field would take it for a letter
 }
 
 // A wheel that scrolls past must not change what it comes upon.

@@ -76,6 +76,7 @@ TEST(RealInput, MouseKeysAndMnemonics) {
     input.pressWith(Held::kAlt, 'T');  // to the field behind the label
     input.press(Key::kEnd);
     input.type("S");
+    input.pressWith(Held::kAlt, 'Q');  // nobody's: nothing is typed
     input.click(dialog, IDC_MIDDLE);
     input.press(Key::kRight);
     input.click(dialog, IDC_STYLE);
