@@ -286,16 +286,20 @@ void PdfWriter::addShape(const Picture& picture, const Picture::Shape& shape) {
     }
     const char* const paint = !isArea ? "S\n" : shape.rule == FillRule::kNonZero ? "f\n" : "f*\n";
     for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
-        char command = 'm';
-        for (const Picture::Point& corner : picture.contour(shape.firstContour + i)) {
-            point(corner);
-            content_ += command;
-            content_ += '\n';
-            command = 'l';
-        }
+        addContour(picture.contour(shape.firstContour + i));
         const bool isLast = i + 1 == shape.contourCount;
         if (isLast || (!isArea && i % kLinesInPath == kLinesInPath - 1)) content_ += paint;
         if (!isArea && content_.size() > kPiece) flushContent();
+    }
+}
+
+void PdfWriter::addContour(std::span<const Picture::Point> contour) {
+    char command = 'm';
+    for (const Picture::Point& corner : contour) {
+        point(corner);
+        content_ += command;
+        content_ += '\n';
+        command = 'l';
     }
 }
 
@@ -308,15 +312,7 @@ void PdfWriter::addImage(const Picture& picture, const Picture::Shape& shape, co
     opacities_.insert(100);
     opacity_ = 100;
     content_ += "q\n";
-    for (std::uint32_t i = 0; i < shape.contourCount; ++i) {
-        char command = 'm';
-        for (const Picture::Point& corner : picture.contour(shape.firstContour + i)) {
-            point(corner);
-            content_ += command;
-            content_ += '\n';
-            command = 'l';
-        }
-    }
+    for (std::uint32_t i = 0; i < shape.contourCount; ++i) addContour(picture.contour(shape.firstContour + i));
     content_ += "W* n\n";
     const auto& [corner, along, down] = image.place;
     const OdGePoint2d low = corner + down;

@@ -52,6 +52,7 @@ class PdfWriter {
     void setColor(std::uint32_t color, bool isArea);
     void addShape(const Picture& picture, const Picture::Shape& shape);
     void addText(const Picture::Text& text);
+    void addContour(std::span<const Picture::Point> contour);
     void addImage(const Picture& picture, const Picture::Shape& shape, const Picture::Image& image);
     int writeRaster(const Raster& raster);
     void writeFont();
