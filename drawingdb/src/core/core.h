@@ -151,8 +151,8 @@ class Core {
     /// Throws notHeldByVersion when the file's version does not know the kind.
     void requireHeld(std::uint16_t type) const;
     Stub* fieldList(bool make);
-    /// Extended data is sorted by applications, which a table lists.
-    void registerApplication(std::string_view application);
+    /// An entry that says nothing but its name, as it stands in the file, unless the table has one of that name.
+    void addEntry(std::string_view table, std::string_view entry);
 
     /// ---- header variables ----
     struct HeaderVariable {

@@ -12,6 +12,7 @@
 #include "drawingdb/src/core/description.h"
 #include "drawingdb/src/core/object_access.h"
 #include "drawingdb/src/core/record_walk.h"
+#include "drawingdb/src/file/record_writer.h"
 
 namespace drawingdb {
 
@@ -587,19 +588,12 @@ void Core::describeBlock(Stub& record, const BlockHead& head, bool hasAttributes
     setBytes(record, withFields(bytesOf(record), {70, 280, 281}, groups, format));
 }
 
-void Core::registerApplication(std::string_view application) {
-    Stub* table = tableNamed("APPID");
-    if (!table || !table->has(Stub::ownCloser) || findRecord("APPID", base::widen(application))) return;
-    Stub& record = addStub(types.find("APPID"), *table);
+void Core::addEntry(std::string_view tableName, std::string_view entry) {
+    Stub* const table = tableNamed(tableName);
+    if (!table || !table->has(Stub::ownCloser) || findRecord(tableName, decodeText(entry, format))) return;
+    Stub& record = addStub(types.find(std::string(tableName)), *table);
     std::string bytes;
-    GroupWriter writer(bytes, format);
-    writer.text(0, "APPID");
-    if (record.handle) writer.handle(5, record.handle);
-    if (format.version >= version::v2000) writer.handle(330, table->handle);
-    writer.marker("AcDbSymbolTableRecord");
-    writer.marker("AcDbRegAppTableRecord");
-    writer.text(2, application);
-    writer.integer(70, 0);
+    RecordWriter(bytes, format).plainEntry(tableName, record.handle, table->handle, entry);
     record.content = Arena::contentOf(arena_.add(bytes, record.type));
     forgetNames();
 }

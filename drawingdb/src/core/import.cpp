@@ -18,6 +18,7 @@
 #include "drawingdb/src/core/edit.h"
 #include "drawingdb/src/core/record_walk.h"
 #include "drawingdb/src/core/translate.h"
+#include "drawingdb/src/file/record_writer.h"
 
 namespace drawingdb {
 
@@ -274,10 +275,13 @@ class Importer {
 
     void planName(std::string_view table, std::string_view raw) {
         if (raw.empty() || !seen_[table].add(raw)) return;
-        if (Stub* const record = source_.findRecord(table, decodeText(raw, source_.format)))
+        const std::wstring name = decodeText(raw, source_.format);
+        if (Stub* const record = source_.findRecord(table, name)) {
             planRecord(table, *record);
-        else if (table == "APPID" && !target_.findRecord(table, decodeText(raw, source_.format)))
-            applications_.push_back(translator_.text(raw));
+        } else if (!isBuiltInEntry(table, name) && !target_.findRecord(table, name)) {
+            requireName(table, name);
+            missing_.emplace_back(table, translator_.text(raw));
+        }
     }
 
     void planRecord(std::string_view table, Stub& record) {
@@ -597,7 +601,7 @@ class Importer {
     };
 
     void write() {
-        for (const std::string& application : applications_) target_.registerApplication(application);
+        for (const auto& [table, entry] : missing_) target_.addEntry(table, entry);
         Links links(*this);
         for (std::uint32_t i = 0; i < items_.size(); ++i) {
             const Item& item = items_[i];
@@ -791,8 +795,8 @@ class Importer {
     std::map<std::string, std::string, std::less<>> renamed_;  // anonymous blocks: from, to
     std::map<std::wstring, std::size_t> lastNumber_;
     std::set<std::wstring> scaleKeys_;
-    std::set<Stub*> looked_in_;              // blocks of the target that do not show the one made anew
-    std::vector<std::string> applications_;  // that the source has no record of
+    std::set<Stub*> looked_in_;  // blocks of the target that do not show the one made anew
+    std::vector<std::pair<std::string_view, std::string>> missing_;  // what the source names and has no record of
     bool shapeFiles_ = false;
     std::map<std::string, std::size_t> notHeld_, apart_, leftOut_;
     std::set<std::wstring> complexLinetypes_;

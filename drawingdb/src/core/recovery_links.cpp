@@ -445,25 +445,7 @@ class LinkMender {
     // ---- names
 
     void mendNames() {
-        names(
-            "LAYER", {L"0"},
-            [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
-                writer.layer(handle, table, name);
-            });
-        names(
-            "LTYPE", {L"BYLAYER", L"BYBLOCK", L"CONTINUOUS"},
-            [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
-                writer.linetype(handle, table, name, "");
-            });
-        names(
-            "STYLE", {L"STANDARD"},
-            [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
-                writer.textStyle(handle, table, name);
-            });
-        names("DIMSTYLE", {L"STANDARD"},
-              [](RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name) {
-                  writer.entry("DIMSTYLE", handle, table, "AcDbDimStyleTableRecord", name);
-              });
+        for (const char* const table : {"LAYER", "LTYPE", "STYLE", "DIMSTYLE"}) names(table);
         std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
         salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
             const std::string_view name = record.text(2);
@@ -492,13 +474,11 @@ class LinkMender {
         return isEntity && (record.name == "DIMENSION" || record.name == "LEADER") ? 3 : 0;
     }
 
-    using Write = void (*)(RecordWriter& writer, std::uint64_t handle, std::uint64_t table, std::string_view name);
-
     // A drawing without the table does without its records.
-    void names(std::string_view tableName, std::initializer_list<std::wstring> builtIn, Write write) {
+    void names(std::string_view tableName) {
         SalvagedNode* const table = salvage_.table(tableName);
         if (!table) return;
-        std::unordered_set<std::wstring> there(builtIn.begin(), builtIn.end());
+        std::unordered_set<std::wstring> there;
         for (const SalvagedNode& entry : table->children) there.insert(folded(entry.record.text(2)));
         std::unordered_set<std::string_view> seen;  // as files spell them, which spares most of the folding
         std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
@@ -510,7 +490,8 @@ class LinkMender {
             const int code = codeOf(tableName, record, isEntity);
             if (!code) return;
             const std::string_view name = trimmed(record.text(code));
-            if (name.empty() || !seen.insert(name).second || !there.insert(folded(name)).second) return;
+            if (name.empty() || !seen.insert(name).second || isBuiltInEntry(tableName, decoded(name))) return;
+            if (!there.insert(folded(name)).second) return;
             missing.emplace_back(&record, name);
         });
         for (const auto& [record, name] : missing) {
@@ -518,8 +499,9 @@ class LinkMender {
                                     ", which is missing; it was added");
             SalvagedNode& made = table->children.emplace_back();
             const std::string_view text = name;
-            made.record = salvage_.record(
-                nullptr, [&](RecordWriter& writer) { write(writer, newHandle(), table->record.handle, text); });
+            made.record = salvage_.record(nullptr, [&](RecordWriter& writer) {
+                writer.plainEntry(tableName, newHandle(), table->record.handle, text);
+            });
         }
     }
 

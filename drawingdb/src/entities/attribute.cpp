@@ -139,7 +139,7 @@ void OdDbAttributeText::registerApplications() {
     for (const std::string_view application : {kLockApplication, kAnnotativeApplication}) {
         const OdString name = base::widen(application);
         if (std::ranges::any_of(*newXData_, [&](const OdDbGroup& g) { return g.code == 1001 && g.text == name; }))
-            database()->core().registerApplication(application);
+            database()->core().addEntry("APPID", application);
     }
 }
 

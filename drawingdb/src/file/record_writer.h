@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/text.h"
 #include "drawingdb/src/file/groups.h"
 
 namespace drawingdb {
@@ -61,6 +62,18 @@ class RecordWriter : public GroupWriter {
         text(3, "txt");
         text(4, "");
     }
+    /// One that says nothing but its name, of the table of that kind.
+    void plainEntry(std::string_view type, std::uint64_t handleOf, std::uint64_t table, std::string_view name) {
+        if (type == "LAYER")
+            layer(handleOf, table, name);
+        else if (type == "LTYPE")
+            linetype(handleOf, table, name, "");
+        else if (type == "STYLE")
+            textStyle(handleOf, table, name);
+        else
+            entry(type, handleOf, table, type == "DIMSTYLE" ? "AcDbDimStyleTableRecord" : "AcDbRegAppTableRecord",
+                  name);
+    }
     void blockRecord(std::uint64_t handleOf, std::uint64_t table, std::string_view name) {
         entry("BLOCK_RECORD", handleOf, table, "AcDbBlockTableRecord", name);
     }
@@ -95,5 +108,13 @@ class RecordWriter : public GroupWriter {
         text(8, "0");
     }
 };
+
+/// Whether records may name it though the table has no entry of that name.
+inline bool isBuiltInEntry(std::string_view table, std::wstring_view name) {
+    const auto is = [name](const wchar_t* builtIn) { return base::equalsNoCase(name, builtIn); };
+    if (table == "LAYER") return is(L"0");
+    if (table == "LTYPE") return is(L"BYLAYER") || is(L"BYBLOCK") || is(L"CONTINUOUS");
+    return (table == "STYLE" || table == "DIMSTYLE") && is(L"STANDARD");
+}
 
 }  // namespace drawingdb
