@@ -241,6 +241,8 @@ class Importer {
                         lookAtName(group, names, inEntityZone);
                     else if (toMarked && isOwnerCode(group.code))
                         planOwned(group, stub, index);
+                    else if (names.arrows && isLaterArrow(group.code))
+                        planArrow(group);
                     else if (toMarked && isHardPointerCode(group.code))
                         planPointed(parseHandle(group.value));
                     else if (stub.type == rtLtype && group.code == 74 && !toMarked &&
@@ -263,7 +265,7 @@ class Importer {
         if (names.linetype && group.code == 6) planName("LTYPE", group.value);
         if (names.textStyle && group.code == 7) planName("STYLE", group.value);
         if (names.dimensionStyle && group.code == 3) planName("DIMSTYLE", group.value);
-        const bool isArrow = names.arrows && group.code >= 5 && group.code <= 7;
+        const bool isArrow = names.arrows && isArrowName(group.code);
         if ((names.block && group.code == 2) || (isArrow && !group.value.empty())) planBlockName(group.value);
     }
 
@@ -366,6 +368,25 @@ class Importer {
         requireName("BLOCK", name);
         isPlanned_[index] = true;
         blocks_.push_back({&record, name});
+    }
+
+    // A pointer that the target has by name, or, to the arrowhead of leaders, not at all.
+    bool isLaterArrow(int code) const {
+        constexpr int kLeaderArrow = 341;
+        return (isArrowPointer(code) || code == kLeaderArrow) && target_.format.version < version::v2000;
+    }
+
+    // A style goes without an arrowhead that an old version cannot hold, rather than not at all.
+    void planArrow(const Group& group) {
+        Stub* const stub = isArrowPointer(group.code) ? source_.byHandle(parseHandle(group.value)) : nullptr;
+        if (!stub || stub->gone() || stub->type != rtBlockRecord) return;
+        const std::wstring name = source_.groupWide(*stub, 2);
+        if (!target_.findRecord("BLOCK_RECORD", name)) {
+            if (!isShortName(name)) return;
+            for (const OdDbObjectId id : source_.entitiesOf(*stub, true))
+                if (factsOf(*id.stub(), true).since > target_.format.version) return;
+        }
+        planBlock(*stub);
     }
 
     [[noreturn]] void holdsItself(const std::wstring& within) {
@@ -590,10 +611,24 @@ class Importer {
         Names names;
         std::uint64_t object(std::uint64_t old) const override { return importer_.newHandle(old); }
         const std::string* renamed(int code, std::string_view raw) const override {
-            const bool isBlock = (names.block && code == 2) || (names.arrows && code >= 5 && code <= 7);
+            const bool isBlock = (names.block && code == 2) || (names.arrows && isArrowName(code));
             if (!isBlock || !raw.starts_with('*')) return nullptr;
             const auto found = importer_.renamed_.find(raw);
             return found == importer_.renamed_.end() ? nullptr : &found->second;
+        }
+        std::uint64_t block(std::string_view raw) const override {
+            Core& source = importer_.source_;
+            const Stub* const block = source.findRecord("BLOCK_RECORD", decodeText(raw, source.format));
+            const Stub* const there = block ? importer_.there_[source.indexOf(block)] : nullptr;
+            return there ? there->handle : 0;
+        }
+        std::string blockName(std::uint64_t old) const override {
+            Core& source = importer_.source_;
+            Stub* const block = source.byHandle(old);
+            if (!block || !importer_.there_[source.indexOf(block)]) return {};
+            const std::string_view raw = source.groupText(*block, 2);
+            const auto found = importer_.renamed_.find(raw);
+            return found == importer_.renamed_.end() ? importer_.translator_.text(raw) : found->second;
         }
 
       private:

@@ -465,6 +465,7 @@ class RecordTranslator::Run {
             isTagSeen_ = isTagSeen_ || group.code == 2;
             if (group.code == 280 && !isTagSeen_ && t_.to_.version < version::v2010) return;
         }
+        if (traits_->dimensionStyle && arrow(group)) return;
         if (!t_.isHeld(kind_, inEntityZone_, group)) {
             isPictureCut_ = isPictureCut_ || group.code == 160;
             return;
@@ -501,8 +502,6 @@ class RecordTranslator::Run {
                 noteForSpread(group);
                 return;
             }
-        // Arrows of styles are named in old versions, and pointed to in new ones.
-        if (traits_->dimensionStyle && group.code >= 5 && group.code <= 7 && t_.to_.version >= version::v2000) return;
         if (valueKind(group.code) == ValueKind::text && group.code <= 3)
             writer.text(group.code, piece(group));
         else if (traits_->dimensionStyle && group.code == 5)
@@ -511,6 +510,21 @@ class RecordTranslator::Run {
             t_.value(writer, group);
         noteForSpread(group);
         if (traits_->linetype && group.code == 49 && addsMarkers_) writer.integer(74, 0), noteForSpread(group);
+    }
+
+    // False for other groups, and where both versions have them alike.
+    bool arrow(const Group& group) {
+        const bool intoNew = t_.to_.version >= version::v2000;
+        if (!(intoNew ? isArrowName(group.code) : isArrowPointer(group.code))) return false;
+        GroupWriter writer(body_, t_.to_);
+        if (intoNew) {
+            if (const std::uint64_t block = links_->block(group.value))
+                writer.handle(group.code - kArrowName + kArrowPointer, block);
+        } else if (const std::string name = links_->blockName(parseHandle(group.value)); !name.empty()) {
+            writer.text(group.code - kArrowPointer + kArrowName, name);
+        }
+        noteForSpread(group);
+        return true;
     }
 
     // The name of an entry waits for its object.

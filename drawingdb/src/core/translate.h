@@ -23,10 +23,19 @@ class RecordLinks {
     virtual std::uint64_t object(std::uint64_t handle) const = 0;
     /// What a name in the source's encoding becomes in the target's: null when it stays what it is.
     virtual const std::string* renamed(int code, std::string_view raw) const = 0;
+    /// The new handle of a block that the source calls so; 0 when nothing stands for it.
+    virtual std::uint64_t block(std::string_view raw) const = 0;
+    /// What a block of the source is called in the target; empty when nothing stands for it.
+    virtual std::string blockName(std::uint64_t old) const = 0;
 
   protected:
     ~RecordLinks() = default;
 };
+
+/// The blocks of arrowheads of a dimension style, three groups: before 2000 by their names, later by their handles.
+constexpr int kArrowName = 5, kArrowPointer = 342;
+constexpr bool isArrowName(int code) { return code >= kArrowName && code < kArrowName + 3; }
+constexpr bool isArrowPointer(int code) { return code >= kArrowPointer && code < kArrowPointer + 3; }
 
 /// What is peculiar in the records of a kind: asked for each group.
 struct KindTraits {
