@@ -52,6 +52,8 @@ OdDbObjectIdArray referencesEverywhere(const OdDbDatabase& database) {
     return references;
 }
 
+bool hasZeroByte(std::string_view text) { return text.find('\0') != text.npos; }
+
 // The lines of the table. New columns turn up on the way: a line ends where its reference's own columns do, and gets
 // the empty cells of later ones when it is written.
 class Table {
@@ -63,8 +65,13 @@ class Table {
         reference_.read(id);
         tags_.beginReference();
         for (std::string& value : values_) value.clear();
-        reference_.eachAttribute(
-            [this](OdDbObjectId, std::string_view tag, std::string_view value) { values_[columnOf(tag)] = value; });
+        reference_.eachAttribute([this, id](OdDbObjectId, std::string_view tag, std::string_view value) {
+            std::string& cell = values_[columnOf(tag)];
+            if (!hasZeroByte(value))
+                cell = value;
+            else
+                withZeroByte_.push_back(L"#" + id.handle().text() + L", " + base::fromUtf8(tag));
+        });
 
         // A handle that leads to another object is none to go by.
         const bool isFound = !id.handle().isNull() && database_.getObjectId(id.handle()) == id;
@@ -90,6 +97,8 @@ class Table {
     }
 
     std::size_t withoutHandle() const { return withoutHandle_; }
+    /// Reference and tag of each value that no table can hold. Its cell is empty, which leaves it alone.
+    const std::vector<std::wstring>& withZeroByte() const { return withZeroByte_; }
 
   private:
     struct LineEnd {
@@ -121,6 +130,7 @@ class Table {
     std::string lines_;
     std::vector<LineEnd> ends_;
     std::size_t withoutHandle_ = 0;
+    std::vector<std::wstring> withZeroByte_;
 };
 
 }  // namespace
@@ -145,6 +155,10 @@ CMD_RUNSTATUS valuesOut(HostRun& run) {
     table.write(file);
     file.commit();
     run.input.printMessage(L"%s: %s", name.c_str(), counted(references.size(), L"reference").c_str());
+    for (const std::wstring& place : table.withZeroByte())
+        run.terminal().warning(place +
+                               L": the value has a zero byte, which no table can hold; its cell is empty, "
+                               L"which VALUESIN takes for no change");
     if (const std::size_t count = table.withoutHandle(); count != 0)
         run.terminal().warning(counted(count, L"reference") +
                                L" cannot be found by a handle, so that VALUESIN cannot take the values back");
