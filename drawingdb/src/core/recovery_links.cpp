@@ -56,6 +56,7 @@ class LinkMender {
         mendTexts();
         mendHandles();
         addMissing();
+        mendTwins();
         nameBlocks();
         pairBlocks();
         finishClosers();
@@ -289,6 +290,82 @@ class LinkMender {
             if (owner && dictionaries.contains(owner)) return owner;
         }
         return 0;
+    }
+
+    // ---- twins
+
+    // A name leads to the first that has it. Those behind it get another one, so that they can be found, too.
+    void mendTwins() {
+        for (const char* const name : {"LTYPE", "LAYER", "STYLE", "DIMSTYLE"})
+            if (SalvagedNode* const table = salvage_.table(name)) {
+                // Where nothing points to records, one without a name is of no use; that of a shape file has none.
+                if (!format_.hasMarkers() && table->record.text(2) != "STYLE") dropNameless(*table);
+                renameTwins(table->children);
+            }
+        SalvagedNode* const blocks = salvage_.section("BLOCKS");
+        SalvagedNode* const records = salvage_.table("BLOCK_RECORD");
+        if (!blocks) return;
+        if (!records) {
+            renameTwins(blocks->children);
+        } else if (format_.version >= version::v2000) {  // where blocks say which record is theirs
+            const std::unordered_map<std::uint64_t, std::string> renamed = renameTwins(records->children);
+            for (SalvagedNode& block : blocks->children)
+                if (const auto found = renamed.find(ownerOf(block.record)); found != renamed.end())
+                    rename(block.record, found->second);
+        }
+    }
+
+    void dropNameless(SalvagedNode& table) {
+        std::erase_if(
+            table.children,
+            [&](const SalvagedNode& entry) {
+                if (!trimmed(entry.record.text(2)).empty()) return false;
+                tell(entry.record.place, entry.record.title() + " has no name; it was left out");
+                return true;
+            });
+    }
+
+    // The new names by handles.
+    std::unordered_map<std::uint64_t, std::string> renameTwins(std::list<SalvagedNode>& entries) {
+        std::unordered_map<std::uint64_t, std::string> renamed;
+        std::unordered_set<std::wstring> all;
+        for (const SalvagedNode& entry : entries) all.insert(folded(entry.record.text(2)));
+        if (all.size() == entries.size()) return renamed;
+        std::unordered_map<std::wstring, int> met;
+        for (SalvagedNode& entry : entries) {
+            SalvagedRecord& record = entry.record;
+            const std::wstring name = decoded(record.text(2));
+            if (name.empty() || isAnonymous(name)) continue;
+            int& count = met[base::toUpper(name)];
+            if (++count == 1) continue;
+            std::wstring free = withNumber(name, count);
+            while (!all.insert(base::toUpper(free)).second) free = withNumber(name, ++count);
+            const std::string text = encodeText(free, format_);
+            tell(record.place, record.title() + " has the name of an earlier one; it is " + quoted(text) + " now");
+            rename(record, text);
+            renamed.emplace(record.handle, text);
+        }
+        return renamed;
+    }
+
+    // References find those by their handles, or not at all.
+    static bool isAnonymous(std::wstring_view name) { return name.starts_with(L'*'); }
+
+    // "DOOR$2", as long as names may be.
+    std::wstring withNumber(const std::wstring& name, int number) const {
+        const std::wstring end = L"$" + std::to_wstring(number);
+        const std::size_t longest = format_.version < version::v2000 ? 31 : 255;
+        return name.substr(0, longest - end.size()) + end;
+    }
+
+    // A block says its name twice.
+    void rename(SalvagedRecord& record, const std::string& name) {
+        for (Group& group : record.groups) {
+            if (group.code >= 1000) break;
+            if (group.code != 2 && !(group.code == 3 && record.type == rtBlock)) continue;
+            const int code = group.code;
+            group = salvage_.group([&](RecordWriter& writer) { writer.text(code, name); });
+        }
     }
 
     // ---- blocks

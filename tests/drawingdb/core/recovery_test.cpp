@@ -132,6 +132,42 @@ TEST(Recovery, TellsAFaultOnce) {
     EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << told;
 }
 
+// A name leads to the first that has it; the second is still to be found.
+TEST(Recovery, RenamesTwins) {
+    const std::string old =
+        "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n70\n3\n0\nLAYER\n2\nWALL\n70\n0\n62\n1\n6\nCONTINUOUS\n"
+        "0\nLAYER\n70\n0\n62\n2\n6\nCONTINUOUS\n0\nLAYER\n2\nwall\n70\n0\n62\n3\n6\nCONTINUOUS\n0\nENDTAB\n"
+        "0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n"
+        "0\nBLOCK\n8\n0\n2\nDOOR\n70\n0\n10\n0\n20\n0\n3\nDOOR\n0\nENDBLK\n8\n0\n"
+        "0\nBLOCK\n8\n0\n2\nDOOR$2\n70\n0\n10\n0\n20\n0\n3\nDOOR$2\n0\nENDBLK\n8\n0\n"
+        "0\nBLOCK\n8\n0\n2\nDoor\n70\n0\n10\n7\n20\n0\n3\nDoor\n0\nENDBLK\n8\n0\n"
+        "0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
+    auto database = recovered(old);
+    EXPECT_EQ(toldOf(database),
+              "plan.dxf:21: LAYER has no name; it was left out\n"
+              "plan.dxf:29: LAYER has the name of an earlier one; it is \"wall$2\" now\n"
+              "plan.dxf:83: BLOCK Door has the name of an earlier one; it is \"Door$3\" now\n");
+    EXPECT_FALSE(database->findLayer(L"wall$2").isNull());
+    EXPECT_EQ(database->findBlock(L"DOOR").openAs<OdDbBlockTableRecord>()->origin().x, 0);
+    EXPECT_EQ(database->findBlock(L"Door$3").openAs<OdDbBlockTableRecord>()->origin().x, 7);
+
+    // A record and its block get the same name: FRAME is called as DOOR is, and none is made for either.
+    std::string bytes = sampleBytes();
+    for (std::size_t at; (at = bytes.find("\nFRAME\n")) != bytes.npos;) bytes.replace(at + 1, 5, "DOOR");
+    database = recovered(bytes);
+    const std::string told = toldOf(database);
+    EXPECT_NE(told.find(" has the name of an earlier one; it is \"DOOR$2\" now\n"), std::string::npos) << told;
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1) << told;
+    const auto entities = [](const OdDbDatabasePtr& drawing, const wchar_t* block) {
+        std::uint64_t sum = 0;
+        for (const OdDbObjectId id : drawing->findBlock(block).openAs<OdDbBlockTableRecord>()->entities())
+            sum += id.handle().value();
+        return sum;
+    };
+    EXPECT_EQ(entities(database, L"DOOR") + entities(database, L"DOOR$2"),
+              entities(sample(), L"DOOR") + entities(sample(), L"FRAME"));
+}
+
 TEST(Recovery, KeepsWhatIsWhole) {
     const std::string& whole = sampleBytes();
     const auto widthOf = [](const OdDbDatabasePtr& database) {
