@@ -36,18 +36,24 @@ OdDbObjectIdArray referencesEverywhere(const OdDbDatabase& database) {
     OdDbBlockReferenceReader reference;
     drawingdb::LayerStates layers;
     const bool anyFrozen = drawingdb::LayerStates::anyFrozen(database);
-    const auto blocks = database.blockTableId().openIf<OdDbSymbolTable>();
-    if (!blocks) return references;  // an old drawing of bare entities
-    for (const OdDbObjectId blockId : blocks->records()) {
-        const auto space = blockId.openIf<OdDbBlockTableRecord>();
-        if (!space || !space->isLayout()) continue;
-        for (const OdDbObjectId id : space->entities()) {
+    const auto takeFrom = [&](OdDbObjectId spaceId) {
+        for (const OdDbObjectId id : spaceId.openAs<OdDbBlockTableRecord>()->entities()) {
             if (!isReference(id)) continue;
             reference.read(id);
             const OdDbObjectIdRange attributes = reference.attributes();
             if (attributes.begin() == attributes.end()) continue;
             if (!anyFrozen || !layers.isFrozen(id.openAs<OdDbEntity>()->layerId())) references.push_back(id);
         }
+    };
+    // An old drawing may have no block for model space, nor a table of blocks.
+    const OdDbObjectId modelSpace = database.modelSpaceId();
+    if (!modelSpace.isNull()) takeFrom(modelSpace);
+    const auto blocks = database.blockTableId().openIf<OdDbSymbolTable>();
+    if (!blocks) return references;
+    for (const OdDbObjectId blockId : blocks->records()) {
+        if (blockId == modelSpace) continue;
+        const auto space = blockId.openIf<OdDbBlockTableRecord>();
+        if (space && space->isLayout()) takeFrom(blockId);
     }
     return references;
 }
