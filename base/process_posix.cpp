@@ -101,6 +101,7 @@ std::optional<int> runProgram(const std::vector<std::wstring>& command, const st
     words.reserve(command.size());
     for (const std::wstring& word : command) words.push_back(toUtf8Exact(word));
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     const Streams streams(toUtf8Exact(printed));
