@@ -31,5 +31,8 @@ OdCmColor colorOf(std::int64_t number);
 const PlotGroup* findGroup(std::span<const PlotGroup> groups, int code);
 /// The same, or one that is all zero.
 const PlotGroup& groupOrZero(std::span<const PlotGroup> groups, int code);
+/// Not among groups that are gone behind the call.
+const PlotGroup* findGroup(std::vector<PlotGroup>&& groups, int code) = delete;
+const PlotGroup& groupOrZero(std::vector<PlotGroup>&& groups, int code) = delete;
 
 }  // namespace host

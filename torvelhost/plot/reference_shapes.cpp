@@ -183,7 +183,8 @@ bool Shapes::addTable(const std::vector<PlotGroup>& groups) {
 }
 
 // How the picture is to look; null when it cannot be shown.
-std::shared_ptr<const Raster> Shapes::rasterOf(const std::vector<PlotGroup>& image, const OdDbObject& definition) {
+std::shared_ptr<const Raster> Shapes::rasterOf(const std::vector<PlotGroup>& image,
+                                               const std::vector<PlotGroup>& definition) {
     const auto percent = [&](int code, int standard) {
         const PlotGroup* group = findGroup(image, code);
         return group ? static_cast<int>(std::clamp<std::int64_t>(group->integer, 0, 100)) : standard;
@@ -192,7 +193,7 @@ std::shared_ptr<const Raster> Shapes::rasterOf(const std::vector<PlotGroup>& ima
     look.isTransparent = (groupOrZero(image, 70).integer & kTransparent) != 0;
     look.isGray = styles_.inks().mono;
     look.paper = styles_.inks().background;
-    return rasters_->read(groupOrZero(groupsOf(definition), 1).text, look);
+    return rasters_->read(groupOrZero(definition, 1).text, look);
 }
 
 // 10 lower left corner   11, 12 a pixel's sides   13 size in pixels   14 what it is cut to, in pixels from -0.5 with y
@@ -216,11 +217,12 @@ bool Shapes::addImage(const std::vector<PlotGroup>& groups) {
         for (OdGePoint3d& corner : corners)
             corner = pointOf(groups, 10) + u * (corner.x + 0.5) + v * (size.y - corner.y - 0.5);
     }
-    const auto definition = groupOrZero(groups, 340).id.openIf<OdDbObject>();
-    const PlotGroup* const loaded = definition ? findGroup(groupsOf(*definition), 280) : nullptr;
+    const auto object = groupOrZero(groups, 340).id.openIf<OdDbObject>();
+    const std::vector<PlotGroup> definition = object ? groupsOf(*object) : std::vector<PlotGroup>();
+    const PlotGroup* const loaded = findGroup(definition, 280);
     const bool isShown = (groupOrZero(groups, 70).integer & kShown) != 0 && (!loaded || loaded->integer != 0);
     std::shared_ptr<const Raster> raster;
-    if (isShown && rasters_ && definition) raster = rasterOf(groups, *definition);
+    if (isShown && rasters_ && object) raster = rasterOf(groups, definition);
     if (raster) list_.addImage({raster, pointOf(groups, 10) + v * size.y, u * size.x, v * -size.y, outlines});
     if (imageFrames_ || !raster) {
         for (Corners& corners : outlines) {

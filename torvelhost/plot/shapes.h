@@ -121,7 +121,8 @@ class Shapes {
     bool addDimension(const std::vector<PlotGroup>& groups);
     bool addTable(const std::vector<PlotGroup>& groups);
     bool addImage(const std::vector<PlotGroup>& groups);
-    std::shared_ptr<const Raster> rasterOf(const std::vector<PlotGroup>& image, const OdDbObject& definition);
+    std::shared_ptr<const Raster> rasterOf(const std::vector<PlotGroup>& image,
+                                           const std::vector<PlotGroup>& definition);
     void addSolid(const std::vector<PlotGroup>& groups);
     void addFace(const std::vector<PlotGroup>& groups);
 
