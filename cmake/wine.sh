@@ -46,14 +46,16 @@ make_prefix() {
 # and the desktop, which comes with the first window and goes a second after the last program. So both are started before,
 # without pipes, and stay for a while; a command line without input counts as a program. On a screen a desktop would be seen.
 keep_server() {
-    local is_new=
-    "$WINESERVER" -p60 && is_new=yes
-    if [ -n "${ON_SCREEN:-}" ]; then
-        [ -z "$is_new" ] || "$wine" wineboot
-    elif [ -n "$is_new" ] || [ -z "$(find "$prefix.desktop" -newermt '-30 seconds' 2>/dev/null)" ]; then
+    local age=60 # seconds, of the last one of these command lines
+    if "$WINESERVER" -p60; then
+        [ -z "${ON_SCREEN:-}" ] || "$wine" wineboot
+    elif [ -e "$prefix.desktop" ]; then
+        age=$(($(date +%s) - $(stat -c %Y "$prefix.desktop")))
+    fi
+    if [ -z "${ON_SCREEN:-}" ] && [ "$age" -ge 30 ]; then
         touch "$prefix.desktop"
         sleep 60 | "$wine" cmd &
-        "$wine" start explorer.exe /desktop </dev/null
+        [ "$age" -lt 60 ] || "$wine" start explorer.exe /desktop </dev/null
     fi
 }
 
