@@ -13,9 +13,9 @@
 namespace host {
 namespace {
 
-constexpr std::int64_t kQuick = 12;  // milliseconds that nobody notices
+constexpr std::int64_t kQuick = 10;  // milliseconds that nobody notices
 constexpr std::int64_t kPause = 40;  // without anything done, after which the user looks
-constexpr std::chrono::milliseconds kSlice{8};
+constexpr std::chrono::milliseconds kSlice{5};
 constexpr std::uint32_t kPaperEdge = 0xB0B0B0;
 
 }  // namespace
