@@ -25,14 +25,7 @@ constexpr bool tellsTheIndex(int code) {
     return code == 0 || code == 2 || code == 5 || code == 67 || code == 105 || (code >= 320 && code < 370) ||
            (code >= 390 && code < 400) || code == 480 || code == 481 || code == 1005;
 }
-constexpr auto kLookedAt = [] {
-    std::array<bool, 1072> known{};
-    for (std::size_t code = 0; code < known.size(); ++code) known[code] = tellsTheIndex(static_cast<int>(code));
-    return known;
-}();
-inline bool isLookedAt(int code) {
-    return static_cast<unsigned>(code) < kLookedAt.size() && kLookedAt[static_cast<std::size_t>(code)];
-}
+constexpr WantedCodes kWanted(tellsTheIndex);
 
 }  // namespace
 
@@ -87,43 +80,62 @@ class Indexer {
     // Goes through the groups from `p` on, as far as the file is read; `p` ends up behind the last whole one. False
     // when nothing behind that is to be looked at.
     bool groups(const char*& p) {
-        LineFeeds feeds(p, end_);
-        while (p < end_) {
-            const char* const record = p;
-            const char* const codeEnd = feeds.next();
-            const char* const valueEnd = feeds.next();
-            if (valueEnd == end_ && !reading_.isComplete()) return true;
-            int code = usualCode(record, codeEnd);
-            if (code < 0) {
-                const auto read = readCode({record, static_cast<std::size_t>(codeEnd - record)});
-                if (!read) {
-                    readAll();
-                    // Blank lines at the end are none.
-                    const std::string_view rest(record, static_cast<std::size_t>(end_ - record));
-                    if (rest.find_first_not_of("\n\r \t\x1A") == std::string_view::npos)
-                        stopAt_ = record;
-                    else
-                        badCode(record, codeEnd);
-                    return false;
-                }
-                code = *read;
+        while (p < end_ && !stopAt_) {
+            GroupSieve sieve(kWanted, p, end_, core_.format.crlf);
+            while (sieve.next()) {
+                p = sieve.place();
+                asciiGroup(sieve.code(), sieve.codeEnd() + 1, sieve.valueEnd(), p);
+                if (stopAt_) return false;
             }
-            if (codeEnd == end_ || codeEnd + 1 == end_) {
-                cutShort(record);
-                return false;
-            }
-            const char* const value = codeEnd + 1;
-            const char* stop = valueEnd;
-            p = valueEnd < end_ ? valueEnd + 1 : end_;
-            if (!isLookedAt(code)) continue;
-            if (stop > value && stop[-1] == '\r') --stop;
-            if (!group(code, {value, static_cast<std::size_t>(stop - value)}, record)) {
-                stopAt_ = p;
-                return false;
-            }
+            p = sieve.place();
+            if (p < end_ && !anyGroup(p)) break;
         }
-        stopAt_ = end_;
+        return !stopAt_;
+    }
+
+    // The group at `p`, however it is written; `p` ends up behind it. False when it is none, or not all of it is read.
+    bool anyGroup(const char*& p) {
+        LineFeeds feeds(p, end_);
+        const char* const codeEnd = feeds.next();
+        const char* const valueEnd = feeds.next();
+        if (valueEnd == end_ && !reading_.isComplete()) return false;
+        int code = usualCode(p, codeEnd);
+        if (code < 0) {
+            const auto read = readCode({p, static_cast<std::size_t>(codeEnd - p)});
+            if (!read) {
+                noGroup(p, codeEnd);
+                return false;
+            }
+            code = *read;
+        }
+        if (codeEnd == end_ || codeEnd + 1 == end_) {
+            cutShort(p);
+            return false;
+        }
+        if (tellsTheIndex(code))
+            asciiGroup(code, codeEnd + 1, valueEnd, p);
+        else
+            p = behind(valueEnd);
         return true;
+    }
+
+    void noGroup(const char* line, const char* lineEnd) {
+        readAll();
+        // Blank lines at the end are none.
+        const std::string_view rest(line, static_cast<std::size_t>(end_ - line));
+        if (rest.find_first_not_of("\n\r \t\x1A") == std::string_view::npos)
+            stopAt_ = line;
+        else
+            badCode(line, lineEnd);
+    }
+
+    const char* behind(const char* valueEnd) const { return valueEnd < end_ ? valueEnd + 1 : end_; }
+
+    // A group that the index needs to know, of which all is known; `p` ends up behind it.
+    void asciiGroup(int code, const char* value, const char* valueEnd, const char*& p) {
+        const char* const begin = std::exchange(p, behind(valueEnd));
+        if (valueEnd > value && valueEnd[-1] == '\r') --valueEnd;
+        if (!group(code, {value, static_cast<std::size_t>(valueEnd - value)}, begin)) stopAt_ = p;
     }
 
     void binary() {
@@ -370,7 +382,7 @@ class Indexer {
         }
         core_.endsWithoutEof_ = !eofSeen_ && !told_;
         // The tail: what stands behind the end, or was not understood.
-        if (stopAt_ < begin_) stopAt_ = end_;
+        if (!stopAt_) stopAt_ = end_;
         Stub& tail = core_.stubs.add();
         tail.offset = static_cast<std::uint64_t>(stopAt_ - begin_);
         core_.fileStubs = core_.stubs.size();
@@ -383,8 +395,8 @@ class Indexer {
     Core& core_;
     base::FileReading& reading_;
     const char* begin_ = nullptr;
-    const char* end_ = nullptr;  // of what is read of the file
-    const char* stopAt_ = nullptr;
+    const char* end_ = nullptr;     // of what is read of the file
+    const char* stopAt_ = nullptr;  // nothing from here on is to be looked at
     Stub* current_ = nullptr;
     std::uint16_t type_ = rtNone;
     bool handleDone_ = false;
@@ -481,7 +493,12 @@ void Core::readIndex(base::FileReading& reading) {
 
     // Handles: a direct index where they lie close together, a sorted list otherwise.
     std::size_t withHandle = 0;
-    for (std::uint32_t i = 1; i < fileStubs; ++i) withHandle += stubs[i].handle != 0;
+    std::uint64_t largest = 0;
+    for (std::uint32_t i = 1; i < fileStubs; ++i) {
+        const std::uint64_t handle = stubs[i].handle;
+        withHandle += handle != 0;
+        largest = std::max(largest, handle);
+    }
     std::size_t doubles = 0;
     const auto twice = [&](std::uint32_t index) {
         if (doubles++ < 10)
@@ -489,8 +506,6 @@ void Core::readIndex(base::FileReading& reading) {
                    typeName(stubs[index]) + " #" + OdDbHandle(stubs[index].handle).ascii() +
                        " has the handle of an earlier record; the first one is found by it");
     };
-    std::uint64_t largest = 0;
-    for (std::uint32_t i = 1; i < fileStubs; ++i) largest = std::max(largest, stubs[i].handle);
     if (largest < withHandle * 8 + 4096) {
         handleIndex_.assign(static_cast<std::size_t>(largest) + 1, 0);
         for (std::uint32_t i = 1; i < fileStubs; ++i) {

@@ -79,6 +79,11 @@ std::uint64_t LineFeeds::feedsFrom(const char* block, const char* next, const ch
     return bits >> (next - block) << (next - block);
 }
 
+std::uint64_t GroupSieve::feedsOf(const char* window) {
+    return feedsIn16(window) | feedsIn16(window + 16) << 16 | feedsIn16(window + 32) << 32 |
+           feedsIn16(window + 48) << 48;
+}
+
 int AsciiGroupCursor::unusualCode(const char* line, const char* lineEnd) {
     while (line < lineEnd && (*line == ' ' || *line == '\t')) ++line;
     const bool negative = line < lineEnd && *line == '-';
@@ -246,13 +251,24 @@ std::optional<std::int64_t> groupInteger(const Group& group, bool binary) {
     return {};
 }
 
+namespace {
+
+// By table: whether a digit is a letter or not cannot be foreseen.
+constexpr auto kHexValues = [] {
+    std::array<std::int8_t, UCHAR_MAX + 1> values{};
+    for (std::size_t c = 0; c < values.size(); ++c)
+        values[c] = static_cast<std::int8_t>(base::hexValue(static_cast<char>(c)));
+    return values;
+}();
+
+}  // namespace
+
 std::uint64_t parseHandle(std::string_view text) {
     std::uint64_t value = 0;
     std::size_t i = 0;
     while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
     for (; i < text.size(); ++i) {
-        const char c = text[i];
-        const int digit = base::hexValue(c);
+        const int digit = kHexValues[static_cast<unsigned char>(text[i])];
         if (digit < 0) break;
         if (value >> 60) return 0;
         value = value << 4 | static_cast<unsigned>(digit);

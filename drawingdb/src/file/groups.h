@@ -7,6 +7,7 @@
 //                                          chunk
 #pragma once
 
+#include <array>
 #include <bit>
 #include <climits>
 #include <cstddef>
@@ -74,6 +75,93 @@ inline int usualCode(const char* line, const char* lineEnd) {
     if (digit(1) < 10 ? digit(0) >= 10 && line[0] != ' ' : line[1] != ' ' || line[0] != ' ') return -1;
     return (line[0] & 15) * 100 + (line[1] & 15) * 10 + (line[2] & 15);  // a blank counts as 0
 }
+
+/// The codes that somebody asks a file for, by the lines that they are usually written as.
+class WantedCodes {
+  public:
+    /// `isWanted` says of each code below 1000 whether it is asked for.
+    template <class IsWanted>
+    constexpr explicit WantedCodes(IsWanted isWanted) {
+        for (unsigned code = 0; code < 1000; ++code) {
+            const unsigned first = code < 100 ? ' ' : '0' + code / 100;
+            const unsigned second = code < 10 ? ' ' : '0' + code / 10 % 10;
+            const std::uint32_t places = first | second << 8 | ('0' + code % 10) << 16;
+            lines_[rowOf(places)] = places | (isWanted(static_cast<int>(code)) ? kWanted : 0);
+        }
+    }
+
+  private:
+    friend class GroupSieve;
+    static constexpr std::uint32_t kWanted = std::uint32_t{1} << 31;
+    /// The row of a line by the digits of its three places; the first place is the lowest byte.
+    static constexpr std::uint32_t rowOf(std::uint32_t line) { return (line & 0x0F0F0F) * 0x01001001U >> 16 & 0xFFF; }
+
+    std::array<std::uint32_t, 4096> lines_{};
+};
+
+/// Passes over the groups of ASCII bytes that are not wanted, as long as all is as usual: the code as usualCode() reads
+/// it, the value short.
+class GroupSieve {
+  public:
+    /// From `p` on, where a group begins.
+    GroupSieve(const WantedCodes& wanted, const char* p, const char* end, bool crlf)
+        : wanted_(wanted),
+          end_(end),
+          codeLength_(crlf ? 4 : 3),
+          behindCode_((crlf ? std::uint32_t{'\r'} : std::uint32_t{'\n'}) << 24),
+          at_(p) {}
+
+    /// Goes to the next group that is wanted. False at one that is not as usual, and near the end.
+    [[gnu::always_inline]] bool next() {
+        at_ = valueEnd_ ? valueEnd_ + 1 : at_;
+        valueEnd_ = nullptr;
+        for (;;) {
+            std::uint64_t valueFeeds = feeds_ & (feeds_ - 1);
+            if (valueFeeds == 0) {
+                // The next window begins where the group does, so that both its line feeds are in one.
+                if (end_ - at_ < kWindow) return false;
+                window_ = at_;
+                feeds_ = feedsOf(window_);
+                valueFeeds = feeds_ & (feeds_ - 1);
+            }
+            const std::uint32_t line = byte(0) | byte(1) | byte(2) | byte(3);
+            const std::uint32_t difference = line ^ behindCode_ ^ wanted_.lines_[WantedCodes::rowOf(line)];
+            const bool isUsual = (difference & ~WantedCodes::kWanted) == 0 && valueFeeds != 0 &&
+                                 window_ + std::countr_zero(feeds_) == at_ + codeLength_;
+            if (!isUsual) {
+                feeds_ = 0;
+                return false;
+            }
+            feeds_ = valueFeeds & (valueFeeds - 1);
+            const char* const valueEnd = window_ + std::countr_zero(valueFeeds);
+            if (difference != 0) {
+                valueEnd_ = valueEnd;
+                return true;
+            }
+            at_ = valueEnd + 1;
+        }
+    }
+
+    /// Where the group begins.
+    const char* place() const { return at_; }
+    int code() const { return (at_[0] & 15) * 100 + (at_[1] & 15) * 10 + (at_[2] & 15); }  // a blank counts as 0
+    const char* codeEnd() const { return at_ + codeLength_; }
+    const char* valueEnd() const { return valueEnd_; }
+
+  private:
+    static constexpr std::ptrdiff_t kWindow = 64;
+    static std::uint64_t feedsOf(const char* window);
+    std::uint32_t byte(int i) const { return std::uint32_t{static_cast<unsigned char>(at_[i])} << 8 * i; }
+
+    const WantedCodes& wanted_;
+    const char* end_;
+    std::ptrdiff_t codeLength_;
+    std::uint32_t behindCode_;
+    const char* at_;
+    const char* valueEnd_ = nullptr;
+    const char* window_ = nullptr;
+    std::uint64_t feeds_ = 0;  // of the window, from `at_` on
+};
 
 /// Reads group after group out of ASCII bytes that are known to be groups (a record as the index found it).
 class AsciiGroupCursor {
