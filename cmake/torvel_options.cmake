@@ -21,16 +21,14 @@ endfunction()
 # torvel_standard_headers(TARGET)
 #
 # What nearly every source of the large rooms includes of the standard library and Boost, compiled once for TARGET.
-# Headers of the project are not among them: a change of one would compile everything again. Not with the sanitizers, so
-# that one of the builds shows whether a source includes what it uses.
+# Headers of the project are not among them: a change of one would compile everything again. Whether a source includes what
+# it uses is seen by clang-tidy, which takes none of these.
 function(torvel_standard_headers target)
-  if(NOT TORVEL_SANITIZE)
-    target_precompile_headers(${target} PRIVATE
-      <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <optional> <span> <stdexcept> <string>
-      <string_view> <unordered_map> <utility> <vector> <boost/format.hpp>)
-    if(WIN32)
-      # From a compiled header GCC 12 takes the system's own copying of empty wide texts for a fault.
-      target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overread)
-    endif()
+  target_precompile_headers(${target} PRIVATE
+    <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <optional> <span> <stdexcept> <string>
+    <string_view> <unordered_map> <utility> <vector> <boost/format.hpp>)
+  if(WIN32)
+    # From a compiled header GCC 12 takes the system's own copying of empty wide texts for a fault.
+    target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overread)
   endif()
 endfunction()
