@@ -3,7 +3,8 @@
 #
 # Runs a Windows program under Wine without a screen, in a Wine folder of the build's own that is made at first use. With
 # ON_SCREEN set it is shown on DISPLAY, which should be another folder's matter than runs without one.
-set -eu
+set -Eeu
+trap 'echo "wine.sh: line $LINENO: $BASH_COMMAND: status $?" >&2' ERR
 prefix=$(realpath -m "$1")
 shift
 
@@ -50,7 +51,7 @@ keep_server() {
     if "$WINESERVER" -p60; then
         [ -z "${ON_SCREEN:-}" ] || "$wine" wineboot
     elif [ -e "$prefix.desktop" ]; then
-        age=$(($(date +%s) - $(stat -c %Y "$prefix.desktop")))
+        age=$(($(date +%s) - $(stat -c %Y "$prefix.desktop" || echo 0)))
     fi
     if [ -z "${ON_SCREEN:-}" ] && [ "$age" -ge 30 ]; then
         touch "$prefix.desktop"

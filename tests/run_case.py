@@ -169,7 +169,8 @@ def run_case(script, command, options, audited, update, folder):
                 after=dxf_groups.read(saved) if saved.exists() else None,
                 output=result.stdout.decode("utf-8", "replace"), errors=errors, folder=folder))
     except Failure as failure:
-        raise Failure(f"{failure}\n--- standard error\n{errors}") from None
+        output = result.stdout.decode("utf-8", "replace")
+        raise Failure(f"{failure}\n--- standard output\n{output}--- standard error\n{errors}") from None
     except Exception as error:  # an assertion, or whatever else a check stumbles over
         raise Failure(f"the check failed: {said(error)}--- standard error\n{errors}") from None
 
