@@ -72,18 +72,21 @@ class Table {
         tags_.beginReference();
         for (std::string& value : values_) value.clear();
         reference_.eachAttribute([this, id](OdDbObjectId, std::string_view tag, std::string_view value) {
+            if (hasZeroByte(tag)) return tellZeroByte(id, tag, L"the tag", L"it has no column");
             std::string& cell = values_[columnOf(tag)];
             if (!hasZeroByte(value))
                 cell = value;
             else
-                withZeroByte_.push_back(L"#" + id.handle().text() + L", " + base::fromUtf8(tag));
+                tellZeroByte(id, tag, L"the value", L"its cell is empty");
         });
 
         // A handle that leads to another object is none to go by.
         const bool isFound = !id.handle().isNull() && database_.getObjectId(id.handle()) == id;
         if (isFound) (lines_ += '#') += id.handle().ascii();
         withoutHandle_ += isFound ? 0 : 1;
-        addCell(reference_.blockName());
+        const std::string& block = reference_.blockName();
+        if (hasZeroByte(block)) tellZeroByte(id, block, L"the name of the block", L"its cell is empty");
+        addCell(hasZeroByte(block) ? std::string_view() : block);
         addCell(drawing_);
         for (const std::string& value : values_) addCell(value);
         ends_.push_back({lines_.size(), values_.size()});
@@ -103,13 +106,20 @@ class Table {
     }
 
     std::size_t withoutHandle() const { return withoutHandle_; }
-    /// Reference and tag of each value that no table can hold. Its cell is empty, which leaves it alone.
+    /// A line for each text that no table can hold. What it leaves empty, or out, is no change on the way back.
     const std::vector<std::wstring>& withZeroByte() const { return withZeroByte_; }
 
   private:
     struct LineEnd {
         std::size_t position, columns;
     };
+
+    void tellZeroByte(OdDbObjectId reference, std::string_view of, const wchar_t* what, const wchar_t* so) {
+        const std::wstring name = base::replaceAll(base::fromUtf8(of), std::wstring(1, L'\0'), L"\\0");
+        withZeroByte_.push_back(L"#" + reference.handle().text() + L", " + name + L": " + what +
+                                L" has a zero byte, which no table can hold; " + so +
+                                L", which VALUESIN takes for no change");
+    }
 
     std::size_t columnOf(std::string_view tag) {
         const TagColumns::Place place = tags_.next(tag);
@@ -161,10 +171,7 @@ CMD_RUNSTATUS valuesOut(HostRun& run) {
     table.write(file);
     file.commit();
     run.input.printMessage(L"%s: %s", name.c_str(), counted(references.size(), L"reference").c_str());
-    for (const std::wstring& place : table.withZeroByte())
-        run.terminal().warning(place +
-                               L": the value has a zero byte, which no table can hold; its cell is empty, "
-                               L"which VALUESIN takes for no change");
+    for (const std::wstring& text : table.withZeroByte()) run.terminal().warning(text);
     if (const std::size_t count = table.withoutHandle(); count != 0)
         run.terminal().warning(counted(count, L"reference") +
                                L" cannot be found by a handle, so that VALUESIN cannot take the values back");

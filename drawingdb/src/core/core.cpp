@@ -145,11 +145,13 @@ void Core::linkBlocks() {
         for (Stub* block = nextChild(*blocks, nullptr); block; block = nextChild(*blocks, block)) {
             if (block->type != rtBlock || block->gone()) continue;
             const std::uint32_t index = indexOf(block);
-            std::uint32_t record = index;
-            if (table)
-                if (Stub* found = findRecord("BLOCK_RECORD", groupWide(*block, 2))) record = indexOf(found);
+            const std::wstring blockName = groupWide(*block, 2);
+            Stub* const found = findRecord("BLOCK_RECORD", blockName);
+            const std::uint32_t record = table && found ? indexOf(found) : index;
             recordOfBlock_[index] = record;
-            blockOfRecord_.emplace(record, index);
+            const bool isFirst = blockOfRecord_.emplace(record, index).second && (table || found == block);
+            // Anonymous ones are found by their handles, or not at all.
+            if (!isFirst && !blockName.empty() && !blockName.starts_with(L'*')) tellTwin(*block);
         }
     }
     const auto space = [&](const wchar_t* now, const wchar_t* once) -> Stub* {
@@ -161,6 +163,14 @@ void Core::linkBlocks() {
     Stub* paper = space(L"*Paper_Space", L"$PAPER_SPACE");
     model_ = model ? indexOf(model) : 0;
     paper_ = paper ? indexOf(paper) : 0;
+}
+
+void Core::tellTwin(Stub& block) {
+    const char* const place = file_.data() + block.offset;
+    if (block.has(Stub::appended) || toldFaults_.size() >= kMostFaultsTold || !toldFaults_.insert(place).second) return;
+    warnAt(place, "BLOCK " + base::toUtf8(groupWide(block, 2)) +
+                      " has the name of an earlier one; references show the first one. Remedy: --recover gives it "
+                      "another name");
 }
 
 Stub* Core::modelSpace() {
@@ -398,7 +408,7 @@ void Core::decode(OdDbObject& object, std::string_view bytes) {
     ObjectAccess::source(object) = bytes;
     ObjectAccess::hasFileXData(object) = false;
     const auto fault = [&](const Group& group, const char* expected) {
-        if (toldFaults_.size() >= 100 || !toldFaults_.insert(group.begin).second) return;
+        if (toldFaults_.size() >= kMostFaultsTold || !toldFaults_.insert(group.begin).second) return;
         warnAt(group.begin, "group " + std::to_string(group.code) + " of " + object.dxfName() + " #" +
                                 object.handle().ascii() + " is not " + expected + ": \"" +
                                 (format.binary ? std::string("...") : std::string(group.value.substr(0, 60))) +

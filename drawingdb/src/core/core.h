@@ -243,6 +243,12 @@ class Core {
         Stub *table, *record, *block, *end;
     };
     std::optional<NewBlock> linkBlock();
+    static constexpr std::string_view kNoPlaceForBlocks =
+        "the file has no place for blocks. Remedy: read it with --recover, which puts one in, and save it under "
+        "another "
+        "name";
+    /// A section for blocks in a file without one; null in a version whose blocks need more.
+    Stub* addBlocksSection();
     /// What the records of a block say beside its contents.
     struct BlockHead {
         OdGePoint3d origin;
@@ -296,11 +302,13 @@ class Core {
     std::unordered_map<std::string_view, HeaderVariable> headerVariables_;
     EntityDefaults entityDefaults_;
     const char* entityDefaultsOf_ = nullptr;  // the header's bytes that they were read from
+    static constexpr std::size_t kMostFaultsTold = 100;
     std::unordered_set<const char*> toldFaults_;
     std::size_t liveObjects_ = 0;
     bool erasedEver_ = false;
     std::uint32_t model_ = 0, paper_ = 0;
     void linkBlocks();
+    void tellTwin(Stub& block);
 
     std::vector<OdDbObject*> dirty_;
     std::deque<Step> log_;      // grows by the million: nothing is copied for that

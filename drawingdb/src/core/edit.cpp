@@ -410,10 +410,41 @@ Content Core::ofAnonymousBlock(Stub& source, const Stub& copy, std::uint64_t own
     return Arena::contentOf(arena_.add(bytes, source.type));
 }
 
+// An old drawing need not have one. It is no step of the log: saving leaves it out when it holds nothing.
+Stub* Core::addBlocksSection() {
+    const Stub* const entities = section(Section::entities);
+    if (format.version >= version::r13 || tableNamed("BLOCK_RECORD") || !entities) return nullptr;
+    const auto add = [this](std::uint16_t type, const auto& write) -> Stub& {
+        Stub& stub = stubs.add();
+        stub.type = type;
+        stub.flags = Stub::appended;
+        std::string bytes;
+        GroupWriter writer(bytes, format);
+        write(writer);
+        stub.content = Arena::contentOf(arena_.add(bytes, type));
+        return stub;
+    };
+    Stub& blocks = add(
+        rtSection,
+        [](GroupWriter& writer) {
+            writer.text(0, "SECTION");
+            writer.text(2, "BLOCKS");
+        });
+    Stub& closer = add(rtEndsec, [](GroupWriter& writer) { writer.text(0, "ENDSEC"); });
+    closer.owner = indexOf(&blocks);
+    blocks.close = indexOf(&closer);
+    sections_.emplace("BLOCKS", &blocks);
+    knownSections_[static_cast<std::size_t>(Section::blocks)] = &blocks;
+    return &blocks;
+}
+
 std::optional<Core::NewBlock> Core::linkBlock() {
-    Stub* const blocks = section(Section::blocks);
+    Stub* const known = section(Section::blocks);
+    Stub* const blocks = known ? known : addBlocksSection();
     Stub* const table = tableNamed("BLOCK_RECORD");
-    if (!blocks || !blocks->has(Stub::ownCloser) || (table && !table->has(Stub::ownCloser))) return {};
+    if (!blocks || !(blocks->has(Stub::ownCloser) || blocks->has(Stub::appended)) ||
+        (table && !table->has(Stub::ownCloser)))
+        return {};
     Stub* const record = table ? &linkedStub(rtBlockRecord, *table) : nullptr;
     Stub& block = linkedStub(rtBlock, *blocks);
     Stub& closer = stubs.add();
@@ -452,10 +483,7 @@ Stub* Core::addPicture(Stub& picture) {
 Stub& Core::addBlock(std::wstring_view blockName) {
     requireWritable();
     const std::optional<NewBlock> made = linkBlock();
-    if (!made)
-        throw OdError(OdResult::badFile, where(nullptr) +
-                                             "the file has no place for blocks. Remedy: open it with a program that "
-                                             "can make them");
+    if (!made) throw OdError(OdResult::badFile, where(nullptr) + std::string(kNoPlaceForBlocks));
     BlockHead head;
     head.units = database.headerInteger("$INSUNITS", 0);
     writeBlockRecords(*made, blockName, head);

@@ -266,7 +266,7 @@ class Importer {
         if (names.textStyle && group.code == 7) planName("STYLE", group.value);
         if (names.dimensionStyle && group.code == 3) planName("DIMSTYLE", group.value);
         const bool isArrow = names.arrows && isArrowName(group.code);
-        if ((names.block && group.code == 2) || (isArrow && !group.value.empty())) planBlockName(group.value);
+        if ((names.block && group.code == 2) || (isArrow && !group.value.empty())) planBlockName(group.value, isArrow);
     }
 
     void lookAtData(const Group& group) {
@@ -335,15 +335,19 @@ class Importer {
         if (!there_[index]) add(style, 0, Place::table);
     }
 
-    void planBlockName(std::string_view raw) {
-        if (!seen_["BLOCK_RECORD"].add(raw)) return;
+    // References, dimensions and tables are nothing without the block that they show. Dimension styles go without an
+    // arrowhead.
+    void planBlockName(std::string_view raw, bool ofArrow) {
+        if (raw.empty() || !seen_[ofArrow ? "DIMSTYLE_ARROW" : "BLOCK_RECORD"].add(raw)) return;
         const std::wstring name = decodeText(raw, source_.format);
         if (Stub* const record = source_.findRecord("BLOCK_RECORD", name)) {
             planBlock(*record);
             const auto known = renamed_.find(source_.groupText(*record, 2));
             if (known != renamed_.end()) renamed_.emplace(raw, known->second);
-        } else if (isAnonymousName(name)) {
-            renamed_.emplace(raw, encodeText(freeName(name), target_.format));  // nor may it show another's
+        } else if (ofArrow) {
+            renamed_.emplace(raw, std::string());  // nor may it be what the target calls so
+        } else {
+            missingBlocks_.insert(name);
         }
     }
 
@@ -516,6 +520,12 @@ class Importer {
     void refuse() {
         std::string what;
         const auto say = [&what](const std::string& text) { what += (what.empty() ? "" : ", ") + text; };
+        for (const std::wstring& name : missingBlocks_) say(inQuotes(name));
+        if (!what.empty())
+            throw OdError(OdResult::badFile, source_.where(nullptr) + "entities within show what the file has no " +
+                                                 "block for: " + what +
+                                                 "; nothing was changed. Remedy: read the file with --recover and save "
+                                                 "it under another name");
         for (const auto& [kind, count] : notHeld_) say(std::to_string(count) + " " + kind);
         for (const std::wstring& linetype : complexLinetypes_)
             say("the linetype " + inQuotes(linetype) + " with texts or shapes");
@@ -552,7 +562,7 @@ class Importer {
             if (!block.made) {
                 block.records = target_.linkBlock();
                 if (!block.records)
-                    throw OdError(OdResult::badFile, target_.where(nullptr) + "the file has no place for blocks");
+                    throw OdError(OdResult::badFile, target_.where(nullptr) + std::string(Core::kNoPlaceForBlocks));
                 block.made = block.records->record;
                 block.begin = block.records->block;
             }
@@ -612,7 +622,7 @@ class Importer {
         std::uint64_t object(std::uint64_t old) const override { return importer_.newHandle(old); }
         const std::string* renamed(int code, std::string_view raw) const override {
             const bool isBlock = (names.block && code == 2) || (names.arrows && isArrowName(code));
-            if (!isBlock || !raw.starts_with('*')) return nullptr;
+            if (!isBlock) return nullptr;
             const auto found = importer_.renamed_.find(raw);
             return found == importer_.renamed_.end() ? nullptr : &found->second;
         }
@@ -827,7 +837,8 @@ class Importer {
         }
     };
     std::map<std::string_view, Seen> seen_;
-    std::map<std::string, std::string, std::less<>> renamed_;  // anonymous blocks: from, to
+    std::map<std::string, std::string, std::less<>> renamed_;  // blocks: from, to; empty: left out
+    std::set<std::wstring> missingBlocks_;                     // that entities show
     std::map<std::wstring, std::size_t> lastNumber_;
     std::set<std::wstring> scaleKeys_;
     std::set<Stub*> looked_in_;  // blocks of the target that do not show the one made anew

@@ -540,6 +540,7 @@ void Core::readIndex(base::FileReading& reading) {
     const auto handling = headerVariable("$HANDLING");
     hasHandles_ =
         withHandle > 0 || (handling ? trimmed(handling->first) != "0" : headerVariable("$HANDSEED").has_value());
+    linkBlocks();  // it tells of blocks that cannot be found by their names
 }
 
 }  // namespace drawingdb

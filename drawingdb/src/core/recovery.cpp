@@ -349,7 +349,10 @@ class TreeBuilder {
 
     // What follows a record that was left out as a part of it goes with it.
     void dropped() {
-        if (record_.type == rtBlock) beginNamelessBlock(record_.place);
+        if (record_.type == rtBlock) {
+            beginNamelessBlock(record_.place);
+            block_->record.groups = std::move(record_.groups);
+        }
         if (record_.type != rtInsert && record_.type != rtPolyline) return;
         endComplex(record_.place);
         complex_ = &lost_.emplace_back();
@@ -510,6 +513,7 @@ class TreeBuilder {
         if (trimmed(record.text(2)).empty()) {
             tell(record.place, "a BLOCK without a name; it is known by what stands in it");
             beginNamelessBlock(record.place);
+            block_->record.groups = std::move(record.groups);
             return;
         }
         block_ = &section_->children.emplace_back();

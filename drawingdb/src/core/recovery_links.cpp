@@ -305,14 +305,15 @@ class LinkMender {
         SalvagedNode* const blocks = salvage_.section("BLOCKS");
         SalvagedNode* const records = salvage_.table("BLOCK_RECORD");
         if (!blocks) return;
-        if (!records) {
-            renameTwins(blocks->children);
-        } else if (format_.version >= version::v2000) {  // where blocks say which record is theirs
+        // From 2000 on blocks say which record is theirs. Before that records follow each other as blocks do.
+        if (records) {
             const std::unordered_map<std::uint64_t, std::string> renamed = renameTwins(records->children);
-            for (SalvagedNode& block : blocks->children)
-                if (const auto found = renamed.find(ownerOf(block.record)); found != renamed.end())
-                    rename(block.record, found->second);
+            if (format_.version >= version::v2000)
+                for (SalvagedNode& block : blocks->children)
+                    if (const auto found = renamed.find(ownerOf(block.record)); found != renamed.end())
+                        rename(block.record, found->second);
         }
+        for (const auto& [handle, name] : renameTwins(blocks->children)) renamedBlocks_.insert(folded(name));
     }
 
     void dropNameless(SalvagedNode& table) {
@@ -395,14 +396,29 @@ class LinkMender {
                 tell(place, "what stands from here on went into BLOCK " + std::string(record->text(2)));
                 into->children.splice(into->children.end(), nameless.children);
             } else {
-                tell(place, std::to_string(nameless.children.size()) +
-                                " entities were left out: the name of their block is lost");
+                const std::string name = nameFor(nameless.record);
+                SalvagedNode& block = madeBlock(name, 0);
+                for (Group& group : block.record.groups)
+                    if (const Group* const old = nameless.record.find(group.code);
+                        old && group.code >= 10 && group.code <= 30)
+                        group = *old;
+                blocks_.emplace(folded(name), &block);
+                tell(place, "the name of the block is lost that stands from here on; it is BLOCK " + name + " now");
+                block.children.splice(block.children.end(), nameless.children);
             }
         }
         salvage_.namelessBlocks.clear();
         known_.clear();
         salvage_.forEach(
             [&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) { known_.insert(record.handle); });
+    }
+
+    // A block says its name twice; else it is "BLOCK$1" or so.
+    std::string nameFor(const SalvagedRecord& nameless) const {
+        std::string name(trimmed(nameless.text(3)));
+        for (int number = 1; name.empty() || blocks_.contains(folded(name)); ++number)
+            name = "BLOCK$" + std::to_string(number);
+        return name;
     }
 
     static std::uint64_t ownerOf(const SalvagedRecord& record) {
@@ -526,7 +542,7 @@ class LinkMender {
         std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
         salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
             const std::string_view name = record.text(2);
-            if (record.type == rtInsert && !trimmed(name).empty() && !blocks_.contains(folded(name))) {
+            if (showsBlock(record) && !trimmed(name).empty() && !blocks_.contains(folded(name))) {
                 missing.emplace_back(&record, name);
                 blocks_.emplace(folded(name), nullptr);
             }
@@ -537,6 +553,13 @@ class LinkMender {
             tell(record->place,
                  record->title() + " shows the block " + quoted(name) + ", which is missing; an empty one was added");
         }
+    }
+
+    // A dimension and a table have their picture in a block.
+    static bool showsBlock(const SalvagedRecord& record) {
+        static constexpr std::array<std::string_view, 4> kShown = {"DIMENSION", "ARC_DIMENSION",
+                                                                   "LARGE_RADIAL_DIMENSION", "ACAD_TABLE"};
+        return record.type == rtInsert || std::ranges::find(kShown, record.name) != kShown.end();
     }
 
     // The code that a record names one of a table by; 0 for none.
@@ -612,6 +635,14 @@ class LinkMender {
         return meant != 0 && meant != handle;
     }
 
+    // Whether it belongs to a block that has a record of its own only now. That it has one was told.
+    bool isOfRenamed(const SalvagedRecord& record, const SalvagedNode* owner) const {
+        const SalvagedRecord* const block = record.type == rtBlock                   ? &record
+                                            : owner && owner->record.type == rtBlock ? &owner->record
+                                                                                     : nullptr;
+        return block && !renamedBlocks_.empty() && renamedBlocks_.contains(folded(block->text(2)));
+    }
+
     void mendReferences(SalvagedRecord& record, const SalvagedNode* owner) {
         std::vector<Group>& kept = kept_;
         kept.clear();
@@ -653,8 +684,13 @@ class LinkMender {
                     if (group.code == 330 && walk.inHead() && !ownerSeen) {
                         ownerSeen = true;
                         const bool isNone = isLost(group);
-                        if (!isNone && !isDoubled(group, record, owner)) break;
                         const std::uint64_t handle = trueOwner(record, owner);
+                        if (isOfRenamed(record, owner)) {
+                            kept.push_back(salvage_.group([&](RecordWriter& writer) { writer.handle(330, handle); }));
+                            changed = true;
+                            continue;
+                        }
+                        if (!isNone && !isDoubled(group, record, owner)) break;
                         tell(salvage_.placeOf(group, record),
                              record.title() + ": its owner, " + handleText(parseHandle(group.value)) +
                                  (isNone ? ", is not there; it is " : ", has another handle; it is ") +
@@ -697,6 +733,7 @@ class LinkMender {
     std::vector<Group> kept_;                                        // of the record whose references are looked at
     std::unordered_map<std::wstring, SalvagedNode*> blocks_;         // by folded name
     std::unordered_map<std::wstring, std::uint64_t> recordOfBlock_;  // its handle
+    std::unordered_set<std::wstring> renamedBlocks_;                 // that share a record with another
     std::array<std::uint64_t, 2> spaceRecords_{};                    // of the model, of the paper
     std::uint64_t root_ = 0;
 };

@@ -2,8 +2,8 @@
 //
 // Derived here, so that undo need not know of it: group 66 and SEQEND of references, the list of fields, new references
 // in the lists of block records, and the removal of erased objects from groups, sort tables, block-reference lists and
-// the list of fields; $HANDSEED; records of the CLASSES section for new objects of kinds that other programs only know
-// by such a record.
+// the list of fields; $HANDSEED; a section for new blocks where an old file has none; records of the CLASSES section
+// for new objects of kinds that other programs only know by such a record.
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -60,8 +60,8 @@ class Saver {
         return anew && !owner.gone() && hasChildren(owner);
     }
 
-    bool hasChildren(Stub& reference) const {
-        for (Stub* child = core_.nextChild(reference, nullptr); child; child = core_.nextChild(reference, child))
+    bool hasChildren(Stub& container) const {
+        for (Stub* child = core_.nextChild(container, nullptr); child; child = core_.nextChild(container, child))
             if (!child->gone()) return true;
         return false;
     }
@@ -86,11 +86,23 @@ class Saver {
             case rtInsert:
                 if (stub.has(Stub::childrenChanged)) return reference(i);
                 break;
+            case rtSection:
+                if (&stub == core_.section(Section::entities)) newBlocks();
+                break;
             default:
                 break;
         }
         if (!stub.gone()) bytes(stub);
         return i + 1;
+    }
+
+    // A section that the file did not have stands before the entities.
+    void newBlocks() {
+        Stub* const blocks = core_.section(Section::blocks);
+        if (!blocks || !blocks->has(Stub::appended) || !hasChildren(*blocks)) return;
+        bytes(*blocks);
+        chain(core_.stubs[blocks->close]);
+        bytes(core_.stubs[blocks->close]);
     }
 
     std::uint32_t endOfSection(std::uint32_t i) {

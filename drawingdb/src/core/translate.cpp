@@ -498,7 +498,7 @@ class RecordTranslator::Run {
         }
         if (valueKind(group.code) == ValueKind::text || (traits_->dimensionStyle && group.code == 5))
             if (const std::string* const renamed = links_->renamed(group.code, group.value)) {
-                writer.text(group.code, *renamed);
+                if (!renamed->empty()) writer.text(group.code, *renamed);
                 noteForSpread(group);
                 return;
             }

@@ -21,7 +21,8 @@ class RecordLinks {
     std::uint64_t owner = 0;   ///< 0: none
     /// The new handle for one of the record; 0 when nothing stands for it.
     virtual std::uint64_t object(std::uint64_t handle) const = 0;
-    /// What a name in the source's encoding becomes in the target's: null when it stays what it is.
+    /// What a name in the source's encoding becomes in the target's: null when it stays what it is, empty when it is
+    /// left out.
     virtual const std::string* renamed(int code, std::string_view raw) const = 0;
     /// The new handle of a block that the source calls so; 0 when nothing stands for it.
     virtual std::uint64_t block(std::string_view raw) const = 0;

@@ -147,6 +147,8 @@ TEST(Recovery, RenamesTwins) {
               "plan.dxf:21: LAYER has no name; it was left out\n"
               "plan.dxf:29: LAYER has the name of an earlier one; it is \"wall$2\" now\n"
               "plan.dxf:83: BLOCK Door has the name of an earlier one; it is \"Door$3\" now\n");
+    EXPECT_NE(toldOf(OdDbDatabase::readBytes(old, L"plan.dxf")).find("plan.dxf:83: BLOCK Door has the name of an"),
+              std::string::npos);
     EXPECT_FALSE(database->findLayer(L"wall$2").isNull());
     EXPECT_EQ(database->findBlock(L"DOOR").openAs<OdDbBlockTableRecord>()->origin().x, 0);
     EXPECT_EQ(database->findBlock(L"Door$3").openAs<OdDbBlockTableRecord>()->origin().x, 7);
@@ -166,6 +168,46 @@ TEST(Recovery, RenamesTwins) {
     };
     EXPECT_EQ(entities(database, L"DOOR") + entities(database, L"DOOR$2"),
               entities(sample(), L"DOOR") + entities(sample(), L"FRAME"));
+
+    // Blocks do not say which record is theirs before 2000, and where two name one each gets its own.
+    for (const bool isOld : {true, false})
+        for (const bool haveOneRecord : {false, true}) {
+            std::string twins = sampleBytes();
+            if (isOld) twins = with(twins, "AC1032", "AC1014");
+            if (haveOneRecord) {
+                twins = without(twins, "  0\nBLOCK_RECORD\n  5\n31", "  0\nENDTAB");
+                for (std::size_t at; (at = twins.find("330\n31\n")) != twins.npos;) twins.replace(at, 7, "330\n30\n");
+            }
+            for (std::size_t at; (at = twins.find("\nFRAME\n")) != twins.npos;) twins.replace(at + 1, 5, "DOOR");
+            EXPECT_NE(toldOf(OdDbDatabase::readBytes(twins, L"plan.dxf")).find("has the name of an"),
+                      std::string::npos);
+            database = recovered(twins);
+            EXPECT_EQ(entities(database, L"DOOR") + entities(database, L"DOOR$2"),
+                      entities(sample(), L"DOOR") + entities(sample(), L"FRAME"))
+                << toldOf(database);
+            const OdDbObjectId twin = database->findBlock(L"DOOR$2");
+            for (const OdDbObjectId id : twin.openAs<OdDbBlockTableRecord>()->entities())
+                EXPECT_EQ(id.open()->ownerId(), twin);
+        }
+}
+
+// A block is there even when nothing says its name, at the base point that it has.
+TEST(Recovery, KeepsBlocksWithoutName) {
+    const auto plan = [](const std::string& names) {
+        return "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n8\n0\n" + names +
+               "70\n0\n10\n7\n20\n0\n0\nPOINT\n8\n0\n10\n1\n20\n2\n0\nENDBLK\n8\n0\n"
+               "0\nBLOCK\n8\n0\n2\nDOOR\n70\n0\n10\n0\n20\n0\n3\nDOOR\n0\nENDBLK\n8\n0\n"
+               "0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
+    };
+    for (const auto& [names, name] : {std::pair<const char*, const wchar_t*>{"", L"BLOCK$1"},
+                                      {"3\nGATE\n", L"GATE"},
+                                      {"2\n\n3\ndoor\n", L"BLOCK$1"}}) {
+        const auto database = recovered(plan(names));
+        const auto block = database->findBlock(name).openAs<OdDbBlockTableRecord>();
+        ASSERT_TRUE(block) << toldOf(database);
+        EXPECT_EQ(block->origin().x, 7);
+        EXPECT_EQ(std::distance(block->entities().begin(), block->entities().end()), 1);
+    }
 }
 
 TEST(Recovery, KeepsWhatIsWhole) {
