@@ -49,7 +49,10 @@ Names namesIn(std::string_view kind, bool isEntity) {
     return names;
 }
 
-std::string inQuotes(const std::wstring& name) { return "\"" + base::toUtf8(name) + "\""; }
+std::string inQuotes(const std::wstring& name) {
+    // A zero byte would end the message.
+    return "\"" + base::toUtf8(base::replaceAll(name, std::wstring(1, L'\0'), L"^@")) + "\"";
+}
 
 bool isAnonymousName(std::wstring_view name) { return name.starts_with(L'*'); }
 
@@ -343,7 +346,10 @@ class Importer {
         if (Stub* const record = source_.findRecord("BLOCK_RECORD", name)) {
             planBlock(*record);
             const auto known = renamed_.find(source_.groupText(*record, 2));
-            if (known != renamed_.end()) renamed_.emplace(raw, known->second);
+            if (known != renamed_.end())
+                renamed_.emplace(raw, known->second);
+            else if (std::string spelled = encodeText(name, target_.format); spelled != translator_.text(raw))
+                renamed_.emplace(raw, std::move(spelled));  // as its block says it
         } else if (ofArrow) {
             renamed_.emplace(raw, std::string());  // nor may it be what the target calls so
         } else {
@@ -638,7 +644,9 @@ class Importer {
             if (!block || !importer_.there_[source.indexOf(block)]) return {};
             const std::string_view raw = source.groupText(*block, 2);
             const auto found = importer_.renamed_.find(raw);
-            return found == importer_.renamed_.end() ? importer_.translator_.text(raw) : found->second;
+            return found == importer_.renamed_.end()
+                       ? encodeText(decodeText(raw, source.format), importer_.target_.format)
+                       : found->second;
         }
 
       private:

@@ -257,9 +257,12 @@ std::vector<OldZone> zonesOf(std::string_view kind, std::int64_t flags, bool inR
     return zones;
 }
 
-bool isAscii(std::string_view text) {
+// Whether a text is the same in every version and code page. What one code page writes as "\U+0434" is a letter of
+// another.
+bool isSameEverywhere(std::string_view text) {
     return std::ranges::all_of(
-        text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+               text, [](char c) { return static_cast<unsigned char>(c) < 0x80; }) &&
+           text.find("\\U+") == text.npos && text.find("\\M+") == text.npos;
 }
 
 }  // namespace
@@ -279,14 +282,14 @@ KindTraits::KindTraits(std::string_view kind)
       linetype(kind == "LTYPE") {}
 
 std::string RecordTranslator::text(std::string_view raw) const {
-    return sameText_ || isAscii(raw) ? std::string(raw) : encodeText(decodeText(raw, from_), to_);
+    return sameText_ || isSameEverywhere(raw) ? std::string(raw) : encodeText(decodeText(raw, from_), to_);
 }
 
 void RecordTranslator::value(GroupWriter& writer, const Group& group) const {
     const ValueKind kind = valueKind(group.code);
     if (kind == ValueKind::text) {
-        sameText_ || isAscii(group.value) ? writer.text(group.code, group.value)
-                                          : writer.text(group.code, text(group.value));
+        sameText_ || isSameEverywhere(group.value) ? writer.text(group.code, group.value)
+                                                   : writer.text(group.code, text(group.value));
         return;
     }
     if (!from_.binary && !to_.binary) {
@@ -443,7 +446,7 @@ class RecordTranslator::Run {
     std::string piece(const Group& group) {
         std::string raw = group.code == 1 || group.code == 3 ? std::exchange(cutOff_, {}) : std::string();
         raw += group.value;
-        if (group.code == 1 || t_.sameText_ || t_.from_.utf8() || isAscii(raw)) return t_.text(raw);
+        if (group.code == 1 || t_.sameText_ || t_.from_.utf8() || isSameEverywhere(raw)) return t_.text(raw);
         constexpr wchar_t kUnknown = 0xFFFD;
         const auto endsInUnknown = [&](std::string_view bytes) {
             return t_.from_.codePage->decode(bytes).ends_with(kUnknown);
