@@ -158,6 +158,10 @@ class Importer {
         for (const OdDbObjectId id : entities) {
             Stub& stub = *id.stub();
             if (stub.type == rtViewport) continue;
+            if (!source_.isObject(stub))
+                throw OdError(OdResult::badFile, source_.where(nullptr) + "a " + source_.typeName(stub) +
+                                                     " stands among entities; nothing was changed. Remedy: read the "
+                                                     "file with --recover and save it under another name");
             add(stub, b, Place::block);
             if (stub.type == rtAttdef && !id.openAs<OdDbAttributeDefinition>()->isConstant())
                 blocks_[b].hasAttributes = true;

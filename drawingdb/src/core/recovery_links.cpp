@@ -249,14 +249,15 @@ class LinkMender {
 
     // Those that were put in.
     void finishTables() {
-        for (SalvagedNode& table : salvage_.section("TABLES")->children) {
-            if (table.record.type != rtTable || table.record.place) continue;
-            const std::string name(table.record.text(2));
-            const auto count = static_cast<int>(table.children.size());
-            table.record =
-                salvage_.record(nullptr, [&](RecordWriter& writer) { writer.table(name, newHandle(), count); });
-            if (!table.closer) table.closer = salvage_.record(nullptr, [](RecordWriter& writer) { writer.tableEnd(); });
-        }
+        for (SalvagedNode& table : salvage_.section("TABLES")->children)
+            if (table.record.type == rtTable && !table.record.place) finish(table);
+    }
+
+    void finish(SalvagedNode& table) {
+        const std::string name(table.record.text(2));
+        const auto count = static_cast<int>(table.children.size());
+        table.record = salvage_.record(nullptr, [&](RecordWriter& writer) { writer.table(name, newHandle(), count); });
+        if (!table.closer) table.closer = salvage_.record(nullptr, [](RecordWriter& writer) { writer.tableEnd(); });
     }
 
     // The dictionary that all others hang on is the first of the objects.
@@ -305,6 +306,7 @@ class LinkMender {
         SalvagedNode* const blocks = salvage_.section("BLOCKS");
         SalvagedNode* const records = salvage_.table("BLOCK_RECORD");
         if (!blocks) return;
+        if (records) nameRecords(records->children, blocks->children);
         // From 2000 on blocks say which record is theirs. Before that records follow each other as blocks do.
         if (records) {
             const std::unordered_map<std::uint64_t, std::string> renamed = renameTwins(records->children);
@@ -324,6 +326,40 @@ class LinkMender {
                 tell(entry.record.place, entry.record.title() + " has no name; it was left out");
                 return true;
             });
+    }
+
+    // What a record is called says its block. One without a block is of no use then.
+    void nameRecords(std::list<SalvagedNode>& records, const std::list<SalvagedNode>& blocks) {
+        std::erase_if(
+            records,
+            [&](SalvagedNode& node) {
+                SalvagedRecord& record = node.record;
+                if (!trimmed(record.text(2)).empty()) return false;
+                const auto block = std::ranges::find_if(
+                    blocks,
+                    [&](const SalvagedNode& any) { return record.handle && ownerOf(any.record) == record.handle; });
+                const std::string name(block == blocks.end() ? std::string_view() : trimmed(block->record.text(2)));
+                if (name.empty()) {
+                    tell(record.place, record.title() + " has no name; it was left out");
+                    known_.erase(record.handle);
+                    return true;
+                }
+                tell(record.place, record.title() + " has no name; it is that of its block now, " + quoted(name));
+                if (record.find(2))
+                    rename(record, name);
+                else
+                    record.groups.insert(record.groups.begin() + static_cast<std::ptrdiff_t>(placeOfFields(record)),
+                                         salvage_.group([&](RecordWriter& writer) { writer.text(2, name); }));
+                return false;
+            });
+    }
+
+    // Behind the last marker.
+    static std::size_t placeOfFields(const SalvagedRecord& record) {
+        std::size_t place = 1;
+        for (std::size_t i = 1; i < record.groups.size() && record.groups[i].code < 1000; ++i)
+            if (record.groups[i].code == 100) place = i + 1;
+        return place;
     }
 
     // The new names by handles.
@@ -540,7 +576,8 @@ class LinkMender {
     void mendNames() {
         for (const char* const table : {"LAYER", "LTYPE", "STYLE", "DIMSTYLE"}) names(table);
         std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
-        salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode*) {
+        salvage_.forEach([&](SalvagedNode&, SalvagedRecord& record, SalvagedNode*) {
+            if (record.type == rtInsert && trimmed(record.text(2)).empty()) nameBlockOf(record);
             const std::string_view name = record.text(2);
             if (showsBlock(record) && !trimmed(name).empty() && !blocks_.contains(folded(name))) {
                 missing.emplace_back(&record, name);
@@ -553,6 +590,19 @@ class LinkMender {
             tell(record->place,
                  record->title() + " shows the block " + quoted(name) + ", which is missing; an empty one was added");
         }
+    }
+
+    // A reference is there for its attributes, too.
+    void nameBlockOf(SalvagedRecord& reference) {
+        const std::string name = nameFor({});
+        tell(reference.place, reference.title() + " does not say which block it shows; that is " + name + " now");
+        const Group group = salvage_.group([&](RecordWriter& writer) { writer.text(2, name); });
+        const auto at = std::ranges::find_if(
+            reference.groups, [&](const Group& old) { return old.code == 2 || old.code == 10 || old.code >= 1000; });
+        if (at != reference.groups.end() && at->code == 2)
+            *at = group;
+        else
+            reference.groups.insert(at, group);
     }
 
     // A dimension and a table have their picture in a block.
@@ -574,12 +624,13 @@ class LinkMender {
         return isEntity && (record.name == "DIMENSION" || record.name == "LEADER") ? 3 : 0;
     }
 
-    // A drawing without the table does without its records.
+    // An old drawing without the table does without its records.
     void names(std::string_view tableName) {
-        SalvagedNode* const table = salvage_.table(tableName);
-        if (!table) return;
+        SalvagedNode* table = salvage_.table(tableName);
+        if (!table && !format_.hasMarkers()) return;
         std::unordered_set<std::wstring> there;
-        for (const SalvagedNode& entry : table->children) there.insert(folded(entry.record.text(2)));
+        if (table)
+            for (const SalvagedNode& entry : table->children) there.insert(folded(entry.record.text(2)));
         std::unordered_set<std::string_view> seen;  // as files spell them, which spares most of the folding
         std::vector<std::pair<const SalvagedRecord*, std::string_view>> missing;
         salvage_.forEach([&](SalvagedNode&, const SalvagedRecord& record, SalvagedNode* owner) {
@@ -594,6 +645,11 @@ class LinkMender {
             if (!there.insert(folded(name)).second) return;
             missing.emplace_back(&record, name);
         });
+        if (!table && !missing.empty()) {
+            addTable(tableName);
+            table = salvage_.table(tableName);
+            finish(*table);
+        }
         for (const auto& [record, name] : missing) {
             tell(record->place, record->title() + " names the " + std::string(tableName) + " " + quoted(name) +
                                     ", which is missing; it was added");

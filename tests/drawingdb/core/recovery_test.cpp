@@ -191,6 +191,33 @@ TEST(Recovery, RenamesTwins) {
         }
 }
 
+// What has lost the name that it is found by gets it from what it belongs to, or another.
+TEST(Recovery, NamesWhatHasLostItsName) {
+    const std::string& whole = sampleBytes();
+    auto database = recovered(with(whole, "AcDbBlockTableRecord\n  2\nFRAME\n", "AcDbBlockTableRecord\n"));
+    EXPECT_EQ(database->findBlock(L"FRAME"), objectOf(database, 0x31)) << toldOf(database);
+
+    const std::size_t reference = whole.find("  0\nINSERT\n  5\n50");
+    for (const char* const name : {"", "  2\n\n"}) {
+        std::string bytes = whole;
+        bytes.replace(bytes.find("  2\ndoor\n", reference), 9, name);
+        database = recovered(bytes);
+        EXPECT_EQ(objectOf(database, 0x50).openAs<OdDbBlockReference>()->blockName(), L"BLOCK$1");
+        EXPECT_FALSE(database->findBlock(L"BLOCK$1").isNull());
+        EXPECT_EQ(objectOf(database, 0x51).open()->ownerId(), objectOf(database, 0x50));
+    }
+
+    // A style that dimensions name comes back even where its table is lost.
+    std::string bytes = without(whole, "  0\nTABLE\n  2\nDIMSTYLE", "  0\nENDTAB");
+    bytes = with(bytes, "  0\nINSERT\n  5\n50",
+                 "  0\nLEADER\n  5\nE00\n100\nAcDbEntity\n  8\n0\n100\nAcDbLeader\n  3\nLARGE\n 71\n0\n 76\n2\n"
+                 " 10\n0\n 20\n0\n 30\n0\n 10\n1\n 20\n1\n 30\n0\n  0\nINSERT\n  5\n50");
+    database = recovered(bytes);
+    EXPECT_NE(toldOf(database).find("LEADER #E00 names the DIMSTYLE \"LARGE\", which is missing; it was added"),
+              std::string::npos)
+        << toldOf(database);
+}
+
 // A block is there even when nothing says its name, at the base point that it has.
 TEST(Recovery, KeepsBlocksWithoutName) {
     const auto plan = [](const std::string& names) {
