@@ -38,6 +38,16 @@ Handle openInherited(const std::wstring& name, DWORD access, DWORD creation) {
     return Handle(file);
 }
 
+// What is in it ends when its last handle is closed, and that happens to a killed program's handles too: neither the
+// program that is run nor what that has started is left behind.
+Handle jobThatEndsWithUs() {
+    Handle job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
+}
+
 }  // namespace
 
 std::optional<int> runProgram(const std::vector<std::wstring>& command, const std::wstring& printed,
@@ -46,8 +56,7 @@ std::optional<int> runProgram(const std::vector<std::wstring>& command, const st
     for (const std::wstring& word : command) line += (line.empty() ? L"" : L" ") + quoted(word);
     const Handle nothing = openInherited(L"NUL", GENERIC_READ, OPEN_EXISTING);
     const Handle output = openInherited(printed, GENERIC_WRITE, CREATE_ALWAYS);
-    // With its time over, what it started ends too.
-    const Handle job(CreateJobObjectW(nullptr, nullptr));
+    const Handle job = jobThatEndsWithUs();
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
