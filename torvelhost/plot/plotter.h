@@ -65,6 +65,7 @@ class Plotter {
     bool lettersAnew();
     /// What is to be told of the fonts.
     const OddLetters& oddLetters() const { return lettering_.odd(); }
+    const Rasters& rasters() const { return *rasters_; }
     std::size_t bytes() const { return bytes_; }  // of the lists of blocks
     /// Reads the layers anew, and forgets all lists.
     void readStyles();

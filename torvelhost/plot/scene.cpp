@@ -37,6 +37,11 @@ class Scene::Engine {
     bool continueUntil(Clock::time_point end);
     double progress() const;
     std::size_t bytes() const { return bytes_ + plotter_.bytes(); }
+    std::vector<std::wstring> told() const {
+        std::vector<std::wstring> told = plotter_.rasters().told();
+        for (std::wstring& text : plotter_.oddLetters().told()) told.push_back(std::move(text));
+        return told;
+    }
     void drawOver(std::span<const OdDbEntity* const> entities, Emphasis emphasis, PixelBuffer& into,
                   OdDbObjectId viewport);
 
@@ -376,6 +381,8 @@ void Scene::begin(OdDbObjectId space, const OdGeMatrix3d& toPixels, double pixel
 bool Scene::continueFor(std::chrono::milliseconds slice) { return engine_->continueUntil(Clock::now() + slice); }
 
 double Scene::progress() const { return engine_->progress(); }
+
+std::vector<std::wstring> Scene::told() const { return engine_->told(); }
 
 std::size_t Scene::bytes() const { return engine_->bytes(); }
 

@@ -6,6 +6,8 @@
 #include <chrono>
 #include <memory>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "drawingdb/database.h"
 #include "torvelhost/plot/entity_grid.h"
@@ -37,6 +39,8 @@ class Scene {
     bool continueFor(std::chrono::milliseconds slice);
     /// Of the picture that was begun last: from 0 to 1.
     double progress() const;
+    /// What a plot would say of pictures and fonts that were missing so far.
+    std::vector<std::wstring> told() const;
     /// What is kept between pictures, without the grids.
     std::size_t bytes() const;
 

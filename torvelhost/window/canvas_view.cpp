@@ -32,7 +32,7 @@ CanvasView::CanvasView(ViewFrame& frame, Terminal& terminal)
     : frame_(frame),
       terminal_(terminal),
       commandLine_(frame),
-      picture_(frame),
+      picture_(frame, terminal),
       gestures_([this](const std::wstring& line) { reply(line); }) {
     terminal.watch([this](std::wstring_view text) { frame_.addHistory(std::wstring(text)); });
     Progress::watch([this](double part) { return tellProgress(part); });

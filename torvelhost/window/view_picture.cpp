@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "drawingdb/block.h"
 #include "torvelhost/plot/sheet.h"
@@ -30,7 +31,7 @@ void ViewPicture::show(Application* application) {
     marks_ = {};
     slide_ = nullptr;
     stale_ = true;
-    isShown_ = false;
+    isShown_ = isTold_ = false;
     if (!application) return;
     scene_.emplace(application->session()->document.grids());
     if (width_ > 0) tellSize();
@@ -152,6 +153,8 @@ bool ViewPicture::build(std::optional<std::int64_t> until) {
     buildingOf_.reset();
     cost_ = spent_;
     isMarked_ = isShown_ = false;
+    if (!std::exchange(isTold_, true))
+        for (const std::wstring& text : scene_->told()) terminal_.warning(text);
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "torvelhost/lines/terminal.h"
 #include "torvelhost/plot/scene.h"
 #include "torvelhost/session/application.h"
 #include "torvelhost/window/overlay.h"
@@ -15,7 +16,8 @@ namespace host {
 
 class ViewPicture {
   public:
-    explicit ViewPicture(ViewFrame& frame) : frame_(frame) {}
+    /// The terminal is told once for each drawing what its first picture lacks.
+    ViewPicture(ViewFrame& frame, Terminal& terminal) : frame_(frame), terminal_(terminal) {}
 
     /// The drawing that is shown from now on; null: none. Its database must live as long.
     void show(Application* application);
@@ -70,6 +72,8 @@ class ViewPicture {
     std::vector<OdSmartPtr<OdDbEntity>> opened(const std::vector<OdDbObjectId>& ids) const;
 
     ViewFrame& frame_;
+    Terminal& terminal_;
+    bool isTold_ = false;
     Application* application_ = nullptr;
     std::optional<Scene> scene_;
     int width_ = 0, height_ = 0;
