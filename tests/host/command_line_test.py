@@ -110,7 +110,17 @@ class CommandLine(unittest.TestCase):
             self.assertIn(words, run.errors)
         (self.folder / "profile.ini").write_text("[Converters]\ndwg=no-such-program %in %out\n")
         self.assertIn("the converter no-such-program cannot be started: ", self.run_program("the plan.DWG", "-c", "").errors)
+        for settings, words in (("seconds=soon\ndwg=any %in %out", "seconds=soon, is no number from 1 on in the settings, "),
+                                ("seconds=0\ndwg=any %in %out", "seconds=0, is no number from 1 on in the settings, "),
+                                ('dwg="any %in %out', 'the converter "any ')):
+            (self.folder / "profile.ini").write_text("[Converters]\n" + settings + "\n")
+            run = self.run_program("the plan.DWG", "-c", "")
+            self.assertEqual(run.status, 3, settings)
+            self.assertIn(words, run.errors)
         if IS_NATIVE:
+            (self.folder / "profile.ini").write_text('[Converters]\ndwg=sh -c "printf \'a\\\\000b\' > $0" %out %in\n')
+            self.assertIn('a group code is expected, found "a?b"; that is what the converter sh wrote',
+                          self.run_program("the plan.DWG", "-c", "").errors)
             (self.folder / "profile.ini").write_text('[Converters]\nseconds=1\ndwg=sh -c "sleep 4711 & wait" %in %out\n')
             begun = time.monotonic()
             self.assertIn("was ended after 1 seconds", self.run_program("the plan.DWG", "-c", "").errors)

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
+
 using namespace host;
 
 namespace {
@@ -123,4 +125,23 @@ TEST(Reply, PicksAndSets) {
     EXPECT_EQ(parseWindow(L"C 0,0 9,8")->corners[1]->value, OdGeVector3d(9, 8, 0));
     EXPECT_FALSE(parseWindow(L"w")->corners[0]);
     for (const wchar_t* bad : {L"", L"W 0,0", L"W 0,0 9", L"Q 0,0 9,9"}) EXPECT_FALSE(parseWindow(bad)) << bad;
+}
+
+TEST(Filters, TakeQuotesAroundEitherOrBoth) {
+    const struct {
+        const wchar_t *line, *pattern, *value;
+    } rows[] = {
+        {L"tag NO", L"NO", L"*"},
+        {L"tag NO= 1", L"NO", L"1"},
+        {L"tag NO=\" 1 \"", L"NO", L" 1 "},
+        {L"tag \"A=B\"=\" 1\"", L"A=B", L" 1"},
+        {L"tag \"NO\"=q\"q", L"NO", L"q\"q"},
+        {L"tag \"NO=1\"", L"NO", L"1"},
+    };
+    for (const auto& row : rows) {
+        const auto filter = parseFilter(row.line);
+        ASSERT_TRUE(filter);
+        EXPECT_EQ(filter->pattern, row.pattern) << base::toUtf8(row.line);
+        EXPECT_EQ(filter->value, row.value) << base::toUtf8(row.line);
+    }
 }

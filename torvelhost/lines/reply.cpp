@@ -204,13 +204,18 @@ std::optional<TypedFilter> parseFilter(std::wstring_view text) {
     if (blank == text.npos) return std::nullopt;
     for (const auto& [word, what] : kWords) {
         if (!base::equalsNoCase(text.substr(0, blank), word)) continue;
-        std::wstring_view pattern = unquoted(text.substr(blank));
+        std::wstring_view pattern = base::trimmed(text.substr(blank));
         TypedFilter filter{.what = what};
-        if (const std::size_t sign = pattern.find(L'='); what == TypedFilter::kTag && sign != pattern.npos) {
-            filter.value = unquoted(pattern.substr(sign + 1));
-            pattern = unquoted(pattern.substr(0, sign));
+        if (what == TypedFilter::kTag) {
+            const std::size_t quote = pattern.starts_with(L'"') ? pattern.find(L"\"=", 1) : pattern.npos;
+            if (quote == pattern.npos) pattern = unquoted(pattern);  // around both, or none
+            const std::size_t sign = quote == pattern.npos ? pattern.find(L'=') : quote + 1;
+            if (sign != pattern.npos) {
+                filter.value = unquoted(pattern.substr(sign + 1));
+                pattern = pattern.substr(0, sign);
+            }
         }
-        filter.pattern = pattern;
+        filter.pattern = unquoted(pattern);
         return filter;
     }
     return std::nullopt;

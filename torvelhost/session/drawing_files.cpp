@@ -39,8 +39,13 @@ std::wstring placeIn(const Profile& profile) {
 std::vector<std::wstring> converterOf(Profile& profile) {
     CXStringW command;
     profile.readText(kSection, kKey, command);
-    return wordsOf(command);
+    std::vector<std::wstring> words = wordsOf(command);
+    // A quote that is not closed takes all of it.
+    if (words.empty() && !base::trimmed(command).empty()) words.emplace_back(command);
+    return words;
 }
+
+std::wstring nameOf(const std::vector<std::wstring>& command) { return L"the converter " + command[0]; }
 
 // What a failed converter said last.
 std::wstring lastLine(const std::wstring& fileName) {
@@ -62,8 +67,11 @@ void convert(std::vector<std::wstring> command, const std::wstring& drawing, con
         throw base::FileError(drawing,
                               L"its converter is not told what to read and where to write " + placeIn(profile));
     std::int32_t seconds = kSeconds;
-    if (!profile.readInteger(kSection, kLimitKey, seconds) || seconds < 1) seconds = kSeconds;
-    const std::wstring name = L"the converter " + command[0];
+    if (CXStringW text; profile.readText(kSection, kLimitKey, text) &&
+                        (!profile.readInteger(kSection, kLimitKey, seconds) || seconds < 1))
+        throw base::FileError(drawing, L"the time of its converter, seconds=" + text +
+                                           L", is no number from 1 on in the settings, " + profile.fileName());
+    const std::wstring name = nameOf(command);
     std::optional<int> status;
     try {
         status = base::runProgram(command, printed, std::chrono::seconds(seconds));
@@ -115,7 +123,12 @@ OdDbDatabasePtr readDrawingFile(const std::wstring& path, bool recover, Profile&
     const std::wstring output = folder / L"drawing.dxf";
     convert(converter, path, output, folder / L"printed", profile);
     const std::string bytes(base::readFile(output).view());
-    OdDbDatabasePtr database = recover ? OdDbDatabase::recoverBytes(bytes, path) : OdDbDatabase::readBytes(bytes, path);
+    OdDbDatabasePtr database;
+    try {
+        database = recover ? OdDbDatabase::recoverBytes(bytes, path) : OdDbDatabase::readBytes(bytes, path);
+    } catch (const OdError& error) {
+        throw OdError(error.code(), error.what() + base::toUtf8(L"; that is what " + nameOf(converter) + L" wrote"));
+    }
     warnOfLayersOff(*database);
     return database;
 }

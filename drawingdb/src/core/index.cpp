@@ -359,7 +359,8 @@ class Indexer {
     }
 
     void badCode(const char* line, const char* lineEnd) {
-        const std::string text(trimmed({line, std::min<std::size_t>(static_cast<std::size_t>(lineEnd - line), 60)}));
+        std::string text(trimmed({line, std::min<std::size_t>(static_cast<std::size_t>(lineEnd - line), 60)}));
+        std::ranges::replace(text, '\0', '?');  // it would end the message
         if (!sectionsSeen_) core_.failAt(line, "this is no drawing: a group code is expected, found \"" + text + "\"");
         core_.warnAt(line, "a group code is expected, found \"" + text +
                                "\"; what follows is carried unread, and the drawing is open read-only. Remedy: look "
