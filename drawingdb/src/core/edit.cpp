@@ -442,6 +442,7 @@ std::optional<Core::NewBlock> Core::linkBlock() {
     Stub* const known = section(Section::blocks);
     Stub* const blocks = known ? known : addBlocksSection();
     Stub* const table = tableNamed("BLOCK_RECORD");
+    if (!table && format.version >= version::r13) return {};  // a block without a record is none there
     if (!blocks || !(blocks->has(Stub::ownCloser) || blocks->has(Stub::appended)) ||
         (table && !table->has(Stub::ownCloser)))
         return {};

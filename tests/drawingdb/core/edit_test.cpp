@@ -134,6 +134,22 @@ TEST(DeepClone, BringsAttributesDictionariesAndFields) {
               0x1Bu);
 }
 
+// From R13 on a block is nothing without its record.
+TEST(Blocks, AreNotMadeWithoutATableOfThem) {
+    std::string bytes = sampleBytes();
+    const std::size_t table = bytes.find("  0\nTABLE\n  2\nBLOCK_RECORD");
+    bytes.erase(table, bytes.find("  0\nENDTAB\n", table) + 11 - table);
+    const auto database = OdDbDatabase::readBytes(bytes, L"plan.dxf");
+    try {
+        OdDbBlockTableRecord::addNew(*database, L"Made");
+        FAIL() << "a block was made";
+    } catch (const OdError& error) {
+        EXPECT_NE(std::string(error.what()).find("no place for blocks. Remedy: read it with --recover"),
+                  std::string::npos);
+    }
+    EXPECT_EQ(database->writeBytes(), bytes);
+}
+
 TEST(Blocks, AreMadeOfCopiesAndMadeAnew) {
     const auto database = sample();
     const std::string before = database->writeBytes();
