@@ -244,9 +244,8 @@ class Core {
     };
     std::optional<NewBlock> linkBlock();
     static constexpr std::string_view kNoPlaceForBlocks =
-        "the file has no place for blocks. Remedy: read it with --recover, which puts one in, and save it under "
-        "another "
-        "name";
+        "the file has no place for blocks. Remedy: read it with --recover, which puts one in, "
+        "and save it under another name";
     /// A section for blocks in a file without one; null in a version whose blocks need more.
     Stub* addBlocksSection();
     /// What the records of a block say beside its contents.
