@@ -8,8 +8,10 @@ set(TORVEL_PRESET "" CACHE STRING "Name put before the names of this build's tes
 
 find_program(TORVEL_CCACHE ccache)
 if(TORVEL_CCACHE)
-  # It takes no results of a precompiled header without being told that the header's macros do not change.
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${TORVEL_CCACHE}")
+  # It takes no results of a precompiled header without being told that the header's macros do not change. What a source
+  # includes it learns from the compiler, instead of preprocessing each source once more before.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+      "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_DEPEND=1 "${TORVEL_CCACHE}")
 endif()
 
 # Programs and shared libraries lie side by side, so that each finds the others by its own folder.
