@@ -255,9 +255,8 @@ namespace {
 
 // By table: whether a digit is a letter or not cannot be foreseen.
 constexpr auto kHexValues = [] {
-    std::array<std::int8_t, UCHAR_MAX + 1> values{};
-    for (std::size_t c = 0; c < values.size(); ++c)
-        values[c] = static_cast<std::int8_t>(base::hexValue(static_cast<char>(c)));
+    std::array<int, UCHAR_MAX + 1> values{};
+    for (std::size_t c = 0; c < values.size(); ++c) values[c] = base::hexValue(static_cast<char>(c));
     return values;
 }();
 
