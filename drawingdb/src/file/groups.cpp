@@ -67,22 +67,22 @@ std::uint64_t feedsIn16(const char* p) {
 #endif
 }
 
+std::uint64_t feedsIn64(const char* p) {
+    return feedsIn16(p) | feedsIn16(p + 16) << 16 | feedsIn16(p + 32) << 32 | feedsIn16(p + 48) << 48;
+}
+
 }  // namespace
 
 std::uint64_t LineFeeds::feedsFrom(const char* block, const char* next, const char* end) {
     std::uint64_t bits = 0;
     if (end - block >= kBlock)
-        bits =
-            feedsIn16(block) | feedsIn16(block + 16) << 16 | feedsIn16(block + 32) << 32 | feedsIn16(block + 48) << 48;
+        bits = feedsIn64(block);
     else
         for (const char* p = block; p < end; ++p) bits |= std::uint64_t{*p == '\n'} << (p - block);
     return bits >> (next - block) << (next - block);
 }
 
-std::uint64_t GroupSieve::feedsOf(const char* window) {
-    return feedsIn16(window) | feedsIn16(window + 16) << 16 | feedsIn16(window + 32) << 32 |
-           feedsIn16(window + 48) << 48;
-}
+std::uint64_t GroupSieve::feedsOf(const char* window) { return feedsIn64(window); }
 
 int AsciiGroupCursor::unusualCode(const char* line, const char* lineEnd) {
     while (line < lineEnd && (*line == ' ' || *line == '\t')) ++line;
