@@ -178,6 +178,13 @@ char32_t nextCharacter(std::wstring_view text, std::size_t& position) {
     return isCharacter(unit) ? unit : kReplacementCharacter;
 }
 
+std::u32string charactersOf(std::wstring_view text) {
+    std::u32string characters;
+    characters.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) characters += nextCharacter(text, position);
+    return characters;
+}
+
 void appendCharacter(std::wstring& text, char32_t character) {
     if (!isCharacter(character)) character = kReplacementCharacter;
     if (sizeof(wchar_t) == 2 && character >= 0x10000) {

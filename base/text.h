@@ -29,6 +29,8 @@ constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 /// The character that begins at `position`, which moves behind it. `position` must lie inside the text.
 char32_t nextCharacter(std::wstring_view text, std::size_t& position);
+/// All of them.
+std::u32string charactersOf(std::wstring_view text);
 /// A number that is no character (a surrogate, beyond U+10FFFF) appends U+FFFD.
 void appendCharacter(std::wstring& text, char32_t character);
 void appendCharacter(std::string& utf8, char32_t character);

@@ -43,6 +43,8 @@ need_for_program() {
     need libedit-dev /usr/include/histedit.h
     need libstb-dev /usr/include/stb/stb_truetype.h
     need zlib1g-dev /usr/include/zlib.h
+    need libharfbuzz-dev /usr/include/harfbuzz/hb-ot.h
+    need libfribidi-dev /usr/include/fribidi/fribidi.h
 }
 
 # What its windows are shown with. Without it everything else is built all the same.

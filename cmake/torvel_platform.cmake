@@ -72,6 +72,17 @@ if(NOT WIN32)
   endif()
 endif()
 
+# What knows the scripts whose letters join, or run to the left.
+if(NOT WIN32)
+  find_path(TORVEL_HARFBUZZ_INCLUDE hb-ot.h PATH_SUFFIXES harfbuzz)
+  find_library(TORVEL_HARFBUZZ harfbuzz)
+  find_path(TORVEL_FRIBIDI_INCLUDE fribidi.h PATH_SUFFIXES fribidi)
+  find_library(TORVEL_FRIBIDI fribidi)
+  if(NOT (TORVEL_HARFBUZZ_INCLUDE AND TORVEL_HARFBUZZ AND TORVEL_FRIBIDI_INCLUDE AND TORVEL_FRIBIDI))
+    message(STATUS "HarfBuzz or FriBidi is not installed: letters that join will be drawn one by one.")
+  endif()
+endif()
+
 if(WIN32)
   # Library files carry no "lib" in front there.
   set(CMAKE_SHARED_LIBRARY_PREFIX "")

@@ -1,5 +1,5 @@
 # torvel_test(NAME [DIALOGS] SOURCE... [LIBRARIES LIBRARY...])
-#     A GoogleTest program and the test that runs it. With DIALOGS it shows some, as windows too. base is linked anyway. TORVEL_SOURCE_DIR is defined as the
+#     A GoogleTest program and the test that runs it; its name ends in _test, and the target unit_tests builds it. With DIALOGS it shows some, as windows too. base is linked anyway. TORVEL_SOURCE_DIR is defined as the
 #     narrow path of the source tree. Programs for Windows run under Wine by themselves.
 # torvel_add_test(NAME COMMAND...)
 #     Any other test. Names get this build's preset in front, so that one ctest run can cover several builds.
@@ -38,6 +38,7 @@ if(TORVEL_TESTS)
   target_precompile_headers(test_headers PRIVATE
     <algorithm> <cmath> <functional> <memory> <optional> <string> <string_view> <vector> <gtest/gtest.h>)
 endif()
+add_custom_target(unit_tests)
 if(TORVEL_TESTS OR TORVEL_FUZZ)
   enable_testing()
 endif()
@@ -67,7 +68,8 @@ endfunction()
 
 function(torvel_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "DIALOGS" "" "LIBRARIES")
-  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  add_executable(${name} EXCLUDE_FROM_ALL ${arg_UNPARSED_ARGUMENTS})
+  add_dependencies(unit_tests ${name})
   torvel_options(${name})
   # EXPECT_EQ and its like expand into an if with an else, also behind an if without braces.
   target_compile_options(${name} PRIVATE ${TORVEL_TEST_OPTIONS} -Wno-dangling-else)

@@ -40,6 +40,11 @@ def box(points):
     return min(xs), min(ys), max(xs), max(ys)
 
 
+def shapes():
+    """Whether the program has the library that joins letters."""
+    return (pathlib.Path(COMMAND[-1]).parent / "libtorvelshaping.so").exists()
+
+
 class PlotTest(unittest.TestCase):
     fonts = None  # a folder; those that are installed
 
@@ -446,7 +451,62 @@ class PlotTest(unittest.TestCase):
                        tolerance=0.5)
         self.assertEqual(plot.lines(GREEN), [])
         self.assertGreater(len(self.outlines(plot, GREEN)), 30)
-        self.assertIn("1 character of scripts whose letters join", self.errors)
+        told = "1 character of scripts whose letters join"
+        (self.assertNotIn if shapes() else self.assertIn)(told, self.errors)
+
+    def test_letters_join_and_run_to_the_left(self):
+        self.fonts = pathlib.Path("/usr/share/fonts/truetype/dejavu")
+        if not shapes() or not (self.fonts / "DejaVuSans.ttf").exists():
+            self.skipTest("DejaVu Sans, or what shapes, is not there")
+        self.doc.styles.add("SANS", font="dejavusans.ttf")
+        right = ezdxf.enums.TextEntityAlignment.RIGHT
+
+        def text(characters, y, color=1, **placement):
+            entity = self.msp.add_text(characters, height=40, dxfattribs={"style": "SANS", "color": color})
+            entity.set_placement((400, y), **placement)
+
+        def mtext(contents, y, color=1, width=0):
+            self.msp.add_mtext(contents, dxfattribs={"style": "SANS", "color": color, "char_height": 40,
+                                                     "insert": (400, y + 40), "attachment_point": 1, "width": width})
+
+        def same(up, these, those):
+            """What is drawn in those colours is what is drawn in these, that much higher."""
+            plot = self.plot()
+            self.assertNotIn("warning", self.errors)
+            low, high = ([p for color in colors for p in self.outlines(plot, color)] for colors in (these, those))
+            self.assertEqual(len(low), len(high))
+            x1, y1, x2, y2 = box(low)
+            self.assertBox(high, (x1, 600 - y2 + up, x2, 600 - y1 + up), tolerance=0.3)
+            self.msp.delete_all_entities()
+            return plot
+
+        alef, bet, beh, lam = "\u05D0", "\u05D1", "\u0628", "\u0644"
+        # Letters have a form at the start of a word, within it and at its end, and some become one.
+        for letters, forms in ((beh * 3, "\uFE91\uFE92\uFE90"), (lam + "\u0627", "\uFEFB")):
+            text(letters, 100)
+            text(forms, 200, color=3)
+            same(100, [RED], [GREEN])
+        # Also those of two colours.
+        mtext(rf"{{\C1;{beh}}}{{\C3;{beh}}}", 100)
+        text("\uFE91\uFE90", 200, color=5)
+        same(100, [RED, GREEN], [BLUE])
+        # A paragraph runs the way of its first letter; what runs the other way within it does so.
+        mtext(rf"{{\C1;{alef}{bet}}} {{\C3;HI}}", 100)
+        text(f"{alef}{bet} HI", 200, color=5)
+        plot = same(100, [RED, GREEN], [BLUE])
+        self.assertLess(box(self.outlines(plot, GREEN))[2], box(self.outlines(plot, RED))[0])
+        mtext(rf"{{\C3;HI}} {{\C1;{alef}{bet}}}", 100)
+        mtext(rf"{{\C5;{alef}{bet} HI}}", 200)
+        same(100, [RED, GREEN], [BLUE])
+        # Blanks where a line breaks have no room.
+        mtext(rf"\pxqr;{alef * 4} {bet * 4}", 400, width=200)
+        mtext(rf"\pxqr;{alef * 4}\P{bet * 4}", 100, color=3, width=200)
+        same(-300, [RED], [GREEN])
+        # Justified and underlined it ends where it hangs.
+        text(f"{alef}{beh}", 100, align=right)
+        text(f"%%u{alef}{beh}%%u", 200, color=3, align=right)
+        (rule, _, _), = same(100, [RED], [GREEN]).lines(GREEN)
+        self.assertAlmostEqual(box(rule)[2], 400, delta=0.5)
 
     def test_text_that_nobody_could_read_is_a_line(self):
         self.msp.add_text("NOTES", dxfattribs={"height": 1, "insert": (100, 100)})

@@ -376,7 +376,8 @@ int FontFile::count(std::string_view bytes) {
     return kind == 0x00010000 || kind == tag("OTTO") || kind == tag("true") ? 1 : 0;
 }
 
-FontFile::FontFile(std::string_view bytes, int number) : tables_(std::make_unique<Tables>(bytes, number)) {
+FontFile::FontFile(std::string_view bytes, int number)
+    : bytes_(bytes), number_(number), tables_(std::make_unique<Tables>(bytes, number)) {
     readMetrics();
     readWeight();
     readNames();

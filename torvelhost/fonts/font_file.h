@@ -40,6 +40,10 @@ class FontFile {
 
     /// Its family, and its full name, in all languages.
     const std::vector<std::wstring>& names() const { return names_; }
+    std::string_view bytes() const { return bytes_; }  ///< of the whole file
+    int number() const { return number_; }             ///< of the font in the file
+    /// The height of its capitals in its own units.
+    double capitalHeight() const;
     int weight() const { return weight_; }  ///< 400: regular, 700: bold
     int width() const { return width_; }    ///< 5: regular, below: condensed
     bool isItalic() const { return italic_; }
@@ -58,8 +62,9 @@ class FontFile {
     void readWeight();
     void readMetrics();
     void findCharacters() const;
-    double capitalHeight() const;
 
+    std::string_view bytes_;
+    int number_;
     std::unique_ptr<Tables> tables_;
     mutable std::unique_ptr<Outlines> outlines_;  // once one is asked for
     std::vector<std::wstring> names_;

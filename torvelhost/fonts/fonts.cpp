@@ -59,6 +59,20 @@ const Typeface::Contours& Typeface::contoursOf(std::uint32_t glyph, int fineness
     return contours;
 }
 
+void Typeface::shape(Shaper& shaper, std::u32string_view paragraph, std::size_t start, std::size_t count, bool toLeft,
+                     std::vector<ShapedGlyph>& glyphs) {
+    if (!shaped_) shaped_ = shaper.open(file_->bytes(), file_->number());
+    const std::size_t first = glyphs.size();
+    shaped_->shape(paragraph, start, count, toLeft, glyphs);
+    const double capital = file_->capitalHeight();
+    const auto inCapitals = [capital](double length, double least) { return std::clamp(length / capital, least, 2.0); };
+    for (std::size_t i = first; i < glyphs.size(); ++i) {
+        glyphs[i].advance = inCapitals(glyphs[i].advance, 0.0);
+        glyphs[i].x = inCapitals(glyphs[i].x, -2.0);
+        glyphs[i].y = inCapitals(glyphs[i].y, -2.0);
+    }
+}
+
 // ---- names
 
 namespace {

@@ -13,6 +13,7 @@
 
 #include "base/mapped_file.h"
 #include "torvelhost/fonts/font_file.h"
+#include "torvelhost/fonts/shaper.h"
 
 namespace host {
 
@@ -30,9 +31,13 @@ class Typeface {
     /// Closed polygons, no farther from the curves than a half to the power of `fineness`. They hold until others are
     /// asked for.
     const Contours& contoursOf(std::uint32_t glyph, int fineness);
+    /// As ShapedFont::shape has them, but in heights of capitals, and none wider than two.
+    void shape(Shaper& shaper, std::u32string_view paragraph, std::size_t start, std::size_t count, bool toLeft,
+               std::vector<ShapedGlyph>& glyphs);
 
   private:
     std::unique_ptr<FontFile> file_;
+    std::unique_ptr<ShapedFont> shaped_;  // once something is shaped
     std::unordered_map<char32_t, std::uint32_t> glyphs_;
     std::unordered_map<std::uint32_t, double> advances_;
     std::unordered_map<std::uint64_t, Contours> contours_;  // forgotten when there are many

@@ -22,17 +22,34 @@ bool isOutlineFile(std::wstring_view file) {
 
 bool isControl(char32_t c) { return c < U' ' || (c >= 0x7F && c < 0xA0); }
 
-// Letters change with those beside them, or stand elsewhere than in their order.
+// Letters change with those beside them, or stand elsewhere than in their order; or they say how others do.
 bool isJoined(char32_t c) {
-    static constexpr std::array<std::pair<char32_t, char32_t>, 7> kScripts = {{{0x590, 0x8FF},    // Hebrew to Arabic
-                                                                               {0x900, 0xDFF},    // of India
-                                                                               {0xE00, 0xFFF},    // Thai to Tibetan
-                                                                               {0x1000, 0x109F},  // Burmese
-                                                                               {0x1780, 0x18AF},  // Khmer, Mongolian
-                                                                               {0xFB1D, 0xFDFF},
-                                                                               {0xFE70, 0xFEFC}}};
+    if (c < 0x590) return false;
+    static constexpr std::array<std::pair<char32_t, char32_t>, 16> kScripts = {{
+        {0x590, 0x109F},     // from Hebrew by India's to Burmese
+        {0x1700, 0x18AF},    // Philippine, Khmer, Mongolian
+        {0x1900, 0x1C7F},    // Limbu to Ol Chiki
+        {0x1CD0, 0x1CFF},    // accents of the Veda
+        {0x200C, 0x200D},    // that letters are to stay apart, or join
+        {0xA800, 0xA82F},    // Sylheti
+        {0xA840, 0xA95F},    // Phags-pa to Rejang
+        {0xA980, 0xAADF},    // Javanese to Tai Viet
+        {0xAAE0, 0xAAFF},    // Meitei
+        {0xABC0, 0xABFF},    // the same
+        {0xFB1D, 0xFDFF},    // Hebrew's and Arabic's forms
+        {0xFE70, 0xFEFC},    // more of them
+        {0x10800, 0x10FFF},  // old scripts that run to the left
+        {0x11000, 0x11FFF},  // old ones of India
+        {0x1E800, 0x1EFFF},  // Adlam, signs of Arabic
+        {0x16AC0, 0x16B8F},  // Tangsa to Pahawh Hmong
+    }};
     return std::any_of(kScripts.begin(), kScripts.end(),
                        [c](const auto& script) { return c >= script.first && c <= script.second; });
+}
+
+// They say which way text runs.
+bool isDirection(char32_t c) {
+    return (c >= 0x200E && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x61C;
 }
 
 }  // namespace
@@ -109,14 +126,14 @@ bool Lettering::isInStrokes(std::wstring_view text) const {
                        [](const drawingdb::TextCharacter& c) { return drawingdb::hasStrokeGlyph(c.character); });
 }
 
-Lettering::Letter Lettering::letterOf(Font font, char32_t character) {
-    const Letter stroke{nullptr, 0, drawingdb::strokeGlyph(character).advance};
+Lettering::Letter Lettering::letterOf(Font font, char32_t character, std::size_t place) {
+    const Letter stroke{nullptr, character, drawingdb::strokeGlyph(character).advance, place, {}};
     const bool hasStroke = drawingdb::hasStrokeGlyph(character);
     if (isControl(character) || (!font && (hasStroke || !on_))) return stroke;
-    const auto letterIn = [](Font typeface, std::uint32_t glyph) {
-        return Letter{typeface, glyph, typeface->advanceOf(glyph)};
+    const auto letterIn = [place](Font typeface, std::uint32_t glyph) {
+        return Letter{typeface, glyph, typeface->advanceOf(glyph), place, {}};
     };
-    if (isJoined(character)) odd_.unjoined.insert(character);
+    if (isJoined(character) && !Shaper::installed()) odd_.unjoined.insert(character);
     if (font) {
         if (const std::uint32_t glyph = font->glyphOf(character)) return letterIn(font, glyph);
         if (character == kDiameterSign)
@@ -129,6 +146,71 @@ Lettering::Letter Lettering::letterOf(Font font, char32_t character) {
         odd_.unjoined.erase(character);
     }
     return stroke;
+}
+
+bool Lettering::isShaped(std::u32string_view text) const {
+    return std::any_of(text.begin(), text.end(), isJoined) && on_ && Shaper::installed();
+}
+
+std::vector<Lettering::Letter> Lettering::lettersOf(Font font, std::u32string_view text) {
+    if (isShaped(text)) {
+        const std::size_t end = text.size();
+        return shapedLines(text, std::vector<Font>(text.size(), font), {&end, 1}).front();
+    }
+    std::vector<Letter> letters;
+    letters.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) letters.push_back(letterOf(font, text[i], i));
+    return letters;
+}
+
+double Lettering::widthOf(Font font, std::wstring_view text) {
+    double width = 0;
+    bool joined = false;
+    for (std::size_t i = 0; i < text.size() && !joined;) {
+        const char32_t c = base::nextCharacter(text, i);
+        width += letterOf(font, c).advance;
+        joined = isJoined(c);
+    }
+    if (!joined) return width;
+    width = 0;
+    for (const Letter& letter : lettersOf(font, base::charactersOf(text))) width += letter.advance;
+    return width;
+}
+
+std::vector<std::vector<Lettering::Letter>> Lettering::shapedLines(std::u32string_view paragraph,
+                                                                   std::span<const Font> fonts,
+                                                                   std::span<const std::size_t> ends) {
+    Shaper& shaper = *Shaper::installed();
+    const std::vector<Shaper::Ordered> ordered = shaper.order(paragraph, ends);
+    std::vector<std::vector<Letter>> lines;
+    std::vector<ShapedGlyph> glyphs;
+    std::size_t at = 0;
+    for (const std::size_t end : ends) {
+        std::vector<Letter>& line = lines.emplace_back();
+        while (at < end) {
+            const Shaper::Ordered& first = ordered[at++];
+            if (isDirection(first.shown)) continue;
+            const Letter letter = letterOf(fonts[first.character], first.shown, first.character);
+            if (!isJoined(first.shown) || !letter.typeface) {
+                line.push_back(letter);
+                continue;
+            }
+            // With those beside it that are of the same font and run the same way.
+            std::size_t low = first.character, high = low + 1;
+            for (; at < end && isJoined(ordered[at].shown) && ordered[at].toLeft == first.toLeft; ++at) {
+                const std::size_t next = ordered[at].character;
+                if (next != (first.toLeft ? low - 1 : high) ||
+                    letterOf(fonts[next], ordered[at].shown).typeface != letter.typeface)
+                    break;
+                (first.toLeft ? low : high) = first.toLeft ? next : next + 1;
+            }
+            glyphs.clear();
+            letter.typeface->shape(shaper, paragraph, low, high - low, first.toLeft, glyphs);
+            for (const ShapedGlyph& glyph : glyphs)
+                line.push_back({letter.typeface, glyph.glyph, glyph.advance, glyph.character, {glyph.x, glyph.y}});
+        }
+    }
+    return lines;
 }
 
 std::vector<std::wstring> OddLetters::told() const {
@@ -152,7 +234,7 @@ std::vector<std::wstring> OddLetters::told() const {
     if (!unjoined.empty())
         told.push_back(std::to_wstring(unjoined.size()) + (unjoined.size() == 1 ? L" character" : L" characters") +
                        L" of scripts whose letters join, or run to the left, drawn one by one from the "
-                       L"left");
+                       L"left: the library torvelshaping, HarfBuzz or FriBidi is missing");
     return told;
 }
 

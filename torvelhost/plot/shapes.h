@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <optional>
+#include <span>
+#include <vector>
 
 #include "drawingdb/attribute.h"
 #include "drawingdb/block_reference.h"
@@ -15,12 +17,11 @@
 #include "drawingdb/wipeout.h"
 #include "torvelhost/plot/display_list.h"
 #include "torvelhost/plot/groups.h"
+#include "torvelhost/plot/lettering.h"
 
 namespace host {
 
-class Lettering;
 class ProxyBytes;
-class Typeface;
 
 /// The part of a reference that its block shows.
 DisplayList::Reference referenceOf(const OdDbBlockReference& reference);
@@ -102,13 +103,31 @@ class Shapes {
         bool outlined = false;
     };
     SetText set(const OdDbMText& text);
+    /// Letters in their places, and what is drawn of a run of multi-line text: a row, or the two of a stack and the
+    /// line between them. Of a run that is written both ways there may be several.
+    struct SetRow {
+        drawingdb::TextRow row;
+        std::vector<Lettering::Letter> letters;  // one for each of the row's characters
+    };
+    struct SetRun {
+        const drawingdb::MTextPlacedRun* run = nullptr;
+        std::vector<SetRow> rows;
+        std::vector<drawingdb::Polyline2d> lines;
+    };
+    SetRun setRun(const drawingdb::MTextPlacedRun& run, Typeface* font);
+    /// Line by line. Runs that are written the other way, or beside such, are moved to where they stand.
+    std::vector<std::vector<SetRun>> setParagraph(std::span<drawingdb::MTextLine> lines, Typeface* font);
+    /// `runs` are those of each of the paragraph's characters. Blanks from `wordsEnd` on end the line.
+    std::vector<SetRun> setShapedLine(drawingdb::MTextLine& line, std::span<const Lettering::Letter> letters,
+                                      std::size_t wordsEnd, std::span<drawingdb::MTextPlacedRun* const> runs,
+                                      Typeface* font);
     /// False when all of it is in the built-in font.
     bool addOutlineText(const OdDbText& text, const OdString& shown);
     void addSaid(const OdString& shown, const OdGePoint3d& start, const OdGePoint3d& end, const OdGePoint3d& top);
     bool isInStrokes(Typeface* font, const drawingdb::MTextLayout& layout) const;
     /// `place` takes points of the row's plane to where they are drawn.
     template <class Place>
-    void addRow(const drawingdb::TextRow& row, Typeface* font, const Place& place);
+    void addRow(const drawingdb::TextRow& row, std::span<const Lettering::Letter> letters, const Place& place);
     bool isBesideWindow(const OdDbText& text, const OdString& shown) const;
     bool isTooSmall(double height) const { return height < 1.3 * pixel_; }
 

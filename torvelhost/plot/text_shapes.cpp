@@ -1,6 +1,8 @@
 // Single-line and multi-line text.
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <span>
 #include <utility>
 
 #include "base/text.h"
@@ -16,10 +18,22 @@
 namespace host {
 namespace {
 
-std::u32string charactersOf(std::wstring_view text) {
-    std::u32string characters;
-    for (std::size_t position = 0; position < text.size();) characters += base::nextCharacter(text, position);
-    return characters;
+bool isBlank(const drawingdb::MTextPlacedRun& run) {
+    return run.kind == drawingdb::MTextRunKind::Text && run.text.find_first_not_of(L' ') == run.text.npos;
+}
+
+// How letters of a font are written in a format: those of an italic one lean by themselves.
+drawingdb::MTextFormat formatIn(Lettering::Font font, drawingdb::MTextFormat format) {
+    if (font && font->file().isItalic()) format.italic = false;
+    return format;
+}
+
+drawingdb::TextRow rowOf(std::vector<drawingdb::TextCharacter> characters, std::span<const Lettering::Letter> letters,
+                         const drawingdb::StrokePen& pen, double tracking) {
+    drawingdb::TextRow row{std::move(characters), {0.0}, pen};
+    row.starts.reserve(letters.size() + 1);
+    for (const Lettering::Letter& letter : letters) row.starts.push_back(row.starts.back() + letter.advance * tracking);
+    return row;
 }
 
 }  // namespace
@@ -87,10 +101,12 @@ void Shapes::addText(const OdDbText& text, const OdString& shown) {
 bool Shapes::addOutlineText(const OdDbText& text, const OdString& shown) {
     const Lettering::Font font = lettering_->fontOf(text);
     if (!font && lettering_->isInStrokes(shown)) return false;
-    const auto advance = [&](char32_t c) { return lettering_->letterOf(font, c).advance; };
-    std::vector<drawingdb::TextCharacter> characters = drawingdb::decodeControlCodes(shown);
+    const std::vector<drawingdb::TextCharacter> characters = drawingdb::decodeControlCodes(shown);
+    std::u32string said;
+    for (const drawingdb::TextCharacter& c : characters) said += c.character;
+    const std::vector<Lettering::Letter> letters = lettering_->lettersOf(font, said);
     double width = 0;
-    for (const drawingdb::TextCharacter& c : characters) width += advance(c.character);
+    for (const Lettering::Letter& letter : letters) width += letter.advance;
 
     drawingdb::TextGeometry geometry = text.textGeometry();
     if (text.isJustified()) {
@@ -109,27 +125,28 @@ bool Shapes::addOutlineText(const OdDbText& text, const OdString& shown) {
     };
     if (texts_) addSaid(shown, place({0, 0}), place({width, 0}), place({0, geometry.height}));
     const drawingdb::StrokePen pen{geometry.height, geometry.widthFactor, drawingdb::slantOf(geometry.oblique), {}};
-    addRow(drawingdb::textRow(std::move(characters), pen, 1.0, advance), font, place);
+    std::vector<drawingdb::TextCharacter> asTheyStand;
+    asTheyStand.reserve(letters.size());
+    for (const Lettering::Letter& letter : letters) asTheyStand.push_back(characters[letter.character]);
+    addRow(rowOf(std::move(asTheyStand), letters, pen, 1.0), letters, place);
     return true;
 }
 
 template <class Place>
-void Shapes::addRow(const drawingdb::TextRow& row, Lettering::Font font, const Place& place) {
+void Shapes::addRow(const drawingdb::TextRow& row, std::span<const Lettering::Letter> letters, const Place& place) {
     // No polygon is farther from a curve than a quarter of a pixel.
     constexpr int kFinest = 14;
     int fineness = kFinest;
     if (pixel_ > 0) std::frexp(4 * row.pen.height / pixel_, &fineness);
     fineness = std::clamp(fineness, 2, kFinest);
-    std::vector<Lettering::Letter> letters;
-    letters.reserve(row.characters.size());
-    for (const drawingdb::TextCharacter& c : row.characters) letters.push_back(lettering_->letterOf(font, c.character));
 
     bool hasOutlines = false;
     for (std::size_t i = 0; i < letters.size(); ++i) {
         if (!letters[i].typeface) continue;
         if (!std::exchange(hasOutlines, true)) list_.begin(DisplayList::Kind::kUnion);
+        const double x = row.starts[i] + letters[i].offset.x, y = letters[i].offset.y;
         for (const auto& contour : letters[i].typeface->contoursOf(letters[i].glyph, fineness)) {
-            for (const OdGePoint2d& p : contour) list_.addPoint(place(row.pen(row.starts[i] + p.x, p.y)));
+            for (const OdGePoint2d& p : contour) list_.addPoint(place(row.pen(x + p.x, y + p.y)));
             list_.endContour();
         }
     }
@@ -141,7 +158,7 @@ void Shapes::addRow(const drawingdb::TextRow& row, Lettering::Font font, const P
     };
     for (std::size_t i = 0; i < letters.size(); ++i) {
         if (letters[i].typeface) continue;
-        for (const drawingdb::Polyline2d& stroke : drawingdb::strokeGlyph(row.characters[i].character).strokes) {
+        for (const drawingdb::Polyline2d& stroke : drawingdb::strokeGlyph(letters[i].glyph).strokes) {
             for (const OdGePoint2d& p : stroke) list_.addPoint(place(row.pen(row.starts[i] + p.x, p.y)));
             list_.endContour();
         }
@@ -178,15 +195,108 @@ Shapes::SetText Shapes::set(const OdDbMText& text) {
     SetText set{text.layout(), lettering_ ? lettering_->fontOf(text) : nullptr};
     set.outlined = lettering_ && !isInStrokes(set.font, set.layout);
     if (set.outlined)
-        set.layout = text.layout([&](char32_t c, const drawingdb::MTextFormat& format) {
-            return lettering_->letterOf(lettering_->fontOf(set.font, format), c).advance;
+        set.layout = text.layout([&](std::wstring_view written, const drawingdb::MTextFormat& format) {
+            return lettering_->widthOf(lettering_->fontOf(set.font, format), written);
         });
+    return set;
+}
+
+// Row by row, what is above a line and below it each by itself.
+Shapes::SetRun Shapes::setRun(const drawingdb::MTextPlacedRun& run, Lettering::Font font) {
+    const Lettering::Font inFormat = lettering_->fontOf(font, run.format);
+    drawingdb::MTextPlacedRun written = run;
+    written.format = formatIn(inFormat, run.format);
+    const auto width = [&](std::wstring_view text, const auto&) { return lettering_->widthOf(inFormat, text); };
+    drawingdb::MTextRunRows parts = drawingdb::mtextRunRows(written, width);
+    SetRun set{&run, {}, std::move(parts.lines)};
+    for (drawingdb::TextRow& row : parts.rows) {
+        std::u32string said;
+        for (const drawingdb::TextCharacter& c : row.characters) said += c.character;
+        std::vector<Lettering::Letter> letters = lettering_->lettersOf(inFormat, said);
+        // All of a run's characters have the same lines about them.
+        row.characters.resize(letters.size(), row.characters.empty() ? drawingdb::TextCharacter{} : row.characters[0]);
+        set.rows.push_back(
+            {rowOf(std::move(row.characters), letters, row.pen, run.format.tracking), std::move(letters)});
+    }
+    return set;
+}
+
+std::vector<std::vector<Shapes::SetRun>> Shapes::setParagraph(std::span<drawingdb::MTextLine> lines,
+                                                              Lettering::Font font) {
+    // Tabs and stacks stand among the letters as one character each.
+    constexpr char32_t kTab = U'\t', kObject = U'\uFFFC';
+    std::u32string said;
+    std::vector<Lettering::Font> fonts;
+    std::vector<drawingdb::MTextPlacedRun*> runs;  // which each of the characters belongs to
+    std::vector<std::size_t> ends;
+    for (drawingdb::MTextLine& line : lines) {
+        for (drawingdb::MTextPlacedRun& run : line.runs) {
+            said += run.kind == drawingdb::MTextRunKind::Text  ? base::charactersOf(run.text)
+                    : run.kind == drawingdb::MTextRunKind::Tab ? std::u32string(1, kTab)
+                                                               : std::u32string(1, kObject);
+            fonts.resize(said.size(), lettering_->fontOf(font, run.format));
+            runs.resize(said.size(), &run);
+        }
+        ends.push_back(said.size());
+    }
+    std::vector<std::vector<SetRun>> setLines(lines.size());
+    if (!lettering_->isShaped(said)) {
+        for (std::size_t i = 0; i < lines.size(); ++i)
+            for (const drawingdb::MTextPlacedRun& run : lines[i].runs) setLines[i].push_back(setRun(run, font));
+        return setLines;
+    }
+
+    const std::vector<std::vector<Lettering::Letter>> shaped = lettering_->shapedLines(said, fonts, ends);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const std::size_t wordsEnd = ends[i] == 0 ? 0 : said.find_last_not_of(U' ', ends[i] - 1) + 1;
+        setLines[i] = setShapedLine(lines[i], shaped[i], wordsEnd, runs, font);
+    }
+    return setLines;
+}
+
+std::vector<Shapes::SetRun> Shapes::setShapedLine(drawingdb::MTextLine& line,
+                                                  std::span<const Lettering::Letter> letters, std::size_t wordsEnd,
+                                                  std::span<drawingdb::MTextPlacedRun* const> runs,
+                                                  Lettering::Font font) {
+    std::vector<SetRun> set;
+    double x = line.position.x;
+    // The blanks that end a line have no room in it, on whatever side they are.
+    for (const Lettering::Letter& blank : letters) {
+        if (blank.character < wordsEnd) break;
+        const drawingdb::MTextFormat& format = runs[blank.character]->format;
+        x -= blank.advance * format.height * format.widthFactor * format.tracking;
+    }
+    constexpr double kNowhere = std::numeric_limits<double>::max();
+    for (drawingdb::MTextPlacedRun& run : line.runs) run.position.x = kNowhere;
+    for (std::size_t first = 0, last = 0; first < letters.size(); first = last) {
+        drawingdb::MTextPlacedRun& run = *runs[letters[first].character];
+        while (last < letters.size() && runs[letters[last].character] == &run) ++last;
+        const double start = std::min(run.position.x, x), wide = run.width;
+        if (run.kind == drawingdb::MTextRunKind::Text) {
+            const auto part = letters.subspan(first, last - first);
+            const drawingdb::MTextFormat f = formatIn(lettering_->fontOf(font, run.format), run.format);
+            const drawingdb::TextCharacter ruled{0, f.underlined, f.overlined, f.struckThrough};
+            const drawingdb::StrokePen pen = drawingdb::mtextPen(f, {x, run.position.y});
+            SetRow row{rowOf(std::vector(part.size(), ruled), part, pen, f.tracking), {part.begin(), part.end()}};
+            // Blanks may have been widened to fill the line.
+            x = isBlank(run) ? x + wide : pen(row.row.starts.back(), 0).x;
+            set.push_back({&run, {std::move(row)}, {}});
+        } else {
+            run.position.x = x;
+            set.push_back(setRun(run, font));
+            x += wide;
+        }
+        run.position.x = start;
+        run.width = x - start;
+    }
+    for (drawingdb::MTextPlacedRun& run : line.runs)
+        if (run.position.x == kNowhere) run.position.x = x;
     return set;
 }
 
 void Shapes::addMText(const OdDbMText& text) {
     const OdGeMatrix3d toWorld = text.layoutToWorld();
-    const auto [layout, font, outlined] = set(text);
+    auto [layout, font, outlined] = set(text);
     const auto inWorld = [&](const OdGePoint2d& point) { return toWorld * OdGePoint3d(point.x, point.y, 0); };
     const Style own = list_.style();
 
@@ -204,49 +314,56 @@ void Shapes::addMText(const OdDbMText& text) {
         corners.push_back(corners.front());
         if (text.hasFrame()) list_.add(DisplayList::Kind::kStrokes, corners);
     }
+    const auto setRunStyle = [&](const drawingdb::MTextPlacedRun& run) {
+        list_.setStyle(run.format.color ? styles_.colored(own, *run.format.color) : own);
+    };
     const auto addSaid = [&](const drawingdb::MTextPlacedRun& run) {
         std::wstring said = run.text;
         if (run.kind == drawingdb::MTextRunKind::Stack)
             said += run.lower.empty() ? run.lower : (run.separator == L'^' ? L' ' : L'/') + run.lower;
         const OdGePoint2d& start = run.position;
-        list_.addText({charactersOf(said), inWorld(start), inWorld({start.x + run.width, start.y}),
+        list_.addText({base::charactersOf(said), inWorld(start), inWorld({start.x + run.width, start.y}),
                        inWorld({start.x, start.y + run.format.height})});
     };
-    for (const drawingdb::MTextLine& line : layout.lines) {
-        if (texts_) {
-            list_.setStyle(own);
-            for (const drawingdb::MTextPlacedRun& run : line.runs)
-                if (run.kind != drawingdb::MTextRunKind::Tab) addSaid(run);
-        }
-        if (isTooSmall(line.height)) {
-            const OdGePoint2d middle(line.position.x, line.position.y + line.height / 2);
-            list_.setStyle(own);
-            list_.add(DisplayList::Kind::kStrokes,
-                      Corners{inWorld(middle), inWorld({middle.x + line.width, middle.y})});
-            continue;
-        }
-        for (const drawingdb::MTextPlacedRun& run : line.runs) {
-            list_.setStyle(run.format.color ? styles_.colored(own, *run.format.color) : own);
-            if (outlined) {
-                const Lettering::Font inFormat = lettering_->fontOf(font, run.format);
-                drawingdb::MTextPlacedRun upright = run;
-                // Its letters lean by themselves.
-                if (inFormat && inFormat->file().isItalic()) upright.format.italic = false;
-                const drawingdb::MTextRunRows parts =
-                    drawingdb::mtextRunRows(upright, [&](char32_t c, const drawingdb::MTextFormat&) {
-                        return lettering_->letterOf(inFormat, c).advance;
-                    });
-                for (const drawingdb::TextRow& row : parts.rows) addRow(row, inFormat, inWorld);
-                for (const drawingdb::Polyline2d& stroke : parts.lines)
-                    list_.add(DisplayList::Kind::kStrokes, Corners{inWorld(stroke.front()), inWorld(stroke.back())});
+    for (auto first = layout.lines.begin(); first != layout.lines.end();) {
+        auto end = std::find_if(first, layout.lines.end(), [](const auto& line) { return line.endsParagraph; });
+        if (end != layout.lines.end()) ++end;
+        std::vector<std::vector<SetRun>> setLines;
+        const bool isLegible = std::any_of(first, end, [this](const auto& line) { return !isTooSmall(line.height); });
+        if (outlined && (isLegible || texts_)) setLines = setParagraph({first, end}, font);
+        for (std::size_t i = 0; first != end; ++first, ++i) {
+            const drawingdb::MTextLine& line = *first;
+            if (texts_) {
+                list_.setStyle(own);
+                for (const drawingdb::MTextPlacedRun& run : line.runs)
+                    if (run.kind != drawingdb::MTextRunKind::Tab) addSaid(run);
+            }
+            if (isTooSmall(line.height)) {
+                const OdGePoint2d middle(line.position.x, line.position.y + line.height / 2);
+                list_.setStyle(own);
+                list_.add(DisplayList::Kind::kStrokes,
+                          Corners{inWorld(middle), inWorld({middle.x + line.width, middle.y})});
                 continue;
             }
-            list_.begin(DisplayList::Kind::kStrokes);
-            for (const drawingdb::Polyline2d& stroke : drawingdb::mtextRunStrokes(run)) {
-                for (const OdGePoint2d& point : stroke) list_.addPoint(inWorld(point));
-                list_.endContour();
+            if (outlined) {
+                for (const SetRun& set : setLines[i]) {
+                    setRunStyle(*set.run);
+                    for (const SetRow& row : set.rows) addRow(row.row, row.letters, inWorld);
+                    for (const drawingdb::Polyline2d& stroke : set.lines)
+                        list_.add(DisplayList::Kind::kStrokes,
+                                  Corners{inWorld(stroke.front()), inWorld(stroke.back())});
+                }
+                continue;
             }
-            list_.end();
+            for (const drawingdb::MTextPlacedRun& run : line.runs) {
+                setRunStyle(run);
+                list_.begin(DisplayList::Kind::kStrokes);
+                for (const drawingdb::Polyline2d& stroke : drawingdb::mtextRunStrokes(run)) {
+                    for (const OdGePoint2d& point : stroke) list_.addPoint(inWorld(point));
+                    list_.endContour();
+                }
+                list_.end();
+            }
         }
     }
     list_.setStyle(own);

@@ -66,8 +66,8 @@ class DRAWINGDB_API OdDbMText : public OdDbEntity {
     double actualWidth() const;
     /// The lines in their places and columns: x along the direction, y across it in the plane of the normal, from the
     /// location.
-    /// In another font than the built-in one where its advances are given.
-    drawingdb::MTextLayout layout(const drawingdb::MTextAdvance& advance = {}) const;
+    /// In another font than the built-in one where its widths are given.
+    drawingdb::MTextLayout layout(const drawingdb::MTextWidth& width = {}) const;
     /// From the coordinates of layout() to the world's.
     OdGeMatrix3d layoutToWorld() const;
     /// What a fill or a frame goes round, in the coordinates of layout(), from the upper left corner on clockwise:

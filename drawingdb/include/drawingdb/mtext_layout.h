@@ -15,8 +15,8 @@
 
 namespace drawingdb {
 
-/// How far it is from a character to the next in a format, in text heights.
-using MTextAdvance = std::function<double(char32_t, const MTextFormat&)>;
+/// How wide text is in a format, in text heights, before its width factor and tracking.
+using MTextWidth = std::function<double(std::wstring_view, const MTextFormat&)>;
 
 /// Columns side by side that lines fill one after the other.
 struct MTextColumns {
@@ -36,7 +36,7 @@ struct MTextStyle {
     /// Lines stand as far apart as the nominal height says; otherwise a line with higher text takes more room.
     bool exactLineSpacing = false;
     /// None: the built-in font.
-    MTextAdvance advance;
+    MTextWidth width;
     /// Where there are some, their width counts for lines.
     MTextColumns columns;
 };
@@ -53,6 +53,7 @@ struct MTextLine {
     double width = 0.0;    ///< without the blanks at its end
     double height = 0.0;   ///< of its highest text above the baseline
     double descent = 0.0;  ///< of its strokes below the baseline
+    bool endsParagraph = false;
 };
 
 struct MTextLayout {
@@ -72,11 +73,15 @@ DRAWINGDB_API MTextLayout mtextLayout(std::wstring_view contents, double height,
 /// What to draw for a run, in the same coordinates as its position.
 DRAWINGDB_API std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run);
 
-/// The same for who draws it in another font: what is written, two rows of a stack, and the line between them.
+/// Where what is written in a format goes, from the start of its baseline.
+DRAWINGDB_API StrokePen mtextPen(const MTextFormat& format, const OdGePoint2d& origin);
+
+/// The same for who draws it in another font: what is written, two rows of a stack, and the line between them. Where
+/// characters begin is that of the built-in font.
 struct MTextRunRows {
     std::vector<TextRow> rows;
     std::vector<Polyline2d> lines;
 };
-DRAWINGDB_API MTextRunRows mtextRunRows(const MTextPlacedRun& run, const MTextAdvance& advance = {});
+DRAWINGDB_API MTextRunRows mtextRunRows(const MTextPlacedRun& run, const MTextWidth& width = {});
 
 }  // namespace drawingdb

@@ -9,7 +9,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -105,18 +104,14 @@ struct StrokePen {
 /// The tangent of an oblique angle; one that would lay the text flat is limited to 85 degrees.
 DRAWINGDB_API double slantOf(double oblique);
 
-/// How far it is from a character to the next, in text heights.
-using CharacterAdvance = std::function<double(char32_t)>;
-
 struct TextRow {
     std::vector<TextCharacter> characters;
     std::vector<double> starts;  ///< of each character, and where the last one ends; in text heights
     StrokePen pen;
 };
 
-/// In the built-in font unless an advance is given. Tracking widens the room of each character.
-DRAWINGDB_API TextRow textRow(std::vector<TextCharacter> characters, const StrokePen& pen, double tracking = 1.0,
-                              const CharacterAdvance& advance = {});
+/// In the built-in font. Tracking widens the room of each character.
+DRAWINGDB_API TextRow textRow(std::vector<TextCharacter> characters, const StrokePen& pen, double tracking = 1.0);
 /// Lines under, over and through it: one for each stretch of characters.
 DRAWINGDB_API std::vector<Polyline2d> rulesOf(const TextRow& row);
 

@@ -331,13 +331,13 @@ drawingdb::MTextColumns OdDbMText::columns() const {
     return columns;
 }
 
-drawingdb::MTextLayout OdDbMText::layout(const drawingdb::MTextAdvance& advance) const {
+drawingdb::MTextLayout OdDbMText::layout(const drawingdb::MTextWidth& width) const {
     drawingdb::MTextStyle style;
     if (const auto record = textStyle().openIf<OdDbTextStyleTableRecord>()) {
         style.widthFactor = record->xScale();
         style.oblique = record->obliquingAngle();
     }
-    style.advance = advance;
+    style.width = width;
     style.exactLineSpacing = lineSpacingStyle_ == kExactSpacing;
     style.columns = columns();
     return drawingdb::mtextLayout(contents(), height_, width_, attachment_, lineSpacingFactor_, style);

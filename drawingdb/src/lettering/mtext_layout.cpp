@@ -29,9 +29,12 @@ void visitCharacters(std::wstring_view text, Visit visit) {
     for (std::size_t i = 0; i < text.size();) visit(base::nextCharacter(text, i));
 }
 
-double textWidth(std::wstring_view text, const MTextFormat& format, const MTextAdvance& advance) {
+double textWidth(std::wstring_view text, const MTextFormat& format, const MTextWidth& widthInFont) {
     double width = 0.0;
-    visitCharacters(text, [&](char32_t c) { width += advance ? advance(c, format) : strokeGlyph(c).advance; });
+    if (widthInFont)
+        width = widthInFont(text, format);
+    else
+        visitCharacters(text, [&](char32_t c) { width += strokeGlyph(c).advance; });
     return width * format.height * format.widthFactor * format.tracking;
 }
 
@@ -41,10 +44,10 @@ double textDescent(std::wstring_view text, const MTextFormat& format) {
     return -bottom * format.height;
 }
 
-double runWidth(const MTextRun& run, const MTextAdvance& advance) {
-    const double upper = textWidth(run.text, run.format, advance);
+double runWidth(const MTextRun& run, const MTextWidth& width) {
+    const double upper = textWidth(run.text, run.format, width);
     if (run.kind != MTextRunKind::Stack) return upper;
-    const double lower = textWidth(run.lower, run.format, advance);
+    const double lower = textWidth(run.lower, run.format, width);
     return run.separator == L'#' ? upper + lower + kDiagonalLine * run.format.height : std::max(upper, lower);
 }
 
@@ -70,12 +73,12 @@ struct Piece {
     bool breakBefore = false;
 };
 
-std::vector<Piece> cutIntoPieces(const MTextParagraph& paragraph, const MTextAdvance& advance) {
+std::vector<Piece> cutIntoPieces(const MTextParagraph& paragraph, const MTextWidth& width) {
     std::vector<Piece> pieces;
     for (std::size_t r = 0; r < paragraph.runs.size(); ++r) {
         const MTextRun& run = paragraph.runs[r];
         if (run.kind != MTextRunKind::Text) {
-            pieces.push_back({r, {}, runWidth(run, advance), run.kind == MTextRunKind::Tab, false});
+            pieces.push_back({r, {}, runWidth(run, width), run.kind == MTextRunKind::Tab, false});
             continue;
         }
         const std::wstring_view text = run.text;
@@ -90,7 +93,7 @@ std::vector<Piece> cutIntoPieces(const MTextParagraph& paragraph, const MTextAdv
                 i = next;
             }
             piece.text = text.substr(start, i - start);
-            piece.width = textWidth(piece.text, run.format, advance);
+            piece.width = textWidth(piece.text, run.format, width);
             pieces.push_back(piece);
         }
     }
@@ -106,7 +109,7 @@ class MTextLayouter {
           row_(attachment >= 1 && attachment <= 9 ? (attachment - 1) / 3 : 0),
           lineSpacing_(kLineSpacing * (lineSpacingFactor > 0.0 ? lineSpacingFactor : 1.0)),
           exact_(style.exactLineSpacing),
-          advance_(style.advance),
+          width_(style.width),
           columns_(style.columns) {}
 
     MTextLayout layOut(const std::vector<MTextParagraph>& paragraphs) {
@@ -123,13 +126,12 @@ class MTextLayouter {
         double indent = 0.0;
         double rightIndent = 0.0;
         MTextJustification justification = MTextJustification::Left;
-        bool lastOfParagraph = false;
         bool beginsColumn = false;
         int column = 0;
     };
 
     void breakIntoLines(const MTextParagraph& paragraph) {
-        const std::vector<Piece> pieces = cutIntoPieces(paragraph, advance_);
+        const std::vector<Piece> pieces = cutIntoPieces(paragraph, width_);
         bool firstLine = true;
         std::size_t next = 0;
         do {
@@ -142,7 +144,7 @@ class MTextLayouter {
             next = fillLine(paragraph, pieces, next, room);
             firstLine = false;
         } while (next < pieces.size());
-        rooms_.back().lastOfParagraph = true;
+        layout_.lines.back().endsParagraph = true;
     }
 
     // Pieces up to where the line is full; the next line begins at the piece returned. Blanks at a break stay on the
@@ -239,7 +241,7 @@ class MTextLayouter {
             else if (room.justification == MTextJustification::Right)
                 moveLine(line, spare);
             else if (isSpread(room) && spare > 0.0 &&
-                     (!room.lastOfParagraph || room.justification == MTextJustification::Distributed))
+                     (!line.endsParagraph || room.justification == MTextJustification::Distributed))
                 spreadLine(line, spare);
         }
     }
@@ -345,7 +347,7 @@ class MTextLayouter {
     int column_, row_;
     double lineSpacing_;
     bool exact_;
-    const MTextAdvance& advance_;
+    const MTextWidth& width_;
     const MTextColumns& columns_;
     int lastColumn_ = 0;
     double naturalWidth_ = 0.0;
@@ -383,24 +385,27 @@ std::vector<Polyline2d> mtextRunStrokes(const MTextPlacedRun& run) {
     return strokes;
 }
 
-MTextRunRows mtextRunRows(const MTextPlacedRun& run, const MTextAdvance& advance) {
+StrokePen mtextPen(const MTextFormat& format, const OdGePoint2d& origin) {
+    const double lean = format.oblique + (format.italic ? kItalicLean : 0.0);
+    return {format.height, format.widthFactor, slantOf(lean), origin};
+}
+
+MTextRunRows mtextRunRows(const MTextPlacedRun& run, const MTextWidth& width) {
     MTextRunRows parts;
     const MTextFormat& f = run.format;
     if (run.kind == MTextRunKind::Tab) return parts;
-    const StrokePen pen{f.height, f.widthFactor, slantOf(f.oblique + (f.italic ? kItalicLean : 0.0)), run.position};
-    CharacterAdvance inFormat;
-    if (advance) inFormat = [&](char32_t c) { return advance(c, f); };
+    const StrokePen pen = mtextPen(f, run.position);
     const auto add = [&](std::wstring_view text, double dx, double dy) {
         StrokePen moved = pen;
         moved.origin += OdGeVector2d(dx + dy * pen.slant, dy);
-        parts.rows.push_back(textRow(rowOf(text, f), moved, f.tracking, inFormat));
+        parts.rows.push_back(textRow(rowOf(text, f), moved, f.tracking));
     };
     if (run.kind == MTextRunKind::Text) {
         add(run.text, 0.0, 0.0);
         return parts;
     }
 
-    const double upperWidth = textWidth(run.text, f, advance), lowerWidth = textWidth(run.lower, f, advance);
+    const double upperWidth = textWidth(run.text, f, width), lowerWidth = textWidth(run.lower, f, width);
     const double upperHeight = kStackLowerToUpper * f.height;
     if (run.separator == L'#') {
         const double lowerStart = upperWidth + kDiagonalLine * f.height;

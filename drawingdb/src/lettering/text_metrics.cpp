@@ -135,13 +135,11 @@ double slantOf(double oblique) {
     return std::isfinite(oblique) ? std::tan(std::clamp(oblique, -kSteepest, kSteepest)) : 0.0;
 }
 
-TextRow textRow(std::vector<TextCharacter> characters, const StrokePen& pen, double tracking,
-                const CharacterAdvance& advance) {
+TextRow textRow(std::vector<TextCharacter> characters, const StrokePen& pen, double tracking) {
     TextRow row{std::move(characters), {0.0}, pen};
     row.starts.reserve(row.characters.size() + 1);
     for (const TextCharacter& c : row.characters)
-        row.starts.push_back(row.starts.back() +
-                             (advance ? advance(c.character) : strokeGlyph(c.character).advance) * tracking);
+        row.starts.push_back(row.starts.back() + strokeGlyph(c.character).advance * tracking);
     return row;
 }
 
