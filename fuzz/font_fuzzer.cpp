@@ -1,4 +1,4 @@
-// The input is a font file. What its fonts are, have and look like is asked for.
+// The input is a font file. What its fonts are, have and look like is asked for, and what texts look like in them.
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -26,6 +26,18 @@ void look(const std::string_view bytes, int number) {
     look(0xFFFF);
     for (const char32_t character : {U'A', U'g', U'\u00E4', U'\u0416', U'\u4E00', U'\U0001F600'})
         if (const std::uint32_t glyph = typeface.glyphOf(character)) look(glyph);
+
+    host::Shaper* const shaper = host::Shaper::installed();
+    if (!shaper) return;
+    constexpr std::u32string_view kText = U"\u05D0\u0628\u064E\u0644\u0627\u0915\u094D\u0937\u093F\u0E01\u0E33AV";
+    std::vector<host::ShapedGlyph> glyphs;
+    for (const bool toLeft : {false, true}) typeface.shape(*shaper, kText, 1, kText.size() - 1, toLeft, glyphs);
+    for (const host::ShapedGlyph& glyph : glyphs) {
+        require(glyph.advance >= 0 && glyph.advance <= 2, "an advance is moderate");
+        require(std::fabs(glyph.x) <= 2 && std::fabs(glyph.y) <= 2, "a glyph is drawn where it stands");
+        require(glyph.character >= 1 && glyph.character < kText.size(), "a glyph shows one of the characters");
+        look(glyph.glyph);
+    }
 }
 
 }  // namespace
