@@ -31,7 +31,8 @@ install_needed() {
     return 1
 }
 
-# What the program itself is built with.
+# What the program itself is built with; without the last two everything but shaping.
+harfbuzz_file=/usr/include/harfbuzz/hb-ot.h
 need_for_program() {
     need cmake cmake
     need ninja-build ninja
@@ -43,7 +44,7 @@ need_for_program() {
     need libedit-dev /usr/include/histedit.h
     need libstb-dev /usr/include/stb/stb_truetype.h
     need zlib1g-dev /usr/include/zlib.h
-    need libharfbuzz-dev /usr/include/harfbuzz/hb-ot.h
+    need libharfbuzz-dev "$harfbuzz_file"
     need libfribidi-dev /usr/include/fribidi/fribidi.h
 }
 
