@@ -304,6 +304,7 @@ class TreeBuilder {
             tell(record_.place, record_.title() + " was left out: the file ends in it");
             return;
         }
+        if (table_ && homeOf(record_) == Home::anywhere) mendKind(record_);
         if (record_.isPartial && !hasWhatItNeeds(record_)) {
             tell(record_.place, record_.title() + " was left out: without what is lost it says nothing");
             dropped();
@@ -525,6 +526,22 @@ class TreeBuilder {
         block_ = &salvage_.namelessBlocks.emplace_back();
         block_->record.type = rtBlock;
         block_->record.name = "BLOCK";
+    }
+
+    // A table holds records of its own kind alone: where the kind of one is damaged, it is known all the same.
+    void mendKind(SalvagedRecord& record) {
+        const std::string_view kind = trimmed(table_->record.text(2));
+        const OdRxClass* const known = TypeTable::knownClass(salvage_.typeOf(kind));
+        if (!known || !known->isDerivedFrom(OdDbSymbolTableRecord::desc()) || !record.find(2)) return;
+        const std::string before = record.title();
+        record.groups[0] = salvage_.group([&](RecordWriter& writer) { writer.text(0, kind); });
+        record.name = trimmed(record.groups[0].value);
+        record.type = salvage_.typeOf(kind);
+        if (const Group* const handle = record.find(105); handle && record.type == rtDimstyle && !record.handle) {
+            record.handle = parseHandle(handle->value);
+            record.lacksHandle = record.handle == 0;
+        }
+        tell(record.place, before + " stands in the TABLE " + std::string(kind) + "; it was read as " + record.title());
     }
 
     void member(SalvagedRecord record) {

@@ -103,6 +103,12 @@ TEST(Recovery, TellsWhatWasLeftOutByRecordAndLine) {
         {"no version", without(whole, "  9\n$ACADVER", "  9\n$DWG"), "$ACADVER is missing; read as AC1032"},
         {"version without a value", with(whole, "\n  1\nAC1032\n", "\n"), "\"$ACADVER\" has no value; it was left out"},
         {"code page", with(with(whole, "AC1032", "AC1015"), "ANSI_1252", "KLINGON"), "unknown code page \"KLINGON\""},
+        {"kind of a layer", with(whole, "  0\nLAYER\n  5\n11", "  0\nL\xC1YER\n  5\n11"),
+         "#11 stands in the TABLE LAYER; it was read as LAYER #11"},
+        {"kind of a block's record", with(whole, "  0\nBLOCK_RECORD\n  5\n30", "  0\nBLOCK_RECqRD\n  5\n30"),
+         "BLOCK_RECqRD #30 stands in the TABLE BLOCK_RECORD; it was read as BLOCK_RECORD #30"},
+        {"kind of a style of dimensions", with(whole, "  0\nDIMSTYLE\n105", "  0\nDIMqTYLE\n105"),
+         "DIMqTYLE stands in the TABLE DIMSTYLE; it was read as DIMSTYLE #"},
         {"no UTF-8", with(whole, "\n  2\nWALLS\n", "\n  2\nW\xC4LLE\n"),
          "is not UTF-8; it was read in the drawing's code page"},
     };
