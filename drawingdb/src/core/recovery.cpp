@@ -304,7 +304,7 @@ class TreeBuilder {
             tell(record_.place, record_.title() + " was left out: the file ends in it");
             return;
         }
-        if (table_ && homeOf(record_) == Home::anywhere) mendKind(record_);
+        if (table_) mendKind(record_);
         if (record_.isPartial && !hasWhatItNeeds(record_)) {
             tell(record_.place, record_.title() + " was left out: without what is lost it says nothing");
             dropped();
@@ -528,20 +528,28 @@ class TreeBuilder {
         block_->record.name = "BLOCK";
     }
 
-    // A table holds records of its own kind alone: where the kind of one is damaged, it is known all the same.
+    // A table holds records of its own kind alone: where the kind of one is damaged, it is known all the same. One
+    // without a name says too little, but a block's, whose name is known by its block.
     void mendKind(SalvagedRecord& record) {
-        const std::string_view kind = trimmed(table_->record.text(2));
-        const OdRxClass* const known = TypeTable::knownClass(salvage_.typeOf(kind));
-        if (!known || !known->isDerivedFrom(OdDbSymbolTableRecord::desc()) || !record.find(2)) return;
+        const bool isDamaged = record.type == rtNone || record.type >= rtFirstCarried;
+        if (!isDamaged || homeOf(record) != Home::anywhere) return;
+        const bool isTable = trimmed(record.text(100)) == "AcDbSymbolTable";
+        const std::string_view kind = isTable ? "TABLE" : trimmed(table_->record.text(2));
+        const std::uint16_t type = salvage_.typeOf(kind);
+        if (!record.find(2) && type != rtBlockRecord) return;
+        const OdRxClass* const known = TypeTable::knownClass(type);
+        if (!isTable && !(known && known->isDerivedFrom(OdDbSymbolTableRecord::desc()))) return;
         const std::string before = record.title();
         record.groups[0] = salvage_.group([&](RecordWriter& writer) { writer.text(0, kind); });
         record.name = trimmed(record.groups[0].value);
-        record.type = salvage_.typeOf(kind);
-        if (const Group* const handle = record.find(105); handle && record.type == rtDimstyle && !record.handle) {
-            record.handle = parseHandle(handle->value);
+        record.type = type;
+        if (type == rtDimstyle) {
+            const Group* const handle = record.find(105);
+            record.handle = handle ? parseHandle(handle->value) : 0;
             record.lacksHandle = record.handle == 0;
         }
-        tell(record.place, before + " stands in the TABLE " + std::string(kind) + "; it was read as " + record.title());
+        tell(record.place, before + " stands in the TABLE " + std::string(trimmed(table_->record.text(2))) +
+                               "; it was read as " + record.title());
     }
 
     void member(SalvagedRecord record) {

@@ -305,16 +305,16 @@ class LinkMender {
             }
         SalvagedNode* const blocks = salvage_.section("BLOCKS");
         SalvagedNode* const records = salvage_.table("BLOCK_RECORD");
-        if (!blocks) return;
-        if (records) nameRecords(records->children, blocks->children);
         // From 2000 on blocks say which record is theirs. Before that records follow each other as blocks do.
         if (records) {
+            nameRecords(records->children, blocks ? blocks->children : std::list<SalvagedNode>());
             const std::unordered_map<std::uint64_t, std::string> renamed = renameTwins(records->children);
-            if (format_.version >= version::v2000)
+            if (blocks && format_.version >= version::v2000)
                 for (SalvagedNode& block : blocks->children)
                     if (const auto found = renamed.find(ownerOf(block.record)); found != renamed.end())
                         rename(block.record, found->second);
         }
+        if (!blocks) return;
         for (const auto& [handle, name] : renameTwins(blocks->children)) renamedBlocks_.insert(folded(name));
     }
 

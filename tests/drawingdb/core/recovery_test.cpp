@@ -109,6 +109,10 @@ TEST(Recovery, TellsWhatWasLeftOutByRecordAndLine) {
          "BLOCK_RECqRD #30 stands in the TABLE BLOCK_RECORD; it was read as BLOCK_RECORD #30"},
         {"kind of a style of dimensions", with(whole, "  0\nDIMSTYLE\n105", "  0\nDIMqTYLE\n105"),
          "DIMqTYLE stands in the TABLE DIMSTYLE; it was read as DIMSTYLE #"},
+        {"no ENDTAB", with(whole, "  0\nENDTAB\n  0\nTABLE\n  2\nLAYER", "  0\nTABLE\n  2\nLAYER"),
+         "the ENDTAB of TABLE LTYPE #5 is missing before this"},
+        {"kind of a table", with(whole, "  0\nENDTAB\n  0\nTABLE\n  2\nLAYER", "  0\nTAXLE\n  2\nLAYER"),
+         "TAXLE #2 stands in the TABLE LTYPE; it was read as TABLE LAYER #2"},
         {"no UTF-8", with(whole, "\n  2\nWALLS\n", "\n  2\nW\xC4LLE\n"),
          "is not UTF-8; it was read in the drawing's code page"},
     };
@@ -195,6 +199,15 @@ TEST(Recovery, RenamesTwins) {
             for (const OdDbObjectId id : twin.openAs<OdDbBlockTableRecord>()->entities())
                 EXPECT_EQ(id.open()->ownerId(), twin);
         }
+
+    // Also where no block is left: those that are made have one record each.
+    const auto alone = recovered(
+        "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nBLOCK_RECORD\n0\nBLOCK_RECORD\n5\n1F\n2\nDOOR\n"
+        "0\nBLOCK_RECORD\n0\nBLOCK_RECORD\n5\n20\n2\ndoor\n0\nENDTAB\n0\nENDSEC\n"
+        "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    EXPECT_NE(toldOf(alone).find("BLOCK_RECORD has no name; it was left out"), std::string::npos) << toldOf(alone);
+    EXPECT_NE(toldOf(alone).find("it is \"door$2\" now"), std::string::npos) << toldOf(alone);
+    EXPECT_EQ(toldOf(recovered(alone->writeBytes())), "");
 }
 
 // What has lost the name that it is found by gets it from what it belongs to, or another.
@@ -202,6 +215,10 @@ TEST(Recovery, NamesWhatHasLostItsName) {
     const std::string& whole = sampleBytes();
     auto database = recovered(with(whole, "AcDbBlockTableRecord\n  2\nFRAME\n", "AcDbBlockTableRecord\n"));
     EXPECT_EQ(database->findBlock(L"FRAME"), objectOf(database, 0x31)) << toldOf(database);
+    database = recovered(with(with(whole, "AcDbBlockTableRecord\n  2\nFRAME\n", "AcDbBlockTableRecord\n"),
+                              "  0\nBLOCK_RECORD\n  5\n31", "  0\nBLOCKoRECORD\n  5\n31"));
+    EXPECT_EQ(database->findBlock(L"FRAME"), objectOf(database, 0x31)) << toldOf(database);
+    EXPECT_EQ(toldOf(recovered(database->writeBytes())), "");
 
     const std::size_t reference = whole.find("  0\nINSERT\n  5\n50");
     for (const char* const name : {"", "  2\n\n"}) {
