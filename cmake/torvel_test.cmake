@@ -62,8 +62,14 @@ endif()
 
 function(torvel_add_test name)
   add_test(NAME "${TORVEL_TEST_PREFIX}${name}" COMMAND ${ARGN})
-  set_tests_properties("${TORVEL_TEST_PREFIX}${name}" PROPERTIES
-    TIMEOUT 300 ENVIRONMENT "${TORVEL_TEST_ENVIRONMENT}")
+  set(environment ${TORVEL_TEST_ENVIRONMENT})
+  if(WIN32)
+    get_property(turn GLOBAL PROPERTY TORVEL_WINE_TURN)
+    math(EXPR turn "0${turn} + 1")
+    set_property(GLOBAL PROPERTY TORVEL_WINE_TURN ${turn})
+    list(APPEND environment WINE_TURN=${turn})  # cmake/wine.sh
+  endif()
+  set_tests_properties("${TORVEL_TEST_PREFIX}${name}" PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")
 endfunction()
 
 function(torvel_test name)

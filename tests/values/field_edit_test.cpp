@@ -4,10 +4,12 @@
 #include <iostream>
 #include <random>
 
+#include "base/modules.h"
 #include "drawingdb/attribute.h"
 #include "drawingdb/block.h"
 #include "drawingdb/database.h"
 #include "drawingdb/text.h"
+#include "hostapi/host_names.h"
 #include "torvelcmd2/attributes/values/text_transfer.h"
 
 namespace {
@@ -254,6 +256,8 @@ TEST_F(FieldEditTest, AnySequenceOfEditsKeepsTextOwnersAndEntriesTogether) {
                                          L"\n", L"",           L"\\P",        L"{}",  L"\U0001F600", L"20",
                                          L"%<", L"\\_FldIdx ", sumCode(L"20")};
     const auto text = append<OdDbText>(), copy = append<OdDbText>();
+    // It is loaded for each use otherwise, which takes long under Wine.
+    const base::ModuleReference fieldManager = base::loadModule(base::libraryFileName(hostapi::kFieldModule));
     for (int sequence = 0; sequence < 3000; ++sequence) {
         FieldEdit edit(database_.get());
         OdString clipboard;
