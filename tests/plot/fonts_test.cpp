@@ -135,6 +135,14 @@ TEST(Shaping, JoinsLettersByThoseBesideThem) {
     const std::vector<ShapedGlyph> vowel = shaped(U"\u0628\u064E", 0, 2, true);
     ASSERT_EQ(vowel.size(), 2u);
     EXPECT_EQ(std::min(vowel[0].advance, vowel[1].advance), 0);
+    // However many there are, or alphabets in turn.
+    constexpr std::size_t kMany = 100000;
+    EXPECT_EQ(shaped(U"\u0628" + std::u32string(kMany - 1, U'\u064E'), 0, kMany, true).size(), kMany);
+    std::u32string turns;
+    for (std::size_t i = 0; i < kMany / 2; ++i) turns += U"\u05D0\u0628";
+    const std::vector<ShapedGlyph> inTurn = shaped(turns, 0, kMany, true);
+    ASSERT_EQ(inTurn.size(), kMany);
+    isForm(inTurn.back(), U'\u05D0', 0);
 }
 
 TEST(Fonts, SurviveDamage) {

@@ -44,35 +44,42 @@ class HarfBuzzFont final : public ShapedFont {
 
     void shape(std::u32string_view paragraph, std::size_t start, std::size_t count, bool toLeft,
                std::vector<ShapedGlyph>& glyphs) override {
-        const std::size_t before = glyphs.size(), end = start + count;
-        while (start < end) {
-            hb_script_t script = HB_SCRIPT_INVALID;
-            std::size_t next = start;
-            for (; next < end; ++next) {
-                const hb_script_t other = scriptOf(paragraph[next]);
-                if (other == HB_SCRIPT_INVALID || other == script) continue;
-                if (script != HB_SCRIPT_INVALID) break;
-                script = other;
-            }
-            const std::size_t first = glyphs.size();
-            shapeScript(paragraph, start, next - start, script, toLeft, glyphs);
-            // What comes later stands farther to the left.
-            if (toLeft)
-                std::rotate(glyphs.begin() + static_cast<std::ptrdiff_t>(before),
-                            glyphs.begin() + static_cast<std::ptrdiff_t>(first), glyphs.end());
-            start = next;
-        }
+        pieces_.clear();
+        for (const std::size_t end = start + count; start < end; start = pieces_.back().end)
+            pieces_.push_back(pieceAt(paragraph, start, end));
+        // What comes later stands farther to the left.
+        if (toLeft) std::reverse(pieces_.begin(), pieces_.end());
+        for (const Piece& piece : pieces_) shapePiece(paragraph, piece, toLeft, glyphs);
     }
 
   private:
-    void shapeScript(std::u32string_view paragraph, std::size_t start, std::size_t count, hb_script_t script,
-                     bool toLeft, std::vector<ShapedGlyph>& glyphs) {
+    // HarfBuzz looks for the letter of each accent among all before it, and ends the program where they are too many
+    // to count. No word is that long.
+    static constexpr std::size_t kLongest = 1000;
+
+    struct Piece {  // of one script
+        std::size_t start, end;
+        hb_script_t script;
+    };
+
+    static Piece pieceAt(std::u32string_view paragraph, std::size_t start, std::size_t end) {
+        Piece piece{start, start, HB_SCRIPT_INVALID};
+        for (end = std::min(end, start + kLongest); piece.end < end; ++piece.end) {
+            const hb_script_t other = scriptOf(paragraph[piece.end]);
+            if (other == HB_SCRIPT_INVALID || other == piece.script) continue;
+            if (piece.script != HB_SCRIPT_INVALID) break;
+            piece.script = other;
+        }
+        return piece;
+    }
+
+    void shapePiece(std::u32string_view paragraph, const Piece& piece, bool toLeft, std::vector<ShapedGlyph>& glyphs) {
         hb_buffer_t* const buffer = buffer_.get();
         hb_buffer_clear_contents(buffer);
-        hb_buffer_add_utf32(buffer, code32(paragraph), static_cast<int>(paragraph.size()), static_cast<unsigned>(start),
-                            static_cast<int>(count));
+        hb_buffer_add_utf32(buffer, code32(paragraph), static_cast<int>(paragraph.size()),
+                            static_cast<unsigned>(piece.start), static_cast<int>(piece.end - piece.start));
         hb_buffer_set_direction(buffer, toLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
-        hb_buffer_set_script(buffer, script == HB_SCRIPT_INVALID ? HB_SCRIPT_COMMON : script);
+        hb_buffer_set_script(buffer, piece.script == HB_SCRIPT_INVALID ? HB_SCRIPT_COMMON : piece.script);
         hb_buffer_set_language(buffer, HB_LANGUAGE_INVALID);
         hb_shape(font_.get(), buffer, nullptr, 0);
         if (!hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
@@ -86,6 +93,7 @@ class HarfBuzzFont final : public ShapedFont {
 
     Font font_;
     Buffer buffer_{hb_buffer_create()};
+    std::vector<Piece> pieces_;  // of what is shaped
 };
 
 class HarfBuzzShaper final : public Shaper {
