@@ -11,6 +11,7 @@ import math
 import os
 import pathlib
 import re
+import shutil
 import struct
 import subprocess
 import sys
@@ -507,6 +508,18 @@ class PlotTest(unittest.TestCase):
         text(f"%%u{alef}{beh}%%u", 200, color=3, align=right)
         (rule, _, _), = same(100, [RED], [GREEN]).lines(GREEN)
         self.assertAlmostEqual(box(rule)[2], 400, delta=0.5)
+
+    def test_no_font_is_asked_for_what_stands_for_a_stack(self):
+        light = pathlib.Path("/usr/share/fonts/truetype/dejavu/DejaVuSans-ExtraLight.ttf")
+        if not shapes() or not light.exists():
+            self.skipTest("DejaVu Sans ExtraLight, or what shapes, is not there")
+        self.fonts = self.folder / "fonts"
+        self.fonts.mkdir()
+        shutil.copy(light, self.fonts)
+        self.doc.styles.add("SANS", font="dejavusans.ttf")
+        self.msp.add_mtext(r"\U+0E3F^I\S3/4;", dxfattribs={"style": "SANS", "char_height": 40, "insert": (100, 300)})
+        self.plot()
+        self.assertNotIn("warning", self.errors)
 
     def test_text_that_nobody_could_read_is_a_line(self):
         self.msp.add_text("NOTES", dxfattribs={"height": 1, "insert": (100, 100)})

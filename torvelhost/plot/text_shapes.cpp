@@ -223,8 +223,9 @@ Shapes::SetRun Shapes::setRun(const drawingdb::MTextPlacedRun& run, Lettering::F
 
 std::vector<std::vector<Shapes::SetRun>> Shapes::setParagraph(std::span<drawingdb::MTextLine> lines,
                                                               Lettering::Font font) {
-    // Tabs and stacks stand among the letters as one character each.
-    constexpr char32_t kTab = U'\t', kObject = U'\uFFFC';
+    // Tabs and stacks stand among the letters as one character each, which no font is asked for. That of a stack runs
+    // neither way.
+    constexpr char32_t kTab = U'\t', kObject = U'|';
     std::u32string said;
     std::vector<Lettering::Font> fonts;
     std::vector<drawingdb::MTextPlacedRun*> runs;  // which each of the characters belongs to
@@ -234,7 +235,8 @@ std::vector<std::vector<Shapes::SetRun>> Shapes::setParagraph(std::span<drawingd
             said += run.kind == drawingdb::MTextRunKind::Text  ? base::charactersOf(run.text)
                     : run.kind == drawingdb::MTextRunKind::Tab ? std::u32string(1, kTab)
                                                                : std::u32string(1, kObject);
-            fonts.resize(said.size(), lettering_->fontOf(font, run.format));
+            const bool isText = run.kind == drawingdb::MTextRunKind::Text;
+            fonts.resize(said.size(), isText ? lettering_->fontOf(font, run.format) : nullptr);
             runs.resize(said.size(), &run);
         }
         ends.push_back(said.size());
