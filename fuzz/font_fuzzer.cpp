@@ -15,7 +15,7 @@ void look(const std::string_view bytes, int number) {
     host::Typeface typeface(std::make_unique<host::FontFile>(bytes, number));
     const auto look = [&](std::uint32_t glyph) {
         const double advance = typeface.advanceOf(glyph);
-        require(advance >= 0 && advance <= 2, "an advance is moderate");
+        require(advance >= 0 && advance <= host::kWidestGlyph, "an advance is moderate");
         for (const auto& contour : typeface.contoursOf(glyph, 4)) {
             require(!contour.empty(), "a contour has points");
             for (const OdGePoint2d& point : contour)
@@ -33,8 +33,9 @@ void look(const std::string_view bytes, int number) {
     std::vector<host::ShapedGlyph> glyphs;
     for (const bool toLeft : {false, true}) typeface.shape(*shaper, kText, 1, kText.size() - 1, toLeft, glyphs);
     for (const host::ShapedGlyph& glyph : glyphs) {
-        require(glyph.advance >= 0 && glyph.advance <= 2, "an advance is moderate");
-        require(std::fabs(glyph.x) <= 2 && std::fabs(glyph.y) <= 2, "a glyph is drawn where it stands");
+        require(glyph.advance >= 0 && glyph.advance <= host::kWidestGlyph, "an advance is moderate");
+        require(std::fabs(glyph.x) <= host::kWidestGlyph && std::fabs(glyph.y) <= host::kWidestGlyph,
+                "a glyph is drawn where it stands");
         require(glyph.character >= 1 && glyph.character < kText.size(), "a glyph shows one of the characters");
         look(glyph.glyph);
     }

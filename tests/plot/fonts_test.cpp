@@ -90,6 +90,21 @@ std::string ordered(Shaper& shaper, std::u32string_view paragraph, std::vector<s
     return text;
 }
 
+// Fonts of alphabets without capitals say anything of their height, and some of their letters are wide.
+TEST(Fonts, WithoutCapitalsHaveTheUsualHeight) {
+    std::string bytes = seed("seed.ttf");
+    const auto at = [&](const char* table) {
+        const std::size_t entry = bytes.find(table);
+        const auto byte = [&](std::size_t i) { return std::size_t{static_cast<std::uint8_t>(bytes[entry + i])}; };
+        return byte(8) << 24 | byte(9) << 16 | byte(10) << 8 | byte(11);
+    };
+    const std::uint32_t triangle = FontFile(bytes, 0).glyphOf(U'A');
+    bytes.replace(at("OS/2") + 88, 2, "\x01\xA4");                         // capitals of 420 thousandths
+    bytes.replace(at("hmtx") + std::size_t{4} * triangle, 2, "\x08\x34");  // 2100
+    Typeface font(std::make_unique<FontFile>(bytes, 0));
+    EXPECT_DOUBLE_EQ(font.advanceOf(triangle), 3);
+}
+
 TEST(Shaping, OrdersLinesOfParagraphsThatRunBothWays) {
     Shaper* const shaper = Shaper::installed();
     if (!shaper) GTEST_SKIP() << "the library that shapes is not there";

@@ -427,14 +427,16 @@ void FontFile::readNames() {
 
 double FontFile::capitalHeight() const {
     if (capitalHeight_ != 0) return capitalHeight_;
-    // A height that cannot be is none.
+    // What a font without capitals says of their height is anything, and one that cannot be is none.
+    const std::uint32_t capital = glyphOf(U'H');
+    if (capital == 0) return capitalHeight_ = 0.7 * unitsPerEm_;
     const auto isLikely = [this](double height) { return height > 0.3 * unitsPerEm_ && height < 1.5 * unitsPerEm_; };
     const Bytes& table = tables_->of("OS/2");
     double height = table.size() >= 90 && table.u16(0) >= 2 ? table.i16(88) : 0;
     if (!isLikely(height)) {
         height = 0;
         capitalHeight_ = 1;
-        for (const OutlineStep& step : outlineOf(glyphOf(U'H'))) height = std::max(height, step.to.y);
+        for (const OutlineStep& step : outlineOf(capital)) height = std::max(height, step.to.y);
     }
     return capitalHeight_ = isLikely(height) ? height : 0.7 * unitsPerEm_;
 }

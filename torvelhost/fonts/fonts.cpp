@@ -23,7 +23,7 @@ std::uint32_t Typeface::glyphOf(char32_t character) {
 
 double Typeface::advanceOf(std::uint32_t glyph) {
     const auto [known, isNew] = advances_.try_emplace(glyph);
-    if (isNew) known->second = std::clamp(file_->advanceOf(glyph), 0.0, 2.0);
+    if (isNew) known->second = std::clamp(file_->advanceOf(glyph), 0.0, kWidestGlyph);
     return known->second;
 }
 
@@ -65,11 +65,13 @@ void Typeface::shape(Shaper& shaper, std::u32string_view paragraph, std::size_t 
     const std::size_t first = glyphs.size();
     shaped_->shape(paragraph, start, count, toLeft, glyphs);
     const double capital = file_->capitalHeight();
-    const auto inCapitals = [capital](double length, double least) { return std::clamp(length / capital, least, 2.0); };
+    const auto inCapitals = [capital](double length, double least) {
+        return std::clamp(length / capital, least, kWidestGlyph);
+    };
     for (std::size_t i = first; i < glyphs.size(); ++i) {
         glyphs[i].advance = inCapitals(glyphs[i].advance, 0.0);
-        glyphs[i].x = inCapitals(glyphs[i].x, -2.0);
-        glyphs[i].y = inCapitals(glyphs[i].y, -2.0);
+        glyphs[i].x = inCapitals(glyphs[i].x, -kWidestGlyph);
+        glyphs[i].y = inCapitals(glyphs[i].y, -kWidestGlyph);
     }
 }
 

@@ -17,6 +17,9 @@
 
 namespace host {
 
+/// No glyph is wider, in heights of capitals: who looks for what may reach into a picture goes by it.
+inline constexpr double kWidestGlyph = 4;
+
 /// A font in use: what was worked out of it is kept. Lengths are in heights of its capitals.
 class Typeface {
   public:
@@ -26,12 +29,12 @@ class Typeface {
 
     const FontFile& file() const { return *file_; }
     std::uint32_t glyphOf(char32_t character);
-    /// None is wider than two.
+    /// At most kWidestGlyph.
     double advanceOf(std::uint32_t glyph);
     /// Closed polygons, no farther from the curves than a half to the power of `fineness`. They hold until others are
     /// asked for.
     const Contours& contoursOf(std::uint32_t glyph, int fineness);
-    /// As ShapedFont::shape has them, but in heights of capitals, and none wider than two.
+    /// As ShapedFont::shape has them, but in heights of capitals, and none wider than kWidestGlyph.
     void shape(Shaper& shaper, std::u32string_view paragraph, std::size_t start, std::size_t count, bool toLeft,
                std::vector<ShapedGlyph>& glyphs);
 

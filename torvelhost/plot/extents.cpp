@@ -9,6 +9,7 @@
 #include "drawingdb/text.h"
 #include "drawingdb/text_metrics.h"
 #include "drawingdb/viewport.h"
+#include "torvelhost/fonts/fonts.h"
 
 namespace host {
 namespace {
@@ -50,9 +51,9 @@ void addShownText(const OdDbText& text, OdGeExtents3d& box) {
 }
 
 double reachOf(const OdDbText& text, const OdString& shown) {
-    // No character is wider than twice its height; fitted text reaches from one of its points to the other.
+    // Fitted text reaches from one of its points to the other.
     const double width = std::max(1.0, std::fabs(text.widthFactor()));
-    double reach = 2 * text.height() * (static_cast<double>(shown.size()) * width + 2);
+    double reach = kWidestGlyph * text.height() * (static_cast<double>(shown.size()) * width + 2);
     if (text.isJustified()) reach += text.position().distanceTo(text.alignmentPoint());
     return reach;
 }
