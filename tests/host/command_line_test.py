@@ -159,6 +159,7 @@ class CommandLine(unittest.TestCase):
         told = self.run_program("-c", "?").output
         for name in names[:-1]:
             self.assertRegex(told, rf"(?m)^(\w+, )?{name}\b")
+        self.assertLessEqual(set(re.findall(r"(?m)^(\S+?)(?=[,:]|$)", told)), {*names, "Command"})
         # The text is that of the page, without the marks that only a reader of Markdown knows.
         section = self.run_program("--help=attsync")
         self.assertEqual((section.status, section.errors), (0, ""))

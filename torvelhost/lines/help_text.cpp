@@ -119,7 +119,7 @@ std::vector<HelpTopic> helpTopics() {
     for (const std::wstring& line : linesOf(IDR_HELP_SCRIPTS))
         if (const std::vector<std::wstring> cells =
                 line.starts_with(kRow) ? cellsOf(line) : std::vector<std::wstring>();
-            cells.size() == 2 && base::toUpper(cells[0]) == cells[0] && cells[0].find_first_of(L" #^>") == line.npos)
+            cells.size() == 2 && base::toUpper(cells[0]) == cells[0] && cells[0].find_first_of(L" #^>=") == line.npos)
             topics.push_back({cells[0], L""});
     return topics;
 }
